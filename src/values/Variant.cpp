@@ -1,0 +1,334 @@
+#include "values/Variant.h"
+
+namespace brannoc {
+
+// ---- Bstr ----
+
+Bstr::Bstr(std::wstring_view text)
+    : m_text(SysAllocStringLen(text.data(), static_cast<UINT>(text.size())))
+{
+}
+
+Bstr::Bstr(const wchar_t* text, UINT length) : m_text(SysAllocStringLen(text, length)) {}
+
+Bstr::Bstr(const Bstr& other)
+    : m_text(other.m_text ? SysAllocStringLen(other.m_text, SysStringLen(other.m_text)) : nullptr)
+{
+}
+
+Bstr& Bstr::operator=(const Bstr& other)
+{
+    if (this != &other) {
+        Bstr copy(other);
+        *this = std::move(copy);
+    }
+    return *this;
+}
+
+Bstr& Bstr::operator=(Bstr&& other) noexcept
+{
+    if (this != &other) {
+        SysFreeString(m_text);
+        m_text = std::exchange(other.m_text, nullptr);
+    }
+    return *this;
+}
+
+Bstr::~Bstr() { SysFreeString(m_text); }
+
+void Bstr::Attach(BSTR text)
+{
+    if (text != m_text)
+        SysFreeString(m_text);
+    m_text = text;
+}
+
+BSTR Bstr::Detach() noexcept { return std::exchange(m_text, nullptr); }
+
+void Bstr::Clear()
+{
+    SysFreeString(m_text);
+    m_text = nullptr;
+}
+
+BSTR* Bstr::Out()
+{
+    Clear();
+    return &m_text;
+}
+
+bool Bstr::Assign(std::wstring_view text)
+{
+    BSTR fresh = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
+    if (!fresh)
+        return false;
+    Attach(fresh);
+    return true;
+}
+
+// ---- Variant ----
+
+Variant::Variant(const Variant& other)
+{
+    VariantInit(&m_value);
+    // A failed copy leaves this value Empty; callers that must know use CopyFrom.
+    (void)CopyFrom(other.m_value);
+}
+
+Variant& Variant::operator=(const Variant& other)
+{
+    if (this != &other)
+        (void)CopyFrom(other.m_value);
+    return *this;
+}
+
+Variant& Variant::operator=(Variant&& other) noexcept
+{
+    if (this != &other) {
+        VariantClear(&m_value);
+        m_value = other.m_value;
+        VariantInit(&other.m_value);
+    }
+    return *this;
+}
+
+Variant::~Variant() { VariantClear(&m_value); }
+
+void Variant::Attach(VARIANT& value)
+{
+    if (&value == &m_value)
+        return;
+    VariantClear(&m_value);
+    m_value = value;
+    VariantInit(&value);
+}
+
+void Variant::Detach(VARIANT& target) noexcept
+{
+    target = m_value;
+    VariantInit(&m_value);
+}
+
+bool Variant::CopyFrom(const VARIANT& source)
+{
+    if (&source == &m_value)
+        return true;
+    VARIANT fresh;
+    VariantInit(&fresh);
+    if (FAILED(VariantCopy(&fresh, const_cast<VARIANT*>(&source))))
+        return false;
+    VariantClear(&m_value);
+    m_value = fresh;
+    return true;
+}
+
+bool Variant::CopyIndirectFrom(const VARIANT& source)
+{
+    const VARIANT* end = FollowByRefChain(&source);
+    VARIANT fresh;
+    VariantInit(&fresh);
+    if (FAILED(VariantCopyInd(&fresh, const_cast<VARIANT*>(end))))
+        return false;
+    VariantClear(&m_value);
+    m_value = fresh;
+    return true;
+}
+
+void Variant::Clear()
+{
+    VariantClear(&m_value);
+    m_value.vt = VT_EMPTY;
+}
+
+void Variant::SetNull()
+{
+    Clear();
+    m_value.vt = VT_NULL;
+}
+
+void Variant::SetInteger(SHORT value)
+{
+    Clear();
+    m_value.vt = VT_I2;
+    m_value.iVal = value;
+}
+
+void Variant::SetLong(LONG value)
+{
+    Clear();
+    m_value.vt = VT_I4;
+    m_value.lVal = value;
+}
+
+void Variant::SetSingle(FLOAT value)
+{
+    Clear();
+    m_value.vt = VT_R4;
+    m_value.fltVal = value;
+}
+
+void Variant::SetDouble(DOUBLE value)
+{
+    Clear();
+    m_value.vt = VT_R8;
+    m_value.dblVal = value;
+}
+
+void Variant::SetCurrency(CY value)
+{
+    Clear();
+    m_value.vt = VT_CY;
+    m_value.cyVal = value;
+}
+
+void Variant::SetCurrencyUnits(LONGLONG tenThousandths)
+{
+    CY value;
+    value.int64 = tenThousandths;
+    SetCurrency(value);
+}
+
+void Variant::SetDate(DATE value)
+{
+    Clear();
+    m_value.vt = VT_DATE;
+    m_value.date = value;
+}
+
+void Variant::SetBoolean(bool value) { SetBooleanBits(value ? VARIANT_TRUE : VARIANT_FALSE); }
+
+void Variant::SetBooleanBits(VARIANT_BOOL value)
+{
+    Clear();
+    m_value.vt = VT_BOOL;
+    m_value.boolVal = value;
+}
+
+void Variant::SetError(SCODE status)
+{
+    Clear();
+    m_value.vt = VT_ERROR;
+    m_value.scode = status;
+}
+
+void Variant::SetByte(BYTE value)
+{
+    Clear();
+    m_value.vt = VT_UI1;
+    m_value.bVal = value;
+}
+
+void Variant::SetDecimal(const DECIMAL& value)
+{
+    Clear();
+    // The DECIMAL overlays the whole VARIANT, its reserved word taking the place of the tag.
+    m_value.decVal = value;
+    m_value.vt = VT_DECIMAL;
+}
+
+void Variant::SetString(BSTR text)
+{
+    Clear();
+    m_value.vt = VT_BSTR;
+    m_value.bstrVal = text;
+}
+
+bool Variant::SetString(std::wstring_view text)
+{
+    BSTR fresh = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
+    SetString(fresh);
+    return fresh != nullptr || text.empty();
+}
+
+void Variant::SetObject(IDispatch* object, bool addRef)
+{
+    if (object && addRef)
+        object->AddRef();
+    Clear();
+    m_value.vt = VT_DISPATCH;
+    m_value.pdispVal = object;
+}
+
+void Variant::SetUnknown(IUnknown* object, bool addRef)
+{
+    if (object && addRef)
+        object->AddRef();
+    Clear();
+    m_value.vt = VT_UNKNOWN;
+    m_value.punkVal = object;
+}
+
+void Variant::SetArray(SAFEARRAY* array, VARTYPE elementTag)
+{
+    Clear();
+    m_value.vt = static_cast<VARTYPE>(VT_ARRAY | elementTag);
+    m_value.parray = array;
+}
+
+void Variant::SetByRef(VARTYPE tag, void* storage)
+{
+    Clear();
+    m_value.vt = static_cast<VARTYPE>(VT_BYREF | tag);
+    m_value.byref = storage;
+}
+
+const VARIANT* FollowByRefChain(const VARIANT* value) noexcept
+{
+    while (value && value->vt == (VT_BYREF | VT_VARIANT) && value->pvarVal)
+        value = value->pvarVal;
+    return value;
+}
+
+VARIANT* FollowByRefChain(VARIANT* value) noexcept
+{
+    return const_cast<VARIANT*>(FollowByRefChain(static_cast<const VARIANT*>(value)));
+}
+
+// ---- SafeArray ----
+
+SafeArray& SafeArray::operator=(SafeArray&& other) noexcept
+{
+    if (this != &other) {
+        Clear();
+        m_array = std::exchange(other.m_array, nullptr);
+    }
+    return *this;
+}
+
+SafeArray::~SafeArray() { Clear(); }
+
+void SafeArray::Attach(SAFEARRAY* array)
+{
+    if (array != m_array)
+        Clear();
+    m_array = array;
+}
+
+void SafeArray::Clear()
+{
+    if (m_array)
+        SafeArrayDestroy(m_array);
+    m_array = nullptr;
+}
+
+bool SafeArray::CopyFrom(SAFEARRAY* source)
+{
+    SAFEARRAY* copy = nullptr;
+    if (source && FAILED(SafeArrayCopy(source, &copy)))
+        return false;
+    Attach(copy);
+    return true;
+}
+
+SafeArrayLock::SafeArrayLock(SAFEARRAY* array) noexcept
+    : m_array(array), m_locked(array && SUCCEEDED(::SafeArrayLock(array)))
+{
+}
+
+SafeArrayLock::~SafeArrayLock()
+{
+    if (m_locked)
+        SafeArrayUnlock(m_array);
+}
+
+} // namespace brannoc

@@ -1,0 +1,164 @@
+#pragma once
+// Owning holders for the automation value types: Bstr (a BSTR), Variant (a VARIANT) and SafeArray (a
+// SAFEARRAY with a lock guard). Raw clear/free calls on these resources appear only in Variant.cpp.
+#include <windows.h>
+#include <oaidl.h>
+#include <oleauto.h>
+#include <string_view>
+#include <utility>
+
+namespace brannoc {
+
+// Owns one BSTR. The length is the BSTR's own length prefix, so embedded NUL characters are kept.
+class Bstr final {
+public:
+    Bstr() = default;
+    explicit Bstr(std::wstring_view text);
+    Bstr(const wchar_t* text, UINT length);
+    Bstr(const Bstr& other);
+    Bstr(Bstr&& other) noexcept : m_text(other.m_text) { other.m_text = nullptr; }
+    Bstr& operator=(const Bstr& other);
+    Bstr& operator=(Bstr&& other) noexcept;
+    ~Bstr();
+
+    // Takes ownership of text (which may be null).
+    void Attach(BSTR text);
+    // Hands ownership of the string to the caller; the holder becomes empty.
+    [[nodiscard]] BSTR Detach() noexcept;
+    void Clear();
+
+    BSTR Get() const noexcept { return m_text; }
+    // Address for an out parameter: the current string is freed first.
+    BSTR* Out();
+    UINT Length() const noexcept { return m_text ? SysStringLen(m_text) : 0; }
+    bool IsEmpty() const noexcept { return Length() == 0; }
+    std::wstring_view View() const noexcept { return {m_text ? m_text : L"", Length()}; }
+    // False only when allocation failed.
+    [[nodiscard]] bool Assign(std::wstring_view text);
+
+private:
+    BSTR m_text = nullptr;
+};
+
+// Owns one VARIANT: cleared on destruction, copied through VariantCopy, moved by stealing the bits.
+class Variant final {
+public:
+    Variant() noexcept { VariantInit(&m_value); }
+    Variant(const Variant& other);
+    Variant(Variant&& other) noexcept : m_value(other.m_value) { VariantInit(&other.m_value); }
+    Variant& operator=(const Variant& other);
+    Variant& operator=(Variant&& other) noexcept;
+    ~Variant();
+
+    // Adopts the contents of value (ownership moves in; value becomes Empty).
+    void Attach(VARIANT& value);
+    // Moves the contents out into target, which must not hold anything owned; this becomes Empty.
+    void Detach(VARIANT& target) noexcept;
+    // Copies source through VariantCopy. False when the platform refused (out of memory and so on).
+    [[nodiscard]] bool CopyFrom(const VARIANT& source);
+    // Copies what a by-reference source points at (VariantCopyInd). False on failure.
+    [[nodiscard]] bool CopyIndirectFrom(const VARIANT& source);
+
+    void Clear();
+    VARIANT& Raw() noexcept { return m_value; }
+    const VARIANT& Raw() const noexcept { return m_value; }
+    VARTYPE Tag() const noexcept { return m_value.vt; }
+    VARTYPE BaseTag() const noexcept { return m_value.vt & VT_TYPEMASK; }
+    bool IsByRef() const noexcept { return (m_value.vt & VT_BYREF) != 0; }
+    bool IsArray() const noexcept { return (m_value.vt & VT_ARRAY) != 0; }
+
+    void SetEmpty() { Clear(); }
+    void SetNull();
+    void SetInteger(SHORT value);
+    void SetLong(LONG value);
+    void SetSingle(FLOAT value);
+    void SetDouble(DOUBLE value);
+    void SetCurrency(CY value);
+    void SetCurrencyUnits(LONGLONG tenThousandths);
+    void SetDate(DATE value);
+    void SetBoolean(bool value);
+    void SetBooleanBits(VARIANT_BOOL value);
+    void SetError(SCODE status);
+    void SetByte(BYTE value);
+    void SetDecimal(const DECIMAL& value);
+    // Adopts text (which may be null: the empty string).
+    void SetString(BSTR text);
+    void SetString(Bstr&& text) { SetString(text.Detach()); }
+    // Copies text; false when allocation failed (the value is then an empty String).
+    [[nodiscard]] bool SetString(std::wstring_view text);
+    // Adds a reference when addRef is true, otherwise adopts the caller's reference.
+    void SetObject(IDispatch* object, bool addRef = true);
+    void SetUnknown(IUnknown* object, bool addRef = true);
+    // Adopts array; elementTag is its element kind (without the array flag).
+    void SetArray(SAFEARRAY* array, VARTYPE elementTag);
+    // Makes this a by-reference value of tag kind pointing at storage it does not own.
+    void SetByRef(VARTYPE tag, void* storage);
+
+    // Accessors of the payload; valid only for the matching tag.
+    SHORT Integer() const noexcept { return m_value.iVal; }
+    LONG Long() const noexcept { return m_value.lVal; }
+    FLOAT Single() const noexcept { return m_value.fltVal; }
+    DOUBLE Double() const noexcept { return m_value.dblVal; }
+    CY Currency() const noexcept { return m_value.cyVal; }
+    DATE Date() const noexcept { return m_value.date; }
+    VARIANT_BOOL Boolean() const noexcept { return m_value.boolVal; }
+    SCODE Error() const noexcept { return m_value.scode; }
+    BYTE Byte() const noexcept { return m_value.bVal; }
+    const DECIMAL& Decimal() const noexcept { return m_value.decVal; }
+    BSTR String() const noexcept { return m_value.bstrVal; }
+    std::wstring_view StringView() const noexcept
+    {
+        return {m_value.bstrVal ? m_value.bstrVal : L"", m_value.bstrVal ? SysStringLen(m_value.bstrVal) : 0u};
+    }
+    IDispatch* Object() const noexcept { return m_value.pdispVal; }
+    SAFEARRAY* Array() const noexcept { return m_value.parray; }
+
+private:
+    VARIANT m_value;
+};
+
+static_assert(sizeof(Variant) == 16, "Variant must keep the VARIANT layout");
+
+// Follows a chain of by-reference Variants (tag VT_BYREF | VT_VARIANT) to the last VARIANT, which is
+// either a plain value or a by-reference value of a fixed kind. Never returns null for a non-null input.
+const VARIANT* FollowByRefChain(const VARIANT* value) noexcept;
+VARIANT* FollowByRefChain(VARIANT* value) noexcept;
+
+// Owns one SAFEARRAY (destroyed with SafeArrayDestroy).
+class SafeArray final {
+public:
+    SafeArray() = default;
+    explicit SafeArray(SAFEARRAY* array) noexcept : m_array(array) {}
+    SafeArray(const SafeArray&) = delete;
+    SafeArray& operator=(const SafeArray&) = delete;
+    SafeArray(SafeArray&& other) noexcept : m_array(std::exchange(other.m_array, nullptr)) {}
+    SafeArray& operator=(SafeArray&& other) noexcept;
+    ~SafeArray();
+
+    void Attach(SAFEARRAY* array);
+    [[nodiscard]] SAFEARRAY* Detach() noexcept { return std::exchange(m_array, nullptr); }
+    void Clear();
+    SAFEARRAY* Get() const noexcept { return m_array; }
+    // A deep copy of source (SafeArrayCopy); false on failure.
+    [[nodiscard]] bool CopyFrom(SAFEARRAY* source);
+
+private:
+    SAFEARRAY* m_array = nullptr;
+};
+
+// Keeps a safe array locked (its data pointer valid) for the guard's lifetime.
+class SafeArrayLock final {
+public:
+    explicit SafeArrayLock(SAFEARRAY* array) noexcept;
+    SafeArrayLock(const SafeArrayLock&) = delete;
+    SafeArrayLock& operator=(const SafeArrayLock&) = delete;
+    ~SafeArrayLock();
+    bool IsLocked() const noexcept { return m_locked; }
+    void* Data() const noexcept { return m_locked ? m_array->pvData : nullptr; }
+
+private:
+    SAFEARRAY* m_array = nullptr;
+    bool m_locked = false;
+};
+
+} // namespace brannoc
