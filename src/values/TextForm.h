@@ -1,0 +1,18 @@
+#pragma once
+// The printed forms of a value: Print # (WritePrint), Write # (WriteWrite), the debugging display
+// (WriteDebug) and a string as a source-language literal (WriteQuoted). Each appends to out.
+#include "values/Variant.h"
+
+#include <string>
+
+namespace brannoc {
+
+[[nodiscard]] bool WritePrint(std::wstring& out, const Variant& value);
+[[nodiscard]] bool WriteWrite(std::wstring& out, const Variant& value);
+[[nodiscard]] bool WriteDebug(std::wstring& out, const Variant& value);
+void WriteQuoted(std::wstring& out, std::wstring_view text);
+
+// The language's name of a value kind ("Integer", "Variant", ...), as array displays show it.
+std::wstring_view KindName(VARTYPE tag);
+
+} // namespace brannoc
