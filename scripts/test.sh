@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds everything and runs the whole test suite under Wine on a private
+# virtual display. Extra arguments go to ctest (for example -R values).
+set -euo pipefail
+root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+build="${BRANNOC_BUILD:-$root/build}"
+
+bash "$root/scripts/setup.sh"
+if [ ! -f "$build/build.ninja" ]; then
+    cmake -S "$root" -B "$build" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$root/cmake/i686-w64-mingw32.cmake" >/dev/null
+fi
+cmake --build "$build" -j"$(nproc)"
+
+# One display for the whole run, on the first free number from 90 up.
+display=90
+while [ -e "/tmp/.X11-unix/X$display" ] || [ -e "/tmp/.X$display-lock" ]; do
+    display=$((display + 1))
+done
+Xvfb ":$display" -screen 0 1024x768x24 -nolisten tcp >/dev/null 2>&1 &
+xvfb_pid=$!
+cleanup() {
+    kill "$xvfb_pid" 2>/dev/null || true
+    WINEPREFIX="$build/wineprefix" wineserver -k 2>/dev/null || true
+}
+trap cleanup EXIT
+for _ in $(seq 1 50); do
+    [ -e "/tmp/.X11-unix/X$display" ] && break
+    sleep 0.1
+done
+export DISPLAY=":$display"
+
+# Keep one Wine server for the run instead of one per test program.
+WINEPREFIX="$build/wineprefix" "$build/wine-run" cmd /c exit >/dev/null 2>&1 || true
+WINEPREFIX="$build/wineprefix" wineserver -p >/dev/null 2>&1 || true
+
+cd "$build"
+ctest --output-on-failure "$@"
