@@ -146,6 +146,8 @@ namespace brannoc {
     X(InvalidUsesComment, 10008) \
     X(InvalidUsesDependency, 10009) \
     X(ModuleDoesNotExist, 10013) \
+    X(DivideByZero, 10061) \
+    X(Overflow, 10062) \
     X(TypeMismatch, 10080)
 
 enum class CompileMessage : std::uint16_t {

@@ -61,6 +61,8 @@ public:
     int ErrorCount() const { return m_errorCount; }
     bool ErrorLimitReached() const { return m_errorCount >= m_errorLimit; }
     void ResetErrors();
+    // Starts a new statement for error reporting without moving.
+    void ClearStatementError() { m_statementHasError = false; }
     void SetErrorSink(CompileErrorSink* sink) { m_sink = sink; }
     // Reports a compile error at the current token when the statement has none yet and the limit is not
     // reached; otherwise drops it.

@@ -1,0 +1,456 @@
+#include "frontend/Compiler.h"
+
+#include "frontend/CharClasses.h"
+#include "frontend/ConstantReader.h"
+#include "frontend/DeclarationReader.h"
+
+#include <algorithm>
+
+namespace brannoc {
+namespace {
+
+std::string Upper(std::string_view text)
+{
+    std::string upper(text);
+    for (char& c : upper)
+        c = CharClasses::Get().Upper(c);
+    return upper;
+}
+
+bool SameName(std::string_view a, std::string_view b) { return Upper(a) == Upper(b); }
+
+bool StartsWithWord(std::string_view text, std::string_view word)
+{
+    return text.size() >= word.size() && SameName(text.substr(0, word.size()), word);
+}
+
+void SetResultFromErrors(const Lexer& lexer, ParseResult& result)
+{
+    if (lexer.ErrorCount() != 0 && result == ParseResult::Okay)
+        result = ParseResult::SyntaxErrors;
+}
+
+// Names of the recognised header attributes; VB_Name takes a String, the others a Boolean.
+constexpr std::string_view kHeaderAttributes[] = {"VB_Name", "VB_GlobalNameSpace", "VB_Creatable", "VB_PredeclaredId",
+                                                  "VB_Exposed"};
+
+} // namespace
+
+Compiler::Compiler(ModuleSource& source) : m_source(source) { m_lexer.SetErrorSink(this); }
+
+Compiler::~Compiler() = default;
+
+void Compiler::Report(const CompileError& error)
+{
+    m_errors.push_back(error);
+    if (m_forward != nullptr)
+        m_forward->Report(error);
+}
+
+Module* Compiler::FindModule(std::string_view name) const
+{
+    for (const auto& module : m_modules)
+        if (SameName(module->Name(), name))
+            return module.get();
+    return nullptr;
+}
+
+bool Compiler::IsClassName(void* context, std::string_view name)
+{
+    const auto* compiler = static_cast<Compiler*>(context);
+    for (const auto& module : compiler->m_modules)
+        if (module->Kind() != ModuleKind::Plain && (SameName(module->RecordName(), name) || SameName(module->Name(), name)))
+            return true;
+    return false;
+}
+
+Module* Compiler::CreateModule(std::string_view name, int mode, ParseResult& result)
+{
+    if (m_lexer.MemoryExhausted()) {
+        result = ParseResult::AllocFailed;
+        return nullptr;
+    }
+    std::optional<ModuleText> text = m_source.Read(name);
+    if (!text) {
+        result = ParseResult::NotFound;
+        return nullptr;
+    }
+    auto module = std::make_unique<Module>(std::string(name), std::move(text->text), mode);
+    module->SetObjectModuleFile(text->objectModuleFile);
+    m_modules.push_back(std::move(module));
+    return m_modules.back().get();
+}
+
+void Compiler::DestroyModule(Module* module)
+{
+    for (auto& other : m_modules) {
+        auto& used = other->UsedModules();
+        used.erase(std::remove(used.begin(), used.end(), module), used.end());
+    }
+    m_modules.erase(std::remove_if(m_modules.begin(), m_modules.end(),
+                                   [module](const std::unique_ptr<Module>& held) { return held.get() == module; }),
+                    m_modules.end());
+}
+
+ParseResult Compiler::Parse(std::string_view name, int mode)
+{
+    m_lexer.ResetErrors();
+    ParseResult result = ParseResult::Okay;
+    const std::size_t firstCreated = m_modules.size();
+    Module* module = CreateModule(name, mode, result);
+    if (module == nullptr)
+        return result;
+    DeclarationPhases(*module, result);
+    if (result == ParseResult::Okay)
+        Definitions(*module, result);
+    if (result != ParseResult::Okay) {
+        // Modules of this compile that did not finish are discarded; used modules that compiled stay.
+        std::vector<Module*> discard;
+        for (std::size_t i = firstCreated; i < m_modules.size(); ++i)
+            if (m_modules[i].get() == module || m_modules[i]->State() != nullptr)
+                discard.push_back(m_modules[i].get());
+        for (Module* failed : discard)
+            DestroyModule(failed);
+        return result;
+    }
+    // FIXME: mode 2 initializes the module (storage and initializer) once the executor exists.
+    return result;
+}
+
+// Steps 1 to 5 of the phase order for one module.
+void Compiler::DeclarationPhases(Module& module, ParseResult& result)
+{
+    m_compiling = true;
+    ParseDeclarations1(module, result);
+    if (result == ParseResult::Okay)
+        Uses(module, result);
+    if (result == ParseResult::Okay)
+        ParseDeclarations2(module, result);
+    m_compiling = false;
+}
+
+// Definitions of the module, then of each used module in order, while all succeed.
+void Compiler::Definitions(Module& module, ParseResult& result)
+{
+    if (module.State() != nullptr) {
+        m_compiling = true;
+        ParseDefinitions(module, result);
+        m_compiling = false;
+        if (result != ParseResult::Okay)
+            return;
+        module.FreeState();
+    }
+    const std::vector<Module*> used = module.UsedModules();
+    for (Module* other : used) {
+        if (other->State() == nullptr)
+            continue;
+        Definitions(*other, result);
+        if (result != ParseResult::Okay)
+            return;
+    }
+}
+
+void Compiler::ParseDeclarations1(Module& module, ParseResult& result)
+{
+    m_lexer.SetText(module.Text().c_str(), module.Name());
+    ReadHeader(module);
+    ReadReferences(module);
+    SetResultFromErrors(m_lexer, result);
+}
+
+void Compiler::ReadHeader(Module& module)
+{
+    ParseState& state = *module.State();
+    state.resumeLine = 1;
+    if (module.IsObjectModuleFile()) {
+        while (m_lexer.Kind() == Token::Apostrophe && m_lexer.SkipStatement()) {
+        }
+        if (m_lexer.Kind() == Token::Id && SameName(m_lexer.Text(), "VERSION")) {
+            m_lexer.NextToken();
+            if (m_lexer.Kind() == Token::LiteralNumber)
+                m_lexer.NextToken();
+            if (IsNameToken(m_lexer.Kind())) {
+                module.SetHeaderWord(std::string(m_lexer.Text()));
+                module.SetKind(SameName(m_lexer.Text(), "CLASS") ? ModuleKind::Class : ModuleKind::Form);
+            } else {
+                module.SetHeaderWord("Form");
+                module.SetKind(ModuleKind::Form);
+            }
+            m_lexer.SkipStatement();
+            while (SameName(m_lexer.Text(), "Object") && m_lexer.SkipStatement()) {
+            }
+            if (m_lexer.Kind() == Token::Begin) {
+                int depth = 1;
+                while (depth > 0 && m_lexer.SkipStatement()) {
+                    if (m_lexer.Kind() == Token::Begin)
+                        ++depth;
+                    else if (m_lexer.Kind() == Token::End)
+                        --depth;
+                }
+                m_lexer.SkipStatement();
+            }
+            bool hasName = false;
+            while (m_lexer.Kind() == Token::Attribute) {
+                m_lexer.NextToken();
+                const std::string name(m_lexer.Text());
+                m_lexer.NextToken();
+                const auto known = std::find_if(std::begin(kHeaderAttributes), std::end(kHeaderAttributes),
+                                                [&](std::string_view attribute) { return SameName(attribute, name); });
+                if (known != std::end(kHeaderAttributes) && m_lexer.ExpectToken(Token::Equal)) {
+                    ConstantReader reader(m_lexer, &state);
+                    ConstantValue value;
+                    if (reader.Read(value)) {
+                        const bool isName = known == std::begin(kHeaderAttributes);
+                        if (isName ? !value.IsString() : value.type.Code() != TypeCode::kBoolean) {
+                            m_lexer.SignalError(CompileMessage::InvalidInstruction);
+                        } else if (isName) {
+                            hasName = true;
+                            const std::string recordName(value.text.begin(), value.text.end());
+                            bool inUse = m_source.IsGlobalNameInUse(recordName);
+                            for (const auto& other : m_modules)
+                                if (other.get() != &module && (SameName(other->Name(), recordName) ||
+                                                               SameName(other->RecordName(), recordName)))
+                                    inUse = true;
+                            if (recordName.empty())
+                                m_lexer.SignalError(CompileMessage::TypeIdentifierIsInvalid);
+                            else if (inUse)
+                                m_lexer.SignalError(CompileMessage::IdentifierIsAlreadyInUse, recordName);
+                            module.SetRecordName(recordName);
+                        } else if (*known == "VB_PredeclaredId" && value.integer != 0 &&
+                                   module.Kind() == ModuleKind::Class) {
+                            module.SetKind(ModuleKind::Object);
+                        }
+                    }
+                }
+                if (!m_lexer.SkipStatement())
+                    break;
+            }
+            if (!hasName)
+                m_lexer.SignalError(CompileMessage::ErrorSInObjectHeader);
+            state.resumeLine = m_lexer.Line();
+            if (module.Kind() == ModuleKind::Form && m_lexer.ErrorCount() == 0) {
+                const std::string_view header(module.Text().c_str(),
+                                              static_cast<std::size_t>(m_lexer.TokenStart() - m_lexer.Offset() -
+                                                                       module.Text().c_str()));
+                if (!m_source.BuildForm(module.RecordName(), header))
+                    m_lexer.SignalError(CompileMessage::ErrorSInObjectHeader);
+                module.SetKind(ModuleKind::Object);
+            }
+            return;
+        }
+        m_lexer.SetText(module.Text().c_str(), module.Name());
+    }
+    if (m_lexer.Kind() == Token::Attribute) {
+        m_lexer.NextToken();
+        if (SameName(m_lexer.Text(), "VB_Name"))
+            state.resumeLine = 2;
+    }
+}
+
+// A run of "'#Reference" comment lines after the header goes to the reference manager as one block.
+void Compiler::ReadReferences(Module& module)
+{
+    m_lexer.SeekLine(module.State()->resumeLine);
+    const char* first = m_lexer.TokenStart() - m_lexer.Offset();
+    const char* end = first;
+    while (StartsWithWord(m_lexer.RestOfLine(), "'#Reference")) {
+        end = m_lexer.TokenStart() + m_lexer.RestOfLine().size();
+        if (!m_lexer.SkipStatement())
+            break;
+    }
+    if (end != first && !m_source.AddReferences(module.Name(), std::string_view(first, static_cast<std::size_t>(end - first))))
+        m_lexer.SignalError(CompileMessage::TheReferenceCouldNotBeAdded);
+}
+
+void Compiler::Uses(Module& module, ParseResult& result)
+{
+    if (ScanUses(module, "'#Uses", result))
+        (void)ScanUses(module, "'$Include:", result);
+}
+
+// One scan of the text for lines that begin (after blanks) with the keyword and a quoted module name.
+bool Compiler::ScanUses(Module& module, std::string_view keyword, ParseResult& result)
+{
+    const std::string& text = module.Text();
+    std::size_t lineStart = 0;
+    while (lineStart < text.size()) {
+        std::size_t lineEnd = text.find('\r', lineStart);
+        if (lineEnd == std::string::npos)
+            lineEnd = text.size();
+        std::size_t p = lineStart;
+        while (p < lineEnd && (text[p] == ' ' || text[p] == '\t'))
+            ++p;
+        const std::size_t keywordAt = p;
+        const std::string_view line(text.data() + p, lineEnd - p);
+        std::size_t next = lineEnd + 1;
+        if (next < text.size() && text[next] == '\n')
+            ++next;
+        if (!StartsWithWord(line, keyword)) {
+            lineStart = next;
+            continue;
+        }
+        p += keyword.size();
+        while (p < lineEnd && (text[p] == ' ' || text[p] == '\t'))
+            ++p;
+        std::size_t nameEnd = p + 1;
+        while (nameEnd < lineEnd && text[nameEnd] != '"' && text[nameEnd] != '\n')
+            ++nameEnd;
+        std::string name = p < lineEnd && text[p] == '"' ? text.substr(p + 1, nameEnd - p - 1) : std::string();
+        while (!name.empty() && name.back() == ' ')
+            name.pop_back();
+        name.erase(0, name.find_first_not_of(' ') == std::string::npos ? name.size() : name.find_first_not_of(' '));
+        if (name.empty()) {
+            m_lexer.SetText(text.c_str(), module.Name());
+            m_lexer.SignalErrorAt(CompileMessage::InvalidUsesComment, {}, text.c_str() + keywordAt);
+            result = ParseResult::SyntaxErrors;
+            return false;
+        }
+        // "Only:" limits the line to a platform; only Win32 lines count here.
+        std::size_t after = nameEnd + 1;
+        while (after < lineEnd && (text[after] == ' ' || text[after] == '\t'))
+            ++after;
+        lineStart = next;
+        if (StartsWithWord(std::string_view(text).substr(std::min(after, lineEnd), lineEnd - std::min(after, lineEnd)), "Only:")) {
+            after += 5;
+            while (after < lineEnd && (text[after] == ' ' || text[after] == '\t'))
+                ++after;
+            const std::string_view platform = std::string_view(text).substr(after, lineEnd - after);
+            if (!StartsWithWord(platform, "Win32") ||
+                (platform.size() > 5 && CharClasses::Get().IsIdentifierChar(platform[5])))
+                continue;
+        }
+        const std::string resolved = m_source.ResolveName(module.Name(), name);
+        Module* used = FindModule(resolved);
+        if (used != nullptr) {
+            if (used->IsMacro()) {
+                m_lexer.SetText(text.c_str(), module.Name());
+                m_lexer.SignalErrorAt(CompileMessage::InvalidUsesDependency, {}, text.c_str() + keywordAt);
+                result = ParseResult::SyntaxErrors;
+                return false;
+            }
+            used->AddUse();
+        } else {
+            ParseResult created = ParseResult::Okay;
+            used = CreateModule(resolved, 1, created);
+            if (used == nullptr) {
+                m_lexer.SetText(text.c_str(), module.Name());
+                m_lexer.SignalErrorAt(created == ParseResult::NotFound ? CompileMessage::ModuleDoesNotExist
+                                                                       : CompileMessage::OutOfMemory,
+                                      {}, text.c_str() + keywordAt);
+                result = created;
+                return false;
+            }
+            DeclarationPhases(*used, result);
+            m_compiling = true;
+            if (result != ParseResult::Okay)
+                return false;
+        }
+        module.UsedModules().push_back(used);
+    }
+    return true;
+}
+
+void Compiler::ParseDeclarations2(Module& module, ParseResult& result)
+{
+    m_lexer.SetText(module.Text().c_str(), module.Name());
+    m_lexer.SeekLine(module.State()->resumeLine);
+    DeclarationReader reader(m_lexer, module, &m_source, &Compiler::IsClassName, this);
+    while (!m_lexer.AtEnd() && !m_lexer.ErrorLimitReached()) {
+        Visibility visibility = Visibility::None;
+        bool hasVisibilityWord = true;
+        if (m_lexer.Accept(Token::Private))
+            visibility = Visibility::Private;
+        else if (m_lexer.Accept(Token::Public) || m_lexer.Accept(Token::Global))
+            visibility = Visibility::Public;
+        else if (m_lexer.Accept(Token::Friend))
+            visibility = Visibility::Friend;
+        else
+            hasVisibilityWord = false;
+        const ReadResult read = reader.ReadTopLevel(visibility, hasVisibilityWord);
+        if (read == ReadResult::NotMine)
+            m_lexer.SignalError(CompileMessage::UnexpectedText);
+        if (read != ReadResult::DoneAtNextLine)
+            m_lexer.SkipStatement();
+    }
+    if (!m_lexer.ErrorLimitReached())
+        DecideEntries(module);
+    SetResultFromErrors(m_lexer, result);
+}
+
+void Compiler::DecideEntries(Module& module)
+{
+    ParseState& state = *module.State();
+    const auto find = [&](const std::string& name) -> Procedure* {
+        for (const auto& procedure : state.procedures)
+            if (procedure->kind != ProcedureKind::External && SameName(procedure->name, name))
+                return procedure.get();
+        return nullptr;
+    };
+    if (module.Kind() == ModuleKind::Plain) {
+        Procedure* main = find("Main");
+        if (module.IsMacro()) {
+            if (main == nullptr) {
+                m_lexer.SignalError(CompileMessage::SubMainHasNotBeenDefined);
+                return;
+            }
+            CheckEntry(module, main, false);
+            state.entry = main;
+        } else if (main != nullptr && main->visibility == Visibility::Private) {
+            CheckEntry(module, main, true);
+            state.entry = main;
+        }
+        return;
+    }
+    state.entry = find(module.HeaderWord() + "_Initialize");
+    state.terminate = find(module.HeaderWord() + "_Terminate");
+    if (state.entry != nullptr)
+        CheckEntry(module, state.entry, true);
+    if (state.terminate != nullptr)
+        CheckEntry(module, state.terminate, true);
+}
+
+void Compiler::CheckEntry(Module& module, Procedure* procedure, bool mustBePrivate)
+{
+    m_lexer.SeekLine(procedure->firstLine);
+    const bool isPrivate = procedure->visibility == Visibility::Private;
+    if (procedure->kind != ProcedureKind::Sub || isPrivate != mustBePrivate)
+        m_lexer.SignalError(mustBePrivate ? CompileMessage::ExpectingAPrivateSub : CompileMessage::ExpectingAPublicSub,
+                            procedure->name);
+    else if (!procedure->parameters.empty())
+        m_lexer.SignalError(CompileMessage::NotExpectingAnyParameters, procedure->name);
+    (void)module;
+}
+
+void Compiler::ParseDefinitions(Module& module, ParseResult& result)
+{
+    m_lexer.SetText(module.Text().c_str(), module.Name());
+    ParseState& state = *module.State();
+    DeclarationReader reader(m_lexer, module, &m_source, &Compiler::IsClassName, this);
+    reader.ResolveTypes();
+    SetResultFromErrors(m_lexer, result);
+    for (auto& procedure : state.procedures) {
+        if (result != ParseResult::Okay || m_lexer.ErrorLimitReached() || m_lexer.MemoryExhausted())
+            break;
+        if (procedure->kind == ProcedureKind::External || m_bodyCompiler == nullptr)
+            continue;
+        m_lexer.SeekLine(procedure->firstLine);
+        if (!m_bodyCompiler->CompileBody(module, *procedure, m_lexer))
+            SetResultFromErrors(m_lexer, result);
+    }
+    SetResultFromErrors(m_lexer, result);
+    auto compiled = std::make_unique<CompiledModule>();
+    compiled->entry = state.entry;
+    compiled->terminate = state.terminate;
+    if (result == ParseResult::Okay && !LayoutVariables(state.variables, 0, compiled->storageSize, m_lexer))
+        result = ParseResult::SyntaxErrors;
+    compiled->variables = std::move(state.variables);
+    compiled->constants = std::move(state.constants);
+    compiled->userTypes = std::move(state.userTypes);
+    compiled->enums = std::move(state.enums);
+    compiled->procedures = std::move(state.procedures);
+    compiled->events = std::move(state.events);
+    compiled->implements = std::move(state.implements);
+    module.SetCompiled(std::move(compiled));
+}
+
+} // namespace brannoc

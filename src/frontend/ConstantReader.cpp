@@ -1,0 +1,320 @@
+#include "frontend/ConstantReader.h"
+
+#include "frontend/CharClasses.h"
+#include "frontend/Lexer.h"
+#include "frontend/Module.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <string>
+
+namespace brannoc {
+namespace {
+
+// Binary operators of constant expressions and their precedence (higher binds tighter).
+struct BinaryOperator {
+    Token token;
+    int precedence;
+};
+
+constexpr BinaryOperator kBinaryOperators[] = {
+    {Token::Caret, 800},    {Token::Star, 700},     {Token::Slash, 700},   {Token::Backslash, 600},
+    {Token::Mod, 500},      {Token::Plus, 400},     {Token::Minus, 400},   {Token::Ampersand, 300},
+    {Token::Equal, 200},    {Token::NotEqual, 200}, {Token::Less, 200},    {Token::Greater, 200},
+    {Token::LessEqual, 200}, {Token::GreaterEqual, 200}, {Token::And, 100}, {Token::Or, 90},
+    {Token::Xor, 80},       {Token::Eqv, 70},       {Token::Imp, 60},
+};
+constexpr int kUnaryPrecedence = 900;
+constexpr int kNotPrecedence = 110;
+
+int PrecedenceOf(Token token)
+{
+    for (const BinaryOperator& op : kBinaryOperators)
+        if (op.token == token)
+            return op.precedence;
+    return -1;
+}
+
+std::string Upper(std::string_view text)
+{
+    std::string upper(text);
+    for (char& c : upper)
+        c = CharClasses::Get().Upper(c);
+    return upper;
+}
+
+std::wstring TextOf(const ConstantValue& value)
+{
+    ConstantValue copy = value;
+    if (!copy.ConvertTo(TypeCode(TypeCode::kString)))
+        return {};
+    return copy.text;
+}
+
+ConstantValue IntegralResult(long long value, const ConstantValue& left, const ConstantValue& right)
+{
+    const bool bothInteger = left.type.Code() <= TypeCode::kInteger && right.type.Code() <= TypeCode::kInteger;
+    if (bothInteger && value >= -32768 && value <= 32767)
+        return ConstantValue::Integer(value, TypeCode::kInteger);
+    if (value >= -2147483648LL && value <= 2147483647LL)
+        return ConstantValue::Integer(value, TypeCode::kLong);
+    return ConstantValue::Real(static_cast<double>(value));
+}
+
+} // namespace
+
+bool ConstantReader::Read(ConstantValue& value) { return ReadBinary(0, value); }
+
+bool ConstantReader::ReadInteger(long long& value)
+{
+    ConstantValue constant;
+    if (!Read(constant))
+        return false;
+    if (!constant.ConvertTo(TypeCode(TypeCode::kLong))) {
+        m_lexer.SignalError(CompileMessage::ExpectingAIntegerConstant);
+        return false;
+    }
+    value = constant.integer;
+    return true;
+}
+
+bool ConstantReader::ReadBinary(int minimumPrecedence, ConstantValue& value)
+{
+    if (!ReadUnary(value))
+        return false;
+    for (;;) {
+        const Token op = m_lexer.Kind();
+        const int precedence = PrecedenceOf(op);
+        if (precedence < 0 || precedence <= minimumPrecedence)
+            return true;
+        m_lexer.NextToken();
+        ConstantValue right;
+        if (!ReadBinary(precedence, right))
+            return false;
+        ConstantValue result;
+        if (!Fold(TokenNumber(op), value, right, result))
+            return false;
+        value = std::move(result);
+    }
+}
+
+bool ConstantReader::ReadUnary(ConstantValue& value)
+{
+    const Token token = m_lexer.Kind();
+    if (token == Token::Minus || token == Token::Plus || token == Token::Not) {
+        m_lexer.NextToken();
+        if (token == Token::Not ? !ReadBinary(kNotPrecedence, value) : !ReadBinary(kUnaryPrecedence, value))
+            return false;
+        if (value.IsString()) {
+            m_lexer.SignalError(CompileMessage::TypeMismatch);
+            return false;
+        }
+        if (token == Token::Minus) {
+            if (value.IsIntegral())
+                value = IntegralResult(-value.integer, value, value);
+            else
+                value.real = -value.real;
+        } else if (token == Token::Not) {
+            const double number = value.AsDouble();
+            value = IntegralResult(~static_cast<long long>(std::nearbyint(number)), value, value);
+        }
+        return true;
+    }
+    return ReadPrimary(value);
+}
+
+bool ConstantReader::ReadPrimary(ConstantValue& value)
+{
+    switch (m_lexer.Kind()) {
+    case Token::LiteralNumber:
+        return ReadNumber(value);
+    case Token::LiteralString: {
+        const std::string_view text = m_lexer.Text();
+        value = ConstantValue::String(std::wstring(text.begin(), text.end()));
+        m_lexer.NextToken();
+        return true;
+    }
+    case Token::True:
+    case Token::False:
+        value = ConstantValue::Boolean(m_lexer.Kind() == Token::True);
+        m_lexer.NextToken();
+        return true;
+    case Token::LeftParen:
+        m_lexer.NextToken();
+        if (!Read(value))
+            return false;
+        return m_lexer.ExpectToken(Token::RightParen);
+    default:
+        break;
+    }
+    if (!IsNameToken(m_lexer.Kind())) {
+        m_lexer.SignalError(CompileMessage::ExpectingAnExpression);
+        return false;
+    }
+    if (m_names != nullptr) {
+        const auto found = m_names->names.find(Upper(m_lexer.Text()));
+        if (found != m_names->names.end()) {
+            const SymbolRef& ref = found->second;
+            if (ref.kind == SymbolKind::Constant) {
+                value = m_names->constants[ref.index]->value;
+                m_lexer.NextToken();
+                return true;
+            }
+            if (ref.kind == SymbolKind::EnumMember) {
+                value = m_names->enums[ref.index]->members[ref.member].value;
+                m_lexer.NextToken();
+                return true;
+            }
+        }
+    }
+    m_lexer.SignalError(CompileMessage::ExpectingAConstantOrFunctionName);
+    return false;
+}
+
+// Decimal numbers become Integer, Long or Double by size (Double with a point or exponent); "&H" and
+// "&O" numbers of up to 4 hex digits are Integer, longer ones Long.
+bool ConstantReader::ReadNumber(ConstantValue& value)
+{
+    std::string text(m_lexer.Text());
+    if (text[0] == '&') {
+        const bool hex = text[1] == 'H' || text[1] == 'h';
+        const std::string digits = text.substr(2);
+        if (digits.empty()) {
+            m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
+            return false;
+        }
+        unsigned long long number = 0;
+        for (char c : digits) {
+            int digit = c >= '0' && c <= '9' ? c - '0' : c >= 'A' && c <= 'F' ? c - 'A' + 10 : 99;
+            if (digit >= (hex ? 16 : 8)) {
+                m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
+                return false;
+            }
+            number = number * (hex ? 16 : 8) + static_cast<unsigned>(digit);
+            if (number > 0xFFFFFFFFull) {
+                m_lexer.SignalError(CompileMessage::HexConstantIsTooLong);
+                return false;
+            }
+        }
+        if (number <= 0xFFFF && (hex ? digits.size() <= 4 : number <= 0xFFFF))
+            value = ConstantValue::Integer(static_cast<std::int16_t>(number), TypeCode::kInteger);
+        else
+            value = ConstantValue::Integer(static_cast<std::int32_t>(number), TypeCode::kLong);
+    } else if (text.find_first_of(".EeDd") != std::string::npos) {
+        for (char& c : text)
+            if (c == 'D' || c == 'd')
+                c = 'E';
+        char* end = nullptr;
+        const double number = std::strtod(text.c_str(), &end);
+        if (end == nullptr || *end != '\0' || !std::isfinite(number)) {
+            m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
+            return false;
+        }
+        value = ConstantValue::Real(number);
+    } else {
+        const double number = std::strtod(text.c_str(), nullptr);
+        if (number <= 32767)
+            value = ConstantValue::Integer(static_cast<std::int64_t>(number), TypeCode::kInteger);
+        else if (number <= 2147483647.0)
+            value = ConstantValue::Integer(static_cast<std::int64_t>(number), TypeCode::kLong);
+        else
+            value = ConstantValue::Real(number);
+    }
+    m_lexer.NextToken();
+    return ApplySuffix(value);
+}
+
+// A type suffix written right after the number converts the constant; "$" is a mismatch.
+bool ConstantReader::ApplySuffix(ConstantValue& value)
+{
+    const char suffix = m_lexer.PreviousFollowingChar();
+    if (suffix == '\0' || *m_lexer.TokenStart() != suffix)
+        return true;
+    if (suffix == '$') {
+        m_lexer.SignalError(CompileMessage::TypeMismatch);
+        return false;
+    }
+    const TypeCode type = TypeOfSuffix(suffix);
+    if (type == TypeCode())
+        return true;
+    m_lexer.NextToken();
+    if (!value.ConvertTo(type)) {
+        m_lexer.SignalError(CompileMessage::Overflow);
+        return false;
+    }
+    return true;
+}
+
+bool ConstantReader::Fold(int op, const ConstantValue& left, const ConstantValue& right, ConstantValue& result)
+{
+    const Token token = static_cast<Token>(op);
+    if (token == Token::Ampersand) {
+        result = ConstantValue::String(TextOf(left) + TextOf(right));
+        return true;
+    }
+    if (left.IsString() && right.IsString()) {
+        int order = left.text.compare(right.text);
+        order = order < 0 ? -1 : order > 0 ? 1 : 0;
+        switch (token) {
+        case Token::Plus: result = ConstantValue::String(left.text + right.text); return true;
+        case Token::Equal: result = ConstantValue::Boolean(order == 0); return true;
+        case Token::NotEqual: result = ConstantValue::Boolean(order != 0); return true;
+        case Token::Less: result = ConstantValue::Boolean(order < 0); return true;
+        case Token::Greater: result = ConstantValue::Boolean(order > 0); return true;
+        case Token::LessEqual: result = ConstantValue::Boolean(order <= 0); return true;
+        case Token::GreaterEqual: result = ConstantValue::Boolean(order >= 0); return true;
+        default: break;
+        }
+    }
+    if (left.IsString() || right.IsString()) {
+        m_lexer.SignalError(CompileMessage::TypeMismatch);
+        return false;
+    }
+    const double a = left.AsDouble();
+    const double b = right.AsDouble();
+    const bool integral = left.IsIntegral() && right.IsIntegral();
+    const auto whole = [](double x) { return static_cast<long long>(std::nearbyint(x)); };
+    switch (token) {
+    case Token::Caret: result = ConstantValue::Real(std::pow(a, b)); return true;
+    case Token::Slash:
+        if (b == 0) {
+            m_lexer.SignalError(CompileMessage::DivideByZero);
+            return false;
+        }
+        result = ConstantValue::Real(a / b);
+        return true;
+    case Token::Backslash:
+    case Token::Mod:
+        if (whole(b) == 0) {
+            m_lexer.SignalError(CompileMessage::DivideByZero);
+            return false;
+        }
+        result = IntegralResult(token == Token::Mod ? whole(a) % whole(b) : whole(a) / whole(b), left, right);
+        return true;
+    case Token::Star:
+        result = integral ? IntegralResult(left.integer * right.integer, left, right) : ConstantValue::Real(a * b);
+        return true;
+    case Token::Plus:
+        result = integral ? IntegralResult(left.integer + right.integer, left, right) : ConstantValue::Real(a + b);
+        return true;
+    case Token::Minus:
+        result = integral ? IntegralResult(left.integer - right.integer, left, right) : ConstantValue::Real(a - b);
+        return true;
+    case Token::Equal: result = ConstantValue::Boolean(a == b); return true;
+    case Token::NotEqual: result = ConstantValue::Boolean(a != b); return true;
+    case Token::Less: result = ConstantValue::Boolean(a < b); return true;
+    case Token::Greater: result = ConstantValue::Boolean(a > b); return true;
+    case Token::LessEqual: result = ConstantValue::Boolean(a <= b); return true;
+    case Token::GreaterEqual: result = ConstantValue::Boolean(a >= b); return true;
+    case Token::And: result = IntegralResult(whole(a) & whole(b), left, right); return true;
+    case Token::Or: result = IntegralResult(whole(a) | whole(b), left, right); return true;
+    case Token::Xor: result = IntegralResult(whole(a) ^ whole(b), left, right); return true;
+    case Token::Eqv: result = IntegralResult(~(whole(a) ^ whole(b)), left, right); return true;
+    case Token::Imp: result = IntegralResult(~whole(a) | whole(b), left, right); return true;
+    default:
+        m_lexer.SignalError(CompileMessage::OperandOperatorTypeMismatch);
+        return false;
+    }
+}
+
+} // namespace brannoc

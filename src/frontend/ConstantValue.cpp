@@ -1,0 +1,103 @@
+#include "frontend/ConstantValue.h"
+
+#include <cmath>
+#include <cwchar>
+#include <limits>
+
+namespace brannoc {
+
+ConstantValue ConstantValue::Integer(std::int64_t value, std::uint16_t code)
+{
+    ConstantValue result;
+    result.type = TypeCode(code);
+    result.integer = value;
+    return result;
+}
+
+ConstantValue ConstantValue::Real(double value, std::uint16_t code)
+{
+    ConstantValue result;
+    result.type = TypeCode(code);
+    result.real = value;
+    return result;
+}
+
+ConstantValue ConstantValue::String(std::wstring value)
+{
+    ConstantValue result;
+    result.type = TypeCode(TypeCode::kString);
+    result.text = std::move(value);
+    return result;
+}
+
+ConstantValue ConstantValue::Boolean(bool value) { return Integer(value ? -1 : 0, TypeCode::kBoolean); }
+
+bool ConstantValue::IsIntegral() const
+{
+    const auto code = type.Code();
+    return code == TypeCode::kByte || code == TypeCode::kBoolean || code == TypeCode::kInteger ||
+           code == TypeCode::kLong;
+}
+
+namespace {
+
+bool FitsInteger(double value, double low, double high) { return value >= low && value <= high; }
+
+} // namespace
+
+bool ConstantValue::ConvertTo(TypeCode target)
+{
+    const auto code = target.Scalar().Code();
+    if (target.IsVariant() || code == type.Code())
+        return true;
+    if (target.IsString() || target.IsFixedString()) {
+        if (IsString())
+            return true;
+        wchar_t buffer[64];
+        if (IsIntegral())
+            std::swprintf(buffer, 64, L"%lld", static_cast<long long>(integer));
+        else
+            std::swprintf(buffer, 64, L"%.15g", real);
+        *this = String(buffer);
+        return true;
+    }
+    if (!target.IsNumeric())
+        return false;
+    double value = 0;
+    if (IsString()) {
+        wchar_t* end = nullptr;
+        value = std::wcstod(text.c_str(), &end);
+        if (text.empty() || end == nullptr || *end != L'\0')
+            return false;
+    } else if (IsNumeric()) {
+        value = AsDouble();
+    } else if (type.Code() != TypeCode::kEmpty) {
+        return false;
+    }
+    switch (code) {
+    case TypeCode::kByte:
+    case TypeCode::kInteger:
+    case TypeCode::kLong: {
+        const double rounded = std::nearbyint(value);
+        const double low = code == TypeCode::kByte ? 0 : code == TypeCode::kInteger ? -32768.0 : -2147483648.0;
+        const double high = code == TypeCode::kByte ? 255 : code == TypeCode::kInteger ? 32767.0 : 2147483647.0;
+        if (!FitsInteger(rounded, low, high))
+            return false;
+        *this = Integer(static_cast<std::int64_t>(rounded), code);
+        return true;
+    }
+    case TypeCode::kBoolean:
+        *this = Boolean(value != 0);
+        return true;
+    case TypeCode::kSingle:
+        if (std::fabs(value) > std::numeric_limits<float>::max())
+            return false;
+        *this = Real(static_cast<float>(value), code);
+        return true;
+    default:
+        *this = Real(value, code);
+        return true;
+    }
+}
+
+} // namespace brannoc

@@ -1,0 +1,55 @@
+#pragma once
+// Where the compile driver gets module texts and asks the host about names. The engine puts the host
+// callback behind it; tests give texts directly.
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace brannoc {
+
+struct ModuleText {
+    std::string text;
+    // The host marks object-module files (class, object and form modules), which begin with a header.
+    bool objectModuleFile = false;
+};
+
+class ModuleSource {
+public:
+    virtual ~ModuleSource() = default;
+    // The text of the named module, or none when the host has no such module.
+    virtual std::optional<ModuleText> Read(std::string_view name) = 0;
+    // The name under which a '#Uses name of `usingModule` is loaded.
+    virtual std::string ResolveName(std::string_view usingModule, std::string_view name)
+    {
+        (void)usingModule;
+        return std::string(name);
+    }
+    // Builds a form's object from its header text; false when it cannot.
+    virtual bool BuildForm(std::string_view name, std::string_view headerText)
+    {
+        (void)name;
+        (void)headerText;
+        return false;
+    }
+    // Hands the module's '#Reference lines to the reference manager; false when one cannot be added.
+    virtual bool AddReferences(std::string_view module, std::string_view lines)
+    {
+        (void)module;
+        (void)lines;
+        return true;
+    }
+    // True when a global object, type-library reference or extension already uses the name.
+    virtual bool IsGlobalNameInUse(std::string_view name)
+    {
+        (void)name;
+        return false;
+    }
+    // True when the name is a type that a type-library reference or extension provides.
+    virtual bool IsExternalTypeName(std::string_view name)
+    {
+        (void)name;
+        return false;
+    }
+};
+
+} // namespace brannoc
