@@ -1,0 +1,364 @@
+#include "values/ValueCell.h"
+
+#include "values/Conversion.h"
+#include "values/Operators.h"
+#include "values/TextForm.h"
+#include "values/ValueError.h"
+
+#include <climits>
+#include <cmath>
+#include <cfloat>
+
+namespace brannoc {
+
+// ---- Generic behaviour shared by every cell ----
+
+bool ValueCell::Load(const VARIANT& storage, Variant& target) const
+{
+    return target.CopyIndirectFrom(storage) || RaiseValueError(kErrorAutomation);
+}
+
+bool ValueCell::Store(VARIANT& storage, const Variant& value) const
+{
+    Variant converted(value);
+    if (!ChangeType(converted, Kind()))
+        return false;
+    Variant slot;
+    slot.Attach(storage);
+    slot = std::move(converted);
+    slot.Detach(storage);
+    return true;
+}
+
+bool ValueCell::Convert(Variant& value, VARTYPE tag) const { return ChangeType(value, tag); }
+
+bool ValueCell::Binary(OperationId op, Variant& left, const Variant& right) const
+{
+    return BinaryOperation(op, left, right);
+}
+
+bool ValueCell::Unary(OperationId op, Variant& value) const { return UnaryOperation(op, value); }
+
+bool ValueCell::WritePrint(std::wstring& out, const Variant& value) const { return brannoc::WritePrint(out, value); }
+bool ValueCell::WriteWrite(std::wstring& out, const Variant& value) const { return brannoc::WriteWrite(out, value); }
+bool ValueCell::WriteDebug(std::wstring& out, const Variant& value) const { return brannoc::WriteDebug(out, value); }
+
+namespace {
+
+// Same-kind comparison of two ordered numbers into left as a Boolean.
+template <typename T>
+void StoreComparison(OperationId op, T a, T b, VARIANT& left)
+{
+    bool result = false;
+    switch (op) {
+    case OperationId::kEqual: result = a == b; break;
+    case OperationId::kNotEqual: result = a != b; break;
+    case OperationId::kLess: result = a < b; break;
+    case OperationId::kLessEqual: result = a <= b; break;
+    case OperationId::kGreater: result = a > b; break;
+    default: result = a >= b; break;
+    }
+    // Numbers own nothing, so the tag can be replaced without clearing.
+    left.vt = VT_BOOL;
+    left.boolVal = result ? VARIANT_TRUE : VARIANT_FALSE;
+}
+
+class IntegerCell final : public ValueCell {
+public:
+    VARTYPE Kind() const override { return VT_I2; }
+    bool Binary(OperationId op, Variant& left, const Variant& right) const override
+    {
+        if (right.Tag() == VT_I2 && left.Tag() == VT_I2) {
+            LONG a = left.Integer(), b = right.Integer(), r = 0;
+            switch (op) {
+            case OperationId::kAdd: r = a + b; break;
+            case OperationId::kSubtract: r = a - b; break;
+            case OperationId::kMultiply: r = a * b; break;
+            default:
+                if (IsComparison(op)) {
+                    StoreComparison(op, a, b, left.Raw());
+                    return true;
+                }
+                return BinaryOperation(op, left, right);
+            }
+            if (r >= SHRT_MIN && r <= SHRT_MAX) {
+                left.Raw().iVal = static_cast<SHORT>(r);
+                return true;
+            }
+        }
+        return BinaryOperation(op, left, right);
+    }
+};
+
+class LongCell final : public ValueCell {
+public:
+    VARTYPE Kind() const override { return VT_I4; }
+    bool Binary(OperationId op, Variant& left, const Variant& right) const override
+    {
+        if (right.Tag() == VT_I4 && left.Tag() == VT_I4) {
+            LONG a = left.Long(), b = right.Long(), r = 0;
+            bool overflow = false;
+            switch (op) {
+            case OperationId::kAdd: overflow = __builtin_add_overflow(a, b, &r); break;
+            case OperationId::kSubtract: overflow = __builtin_sub_overflow(a, b, &r); break;
+            case OperationId::kMultiply: overflow = __builtin_mul_overflow(a, b, &r); break;
+            default:
+                if (IsComparison(op)) {
+                    StoreComparison(op, a, b, left.Raw());
+                    return true;
+                }
+                return BinaryOperation(op, left, right);
+            }
+            if (!overflow) {
+                left.Raw().lVal = r;
+                return true;
+            }
+        }
+        return BinaryOperation(op, left, right);
+    }
+};
+
+class DoubleCell final : public ValueCell {
+public:
+    VARTYPE Kind() const override { return VT_R8; }
+    bool Binary(OperationId op, Variant& left, const Variant& right) const override
+    {
+        if (right.Tag() == VT_R8 && left.Tag() == VT_R8) {
+            double a = left.Double(), b = right.Double(), r = 0;
+            switch (op) {
+            case OperationId::kAdd: r = a + b; break;
+            case OperationId::kSubtract: r = a - b; break;
+            case OperationId::kMultiply: r = a * b; break;
+            default:
+                if (IsComparison(op)) {
+                    StoreComparison(op, a, b, left.Raw());
+                    return true;
+                }
+                return BinaryOperation(op, left, right);
+            }
+            // Only a normal result, or an exact zero from a zero factor or equal terms, skips the
+            // status check; everything else is recomputed by the generic routine.
+            bool exactZero = r == 0 && (op == OperationId::kMultiply ? (a == 0 || b == 0) : true);
+            if (std::isnormal(r) || exactZero) {
+                left.Raw().dblVal = r;
+                return true;
+            }
+        }
+        return BinaryOperation(op, left, right);
+    }
+};
+
+// Kinds whose operations all take the generic routines.
+class SingleCell final : public ValueCell {
+public:
+    VARTYPE Kind() const override { return VT_R4; }
+};
+class CurrencyCell final : public ValueCell {
+public:
+    VARTYPE Kind() const override { return VT_CY; }
+};
+class DateCell final : public ValueCell {
+public:
+    VARTYPE Kind() const override { return VT_DATE; }
+};
+class BooleanCell final : public ValueCell {
+public:
+    VARTYPE Kind() const override { return VT_BOOL; }
+};
+class ByteCell final : public ValueCell {
+public:
+    VARTYPE Kind() const override { return VT_UI1; }
+};
+class DecimalCell final : public ValueCell {
+public:
+    VARTYPE Kind() const override { return VT_DECIMAL; }
+};
+
+class StringCell final : public ValueCell {
+public:
+    VARTYPE Kind() const override { return VT_BSTR; }
+    bool Binary(OperationId op, Variant& left, const Variant& right) const override
+    {
+        if (left.Tag() == VT_BSTR && right.Tag() == VT_BSTR && IsComparison(op)) {
+            StoreStringComparison(op, left, right);
+            return true;
+        }
+        return BinaryOperation(op, left, right);
+    }
+
+private:
+    static void StoreStringComparison(OperationId op, Variant& left, const Variant& right)
+    {
+        int order = left.StringView().compare(right.StringView());
+        bool result = false;
+        switch (op) {
+        case OperationId::kEqual: result = order == 0; break;
+        case OperationId::kNotEqual: result = order != 0; break;
+        case OperationId::kLess: result = order < 0; break;
+        case OperationId::kLessEqual: result = order <= 0; break;
+        case OperationId::kGreater: result = order > 0; break;
+        default: result = order >= 0; break;
+        }
+        left.SetBoolean(result);
+    }
+};
+
+class VariantCell final : public ValueCell {
+public:
+    VARTYPE Kind() const override { return VT_VARIANT; }
+    // A Variant keeps whatever kind the resolved value has.
+    bool Store(VARIANT& storage, const Variant& value) const override
+    {
+        Variant copy(value);
+        if (copy.Tag() != value.Tag())
+            return RaiseValueError(10001);
+        if (copy.BaseTag() != VT_DISPATCH && !Resolve(copy))
+            return false;
+        if (copy.IsByRef() && !copy.CopyIndirectFrom(copy.Raw()))
+            return RaiseValueError(kErrorAutomation);
+        Variant slot;
+        slot.Attach(storage);
+        slot = std::move(copy);
+        slot.Detach(storage);
+        return true;
+    }
+    bool Convert(Variant& value, VARTYPE tag) const override { return tag == VT_VARIANT || ChangeType(value, tag); }
+};
+
+class ObjectCell final : public ValueCell {
+public:
+    VARTYPE Kind() const override { return VT_DISPATCH; }
+};
+
+// Records of user-defined types: copied whole; used in no operator.
+class RecordCell final : public ValueCell {
+public:
+    VARTYPE Kind() const override { return VT_RECORD; }
+    bool Store(VARIANT& storage, const Variant& value) const override
+    {
+        const VARIANT& source = *FollowByRefChain(&value.Raw());
+        if ((source.vt & VT_TYPEMASK) != VT_RECORD || (source.vt & VT_ARRAY))
+            return RaiseValueError(kErrorTypeMismatch);
+        Variant copy;
+        if (!copy.CopyIndirectFrom(source))
+            return RaiseValueError(kErrorAutomation);
+        Variant slot;
+        slot.Attach(storage);
+        slot = std::move(copy);
+        slot.Detach(storage);
+        return true;
+    }
+    bool Convert(Variant& value, VARTYPE tag) const override
+    {
+        return tag == VT_RECORD || ChangeType(value, tag);
+    }
+    bool Binary(OperationId, Variant&, const Variant&) const override { return RaiseValueError(kErrorTypeMismatch); }
+    bool Unary(OperationId, Variant&) const override { return RaiseValueError(kErrorTypeMismatch); }
+};
+
+// Arrays of one element kind: assignment copies an array of the same element kind.
+class ArrayOfCell final : public ValueCell {
+public:
+    explicit ArrayOfCell(VARTYPE elementTag) : m_elementTag(elementTag) {}
+    VARTYPE Kind() const override { return static_cast<VARTYPE>(VT_ARRAY | m_elementTag); }
+    bool Store(VARIANT& storage, const Variant& value) const override
+    {
+        const VARIANT& source = *FollowByRefChain(&value.Raw());
+        if (!(source.vt & VT_ARRAY) || (source.vt & VT_TYPEMASK) != m_elementTag)
+            return RaiseValueError(kErrorTypeMismatch);
+        Variant copy;
+        if (!copy.CopyIndirectFrom(source))
+            return RaiseValueError(kErrorAutomation);
+        Variant slot;
+        slot.Attach(storage);
+        slot = std::move(copy);
+        slot.Detach(storage);
+        return true;
+    }
+    bool Convert(Variant&, VARTYPE tag) const override
+    {
+        return tag == Kind() || RaiseValueError(kErrorTypeMismatch);
+    }
+    bool Binary(OperationId, Variant&, const Variant&) const override { return RaiseValueError(kErrorTypeMismatch); }
+    bool Unary(OperationId, Variant&) const override { return RaiseValueError(kErrorTypeMismatch); }
+
+private:
+    VARTYPE m_elementTag;
+};
+
+const IntegerCell s_integerCell;
+const LongCell s_longCell;
+const SingleCell s_singleCell;
+const DoubleCell s_doubleCell;
+const CurrencyCell s_currencyCell;
+const DateCell s_dateCell;
+const StringCell s_stringCell;
+const ObjectCell s_objectCell;
+const BooleanCell s_booleanCell;
+const VariantCell s_variantCell;
+const DecimalCell s_decimalCell;
+const ByteCell s_byteCell;
+const RecordCell s_recordCell;
+
+} // namespace
+
+bool FixedStringCell::Store(VARIANT& storage, const Variant& value) const
+{
+    Variant converted(value);
+    if (!ChangeType(converted, VT_BSTR))
+        return false;
+    // Fixed-length text is cut to its length or padded with spaces.
+    std::wstring text(converted.StringView().substr(0, m_length));
+    text.resize(m_length, L' ');
+    if (!converted.SetString(std::wstring_view(text)))
+        return RaiseValueError(10001);
+    Variant slot;
+    slot.Attach(storage);
+    slot = std::move(converted);
+    slot.Detach(storage);
+    return true;
+}
+
+const ValueCell& CellFor(VARTYPE tag)
+{
+    if (tag & (VT_ARRAY | VT_BYREF))
+        return s_variantCell;
+    switch (tag) {
+    case VT_I2: return s_integerCell;
+    case VT_I4: return s_longCell;
+    case VT_R4: return s_singleCell;
+    case VT_R8: return s_doubleCell;
+    case VT_CY: return s_currencyCell;
+    case VT_DATE: return s_dateCell;
+    case VT_BSTR: return s_stringCell;
+    case VT_DISPATCH: return s_objectCell;
+    case VT_BOOL: return s_booleanCell;
+    case VT_DECIMAL: return s_decimalCell;
+    case VT_UI1: return s_byteCell;
+    case VT_RECORD: return s_recordCell;
+    default: return s_variantCell;
+    }
+}
+
+const ValueCell& StorageCell(VARTYPE tag)
+{
+    if (tag & VT_ARRAY)
+        return ArrayCell(tag & VT_TYPEMASK);
+    return CellFor(tag);
+}
+
+const ValueCell& ArrayCell(VARTYPE elementTag)
+{
+    static const ArrayOfCell s_arrays[] = {
+        ArrayOfCell(VT_I2),  ArrayOfCell(VT_I4),   ArrayOfCell(VT_R4),      ArrayOfCell(VT_R8),
+        ArrayOfCell(VT_CY),  ArrayOfCell(VT_DATE), ArrayOfCell(VT_BSTR),    ArrayOfCell(VT_DISPATCH),
+        ArrayOfCell(VT_ERROR), ArrayOfCell(VT_BOOL), ArrayOfCell(VT_VARIANT), ArrayOfCell(VT_UNKNOWN),
+        ArrayOfCell(VT_DECIMAL), ArrayOfCell(VT_UI1), ArrayOfCell(VT_RECORD),
+    };
+    for (const ArrayOfCell& cell : s_arrays)
+        if (cell.Kind() == (VT_ARRAY | elementTag))
+            return cell;
+    return s_arrays[10]; // Variant elements
+}
+
+} // namespace brannoc
