@@ -558,6 +558,19 @@ VARTYPE OperationKind(OperationId op, VARTYPE left, VARTYPE right)
     }
 }
 
+bool AlignStaticKinds(OperationId op, Variant& left, StaticKind leftKind, Variant& right, StaticKind rightKind)
+{
+    if (op == OperationId::kConcatenate || (leftKind == StaticKind::kVariant && rightKind == StaticKind::kVariant))
+        return true;
+    if (IsNull(left) || IsNull(right))
+        return true;
+    Variant& converted = leftKind == StaticKind::kVariant ? left : right;
+    const Variant& other = leftKind == StaticKind::kVariant ? right : left;
+    if (FollowByRefChain(&other.Raw())->vt == VT_BSTR)
+        return ChangeType(converted, VT_BSTR);
+    return ToNumber(converted);
+}
+
 bool BinaryOperation(OperationId op, Variant& left, const Variant& right)
 {
     Variant rightValue(right);

@@ -16,6 +16,14 @@ VARTYPE CommonKind(VARTYPE left, VARTYPE right);
 // The common kind after the operator's adjustment.
 VARTYPE OperationKind(OperationId op, VARTYPE left, VARTYPE right);
 
+// Mixed static kinds, done by a compiled binary expression before it calls the operator: when one
+// operand has a fixed static kind, the operator is not &, and neither value is Null, the Variant-typed
+// side (else the right side) is converted toward the other: to String when the other is a String,
+// to a number by ToNumber otherwise.
+enum class StaticKind { kVariant, kFixed };
+[[nodiscard]] bool AlignStaticKinds(OperationId op, Variant& left, StaticKind leftKind, Variant& right,
+                                    StaticKind rightKind);
+
 [[nodiscard]] bool BinaryOperation(OperationId op, Variant& left, const Variant& right);
 [[nodiscard]] bool UnaryOperation(OperationId op, Variant& value);
 
