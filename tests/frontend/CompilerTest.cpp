@@ -1,0 +1,345 @@
+#include "frontend/Compiler.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace brannoc {
+namespace {
+
+// Module texts given directly, by name.
+class TextSource final : public ModuleSource {
+public:
+    std::optional<ModuleText> Read(std::string_view name) override
+    {
+        const auto found = texts.find(std::string(name));
+        if (found == texts.end())
+            return std::nullopt;
+        return found->second;
+    }
+    void Add(const std::string& name, const std::string& text, bool objectFile = false)
+    {
+        texts[name] = ModuleText{text, objectFile};
+    }
+    std::map<std::string, ModuleText> texts;
+};
+
+// Records the order in which procedure bodies are compiled.
+class RecordingBodies final : public ProcedureBodyCompiler {
+public:
+    bool CompileBody(Module& module, Procedure& procedure, Lexer&) override
+    {
+        order.push_back(module.Name() + "." + procedure.name);
+        return true;
+    }
+    std::vector<std::string> order;
+};
+
+struct Expected {
+    std::wstring message;
+    int line;
+    int offset;
+    std::string lineText;
+};
+
+struct Fixture {
+    TextSource source;
+    Compiler compiler{source};
+
+    ParseResult Compile(const std::string& text, int limit = 1, int mode = 0)
+    {
+        source.Add("Macro", text);
+        compiler.SetErrorLimit(limit);
+        return compiler.Parse("Macro", mode);
+    }
+    void ExpectErrors(const std::vector<Expected>& expected, const std::string& context)
+    {
+        const auto& errors = compiler.Errors();
+        ASSERT_EQ(errors.size(), expected.size()) << context;
+        for (std::size_t i = 0; i < expected.size(); ++i) {
+            EXPECT_EQ(errors[i].message, expected[i].message) << context;
+            EXPECT_EQ(errors[i].line, expected[i].line) << context;
+            EXPECT_EQ(errors[i].offset, expected[i].offset) << context;
+            EXPECT_EQ(errors[i].lineText, expected[i].lineText) << context;
+        }
+    }
+};
+
+const std::string kMain = "Sub Main\r\nEnd Sub\r\n";
+
+struct ErrorCase {
+    std::string text;
+    Expected expected;
+};
+
+TEST(CompilerTest, SingleErrors)
+{
+    const std::vector<ErrorCase> cases = {
+        {"Sub Foo\r\nEnd Sub\r\n", {L"Sub Main has not been defined.", 3, 0, ""}},
+        {"Private Sub Main\r\nEnd Sub\r\n", {L"Expecting a Public Sub. 'Main'", 1, 0, "Private Sub Main"}},
+        {"Sub Main(a)\r\nEnd Sub\r\n", {L"Not expecting any parameters. 'Main'", 1, 0, "Sub Main(a)"}},
+        {"Function Main()\r\nEnd Function\r\n", {L"Expecting a Public Sub. 'Main'", 1, 0, "Function Main()"}},
+        {"Sub Main\r\nx = 1\r\n", {L"Unexpected end of file.", 3, 0, ""}},
+        {"Sub Main\r\nSub Other\r\nEnd Sub\r\n", {L"Unterminated block statement.", 2, 0, "Sub Other"}},
+        {"x = 1\r\n" + kMain, {L"Unexpected text.", 1, 0, "x = 1"}},
+        {"Dim Next As Integer\r\n" + kMain, {L"Expecting a var name.", 1, 4, "Dim Next As Integer"}},
+        {"Dim s As String * 1001\r\n" + kMain,
+         {L"Fixed size string sizes allowed: 1 to 1000, 1*1024, 2*1024, ... 23*1024.", 1, 22, "Dim s As String * 1001"}},
+        {"Dim s As String * 0\r\n" + kMain,
+         {L"Fixed size string sizes allowed: 1 to 1000, 1*1024, 2*1024, ... 23*1024.", 1, 19, "Dim s As String * 0"}},
+        {"Dim s As String * 24576\r\n" + kMain,
+         {L"Fixed size string sizes allowed: 1 to 1000, 1*1024, 2*1024, ... 23*1024.", 1, 23, "Dim s As String * 24576"}},
+        {"Dim a(1 To 2, 3, 4, 5, 6, 7, 8)\r\n" + kMain,
+         {L"Too many dimensions (more than 6).", 1, 30, "Dim a(1 To 2, 3, 4, 5, 6, 7, 8)"}},
+        {"Dim a(5 To 2)\r\n" + kMain, {L"Lower bound is larger than upper bound.", 1, 12, "Dim a(5 To 2)"}},
+        {"DefInt C-A\r\n" + kMain, {L"Letter range is out of order.", 1, 10, "DefInt C-A"}},
+        {"DefInt AB\r\n" + kMain, {L"Expecting a single letter.", 1, 7, "DefInt AB"}},
+        {"DefInt A\r\nDefLng A\r\n" + kMain, {L"Default value type invalid or already set.", 2, 8, "DefLng A"}},
+        {"DefDec A\r\n" + kMain, {L"Unexpected text.", 1, 0, "DefDec A"}},
+        {"Dim x, x\r\n" + kMain, {L"Identifier is already in use. 'x'", 1, 8, "Dim x, x"}},
+        {"Option Base 2\r\n" + kMain, {L"Invalid instruction.", 1, 12, "Option Base 2"}},
+        {"Option Compare Text\r\n" + kMain, {L"Invalid instruction.", 1, 7, "Option Compare Text"}},
+        {"Declare Sub F Lib kernel\r\n" + kMain, {L"Expecting a quoted DLL library name.", 1, 18, "Declare Sub F Lib kernel"}},
+        {"Declare F Lib \"k\"\r\n" + kMain, {L"Expecting either 'Sub' or 'Function'.", 1, 8, "Declare F Lib \"k\""}},
+        {"Property Get P() As Integer\r\nEnd Property\r\nProperty Let P(v As Integer, w As Integer)\r\nEnd Property\r\n" + kMain,
+         {L"Property Get and Let/Set parameters must match.", 3, 42, "Property Let P(v As Integer, w As Integer)"}},
+        {"Property Get P(a) As Integer\r\nEnd Property\r\nProperty Let P(v As Integer)\r\nEnd Property\r\n" + kMain,
+         {L"Property Get and Let/Set parameters must match.", 3, 28, "Property Let P(v As Integer)"}},
+        {"Property P()\r\nEnd Property\r\n" + kMain, {L"Expecting 'Get', 'Let' or 'Set'.", 1, 9, "Property P()"}},
+        {"Sub F(ByVal a())\r\nEnd Sub\r\n" + kMain, {L"Can't pass an array by value.", 1, 15, "Sub F(ByVal a())"}},
+        {"Sub F(ParamArray a() As Integer)\r\nEnd Sub\r\n" + kMain,
+         {L"ParamArray parameter must be variant array.", 1, 31, "Sub F(ParamArray a() As Integer)"}},
+        {"Sub F(a, a)\r\nEnd Sub\r\n" + kMain, {L"Identifier is already in use. 'a'", 1, 10, "Sub F(a, a)"}},
+        {"Sub F(s As String * 5)\r\nEnd Sub\r\n" + kMain,
+         {L"Parameter of this type not supported.", 1, 21, "Sub F(s As String * 5)"}},
+        {"Sub F(Optional a As Integer = \"x\")\r\nEnd Sub\r\n" + kMain,
+         {L"Type mismatch.", 1, 33, "Sub F(Optional a As Integer = \"x\")"}},
+        {"Sub F\r\nEnd Sub\r\nSub F\r\nEnd Sub\r\n" + kMain, {L"Identifier is already in use. 'F'", 3, 5, "Sub F"}},
+        {"Type T\r\nx As Integer\r\n", {L"Unexpected end of file.", 3, 0, ""}},
+        {"Dim v As Unknown\r\n" + kMain, {L"Expecting a valid data type (eg. Integer).", 1, 9, "Dim v As Unknown"}},
+        {"Const c As Object = 1\r\n" + kMain, {L"Expecting a valid const type (eg. Integer).", 1, 18, "Const c As Object = 1"}},
+        {"Sub F\r\nAttribute F.VB_UserMemId = 0\r\nEnd Sub\r\n" + kMain,
+         {L"Can't define a default property in a macro or code module.", 2, 28, "Attribute F.VB_UserMemId = 0"}},
+    };
+    for (const ErrorCase& row : cases) {
+        Fixture fixture;
+        EXPECT_EQ(fixture.Compile(row.text, 1), ParseResult::SyntaxErrors) << row.text;
+        fixture.ExpectErrors({row.expected}, row.text);
+    }
+}
+
+TEST(CompilerTest, AcceptedDeclarations)
+{
+    const std::vector<std::string> cases = {
+        "Dim Text As Integer, Line As String, Name\r\n",
+        "Dim s As String * 1000, t As String * 2048, u As String * 23552\r\n",
+        "Dim a(1 To 2, 3, 4, 5, 6, 7)\r\n",
+        "Dim d()\r\nPublic p%, q$\r\nPrivate r As Long\r\nGlobal g As Variant\r\n",
+        "Const A = 1, B As Long = A + 2, C$ = \"x\" & \"y\"\r\n",
+        "Type T\r\n  x As Integer\r\n  s As String * 10\r\n  a(3) As Double\r\nEnd Type\r\nDim r As T\r\n",
+        "Dim later As Rec\r\nType Rec\r\n  v As Variant\r\nEnd Type\r\n",
+        "Enum Colour\r\n  Red\r\n  Green = 5\r\n  Blue\r\nEnd Enum\r\nConst K = Blue\r\n",
+        "DefInt A-C, X\r\nDefStr S\r\n",
+        "Option Base 1\r\nOption Explicit\r\nOption Private Module\r\n",
+        "Declare Function GetTickCount Lib \"kernel32\" () As Long\r\n"
+        "Private Declare Sub Sleep Lib \"kernel32\" Alias \"Sleep\" (ByVal ms As Long)\r\n",
+        "Function F%(ByVal a As Integer, Optional b As Long = 4, Optional c)\r\nEnd Function\r\n",
+        "Sub G(ByRef x, ParamArray rest())\r\nEnd Sub\r\n",
+        "Property Get P(i As Integer) As String\r\nEnd Property\r\nProperty Let P(i As Integer, v As String)\r\nEnd Property\r\n",
+        "Property Set O(v As Object)\r\nEnd Property\r\n",
+        "' comment\r\n\r\nRem remark\r\n",
+        "Sub Line\r\nEnd Sub\r\n",
+    };
+    for (const std::string& text : cases) {
+        Fixture fixture;
+        EXPECT_EQ(fixture.Compile(text + kMain, 1), ParseResult::Okay) << text;
+        fixture.ExpectErrors({}, text);
+    }
+}
+
+TEST(CompilerTest, ErrorLimitOneVersusThree)
+{
+    const std::string text = "Dim Next\r\nx = 1\r\nDim a(2 To 1)\r\n" + kMain;
+    Fixture one;
+    EXPECT_EQ(one.Compile(text, 1), ParseResult::SyntaxErrors);
+    one.ExpectErrors({{L"Expecting a var name.", 1, 4, "Dim Next"}}, "limit 1");
+    Fixture three;
+    EXPECT_EQ(three.Compile(text, 3), ParseResult::SyntaxErrors);
+    three.ExpectErrors({{L"Expecting a var name.", 1, 4, "Dim Next"},
+                        {L"Unexpected text.", 2, 0, "x = 1"},
+                        {L"Lower bound is larger than upper bound.", 3, 12, "Dim a(2 To 1)"}},
+                       "limit 3");
+}
+
+TEST(CompilerTest, OneErrorPerStatement)
+{
+    Fixture fixture;
+    EXPECT_EQ(fixture.Compile("Dim Next, Dim\r\n" + kMain, 5), ParseResult::SyntaxErrors);
+    fixture.ExpectErrors({{L"Expecting a var name.", 1, 4, "Dim Next, Dim"}}, "two faults");
+}
+
+TEST(CompilerTest, UsesCycleBackToTheMacro)
+{
+    Fixture fixture;
+    fixture.source.Add("Lib1", "'#Uses \"Macro\"\r\nSub Helper\r\nEnd Sub\r\n");
+    EXPECT_EQ(fixture.Compile("'#Uses \"Lib1\"\r\n" + kMain), ParseResult::SyntaxErrors);
+    ASSERT_EQ(fixture.compiler.Errors().size(), 1u);
+    const CompileError& error = fixture.compiler.Errors()[0];
+    EXPECT_EQ(error.number, 10009u);
+    EXPECT_EQ(error.module, "Lib1");
+    EXPECT_EQ(error.line, 1);
+    EXPECT_EQ(error.lineText, "'#Uses \"Macro\"");
+    EXPECT_EQ(fixture.compiler.FindModule("Macro"), nullptr);
+    EXPECT_EQ(fixture.compiler.FindModule("Lib1"), nullptr);
+}
+
+TEST(CompilerTest, CodeModulesMayUseEachOtherAndBodiesFollowTheMain)
+{
+    Fixture fixture;
+    RecordingBodies bodies;
+    fixture.compiler.SetBodyCompiler(&bodies);
+    fixture.source.Add("A", "'#Uses \"B\"\r\nSub InA\r\nEnd Sub\r\n");
+    fixture.source.Add("B", "  '#Uses \"A\"\r\nSub InB\r\nEnd Sub\r\n");
+    EXPECT_EQ(fixture.Compile("'#Uses \"A\"\r\n" + kMain), ParseResult::Okay);
+    fixture.ExpectErrors({}, "mutual uses");
+    EXPECT_EQ(bodies.order, (std::vector<std::string>{"Macro.Main", "A.InA", "B.InB"}));
+    ASSERT_NE(fixture.compiler.FindModule("A"), nullptr);
+    EXPECT_EQ(fixture.compiler.FindModule("A")->UseCount(), 2);
+    EXPECT_EQ(fixture.compiler.FindModule("B")->UseCount(), 1);
+}
+
+TEST(CompilerTest, UsesLinesRules)
+{
+    struct Row {
+        std::string usesLine;
+        ParseResult result;
+        unsigned errorNumber;
+    };
+    const std::vector<Row> rows = {
+        {"'#Uses \"Missing\" Only: Win16", ParseResult::Okay, 0},
+        {"'#Uses \"Missing\" Only:Win32x", ParseResult::Okay, 0},
+        {"'#Uses \"Missing\" Only: Win32", ParseResult::NotFound, 10013},
+        {"'#Uses Missing", ParseResult::SyntaxErrors, 10008},
+        {"'#Uses \"  \"", ParseResult::SyntaxErrors, 10008},
+        {"Dim x '#Uses \"Missing\"", ParseResult::Okay, 0},
+        {"'$Include: \"Missing\"", ParseResult::NotFound, 10013},
+        {"'#Uses \" Helper \"", ParseResult::Okay, 0},
+    };
+    for (const Row& row : rows) {
+        Fixture fixture;
+        fixture.source.Add("Helper", "Sub H\r\nEnd Sub\r\n");
+        EXPECT_EQ(fixture.Compile(row.usesLine + "\r\n" + kMain), row.result) << row.usesLine;
+        if (row.errorNumber == 0) {
+            EXPECT_TRUE(fixture.compiler.Errors().empty()) << row.usesLine;
+        } else {
+            ASSERT_EQ(fixture.compiler.Errors().size(), 1u) << row.usesLine;
+            EXPECT_EQ(fixture.compiler.Errors()[0].number, row.errorNumber) << row.usesLine;
+            EXPECT_EQ(fixture.compiler.Errors()[0].line, 1) << row.usesLine;
+        }
+    }
+}
+
+TEST(CompilerTest, ClassModuleHeaderAndEntries)
+{
+    const std::string header = "VERSION 1.0 CLASS\r\nBEGIN\r\n  MultiUse = -1\r\nEND\r\nAttribute VB_Name = \"Counter\"\r\n";
+    {
+        Fixture fixture;
+        fixture.source.Add("Counter.cls", header + "Private Sub Class_Initialize\r\nEnd Sub\r\n", true);
+        EXPECT_EQ(fixture.compiler.Parse("Counter.cls", 2), ParseResult::Okay);
+        const Module* module = fixture.compiler.FindModule("Counter.cls");
+        ASSERT_NE(module, nullptr);
+        EXPECT_EQ(module->Kind(), ModuleKind::Class);
+        EXPECT_EQ(module->RecordName(), "Counter");
+        ASSERT_NE(module->Compiled(), nullptr);
+        ASSERT_NE(module->Compiled()->entry, nullptr);
+        EXPECT_EQ(module->Compiled()->entry->name, "Class_Initialize");
+    }
+    {
+        Fixture fixture;
+        fixture.source.Add("C.cls", header + "Public Sub Class_Initialize\r\nEnd Sub\r\n", true);
+        EXPECT_EQ(fixture.compiler.Parse("C.cls", 2), ParseResult::SyntaxErrors);
+        fixture.ExpectErrors({{L"Expecting a Private Sub. 'Class_Initialize'", 6, 0, "Public Sub Class_Initialize"}},
+                             "public initializer");
+    }
+    {
+        Fixture fixture;
+        fixture.source.Add("P.cls", header + "Attribute VB_PredeclaredId = True\r\n", true);
+        EXPECT_EQ(fixture.compiler.Parse("P.cls", 2), ParseResult::Okay);
+        EXPECT_EQ(fixture.compiler.FindModule("P.cls")->Kind(), ModuleKind::Object);
+    }
+    {
+        Fixture fixture;
+        fixture.source.Add("N.cls", "VERSION 1.0 CLASS\r\nSub X\r\nEnd Sub\r\n", true);
+        EXPECT_EQ(fixture.compiler.Parse("N.cls", 2), ParseResult::SyntaxErrors);
+        fixture.ExpectErrors({{L"Error(s) in object header.", 2, 0, "Sub X"}}, "no VB_Name");
+    }
+}
+
+TEST(CompilerTest, CodeModuleEntryRules)
+{
+    Fixture fixture;
+    fixture.source.Add("Code", "Private Sub Main\r\nEnd Sub\r\n");
+    EXPECT_EQ(fixture.compiler.Parse("Code", 3), ParseResult::Okay);
+    EXPECT_EQ(fixture.compiler.FindModule("Code")->Compiled()->entry->name, "Main");
+    fixture.source.Add("Code2", "Sub Main(x)\r\nEnd Sub\r\n");
+    EXPECT_EQ(fixture.compiler.Parse("Code2", 3), ParseResult::Okay);
+    EXPECT_EQ(fixture.compiler.FindModule("Code2")->Compiled()->entry, nullptr);
+    EXPECT_EQ(fixture.compiler.Parse("Nothing here", 0), ParseResult::NotFound);
+}
+
+TEST(CompilerTest, BlockedDeclare)
+{
+    Fixture fixture;
+    fixture.compiler.GetLexer().SetBlockedKeywords("Declare");
+    EXPECT_EQ(fixture.Compile("Declare Sub F Lib \"k\"\r\n" + kMain), ParseResult::SyntaxErrors);
+    fixture.ExpectErrors({{L"This language feature has been disabled.", 1, 0, "Declare Sub F Lib \"k\""}}, "blocked");
+}
+
+TEST(CompilerTest, LayoutAndProcedureRecords)
+{
+    Fixture fixture;
+    const std::string text = "DefInt A-C, X\r\nOption Base 1\r\nDim b As Byte, l As Long, s As String * 3, v, arr(3)\r\n"
+                             "Sub Main ' entry\r\n  x = 1\r\nEnd Sub\r\n";
+    ASSERT_EQ(fixture.Compile(text), ParseResult::Okay);
+    const Module* module = fixture.compiler.FindModule("Macro");
+    const CompiledModule* compiled = module->Compiled();
+    ASSERT_EQ(compiled->variables.size(), 5u);
+    EXPECT_EQ(compiled->variables[0]->offset, 0u);
+    EXPECT_EQ(compiled->variables[1]->offset, 4u);
+    EXPECT_EQ(compiled->variables[2]->offset, 8u);
+    EXPECT_EQ(compiled->variables[3]->offset, 16u);
+    EXPECT_EQ(compiled->variables[4]->offset, 32u);
+    EXPECT_EQ(compiled->storageSize, 44u);
+    EXPECT_EQ(compiled->variables[4]->bounds, (std::vector<Bounds>{{1, 3}}));
+    EXPECT_EQ(compiled->variables[3]->type.code, TypeCode(TypeCode::kVariant));
+    EXPECT_EQ(module->DefaultTypeFor("apple"), TypeCode(TypeCode::kInteger));
+    EXPECT_EQ(module->DefaultTypeFor("Xray"), TypeCode(TypeCode::kInteger));
+    EXPECT_EQ(module->DefaultTypeFor("delta"), TypeCode(TypeCode::kVariant));
+    const Procedure& main = *compiled->procedures[0];
+    EXPECT_EQ(main.firstLine, 4);
+    EXPECT_EQ(main.lineCount, 3);
+    EXPECT_EQ(main.text, "Sub Main ' entry\r\n  x = 1\r\nEnd Sub");
+    EXPECT_EQ(main.headerComment, "' entry");
+}
+
+TEST(CompilerTest, VariableStorageLimit)
+{
+    Fixture fixture;
+    // 16 fixed strings of 23*1024 characters take 16 * 47104 bytes; 357 of them pass 16 777 216.
+    std::string text = "Dim s1 As String * 23552";
+    for (int i = 2; i <= 357; ++i)
+        text += ", s" + std::to_string(i) + " As String * 23552";
+    EXPECT_EQ(fixture.Compile(text + "\r\n" + kMain), ParseResult::SyntaxErrors);
+    ASSERT_EQ(fixture.compiler.Errors().size(), 1u);
+    EXPECT_EQ(fixture.compiler.Errors()[0].message, L"Variable storage space exceeded.");
+    Fixture fits;
+    text = "Dim s1 As String * 23552";
+    for (int i = 2; i <= 356; ++i)
+        text += ", s" + std::to_string(i) + " As String * 23552";
+    EXPECT_EQ(fits.Compile(text + "\r\n" + kMain), ParseResult::Okay);
+}
+
+} // namespace
+} // namespace brannoc
