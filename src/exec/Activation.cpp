@@ -1,0 +1,78 @@
+#include "exec/Activation.h"
+
+#include "exec/Interpreter.h"
+#include "exec/ProcedureCode.h"
+
+namespace brannoc {
+
+void Activation::Release()
+{
+    Interpreter& interpreter = *m_interpreter;
+    End();
+    interpreter.FreeActivation(*this);
+}
+
+void Activation::End()
+{
+    Interpreter& interpreter = *m_interpreter;
+    if (m_kind == ActivationKind::Entry)
+        interpreter.UnlinkEntry(*this);
+    interpreter.m_values.CutBack(m_valueStackBase);
+    if (m_locals) {
+        m_procedure->ClearLocals(m_locals);
+        interpreter.m_frames.Free(m_locals);
+        m_locals = nullptr;
+    }
+    SetAuxiliary(nullptr);
+    // FIXME: the module instance's use count falls here once module instances exist.
+    if (interpreter.m_current == this)
+        interpreter.m_current = m_caller;
+}
+
+void Activation::SetAuxiliary(Node* object) noexcept
+{
+    if (m_auxiliary && m_auxiliary != object)
+        delete m_auxiliary;
+    m_auxiliary = object;
+}
+
+bool Activation::Step(ExecEntry& entry)
+{
+    Interpreter& interpreter = *m_interpreter;
+    if (entry.state == 0) {
+        entry.state = 1;
+        return false;
+    }
+    if (m_kind == ActivationKind::Entry && entry.state == 1) {
+        entry.state = 2;
+        // Only this activation and its call-end marker: the run is at its very start.
+        if (interpreter.m_exec.Size() == 2)
+            interpreter.m_stepCounter = 2;
+    }
+    const int last = m_procedure->LastStatementIndex();
+    while (m_nextIndex <= last) {
+        m_currentIndex = m_nextIndex;
+        if (m_procedure->IsEmptyStatement(m_currentIndex)) {
+            ++m_nextIndex;
+            continue;
+        }
+        // The same statement is tried again on the next step.
+        if (interpreter.BreakTestStops())
+            return false;
+        Node* statement = m_procedure->StatementAt(m_currentIndex);
+        ++m_nextIndex;
+        if (!statement->Execute())
+            return false;
+        // A request recorded while the statement ran is carried out before the next one.
+        if (HaltFlags::Any())
+            return false;
+        if (interpreter.YieldDue())
+            return false;
+    }
+    entry.state = ExecEntry::kFinished;
+    return !HaltFlags::Any();
+}
+
+void Activation::Print(std::string& out) const { m_procedure->Print(out); }
+
+} // namespace brannoc

@@ -1,0 +1,82 @@
+#pragma once
+// One procedure call in progress. It is itself the executor on the execution stack: its Step runs the
+// procedure's statements one after another until one of them yields, and its Release ends the call.
+#include "code/Node.h"
+
+#include <cstddef>
+
+namespace brannoc {
+
+class Interpreter;
+class ProcedureCode;
+class ModuleInstance;
+
+// Variant A is the entry procedure that a module start schedules; it links itself into the engine's
+// list of entry activations. Every other call is variant B.
+enum class ActivationKind { Entry, Call };
+
+class Activation final : public Node {
+public:
+    static constexpr int kNoResume = -1;
+
+    void Release() override;
+    [[nodiscard]] bool Step(ExecEntry& entry) override;
+    void Print(std::string& out) const override;
+
+    ActivationKind Kind() const noexcept { return m_kind; }
+    ProcedureCode& OwnProcedure() const noexcept { return *m_procedure; }
+    Activation* Caller() const noexcept { return m_caller; }
+    ModuleInstance* Instance() const noexcept { return m_instance; }
+
+    int CurrentIndex() const noexcept { return m_currentIndex; }
+    int NextIndex() const noexcept { return m_nextIndex; }
+    // Moves the execution point: the statement at index runs next.
+    void SetIndexes(int index) noexcept { m_currentIndex = m_nextIndex = index; }
+
+    int ResumeIndex() const noexcept { return m_resumeIndex; }
+    void SetResumeIndex(int index) noexcept { m_resumeIndex = index; }
+    std::size_t ValueStackBase() const noexcept { return m_valueStackBase; }
+    int WithDepth() const noexcept { return m_withDepth; }
+    void SetWithDepth(int depth) noexcept { m_withDepth = depth; }
+    bool IsHostCallBoundary() const noexcept { return m_hostCallBoundary; }
+    void SetHostCallBoundary(bool on) noexcept { m_hostCallBoundary = on; }
+    // The On Error statement in force, or null.
+    Node* ActiveHandler() const noexcept { return m_activeHandler; }
+    void SetActiveHandler(Node* handler) noexcept { m_activeHandler = handler; }
+    // One owned object, destroyed with the activation (replacing it destroys the previous one).
+    void SetAuxiliary(Node* object) noexcept;
+
+    void* Locals() const noexcept { return m_locals; }
+    std::size_t LocalSize() const noexcept { return m_localSize; }
+
+    // Next older entry activation in the engine's list (variant A only).
+    Activation* NextEntry() const noexcept { return m_nextEntry; }
+
+private:
+    friend class Interpreter;
+    Activation() = default;
+
+    // Ends the call: cuts the value stack back, frees the locals, makes the caller current.
+    void End();
+
+    Interpreter* m_interpreter = nullptr;
+    ProcedureCode* m_procedure = nullptr;
+    Activation* m_caller = nullptr;
+    ModuleInstance* m_instance = nullptr;
+    ActivationKind m_kind = ActivationKind::Call;
+    int m_currentIndex = 0;
+    int m_nextIndex = 0;
+    int m_resumeIndex = kNoResume;
+    std::size_t m_valueStackBase = 0;
+    int m_withDepth = 0;
+    bool m_hostCallBoundary = false;
+    Node* m_activeHandler = nullptr;
+    Node* m_auxiliary = nullptr;
+    void* m_locals = nullptr;
+    std::size_t m_localSize = 0;
+    Activation* m_nextEntry = nullptr;
+    // Link in the interpreter's free list while the object is not in use.
+    Activation* m_nextFree = nullptr;
+};
+
+} // namespace brannoc

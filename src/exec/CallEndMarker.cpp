@@ -1,0 +1,25 @@
+#include "exec/CallEndMarker.h"
+
+#include "exec/Interpreter.h"
+
+namespace brannoc {
+
+CallEndMarker& CallEndMarker::Instance() noexcept
+{
+    static CallEndMarker s_instance;
+    return s_instance;
+}
+
+void CallEndMarker::Release()
+{
+    if (Interpreter* interpreter = Interpreter::Current())
+        interpreter->EndCall();
+}
+
+bool CallEndMarker::Step(ExecEntry& entry)
+{
+    entry.state = ExecEntry::kFinished;
+    return true;
+}
+
+} // namespace brannoc

@@ -1,0 +1,43 @@
+#pragma once
+// A growable array of execution entries, used for the execution stack and the pending stack. Popping
+// never frees memory, so a run in steady state pushes and pops without allocating.
+#include "code/Node.h"
+
+#include <cstddef>
+
+namespace brannoc {
+
+class ExecStack final {
+public:
+    ExecStack() = default;
+    ExecStack(const ExecStack&) = delete;
+    ExecStack& operator=(const ExecStack&) = delete;
+    ~ExecStack();
+
+    // False when the array could not grow (nothing was pushed).
+    [[nodiscard]] bool Push(const ExecEntry& entry)
+    {
+        if (m_size == m_capacity && !Grow())
+            return false;
+        m_entries[m_size++] = entry;
+        return true;
+    }
+    // Removes and returns the top entry; the stack must not be empty.
+    ExecEntry Pop() noexcept { return m_entries[--m_size]; }
+
+    ExecEntry& Top() noexcept { return m_entries[m_size - 1]; }
+    ExecEntry& At(std::size_t index) noexcept { return m_entries[index]; }
+    const ExecEntry& At(std::size_t index) const noexcept { return m_entries[index]; }
+    std::size_t Size() const noexcept { return m_size; }
+    bool IsEmpty() const noexcept { return m_size == 0; }
+    std::size_t Capacity() const noexcept { return m_capacity; }
+
+private:
+    [[nodiscard]] bool Grow();
+
+    ExecEntry* m_entries = nullptr;
+    std::size_t m_size = 0;
+    std::size_t m_capacity = 0;
+};
+
+} // namespace brannoc

@@ -1,0 +1,463 @@
+#include "exec/Interpreter.h"
+
+#include "exec/CallEndMarker.h"
+#include "exec/ProcedureCode.h"
+#include "values/ValueError.h"
+
+#include <new>
+
+namespace brannoc {
+
+Interpreter::Interpreter(InterpreterHost& host) : m_host(host) {}
+
+Interpreter::~Interpreter()
+{
+    {
+        // Releasing entries calls back through the current interpreter (the call-end marker).
+        InterpreterScope scope(*this);
+        m_tearingDown = true;
+        UnwindAll();
+        HaltFlags::Clear(HaltFlags::kError | HaltFlags::kAction | HaltFlags::kEvaluationError);
+    }
+    while (m_freeActivations) {
+        Activation* next = m_freeActivations->m_nextFree;
+        delete m_freeActivations;
+        m_freeActivations = next;
+    }
+}
+
+// ---- Running ----
+
+int Interpreter::RunStep(bool single)
+{
+    if (HaltFlags::Any())
+        RunHaltHandler();
+    if (m_runLevel < 1 || m_stepCounter < 1 || m_exec.IsEmpty())
+        return 0;
+    m_executionMarker = single ? -2 : -1;
+
+    // The executor works on a copy: a nested host call inside it may grow (and move) the stack.
+    const std::size_t pendingBase = m_pending.Size();
+    const std::size_t index = m_exec.Size() - 1;
+    ExecEntry entry = m_exec.At(index);
+    const bool done = entry.state == ExecEntry::kFinished || entry.executor->Step(entry);
+    if (index < m_exec.Size())
+        m_exec.At(index).state = entry.state;
+    if (done && m_exec.Size() == index + 1)
+        PopAndRelease();
+    MovePending(pendingBase);
+
+    const int result = m_executionMarker == kMarkerPause ? -1 : 1;
+    m_executionMarker = 1;
+    if (HaltFlags::Any())
+        RunHaltHandler();
+    if (m_yieldRequest == 1)
+        (void)YieldDue();
+    if (m_yieldRequest == -1) {
+        m_yieldRequest = m_yieldSetting;
+        m_host.PumpMessages();
+        if (HaltFlags::Any())
+            RunHaltHandler();
+    }
+    return m_runLevel > 0 && m_stepCounter > 0 ? result : 0;
+}
+
+bool Interpreter::Schedule(Node& executor)
+{
+    ExecEntry entry{&executor, 0};
+    if (executor.Step(entry)) {
+        executor.Release();
+        return true;
+    }
+    (void)PushPending(entry);
+    return false;
+}
+
+bool Interpreter::PushPending(const ExecEntry& entry)
+{
+    if (m_pending.Push(entry))
+        return true;
+    // The executor cannot run; it goes as if it had been popped.
+    entry.executor->Release();
+    return RaiseOutOfMemory();
+}
+
+void Interpreter::MovePending(std::size_t base)
+{
+    while (m_pending.Size() > base) {
+        ExecEntry entry = m_pending.Pop();
+        if (!m_exec.Push(entry)) {
+            entry.executor->Release();
+            (void)RaiseOutOfMemory();
+        }
+    }
+}
+
+void Interpreter::PopAndRelease()
+{
+    ExecEntry entry = m_exec.Pop();
+    entry.executor->Release();
+}
+
+bool Interpreter::YieldDue()
+{
+    if (m_yieldSetting == 0)
+        return false;
+    const DWORD tick = m_tick();
+    // Unsigned difference: correct across the wrap of the 32-bit millisecond counter.
+    if (tick - m_lastYieldTick < kTimeSliceMs)
+        return false;
+    m_lastYieldTick = tick;
+    m_yieldRequest = -1;
+    return true;
+}
+
+void Interpreter::SetYielding(bool on) noexcept
+{
+    m_yieldSetting = on ? 1 : 0;
+    m_yieldRequest = m_yieldSetting;
+}
+
+void Interpreter::PrepareRun(int runDepth) noexcept
+{
+    m_runDepth = runDepth < 0 ? 0 : runDepth;
+    m_stepCounter = 1;
+}
+
+bool Interpreter::BreakTestStops()
+{
+    if (m_stepCounter <= 2) {
+        ++m_stepCounter;
+        // The statement at which the run resumed is never stopped at.
+        if (m_stepCounter == 2)
+            return false;
+    }
+    // FIXME: line tracing, the statement trace and the exclusion of hidden modules.
+    if (m_callDepth < m_runDepth) {
+        m_stepCounter = 0;
+        (void)RequestAction(InterpreterHost::kActionQuery, 0);
+        return true;
+    }
+    return false;
+}
+
+// ---- Calls ----
+
+void Interpreter::BeginRun()
+{
+    ClearError();
+    m_runLevel = 1;
+    m_stepCounter = 1;
+    m_yieldRequest = m_yieldSetting;
+    if (m_yieldSetting != 0)
+        m_lastYieldTick = m_tick();
+    m_host.Notify(InterpreterHost::kNotifyRunStarted);
+}
+
+void Interpreter::EndRun()
+{
+    m_runLevel = 0;
+    m_yieldRequest = m_yieldSetting;
+    ClearError();
+    // FIXME: the per-run lists (queued starts, dialogs) are emptied here once they exist.
+    if (!m_tearingDown)
+        m_host.Notify(InterpreterHost::kNotifyRunEnded);
+}
+
+bool Interpreter::CallProcedure(ProcedureCode& procedure, ActivationKind kind, ModuleInstance* instance)
+{
+    if (m_exec.IsEmpty())
+        BeginRun();
+    Activation* activation = NewActivation();
+    if (!activation)
+        return RaiseOutOfMemory();
+    ++m_callDepth;
+
+    activation->m_procedure = &procedure;
+    activation->m_caller = m_current;
+    activation->m_instance = instance;
+    activation->m_kind = kind;
+    activation->m_valueStackBase = m_values.Size();
+    m_current = activation;
+    if (kind == ActivationKind::Entry) {
+        activation->m_nextEntry = m_entryActivations;
+        m_entryActivations = activation;
+    }
+
+    bool bound = true;
+    if (const std::size_t frameSize = procedure.FrameSize(); frameSize > 0) {
+        activation->m_locals = m_frames.Acquire(frameSize);
+        activation->m_localSize = frameSize;
+        if (!activation->m_locals) {
+            bound = RaiseOutOfMemory();
+        } else if (!procedure.InitializeLocals(activation->m_locals)) {
+            bound = false;
+        } else {
+            const int count = procedure.ParameterCount();
+            const std::size_t size = m_values.Size();
+            if (static_cast<std::size_t>(count) > size)
+                bound = SignalError(10019);
+            // Parameter i binds the entry at size - count + i: the first one the deepest argument.
+            for (int i = 0; bound && i < count; ++i)
+                bound = procedure.BindParameter(i, activation->m_locals, m_values.At(size - count + i));
+        }
+    }
+    if (!bound) {
+        // The call never started: the error belongs to the calling statement.
+        activation->Release();
+        --m_callDepth;
+        return false;
+    }
+
+    if (!Schedule(*activation))
+        (void)PushPending(ExecEntry{&CallEndMarker::Instance(), 1});
+    if (m_callDepth >= kMaxCallDepth)
+        (void)SignalError(ErrorId::Overflow);
+    return false;
+}
+
+bool Interpreter::StartEntry(ProcedureCode& procedure, ModuleInstance* instance)
+{
+    const std::size_t pendingBase = m_pending.Size();
+    (void)CallProcedure(procedure, ActivationKind::Entry, instance);
+    MovePending(pendingBase);
+    return !HaltFlags::MustStop();
+}
+
+bool Interpreter::RunHostCall(ProcedureCode& procedure, ModuleInstance* instance)
+{
+    const std::size_t mark = m_exec.Size();
+    const std::size_t pendingBase = m_pending.Size();
+    (void)CallProcedure(procedure, ActivationKind::Call, instance);
+    MovePending(pendingBase);
+    if (m_exec.Size() > mark && m_current)
+        m_current->SetHostCallBoundary(true);
+    while (m_exec.Size() > mark) {
+        if (RunStep(false) == 0)
+            break;
+    }
+    const bool cutShort = m_exec.Size() > mark;
+    while (m_exec.Size() > mark)
+        PopAndRelease();
+    if (cutShort && m_evaluating && !HaltFlags::MustStop())
+        (void)SignalError(ErrorId::FunctionTerminated);
+    return !HaltFlags::MustStop();
+}
+
+void Interpreter::EndCall()
+{
+    --m_callDepth;
+    if (m_exec.IsEmpty())
+        EndRun();
+}
+
+Activation* Interpreter::NewActivation()
+{
+    Activation* activation = m_freeActivations;
+    if (activation) {
+        m_freeActivations = activation->m_nextFree;
+    } else {
+        activation = new (std::nothrow) Activation();
+        if (!activation)
+            return nullptr;
+    }
+    activation->m_interpreter = this;
+    activation->m_nextFree = nullptr;
+    return activation;
+}
+
+void Interpreter::FreeActivation(Activation& activation) noexcept
+{
+    activation.m_procedure = nullptr;
+    activation.m_caller = nullptr;
+    activation.m_instance = nullptr;
+    activation.m_kind = ActivationKind::Call;
+    activation.m_currentIndex = 0;
+    activation.m_nextIndex = 0;
+    activation.m_resumeIndex = Activation::kNoResume;
+    activation.m_valueStackBase = 0;
+    activation.m_withDepth = 0;
+    activation.m_hostCallBoundary = false;
+    activation.m_activeHandler = nullptr;
+    activation.m_localSize = 0;
+    activation.m_nextEntry = nullptr;
+    activation.m_nextFree = m_freeActivations;
+    m_freeActivations = &activation;
+}
+
+void Interpreter::UnlinkEntry(Activation& activation) noexcept
+{
+    for (Activation** link = &m_entryActivations; *link; link = &(*link)->m_nextEntry) {
+        if (*link == &activation) {
+            *link = activation.m_nextEntry;
+            return;
+        }
+    }
+}
+
+// ---- Moving the execution point and unwinding ----
+
+void Interpreter::SetNextStatement(int index) noexcept
+{
+    if (m_current)
+        m_current->SetIndexes(index);
+}
+
+void Interpreter::UnwindTo(const Activation& activation)
+{
+    while (!m_exec.IsEmpty() && m_exec.Top().executor != &activation)
+        PopAndRelease();
+}
+
+void Interpreter::UnwindAll()
+{
+    // Pending entries are newer than anything on the execution stack.
+    while (!m_pending.IsEmpty()) {
+        ExecEntry entry = m_pending.Pop();
+        entry.executor->Release();
+    }
+    while (!m_exec.IsEmpty())
+        PopAndRelease();
+}
+
+void Interpreter::UnwindEntry()
+{
+    const Activation* entryActivation = m_entryActivations;
+    if (!entryActivation) {
+        UnwindAll();
+        return;
+    }
+    while (!m_exec.IsEmpty()) {
+        const bool reached = m_exec.Top().executor == entryActivation;
+        PopAndRelease();
+        if (reached) {
+            if (!m_exec.IsEmpty() && m_exec.Top().executor == &CallEndMarker::Instance())
+                PopAndRelease();
+            return;
+        }
+    }
+}
+
+// ---- Actions, errors and halting ----
+
+bool Interpreter::RequestAction(int action, long argument)
+{
+    if ((m_evaluating || m_hostCallDepth > 0) && action != InterpreterHost::kActionStop &&
+        action != InterpreterHost::kActionQuery)
+        return SignalError(ErrorId::InvalidInstruction);
+    // FIXME: the other engines of this thread's ring get a stop request too.
+    if (action == InterpreterHost::kActionEndAll || m_pendingAction == InterpreterHost::kNoAction) {
+        m_host.Notify(InterpreterHost::kNotifyActionPending);
+        m_pendingAction = action;
+        m_pendingArgument = argument;
+        HaltFlags::Set(HaltFlags::kAction);
+    }
+    return true;
+}
+
+void Interpreter::RecordError(long number, std::wstring_view argument)
+{
+    m_error.number = number;
+    try {
+        m_error.description = MessageFor(number);
+        if (!argument.empty()) {
+            m_error.description += L" '";
+            m_error.description += argument;
+            m_error.description += L"'";
+        }
+    } catch (const std::bad_alloc&) {
+        m_error.description.clear();
+        HaltFlags::Set(HaltFlags::kOutOfMemory);
+    }
+}
+
+bool Interpreter::SignalError(long number) { return SignalError(number, {}); }
+
+bool Interpreter::SignalError(long number, std::wstring_view argument)
+{
+    if (m_evaluating) {
+        if (!HaltFlags::Has(HaltFlags::kStopMask)) {
+            RecordError(number, argument);
+            HaltFlags::Set(HaltFlags::kEvaluationError);
+        }
+    } else if (!HaltFlags::Has(HaltFlags::kError)) {
+        RecordError(number, argument);
+        HaltFlags::Set(HaltFlags::kError);
+    }
+    // A second error before the first is dispatched is dropped: the first one stands.
+    return false;
+}
+
+bool Interpreter::RaiseOutOfMemory()
+{
+    HaltFlags::Set(HaltFlags::kOutOfMemory);
+    return SignalError(ErrorId::OutOfMemory);
+}
+
+void Interpreter::RaiseOnCurrent(long number)
+{
+    if (Interpreter* interpreter = Current())
+        (void)interpreter->SignalError(number);
+}
+
+void Interpreter::RunHaltHandler()
+{
+    const std::uint8_t copy = HaltFlags::Value();
+    HaltFlags::Clear(HaltFlags::kError | HaltFlags::kAction);
+    if (copy & HaltFlags::kOutOfMemory)
+        m_host.ReleaseMemoryReserve();
+
+    if (copy & HaltFlags::kAction) {
+        m_executionMarker = 0;
+        // FIXME: an evaluation the host asked for while paused runs here.
+        if (m_pendingAction != InterpreterHost::kNoAction) {
+            const int action = m_pendingAction;
+            const long argument = m_pendingArgument;
+            m_pendingAction = InterpreterHost::kNoAction;
+            m_pendingArgument = 0;
+            m_host.PerformControlAction(action, argument);
+        }
+        m_executionMarker = 1;
+    }
+
+    bool stopped = false;
+    if ((copy & HaltFlags::kStopMask) && m_runLevel != 0) {
+        // FIXME: search the activations for an active On Error handler before reporting.
+        if (copy & HaltFlags::kEvaluationError) {
+            m_host.ReportEvaluationError(m_error);
+        } else {
+            m_host.ReportUntrappedError(m_error);
+            m_host.PerformControlAction(InterpreterHost::kActionStop, 0);
+            stopped = true;
+        }
+    }
+    if (!stopped && (copy & (HaltFlags::kOutOfMemory | HaltFlags::kEvaluationError)))
+        m_host.PerformControlAction(InterpreterHost::kActionStop, 0);
+}
+
+// ---- Current interpreter ----
+
+InterpreterScope::InterpreterScope(Interpreter& interpreter) : m_interpreter(&interpreter)
+{
+    if (Interpreter::s_current == &interpreter)
+        return;
+    m_changed = true;
+    m_previous = Interpreter::s_current;
+    if (m_previous)
+        m_previous->m_savedHalt = HaltFlags::Value();
+    HaltFlags::Assign(interpreter.m_savedHalt);
+    Interpreter::s_current = &interpreter;
+    m_previousRaise = SetRaiseHandler(&Interpreter::RaiseOnCurrent);
+}
+
+InterpreterScope::~InterpreterScope()
+{
+    if (!m_changed)
+        return;
+    m_interpreter->m_savedHalt = HaltFlags::Value();
+    HaltFlags::Assign(m_previous ? m_previous->m_savedHalt : 0);
+    Interpreter::s_current = m_previous;
+    SetRaiseHandler(m_previousRaise);
+}
+
+} // namespace brannoc

@@ -1,0 +1,199 @@
+#pragma once
+// The execution state of one engine context: the execution and pending stacks, the value stack,
+// activations, yielding, halting and the end of a run. The engine object owns one and drives it through
+// RunStep; everything it needs back from the engine object goes through InterpreterHost.
+#include "exec/Activation.h"
+#include "exec/ErrorMessages.h"
+#include "exec/ErrorRecord.h"
+#include "exec/ExecStack.h"
+#include "exec/FramePool.h"
+#include "exec/HaltFlags.h"
+#include "exec/InterpreterHost.h"
+#include "exec/ValueStack.h"
+
+#include <windows.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace brannoc {
+
+class ProcedureCode;
+class ModuleInstance;
+
+class Interpreter final {
+public:
+    static constexpr int kMaxCallDepth = 32767;
+    static constexpr DWORD kTimeSliceMs = 100;
+    // Execution marker value that asks the running step to report a pause.
+    static constexpr int kMarkerPause = 99;
+
+    using TickSource = DWORD(WINAPI*)();
+
+    explicit Interpreter(InterpreterHost& host);
+    Interpreter(const Interpreter&) = delete;
+    Interpreter& operator=(const Interpreter&) = delete;
+    // Releases whatever is still on the stacks without notifying the host.
+    ~Interpreter();
+
+    // The interpreter of the engine context that is current on this thread, or null.
+    static Interpreter* Current() noexcept { return s_current; }
+
+    // Advances the execution stack by one step. 1: work remains; -1: the step ended with a pause
+    // request; 0: nothing is running (run level or step counter below 1).
+    int RunStep(bool single);
+
+    // Runs executor.Step once with state 0. Finished: releases the executor and answers true. Else
+    // pushes (executor, state) on the pending stack and answers false.
+    [[nodiscard]] bool Schedule(Node& executor);
+
+    // Makes an activation of procedure and pushes it, with the call-end marker below it, on the
+    // pending stack. The arguments are the top ParameterCount() entries of the value stack. Always
+    // answers false, so that the calling statement yields.
+    [[nodiscard]] bool CallProcedure(ProcedureCode& procedure, ActivationKind kind, ModuleInstance* instance);
+
+    // Schedules a module's entry procedure (variant A) onto the execution stack; no statement runs.
+    // False when an error was raised.
+    [[nodiscard]] bool StartEntry(ProcedureCode& procedure, ModuleInstance* instance);
+
+    // A host call into a procedure whose arguments are on the value stack: runs it to its end (or until
+    // the run stops) and releases whatever it left above the stack height it started from. True when
+    // no error or stop is pending afterwards.
+    [[nodiscard]] bool RunHostCall(ProcedureCode& procedure, ModuleInstance* instance);
+
+    // Moves the execution point of the current activation.
+    void SetNextStatement(int index) noexcept;
+    // Pops and releases entries until activation is the top executor.
+    void UnwindTo(const Activation& activation);
+    // Pops and releases every entry; the run ends when the last call-end marker goes.
+    void UnwindAll();
+    // Pops the newest entry procedure's frames (the current macro); with none, everything.
+    void UnwindEntry();
+
+    // Asks for a host-control action at the next step. While a host evaluation or call is being served
+    // only actions 5 and 7 are accepted; others raise "Invalid instruction." and answer false.
+    [[nodiscard]] bool RequestAction(int action, long argument);
+
+    // Raises a run-time error: records the number and its message (with " 'argument'" when given)
+    // unless an error is already pending, and sets halt bit 1 (8 inside a host evaluation). Always
+    // answers false.
+    [[nodiscard]] bool SignalError(long number);
+    [[nodiscard]] bool SignalError(long number, std::wstring_view argument);
+    [[nodiscard]] bool SignalError(ErrorId id) { return SignalError(ToNumber(id)); }
+    // Sets the sticky out-of-memory bit and raises "Out of memory.". Always answers false.
+    [[nodiscard]] bool RaiseOutOfMemory();
+    // The raise routine installed for the value layer: raises on the current interpreter.
+    static void RaiseOnCurrent(long number);
+
+    // The time-slice test: true at most every 100 ms while yielding is on, and then a yield is asked
+    // for; never true (and the tick counter is not read) while it is off.
+    [[nodiscard]] bool YieldDue();
+
+    // Pushes an entry on the pending stack (Node::Execute's default). False after raising out of memory.
+    [[nodiscard]] bool PushPending(const ExecEntry& entry);
+
+    // Called by the call-end marker when it is popped.
+    void EndCall();
+
+    // Prepares a Run or Step from the host: the break test stops while the call depth is below
+    // runDepth (0: never), and the statement at which the run resumes is not stopped at.
+    void PrepareRun(int runDepth) noexcept;
+
+    const ErrorRecord& Error() const noexcept { return m_error; }
+    void ClearError() { m_error.Clear(); }
+
+    int RunLevel() const noexcept { return m_runLevel; }
+    void SetRunLevel(int level) noexcept { m_runLevel = level; }
+    int ExecutionMarker() const noexcept { return m_executionMarker; }
+    void SetExecutionMarker(int marker) noexcept { m_executionMarker = marker; }
+    int StepCounter() const noexcept { return m_stepCounter; }
+    void SetStepCounter(int counter) noexcept { m_stepCounter = counter; }
+    int RunDepth() const noexcept { return m_runDepth; }
+    int CallDepth() const noexcept { return m_callDepth; }
+    Activation* CurrentActivation() const noexcept { return m_current; }
+    Activation* EntryActivations() const noexcept { return m_entryActivations; }
+    std::size_t ExecutionDepth() const noexcept { return m_exec.Size(); }
+    std::size_t PendingDepth() const noexcept { return m_pending.Size(); }
+    ValueStack& Values() noexcept { return m_values; }
+    int PendingAction() const noexcept { return m_pendingAction; }
+    long PendingArgument() const noexcept { return m_pendingArgument; }
+
+    // Yielding (the engine's DoEvents setting).
+    void SetYielding(bool on) noexcept;
+    bool IsYielding() const noexcept { return m_yieldSetting != 0; }
+    // Replaces the tick counter (GetTickCount); tests pass a clock of their own.
+    void SetTickSource(TickSource source) noexcept { m_tick = source ? source : &GetTickCount; }
+
+    // A host evaluation is in progress: errors set halt bit 8 instead of 1.
+    void SetEvaluating(bool on) noexcept { m_evaluating = on; }
+    bool IsEvaluating() const noexcept { return m_evaluating; }
+    // Host calls into macros in progress; while any runs, only actions 5 and 7 may be requested.
+    void EnterHostCall() noexcept { ++m_hostCallDepth; }
+    void LeaveHostCall() noexcept { --m_hostCallDepth; }
+
+private:
+    friend class Activation;
+    friend class InterpreterScope;
+
+    void BeginRun();
+    void EndRun();
+    void RunHaltHandler();
+    // The break test before a non-empty statement: true when the run must pause before it.
+    [[nodiscard]] bool BreakTestStops();
+    // Moves the pending entries above base onto the execution stack, first pushed ending on top.
+    void MovePending(std::size_t base);
+    void PopAndRelease();
+    void RecordError(long number, std::wstring_view argument);
+
+    [[nodiscard]] Activation* NewActivation();
+    void FreeActivation(Activation& activation) noexcept;
+    void UnlinkEntry(Activation& activation) noexcept;
+
+    static inline Interpreter* s_current = nullptr;
+
+    InterpreterHost& m_host;
+    int m_runLevel = 0;
+    int m_executionMarker = 0;
+    int m_yieldSetting = 1;
+    int m_yieldRequest = 1;
+    DWORD m_lastYieldTick = 0;
+    TickSource m_tick = &GetTickCount;
+    int m_stepCounter = 0;
+    int m_runDepth = 0;
+    int m_callDepth = 0;
+    Activation* m_current = nullptr;
+    ExecStack m_exec;
+    ExecStack m_pending;
+    Activation* m_entryActivations = nullptr;
+    int m_pendingAction = InterpreterHost::kNoAction;
+    long m_pendingArgument = 0;
+    ValueStack m_values;
+    FramePool m_frames;
+    Activation* m_freeActivations = nullptr;
+    ErrorRecord m_error;
+    bool m_evaluating = false;
+    int m_hostCallDepth = 0;
+    bool m_tearingDown = false;
+    // This engine's halt byte while another engine is current.
+    std::uint8_t m_savedHalt = 0;
+};
+
+// Makes an interpreter the current one for the scope: swaps the halt bytes of the engines, installs
+// the value layer's raise routine, and restores all of it on exit. Nested scopes on the interpreter
+// that is already current change nothing.
+class InterpreterScope final {
+public:
+    explicit InterpreterScope(Interpreter& interpreter);
+    InterpreterScope(const InterpreterScope&) = delete;
+    InterpreterScope& operator=(const InterpreterScope&) = delete;
+    ~InterpreterScope();
+
+private:
+    Interpreter* m_interpreter = nullptr;
+    Interpreter* m_previous = nullptr;
+    void (*m_previousRaise)(long) = nullptr;
+    bool m_changed = false;
+};
+
+} // namespace brannoc

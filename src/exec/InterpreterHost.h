@@ -1,0 +1,53 @@
+#pragma once
+// What the interpreter needs from the engine object that owns it: notifications, the control
+// operation, message pumping and the reporting of errors that no handler traps.
+#include "exec/ErrorRecord.h"
+
+namespace brannoc {
+
+class InterpreterHost {
+public:
+    // Notification codes passed to Notify.
+    enum Notification : short {
+        kNotifyError = 0,
+        kNotifyRunStarted = 1,
+        kNotifyRunEnded = 2,
+        kNotifyStopped = 3,
+        kNotifyResumed = 4,
+        kNotifyActionPending = 8,
+        kNotifyErrorReport = 19,
+    };
+    // Request codes of the engine's control operation.
+    enum ControlAction : int {
+        kActionRun = 0,
+        kActionSetStackDepth = 1,
+        kActionEndAll = 2,
+        kActionEnd = 3,
+        kActionHalt = 4,
+        kActionStop = 5,
+        kActionResume = 6,
+        kActionQuery = 7,
+        kActionQuietQuery = 8,
+    };
+    // The pending-action value that means none is pending.
+    static constexpr int kNoAction = kActionQuietQuery;
+
+    // Tells the engine's host about a state change (run started, run ended, action pending).
+    virtual void Notify(Notification code) = 0;
+    // Carries out a host-control action with its argument (the engine's control operation).
+    virtual void PerformControlAction(int action, long argument) = 0;
+    // Lets the window message loop run (the callback's DoEvents).
+    virtual void PumpMessages() = 0;
+    // An error that no handler trapped: the host records its location and notifies (19, then 0).
+    // The interpreter stops the run afterwards through action 5.
+    virtual void ReportUntrappedError(const ErrorRecord& error) = 0;
+    // An error raised while a host evaluation is in progress; the evaluation fails with it.
+    virtual void ReportEvaluationError(const ErrorRecord& error) { (void)error; }
+    // Frees the emergency memory reserve so that the run can be stopped and reported.
+    virtual void ReleaseMemoryReserve() {}
+
+protected:
+    ~InterpreterHost() = default;
+};
+
+} // namespace brannoc

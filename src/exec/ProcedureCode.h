@@ -1,0 +1,34 @@
+#pragma once
+// What the interpreter needs of a compiled procedure. The front end's procedure class derives from this
+// and supplies the statement vector and the frame layout; executing a procedure object calls it.
+#include "code/Node.h"
+#include "values/Variant.h"
+
+#include <cstddef>
+
+namespace brannoc {
+
+class ProcedureCode : public Node {
+public:
+    // Calls the procedure through the current interpreter (an ordinary call, variant B) and yields.
+    [[nodiscard]] bool Execute() override;
+
+    // Index of the last entry of the statement vector (entry i belongs to source line FirstLine() + i).
+    virtual int LastStatementIndex() const = 0;
+    virtual Node* StatementAt(int index) const = 0;
+    // True for blank, comment and label-only lines and for Dim and Const inside the procedure.
+    virtual bool IsEmptyStatement(int index) const = 0;
+
+    virtual int ParameterCount() const = 0;
+    // Bytes of the frame of locals and parameters; 0 when the procedure has none.
+    virtual std::size_t FrameSize() const = 0;
+    // Sets up the locals in a zero-filled frame. False after raising an error.
+    [[nodiscard]] virtual bool InitializeLocals(void* frame) = 0;
+    // Binds parameter index (declaration order) to its argument on the value stack: a reference to the
+    // caller's value when the types allow it, else a converted local copy. False after raising an error.
+    [[nodiscard]] virtual bool BindParameter(int index, void* frame, Variant& argument) = 0;
+    // Frees what the locals of a frame own; the frame memory itself belongs to the activation.
+    virtual void ClearLocals(void* frame) = 0;
+};
+
+} // namespace brannoc

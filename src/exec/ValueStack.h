@@ -1,0 +1,47 @@
+#pragma once
+// The engine-wide stack of values that expression nodes work on. Slots are Variant holders that stay
+// constructed across pushes and pops: popping clears a slot, and the array only grows, so steady-state
+// evaluation does not allocate. Growing moves the slots: pointers into the stack are valid only until
+// the next push.
+#include "values/Variant.h"
+
+#include <cstddef>
+
+namespace brannoc {
+
+class ValueStack final {
+public:
+    ValueStack() = default;
+    ValueStack(const ValueStack&) = delete;
+    ValueStack& operator=(const ValueStack&) = delete;
+    ~ValueStack();
+
+    // A fresh Empty slot on top, or null when the stack could not grow.
+    [[nodiscard]] Variant* Push()
+    {
+        if (m_size == m_capacity && !Grow())
+            return nullptr;
+        return &m_slots[m_size++];
+    }
+    // Clears the top slot and removes it; the stack must not be empty.
+    void Pop()
+    {
+        m_slots[--m_size].Clear();
+    }
+    // Clears and removes every slot above size.
+    void CutBack(std::size_t size);
+
+    Variant& Top() noexcept { return m_slots[m_size - 1]; }
+    Variant& At(std::size_t index) noexcept { return m_slots[index]; }
+    std::size_t Size() const noexcept { return m_size; }
+    bool IsEmpty() const noexcept { return m_size == 0; }
+
+private:
+    [[nodiscard]] bool Grow();
+
+    Variant* m_slots = nullptr;
+    std::size_t m_size = 0;
+    std::size_t m_capacity = 0;
+};
+
+} // namespace brannoc
