@@ -438,6 +438,56 @@ TEST_F(InterpreterTest, ScheduledExecutorThatFinishesAtOnceNeverTouchesTheStacks
     EXPECT_EQ(interpreter.ExecutionDepth(), 0u);
 }
 
+TEST_F(InterpreterTest, ExecutorThatNeedsMoreStepsResumesFromThePendingStack)
+{
+    // Finishes on its third step; the default Execute pushes it after the first.
+    struct ThreeSteps final : Node {
+        std::vector<int>* seen;
+        explicit ThreeSteps(std::vector<int>* s) : seen(s) {}
+        bool Step(ExecEntry& entry) override
+        {
+            seen->push_back(entry.state);
+            entry.state += 1;
+            return entry.state == 3;
+        }
+        void Release() override { seen->push_back(-100); }
+    };
+    std::vector<int> seen;
+    int after = 0;
+    TestProcedure main;
+    main.Add(std::make_unique<ThreeSteps>(&seen)).Add(Counter(after));
+    ASSERT_TRUE(interpreter.StartEntry(main, nullptr));
+    RunToStop();
+    EXPECT_EQ(seen, (std::vector<int>{0, 1, 2, -100}));
+    EXPECT_EQ(after, 1);
+    ExpectIdleAndClean();
+}
+
+TEST_F(InterpreterTest, EvaluationErrorIsReportedAsTheEvaluationsAndStopsTheRun)
+{
+    int after = 0;
+    TestProcedure main;
+    main.Add([this] {
+        interpreter.SetEvaluating(true);
+        return interpreter.SignalError(10080);
+    });
+    main.Add(Counter(after));
+    ASSERT_TRUE(interpreter.StartEntry(main, nullptr));
+    RunToStop();
+    interpreter.SetEvaluating(false);
+
+    EXPECT_EQ(after, 0);
+    EXPECT_TRUE(host.untrappedErrors.empty());
+    ASSERT_EQ(host.evaluationErrors.size(), 1u);
+    EXPECT_EQ(host.evaluationErrors[0].number, 10080);
+    EXPECT_EQ(host.evaluationErrors[0].description, L"Type mismatch.");
+    EXPECT_EQ(host.CountActions(InterpreterHost::kActionStop), 1);
+    EXPECT_TRUE(HaltFlags::Has(HaltFlags::kEvaluationError)) << "cleared only when the evaluation ends";
+    HaltFlags::Clear(0xFF);
+    interpreter.UnwindAll();
+    ExpectIdleAndClean();
+}
+
 // ---- Yielding ----
 
 DWORD s_fakeTick = 0;
