@@ -40,10 +40,108 @@ static const GUID IID__BasicObject =
 static const GUID CLSID_KZB =
     {0xAD65F59E, 0x0D94, 0x4A33, {0xB9, 0x8E, 0xBA, 0xC8, 0xFC, 0x34, 0x29, 0x53}};
 
+
+#ifdef __cplusplus
+}  /* extern "C" */
+
+/* The engine object's dual interface, in its vtable order (after IUnknown and IDispatch). A property with
+ * get and put takes two slots, get first. Booleans are VARIANT_BOOL (-1 true, 0 false). */
+struct __declspec(novtable) _CodeUnit : public IDispatch {
+    virtual HRESULT __stdcall get_CallBack(IDispatch** result) = 0;
+    virtual HRESULT __stdcall get_CallersLine(short depth, BSTR* result) = 0;
+    virtual HRESULT __stdcall get_Caption(BSTR* result) = 0;
+    virtual HRESULT __stdcall put_Caption(BSTR caption) = 0;
+    virtual HRESULT __stdcall get_CurrentLine(BSTR* result) = 0;
+    virtual HRESULT __stdcall get_DefaultCallBack(IDispatch** result) = 0;
+    virtual HRESULT __stdcall get_DoEvents(VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall put_DoEvents(VARIANT_BOOL on) = 0;
+    virtual HRESULT __stdcall get_ErrorDesc(BSTR* result) = 0;
+    virtual HRESULT __stdcall put_ErrorDesc(BSTR description) = 0;
+    virtual HRESULT __stdcall get_ErrorLimit(short* result) = 0;
+    virtual HRESULT __stdcall put_ErrorLimit(short limit) = 0;
+    virtual HRESULT __stdcall get_ErrorLine(BSTR* result) = 0;
+    virtual HRESULT __stdcall get_ErrorLineNum(short* result) = 0;
+    virtual HRESULT __stdcall get_ErrorMacroName(BSTR* result) = 0;
+    virtual HRESULT __stdcall get_ErrorOffset(short* result) = 0;
+    virtual HRESULT __stdcall get_Evaluate(BSTR expression, short depth, BSTR* result) = 0;
+    virtual HRESULT __stdcall put_Evaluate(BSTR expression, short depth, BSTR value) = 0;
+    virtual HRESULT __stdcall get_EvaluateObject(BSTR expression, short depth, IDispatch** result) = 0;
+    virtual HRESULT __stdcall get_Evaluating(VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall get_ExtensionType(short index, IUnknown** result) = 0;
+    virtual HRESULT __stdcall get_ExtensionTypeName(short index, BSTR* result) = 0;
+    virtual HRESULT __stdcall get_Fire(VARIANT_BOOL debugging, IDispatch** result) = 0;
+    virtual HRESULT __stdcall get_HelpFile(BSTR* result) = 0;
+    virtual HRESULT __stdcall get_IsActive(VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall get_IsIdle(VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall get_IsPaused(VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall get_IsStopped(VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall get_Keywords(BSTR* result) = 0;
+    virtual HRESULT __stdcall get_LineNum(short* result) = 0;
+    virtual HRESULT __stdcall put_LineNum(short line) = 0;
+    virtual HRESULT __stdcall get_MacroName(BSTR* result) = 0;
+    virtual HRESULT __stdcall get_StackDepth(short* result) = 0;
+    virtual HRESULT __stdcall put_StackDepth(short depth) = 0;
+    virtual HRESULT __stdcall get_Version(BSTR* result) = 0;
+    virtual HRESULT __stdcall AddExtension(BSTR prefix, IDispatch* extension) = 0;
+    virtual HRESULT __stdcall Call0(BSTR subName, VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall Call1(BSTR subName, VARIANT* arg1, VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall Call2(BSTR subName, VARIANT* arg1, VARIANT* arg2, VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall Call3(BSTR subName, VARIANT* arg1, VARIANT* arg2, VARIANT* arg3,
+                                    VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall Call4(BSTR subName, VARIANT* arg1, VARIANT* arg2, VARIANT* arg3, VARIANT* arg4,
+                                    VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall Call5(BSTR subName, VARIANT* arg1, VARIANT* arg2, VARIANT* arg3, VARIANT* arg4,
+                                    VARIANT* arg5, VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall Continue(VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall Halt(VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall HaltAll(VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall Load(BSTR macroName, VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall Run(short depth, VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall SetCallBack(IDispatch* callBack) = 0;
+    virtual HRESULT __stdcall Start(BSTR macroName, VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall Step(VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall Stop(VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall ToggleBreak(BSTR macroName, short line, VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall Unload(BSTR macroName, VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall get_BlockedKeywords(BSTR* result) = 0;
+    virtual HRESULT __stdcall put_BlockedKeywords(BSTR keywords) = 0;
+    virtual HRESULT __stdcall get_LoadedMacroName(short index, BSTR* result) = 0;
+    virtual HRESULT __stdcall CreateHandler(BSTR prototype, IDispatch** result) = 0;
+    virtual HRESULT __stdcall get_IsMacro(BSTR macroName, VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall Shutdown(VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall RemoveExtensions(BSTR prefix, VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall get_Prototypes(BSTR prefix, BSTR* result) = 0;
+    virtual HRESULT __stdcall Rename(BSTR oldMacroName, BSTR newMacroName, VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall get_MacroKeywords(BSTR macroName, BSTR* result) = 0;
+    virtual HRESULT __stdcall CreateHandlers(BSTR prefix, IDispatch* eventObject, IDispatch** result) = 0;
+    virtual HRESULT __stdcall get_IsMacroActive(BSTR macroName, VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall Macro(BSTR macroName, VARIANT_BOOL createNew, IDispatch** result) = 0;
+    virtual HRESULT __stdcall get_BreakLineNum(BSTR macroName, short index, short* result) = 0;
+    virtual HRESULT __stdcall AddExtensionEx(BSTR prefix, IDispatch* extension, VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall get_ExtensionTypeEx(BSTR macro, short index, IUnknown** result) = 0;
+    virtual HRESULT __stdcall get_ExtensionTypeNameEx(BSTR macro, short index, BSTR* result) = 0;
+    virtual HRESULT __stdcall get_ExtensionTypes(BSTR macro, VARIANT* types, BSTR* result) = 0;
+    virtual HRESULT __stdcall get_ErrorNumber(long* result) = 0;
+    virtual HRESULT __stdcall get_ErrorSource(BSTR* result) = 0;
+    virtual HRESULT __stdcall get_ErrorHelpFile(BSTR* result) = 0;
+    virtual HRESULT __stdcall get_ErrorHelpContext(long* result) = 0;
+    virtual HRESULT __stdcall ProjectCreate(BSTR projectName, VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall ProjectDestroy(BSTR projectName, VARIANT_BOOL* result) = 0;
+    virtual HRESULT __stdcall get_IsProject(BSTR projectName, VARIANT_BOOL* result) = 0;
+};
+
+extern "C" {
+#endif
+
+/* Engine objects. */
+BRANNOC_API void* __stdcall CU_CreateCodeUnit(void);
+BRANNOC_API void* __stdcall KZ_CreateCodeUnit(void);
+BRANNOC_API void* __stdcall KZ_CodeCreate(ITypeInfo* classType, LONG reserved);
+
 /* Library lifetime. */
 BRANNOC_API BOOL __stdcall CU_FreeLibraryOkay(void);
 BRANNOC_API BOOL __stdcall KZ_FreeLibraryOkay(void);
-BRANNOC_API BOOL __stdcall KZ_CodeClassLock(LONG count, LONG reserved);
+BRANNOC_API BOOL __stdcall KZ_CodeClassLock(SHORT count, LONG reserved);
 
 #ifdef __cplusplus
 }

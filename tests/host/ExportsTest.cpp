@@ -21,6 +21,9 @@ const ExportRow kExports[] = {
     {"CU_FreeLibraryOkay", 0, false},
     {"KZ_FreeLibraryOkay", 0, false},
     {"KZ_CodeClassLock", 8, false},
+    {"CU_CreateCodeUnit", 0, true},
+    {"KZ_CreateCodeUnit", 0, false},
+    {"KZ_CodeCreate", 8, false},
 };
 
 std::string Decorated(const ExportRow& row) { return "_" + std::string(row.name) + "@" + std::to_string(row.argumentBytes); }

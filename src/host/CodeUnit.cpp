@@ -1,0 +1,496 @@
+#include "host/CodeUnit.h"
+#include "host/EntryGuard.h"
+#include "host/LibraryLifetime.h"
+#include "host/MemoryReserve.h"
+#include "host/ThisModule.h"
+#include "values/Variant.h"
+#include <atomic>
+#include <new>
+
+namespace brannoc {
+namespace {
+
+std::atomic<unsigned long> s_identifierCounter{0};
+CodeUnit* s_first = nullptr;
+CodeUnit* s_last = nullptr;
+
+VARIANT_BOOL AsBool(bool value) { return value ? VARIANT_TRUE : VARIANT_FALSE; }
+
+std::wstring Text(BSTR text) { return text ? std::wstring(text, SysStringLen(text)) : std::wstring(); }
+
+// Hands a new BSTR to an out parameter; E_OUTOFMEMORY when it cannot be made.
+HRESULT Out(BSTR* result, const std::wstring& text)
+{
+    if (!result)
+        return E_POINTER;
+    Bstr value;
+    if (!value.Assign(text))
+        return E_OUTOFMEMORY;
+    *result = value.Detach();
+    return S_OK;
+}
+
+// The library file's path with its extension replaced by "HLP" ("?.HLP" when it has none).
+std::wstring HelpFilePath()
+{
+    static const std::wstring s_path = [] {
+        std::wstring path = ThisModulePath();
+        size_t dot = path.find_last_of(L'.');
+        size_t slash = path.find_last_of(L"\\/");
+        if (dot == std::wstring::npos || (slash != std::wstring::npos && dot < slash))
+            return std::wstring(L"?.HLP");
+        return path.substr(0, dot + 1) + L"HLP";
+    }();
+    return s_path;
+}
+
+// The version resource, then " - " and the library file's last-write date in the user's locale.
+std::wstring VersionText()
+{
+    std::wstring version = LoadResourceString(0);
+    if (version.empty())
+        version = L"0.0.00";
+    WIN32_FILE_ATTRIBUTE_DATA data;
+    if (!GetFileAttributesExW(ThisModulePath().c_str(), GetFileExInfoStandard, &data))
+        return version;
+    FILETIME local;
+    SYSTEMTIME time;
+    DATE date = 0;
+    Bstr shown;
+    if (FileTimeToLocalFileTime(&data.ftLastWriteTime, &local) && FileTimeToSystemTime(&local, &time) &&
+        SystemTimeToVariantTime(&time, &date) &&
+        SUCCEEDED(VarBstrFromDate(date, LOCALE_USER_DEFAULT, VAR_DATEVALUEONLY, shown.Out())))
+        return version + L" - " + std::wstring(shown.View());
+    return version + L" - ?";
+}
+
+} // namespace
+
+CodeUnit* CodeUnit::Create(ITypeInfo* classType)
+{
+    if (!classType)
+        return nullptr;
+    // Late-bound calls are dispatched through the vtable half of the class's default dual interface.
+    HREFTYPE href = 0;
+    ComRef<ITypeInfo> defaultInterface;
+    ComRef<ITypeInfo> vtableInterface;
+    if (FAILED(classType->GetRefTypeOfImplType(0, &href)) ||
+        FAILED(classType->GetRefTypeInfo(href, defaultInterface.Out())))
+        return nullptr;
+    if (SUCCEEDED(defaultInterface->GetRefTypeOfImplType(static_cast<UINT>(-1), &href)))
+        defaultInterface->GetRefTypeInfo(href, vtableInterface.Out());
+    if (!vtableInterface)
+        vtableInterface = defaultInterface;
+    MemoryReserve::Install();
+    CodeUnit* unit = nullptr;
+    try {
+        EngineLock::Acquire();
+        unit = new CodeUnit(classType, vtableInterface.Get());
+        EngineLock::Release();
+    } catch (const std::bad_alloc&) {
+        EngineLock::Release();
+        return nullptr;
+    }
+    return unit;
+}
+
+CodeUnit::CodeUnit(ITypeInfo* classType, ITypeInfo* dispatchType)
+    : m_identifier(++s_identifierCounter),
+      m_classType(ComRef<ITypeInfo>::Share(classType)),
+      m_dispatchType(ComRef<ITypeInfo>::Share(dispatchType)),
+      m_context(std::make_unique<EngineContext>(*this))
+{
+    AddObjectReference();
+    if (FAILED(CoCreateGuid(&m_instanceGuid))) {
+        // A locally made value: the identifier and the tick count are enough to tell objects apart.
+        m_instanceGuid.Data1 = m_identifier;
+        m_instanceGuid.Data2 = static_cast<unsigned short>(GetTickCount());
+        m_instanceGuid.Data3 = static_cast<unsigned short>(GetCurrentProcessId());
+    }
+    Link();
+}
+
+CodeUnit::~CodeUnit()
+{
+    // Release already holds the engine lock; the context must not be current while it is destroyed.
+    m_context.reset();
+    Unlink();
+    ReleaseObjectReference();
+}
+
+void CodeUnit::Link()
+{
+    m_previous = s_last;
+    if (s_last)
+        s_last->m_next = this;
+    else
+        s_first = this;
+    s_last = this;
+}
+
+void CodeUnit::Unlink()
+{
+    (m_previous ? m_previous->m_next : s_first) = m_next;
+    (m_next ? m_next->m_previous : s_last) = m_previous;
+}
+
+CodeUnit* CodeUnit::First() { return s_first; }
+
+template <typename Work>
+HRESULT CodeUnit::Entered(Work&& work)
+{
+    if (MemoryReserve::IsExhausted()) {
+        MemoryReserve::ReportOnce();
+        return E_OUTOFMEMORY;
+    }
+    try {
+        EntryGuard guard(*m_context);
+        return work();
+    } catch (const std::bad_alloc&) {
+        MemoryReserve::ReportOnce();
+        return E_OUTOFMEMORY;
+    }
+}
+
+// ---- IUnknown and IDispatch ----
+
+HRESULT __stdcall CodeUnit::QueryInterface(REFIID id, void** object)
+{
+    if (!object)
+        return E_POINTER;
+    if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch) || IsEqualIID(id, IID__CodeUnit)) {
+        *object = static_cast<_CodeUnit*>(this);
+        AddRef();
+        return S_OK;
+    }
+    *object = nullptr;
+    return E_NOINTERFACE;
+}
+
+// Not atomic: every user of an engine object is serialised by the engine lock.
+ULONG __stdcall CodeUnit::AddRef() { return ++m_references; }
+
+ULONG __stdcall CodeUnit::Release()
+{
+    ULONG remaining = --m_references;
+    if (remaining == 0) {
+        EngineLock::Acquire();
+        delete this;
+        EngineLock::Release();
+    }
+    return remaining;
+}
+
+HRESULT __stdcall CodeUnit::GetTypeInfoCount(UINT* count)
+{
+    if (!count)
+        return E_POINTER;
+    *count = 1;
+    return S_OK;
+}
+
+HRESULT __stdcall CodeUnit::GetTypeInfo(UINT index, LCID, ITypeInfo** info)
+{
+    if (!info)
+        return E_POINTER;
+    *info = nullptr;
+    if (index != 0)
+        return DISP_E_BADINDEX;
+    m_dispatchType->AddRef();
+    *info = m_dispatchType.Get();
+    return S_OK;
+}
+
+HRESULT __stdcall CodeUnit::GetIDsOfNames(REFIID id, LPOLESTR* names, UINT count, LCID, DISPID* ids)
+{
+    if (!IsEqualIID(id, IID_NULL))
+        return DISP_E_UNKNOWNINTERFACE;
+    return DispGetIDsOfNames(m_dispatchType.Get(), names, count, ids);
+}
+
+HRESULT __stdcall CodeUnit::Invoke(DISPID member, REFIID id, LCID, WORD flags, DISPPARAMS* parameters,
+                                   VARIANT* result, EXCEPINFO* exception, UINT* argumentError)
+{
+    if (!IsEqualIID(id, IID_NULL))
+        return DISP_E_UNKNOWNINTERFACE;
+    return DispInvoke(static_cast<_CodeUnit*>(this), m_dispatchType.Get(), member, flags, parameters, result,
+                      exception, argumentError);
+}
+
+// ---- API trace ----
+
+void CodeUnit::TraceEntry(const wchar_t* operation, const std::wstring& argument)
+{
+    m_context->Trace(TraceKind::Entry, L"*" + std::wstring(operation) + L"(\"" + argument + L"\")");
+}
+
+void CodeUnit::TraceResult(bool result)
+{
+    m_context->Trace(TraceKind::Result, result ? L"Result=True" : L"Result=False");
+    m_context->Trace(TraceKind::Exit, L"");
+}
+
+// ---- Execution control ----
+
+HRESULT CodeUnit::ControlMethod(const wchar_t* operation, const std::wstring& argument, int request, long value,
+                                RunState wanted, VARIANT_BOOL* result)
+{
+    return Entered([&] {
+        TraceEntry(operation, argument);
+        bool outcome = m_context->Control(request, value) == wanted;
+        TraceResult(outcome);
+        if (result)
+            *result = AsBool(outcome);
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::Run(short depth, VARIANT_BOOL* result)
+{
+    long value = depth > 999 ? 999 : depth;
+    return ControlMethod(L"Run", std::to_wstring(depth), EngineContext::kActionRun, value, RunState::Active, result);
+}
+
+HRESULT __stdcall CodeUnit::Step(VARIANT_BOOL* result)
+{
+    return ControlMethod(L"Step", L"", EngineContext::kActionRun, EngineContext::kStepDepth, RunState::Active,
+                         result);
+}
+
+HRESULT __stdcall CodeUnit::Continue(VARIANT_BOOL* result)
+{
+    return ControlMethod(L"Resume", L"", EngineContext::kActionResume, 0, RunState::Active, result);
+}
+
+HRESULT __stdcall CodeUnit::Stop(VARIANT_BOOL* result)
+{
+    return ControlMethod(L"Stop", L"", EngineContext::kActionStop, 0, RunState::Stopped, result);
+}
+
+HRESULT __stdcall CodeUnit::Halt(VARIANT_BOOL* result)
+{
+    return ControlMethod(L"Halt", L"", EngineContext::kActionHalt, 0, RunState::Stopped, result);
+}
+
+HRESULT __stdcall CodeUnit::HaltAll(VARIANT_BOOL* result)
+{
+    return ControlMethod(L"End", L"", EngineContext::kActionEndAll, 0, RunState::Idle, result);
+}
+
+HRESULT __stdcall CodeUnit::Shutdown(VARIANT_BOOL* result)
+{
+    return ControlMethod(L"Shutdown", L"", EngineContext::kActionEndAll, 0, RunState::Idle, result);
+}
+
+// ---- State queries ----
+
+HRESULT __stdcall CodeUnit::get_IsActive(VARIANT_BOOL* result)
+{
+    return Entered([&] { *result = AsBool(m_context->Control(EngineContext::kActionQuietQuery, 0) == RunState::Active); return S_OK; });
+}
+
+HRESULT __stdcall CodeUnit::get_IsIdle(VARIANT_BOOL* result)
+{
+    return Entered([&] { *result = AsBool(m_context->Control(EngineContext::kActionQuietQuery, 0) == RunState::Idle); return S_OK; });
+}
+
+HRESULT __stdcall CodeUnit::get_IsStopped(VARIANT_BOOL* result)
+{
+    return Entered([&] { *result = AsBool(m_context->Control(EngineContext::kActionQuietQuery, 0) == RunState::Stopped); return S_OK; });
+}
+
+HRESULT __stdcall CodeUnit::get_IsPaused(VARIANT_BOOL* result)
+{
+    return Entered([&] { *result = AsBool(m_context->Machine().ExecutionMarker() < 0); return S_OK; });
+}
+
+HRESULT __stdcall CodeUnit::get_Evaluating(VARIANT_BOOL* result)
+{
+    return Entered([&] { *result = AsBool(m_context->Machine().IsEvaluating()); return S_OK; });
+}
+
+HRESULT __stdcall CodeUnit::get_StackDepth(short* result)
+{
+    return Entered([&] { *result = static_cast<short>(m_context->Machine().CallDepth()); return S_OK; });
+}
+
+HRESULT __stdcall CodeUnit::put_StackDepth(short depth)
+{
+    return Entered([&] {
+        (void)m_context->Control(EngineContext::kActionSetStackDepth, depth);
+        return S_OK;
+    });
+}
+
+// ---- Settings ----
+
+HRESULT __stdcall CodeUnit::get_Caption(BSTR* result)
+{
+    return Entered([&] { return Out(result, m_context->Caption()); });
+}
+
+HRESULT __stdcall CodeUnit::put_Caption(BSTR caption)
+{
+    return Entered([&] { m_context->SetCaption(Text(caption)); return S_OK; });
+}
+
+// DoEvents polling and Version do not touch the engine context's run state.
+HRESULT __stdcall CodeUnit::get_DoEvents(VARIANT_BOOL* result)
+{
+    if (!result)
+        return E_POINTER;
+    *result = AsBool(m_context->DoEventsPolling());
+    return S_OK;
+}
+
+HRESULT __stdcall CodeUnit::put_DoEvents(VARIANT_BOOL on)
+{
+    m_context->SetDoEventsPolling(on != VARIANT_FALSE);
+    return S_OK;
+}
+
+HRESULT __stdcall CodeUnit::get_ErrorLimit(short* result)
+{
+    return Entered([&] { *result = m_context->ErrorLimit(); return S_OK; });
+}
+
+HRESULT __stdcall CodeUnit::put_ErrorLimit(short limit)
+{
+    return Entered([&] { m_context->SetErrorLimit(limit); return S_OK; });
+}
+
+HRESULT __stdcall CodeUnit::get_Version(BSTR* result) { return Out(result, VersionText()); }
+
+HRESULT __stdcall CodeUnit::get_HelpFile(BSTR* result)
+{
+    return Entered([&] { return Out(result, HelpFilePath()); });
+}
+
+HRESULT __stdcall CodeUnit::get_CallBack(IDispatch** result)
+{
+    return Entered([&] {
+        *result = m_context->CallBack();
+        if (*result)
+            (*result)->AddRef();
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::SetCallBack(IDispatch* callBack)
+{
+    return Entered([&] { m_context->SetCallBack(callBack); return S_OK; });
+}
+
+// ---- Error record ----
+
+HRESULT __stdcall CodeUnit::get_ErrorNumber(long* result)
+{
+    return Entered([&] { *result = m_context->ErrorReport().number; return S_OK; });
+}
+
+HRESULT __stdcall CodeUnit::get_ErrorDesc(BSTR* result)
+{
+    return Entered([&] { return Out(result, m_context->ErrorReport().description); });
+}
+
+HRESULT __stdcall CodeUnit::put_ErrorDesc(BSTR description)
+{
+    return Entered([&] {
+        ErrorLocation& error = m_context->ErrorReport();
+        error.Clear();
+        std::wstring text = Text(description);
+        if (!text.empty()) {
+            error.description = text;
+            error.helpContext = 5;
+            error.helpFile = HelpFilePath();
+            m_context->SendNotification(5);
+            m_context->SendNotification(0);
+        }
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::get_ErrorSource(BSTR* result)
+{
+    return Entered([&] { return Out(result, m_context->ErrorReport().source); });
+}
+
+HRESULT __stdcall CodeUnit::get_ErrorHelpFile(BSTR* result)
+{
+    return Entered([&] { return Out(result, m_context->ErrorReport().helpFile); });
+}
+
+HRESULT __stdcall CodeUnit::get_ErrorHelpContext(long* result)
+{
+    return Entered([&] { *result = m_context->ErrorReport().helpContext; return S_OK; });
+}
+
+HRESULT __stdcall CodeUnit::get_ErrorMacroName(BSTR* result)
+{
+    return Entered([&] { return Out(result, m_context->ErrorReport().macroName); });
+}
+
+HRESULT __stdcall CodeUnit::get_ErrorLine(BSTR* result)
+{
+    return Entered([&] { return Out(result, m_context->ErrorReport().lineText); });
+}
+
+HRESULT __stdcall CodeUnit::get_ErrorLineNum(short* result)
+{
+    return Entered([&] { *result = m_context->ErrorReport().lineNumber; return S_OK; });
+}
+
+HRESULT __stdcall CodeUnit::get_ErrorOffset(short* result)
+{
+    return Entered([&] { *result = m_context->ErrorReport().offset; return S_OK; });
+}
+
+// ---- Members that arrive with later parts of the engine ----
+// FIXME: each answers E_NOTIMPL until its subsystem exists (README lists them).
+
+HRESULT __stdcall CodeUnit::get_CallersLine(short, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::get_CurrentLine(BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::get_DefaultCallBack(IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::get_Evaluate(BSTR, short, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::put_Evaluate(BSTR, short, BSTR) { return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::get_EvaluateObject(BSTR, short, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::get_ExtensionType(short, IUnknown** result) { if (result) *result = nullptr; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::get_ExtensionTypeName(short, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::get_Fire(VARIANT_BOOL, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::get_Keywords(BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::get_LineNum(short* result) { if (result) *result = 0; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::put_LineNum(short) { return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::get_MacroName(BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::AddExtension(BSTR, IDispatch*) { return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::Call0(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::Call1(BSTR, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::Call2(BSTR, VARIANT*, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::Call3(BSTR, VARIANT*, VARIANT*, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::Call4(BSTR, VARIANT*, VARIANT*, VARIANT*, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::Call5(BSTR, VARIANT*, VARIANT*, VARIANT*, VARIANT*, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::Load(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::Start(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::ToggleBreak(BSTR, short, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::Unload(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::get_BlockedKeywords(BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::put_BlockedKeywords(BSTR) { return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::get_LoadedMacroName(short, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::CreateHandler(BSTR, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::get_IsMacro(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::RemoveExtensions(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::get_Prototypes(BSTR, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::Rename(BSTR, BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::get_MacroKeywords(BSTR, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::CreateHandlers(BSTR, IDispatch*, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::get_IsMacroActive(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::Macro(BSTR, VARIANT_BOOL, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::get_BreakLineNum(BSTR, short, short* result) { if (result) *result = 0; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::AddExtensionEx(BSTR, IDispatch*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::get_ExtensionTypeEx(BSTR, short, IUnknown** result) { if (result) *result = nullptr; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::get_ExtensionTypeNameEx(BSTR, short, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::get_ExtensionTypes(BSTR, VARIANT*, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::ProjectCreate(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::ProjectDestroy(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
+HRESULT __stdcall CodeUnit::get_IsProject(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
+
+} // namespace brannoc

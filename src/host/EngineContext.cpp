@@ -1,0 +1,277 @@
+#include "host/EngineContext.h"
+#include "host/CodeUnit.h"
+#include "host/HostCallBack.h"
+#include "host/MemoryReserve.h"
+#include "host/ThisModule.h"
+#include <windows.h>
+
+namespace brannoc {
+
+EngineContext::EngineContext(CodeUnit& owner) : m_owner(owner), m_interpreter(*this) {}
+
+EngineContext::~EngineContext() = default;
+
+void EngineContext::SetCallBack(IDispatch* callBack)
+{
+    // The new callback is held before the previous one goes.
+    ComRef<IDispatch> held = ComRef<IDispatch>::Share(callBack);
+    m_callBack = std::move(held);
+}
+
+void EngineContext::SetDoEventsPolling(bool on)
+{
+    m_doEvents = on;
+    m_interpreter.SetYielding(on);
+}
+
+RunState EngineContext::State() const
+{
+    if (IsBusy())
+        return RunState::Busy;
+    int level = m_interpreter.RunLevel();
+    return level == 0 ? RunState::Idle : level > 0 ? RunState::Active : RunState::Stopped;
+}
+
+RunState EngineContext::Control(int request, long argument)
+{
+    if (IsBusy())
+        return RunState::Busy;
+    switch (request) {
+    case kActionRun:
+        return Run(argument);
+    case kActionSetStackDepth:
+        if (m_interpreter.IsEvaluating())
+            return StopRequest(false);
+        if (StatementExecuting()) {
+            (void)m_interpreter.RequestAction(request, argument);
+            return State();
+        }
+        while (m_interpreter.CallDepth() > (argument < 0 ? 0 : argument) && m_interpreter.ExecutionDepth() > 0)
+            m_interpreter.UnwindEntry();
+        return State();
+    case kActionEndAll:
+        return EndAll();
+    case kActionEnd:
+        return EndCurrent();
+    case kActionHalt:
+        if (m_interpreter.IsEvaluating())
+            return StopRequest(false);
+        if (StatementExecuting()) {
+            (void)m_interpreter.RequestAction(request, argument);
+            return State();
+        }
+        if (m_interpreter.RunLevel() == 0)
+            return StopRequest(true);
+        return EndCurrent();
+    case kActionStop:
+        return StopRequest(argument != 0);
+    case kActionResume:
+        return Resume();
+    case kActionQuery:
+        SendNotification(-1);
+        return State();
+    case kActionQuietQuery:
+    default:
+        return State();
+    }
+}
+
+// Request 0: run until the stack depth is below depth, or one line for the step depth.
+RunState EngineContext::Run(long depth)
+{
+    if (depth < -1) {
+        SetTraceByte(depth);
+        return RunState::Busy;
+    }
+    const bool step = depth == kStepDepth;
+    if (m_interpreter.RunLevel() <= 0) {
+        if (step) {
+            m_stepIntoHostCall = true;
+            return RunState::Busy;
+        }
+        return State();
+    }
+    if (StatementExecuting())
+        return RunState::Busy;
+    int target = depth < 0 || depth == 10000 ? 0 : static_cast<int>(depth);
+    m_interpreter.SetRunLevel(depth == -1 ? 2 : 1);
+    m_interpreter.PrepareRun(target);
+    RunScheduler(step);
+    if (step)
+        return State();
+    if (m_interpreter.RunLevel() > 0)
+        return StopRequest(false);
+    return State();
+}
+
+void EngineContext::RunScheduler(bool single)
+{
+    while (m_interpreter.RunStep(single) > 0) {
+    }
+    m_interpreter.SetExecutionMarker(0);
+}
+
+// Request 5 (stop); fromHalt marks a stop that followed an end or halt request.
+RunState EngineContext::StopRequest(bool fromHalt)
+{
+    if (StatementExecuting()) {
+        (void)m_interpreter.RequestAction(kActionStop, 0);
+        return State();
+    }
+    if (m_interpreter.RunLevel() > 0) {
+        SendNotification(kNotifyStopped);
+    } else if (m_interpreter.RunLevel() == 0 && fromHalt) {
+        SendNotification(13);
+    }
+    return State();
+}
+
+// Request 2: stop, then unwind every frame; the run's end notifies idle.
+RunState EngineContext::EndAll()
+{
+    if (m_interpreter.IsEvaluating())
+        return StopRequest(false);
+    if (StatementExecuting()) {
+        (void)m_interpreter.RequestAction(kActionEndAll, 0);
+        return State();
+    }
+    if (m_interpreter.RunLevel() == 0)
+        return StopRequest(true);
+    if (m_interpreter.RunLevel() > 0)
+        SendNotification(kNotifyStopped);
+    m_interpreter.UnwindAll();
+    return State();
+}
+
+// Request 3: unwind the current macro's frames, then stop what remains.
+RunState EngineContext::EndCurrent()
+{
+    if (StatementExecuting()) {
+        (void)m_interpreter.RequestAction(kActionEnd, 0);
+        return State();
+    }
+    if (m_interpreter.RunLevel() == 0)
+        return StopRequest(true);
+    m_interpreter.UnwindEntry();
+    return StopRequest(false);
+}
+
+RunState EngineContext::Resume()
+{
+    if (m_reportingError) {
+        m_reportingError = false;
+        SendNotification(1000);
+        return State();
+    }
+    if (m_interpreter.RunLevel() < 0)
+        SendNotification(kNotifyResumed);
+    return State();
+}
+
+void EngineContext::SetTraceByte(long depth)
+{
+    const unsigned value = static_cast<unsigned>(depth) & 0xFFFF;
+    switch (value & 0xFF00) {
+    case 0x8000: m_trace[0] = static_cast<unsigned char>(value & 0xFF); break;
+    case 0x8100: m_trace[1] = static_cast<unsigned char>(value & 0xFF); break;
+    case 0x8200: m_trace[2] = static_cast<unsigned char>(value & 0xFF); break;
+    default: break;
+    }
+}
+
+void EngineContext::Trace(TraceKind kind, const std::wstring& text)
+{
+    if (!ApiTraceOn())
+        return;
+    if (m_callBack)
+        HostCallBack::DebugTrace(m_callBack.Get(), m_owner.AsDispatch(), static_cast<short>(kind), text);
+    else if (m_traceSink)
+        m_traceSink(kind, text);
+}
+
+void EngineContext::SendNotification(short code)
+{
+    if (m_pendingNotification >= 0 && code != m_pendingNotification) {
+        short pending = static_cast<short>(m_pendingNotification);
+        m_pendingNotification = -1;
+        SendNotification(pending);
+    }
+    if (code < 0)
+        return;
+    switch (code) {
+    case kNotifyError:
+        if (m_interpreter.IsEvaluating())
+            return;
+        if (m_interpreter.RunLevel() > 0)
+            m_interpreter.SetRunLevel(-m_interpreter.RunLevel());
+        break;
+    case kNotifyStopped:
+        if (m_interpreter.RunLevel() > 0)
+            m_interpreter.SetRunLevel(-m_interpreter.RunLevel());
+        break;
+    case kNotifyResumed:
+        if (m_interpreter.RunLevel() < 0)
+            m_interpreter.SetRunLevel(-m_interpreter.RunLevel());
+        break;
+    case 5:
+        if (m_interpreter.IsEvaluating())
+            return;
+        break;
+    default:
+        break;
+    }
+    if (m_notificationSink)
+        m_notificationSink(code);
+    if (m_callBack)
+        HostCallBack::Notify(m_callBack.Get(), m_owner.AsDispatch(), code);
+    else
+        DefaultNotify(code);
+}
+
+// Without a callback, an error is shown in a task-modal box; other notifications are ignored.
+void EngineContext::DefaultNotify(short code)
+{
+    if (code != kNotifyError)
+        return;
+    const ErrorLocation& error = m_errorReport;
+    std::wstring line = error.lineText;
+    if (error.offset >= 0 && static_cast<size_t>(error.offset) <= line.size())
+        line.insert(static_cast<size_t>(error.offset), L"<here>");
+    std::wstring text = L"[" + error.macroName + L"#" + std::to_wstring(error.lineNumber) + L"] " + line + L"\n" +
+                        error.description;
+    std::wstring caption = LoadResourceString(11103);
+    MessageBoxW(nullptr, text.c_str(), caption.empty() ? L"Error" : caption.c_str(), MB_TASKMODAL | MB_OK);
+}
+
+void EngineContext::PumpMessages()
+{
+    if (m_callBack) {
+        HostCallBack::DoEvents(m_callBack.Get(), m_owner.AsDispatch());
+        return;
+    }
+    MSG message;
+    for (int i = 0; i < 100 && m_interpreter.RunLevel() > 0 && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE); ++i) {
+        if (message.message == WM_QUIT) {
+            PostQuitMessage(static_cast<int>(message.wParam));
+            (void)Control(kActionEndAll, 0);
+            break;
+        }
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}
+
+void EngineContext::ReportUntrappedError(const ErrorRecord& error)
+{
+    m_errorReport.number = error.number;
+    m_errorReport.description = error.description;
+    SendNotification(kNotifyErrorReport);
+    SendNotification(kNotifyError);
+}
+
+void EngineContext::ReleaseMemoryReserve()
+{
+    MemoryReserve::ReleaseNext();
+}
+
+} // namespace brannoc

@@ -1,0 +1,117 @@
+#pragma once
+// The per-object state of an engine: callback, caption and settings, the interpreter, the error
+// record, notifications, trace bytes, and the control operation that every run request goes through.
+#include "exec/Interpreter.h"
+#include "exec/InterpreterHost.h"
+#include "host/ComRef.h"
+#include <oaidl.h>
+#include <bitset>
+#include <functional>
+#include <string>
+
+namespace brannoc {
+
+class CodeUnit;
+
+// Run state as hosts see it.
+enum class RunState : int { Idle = 0, Active = 1, Stopped = 2, Busy = 3 };
+
+// Kinds of API trace lines.
+enum class TraceKind : short { Entry = 0, Exit = 1, Detail = 2, Result = 3, Event = 4 };
+
+// Where an error was reported: what the host reads through the Error... members.
+struct ErrorLocation {
+    long number = 0;
+    std::wstring description;
+    std::wstring macroName;
+    std::wstring lineText;
+    short lineNumber = 0;
+    short offset = 0;
+    std::wstring source;
+    std::wstring helpFile;
+    long helpContext = 0;
+
+    void Clear() { *this = ErrorLocation{}; }
+};
+
+class EngineContext final : public InterpreterHost {
+public:
+    static constexpr int kKeywordCount = 340;
+    static constexpr int kStepDepth = 9999;
+
+    explicit EngineContext(CodeUnit& owner);
+    ~EngineContext();
+    EngineContext(const EngineContext&) = delete;
+    EngineContext& operator=(const EngineContext&) = delete;
+
+    CodeUnit& Owner() const { return m_owner; }
+    Interpreter& Machine() { return m_interpreter; }
+
+    // The control operation: carries out request (0..8) with its argument, answers the state after it.
+    RunState Control(int request, long argument);
+    RunState State() const;
+
+    // Host callback (held); null means the built-in default behaviour.
+    IDispatch* CallBack() const { return m_callBack.Get(); }
+    void SetCallBack(IDispatch* callBack);
+
+    const std::wstring& Caption() const { return m_caption; }
+    void SetCaption(std::wstring caption) { m_caption = std::move(caption); }
+    bool DoEventsPolling() const { return m_doEvents; }
+    void SetDoEventsPolling(bool on);
+    short ErrorLimit() const { return m_errorLimit; }
+    void SetErrorLimit(short limit) { m_errorLimit = limit < 1 ? 1 : limit; }
+    std::bitset<kKeywordCount>& BlockedKeywords() { return m_blocked; }
+
+    ErrorLocation& ErrorReport() { return m_errorReport; }
+    bool IsBusy() const { return m_compiling || m_reportingError; }
+    void SetCompiling(bool on) { m_compiling = on; }
+
+    unsigned char TraceByte(int which) const { return m_trace[which]; }
+    bool ApiTraceOn() const { return (m_trace[0] & 0x40) != 0; }
+    bool ExecutionTraceOn() const { return (m_trace[0] & 0x80) != 0; }
+    // Writes an API trace line (only while the API trace is on).
+    void Trace(TraceKind kind, const std::wstring& text);
+    // Tests read trace lines and notifications here when no callback is set.
+    void SetTraceSink(std::function<void(TraceKind, const std::wstring&)> sink) { m_traceSink = std::move(sink); }
+    void SetNotificationSink(std::function<void(short)> sink) { m_notificationSink = std::move(sink); }
+
+    // Sends a notification (delivering a pending one first); -1 only delivers the pending one.
+    void SendNotification(short code);
+
+    // InterpreterHost
+    void Notify(Notification code) override { SendNotification(code); }
+    void PerformControlAction(int action, long argument) override { (void)Control(action, argument); }
+    void PumpMessages() override;
+    void ReportUntrappedError(const ErrorRecord& error) override;
+    void ReleaseMemoryReserve() override;
+
+private:
+    RunState Run(long depth);
+    RunState StopRequest(bool fromHalt);
+    RunState EndAll();
+    RunState EndCurrent();
+    RunState Resume();
+    void SetTraceByte(long depth);
+    bool StatementExecuting() const { return m_interpreter.ExecutionMarker() != 0; }
+    void RunScheduler(bool single);
+    void DefaultNotify(short code);
+
+    CodeUnit& m_owner;
+    ComRef<IDispatch> m_callBack;
+    std::wstring m_caption = L"Brannoc Basic";
+    bool m_doEvents = true;
+    short m_errorLimit = 1;
+    std::bitset<kKeywordCount> m_blocked;
+    bool m_compiling = false;
+    bool m_reportingError = false;
+    bool m_stepIntoHostCall = false;
+    int m_pendingNotification = -1;
+    unsigned char m_trace[3] = {0, 0, 1};
+    ErrorLocation m_errorReport;
+    std::function<void(TraceKind, const std::wstring&)> m_traceSink;
+    std::function<void(short)> m_notificationSink;
+    Interpreter m_interpreter;
+};
+
+} // namespace brannoc

@@ -1,0 +1,82 @@
+#include "host/HostCallBack.h"
+#include "host/EntryGuard.h"
+#include "values/Variant.h"
+#include <algorithm>
+#include <vector>
+
+namespace brannoc {
+
+DISPID HostCallBack::Find(IDispatch* callBack, const wchar_t* name)
+{
+    if (!callBack)
+        return DISPID_UNKNOWN;
+    DISPID id = DISPID_UNKNOWN;
+    LPOLESTR names[] = {const_cast<LPOLESTR>(name)};
+    if (FAILED(callBack->GetIDsOfNames(IID_NULL, names, 1, 0x409, &id)))
+        return DISPID_UNKNOWN;
+    return id;
+}
+
+bool HostCallBack::InvokeByName(IDispatch* callBack, const wchar_t* name, VARIANT* arguments, UINT count,
+                                VARIANT* result)
+{
+    DISPID id = Find(callBack, name);
+    if (id == DISPID_UNKNOWN)
+        return false;
+    // IDispatch takes its arguments last first.
+    std::reverse(arguments, arguments + count);
+    DISPPARAMS parameters{arguments, nullptr, count, 0};
+    int lockDepth = EngineLock::Suspend();
+    HRESULT hr = callBack->Invoke(id, IID_NULL, 0x409, DISPATCH_METHOD, &parameters, result, nullptr, nullptr);
+    EngineLock::Resume(lockDepth);
+    return SUCCEEDED(hr);
+}
+
+namespace {
+
+VARIANT EngineArgument(IDispatch* engine)
+{
+    VARIANT value;
+    VariantInit(&value);
+    value.vt = VT_DISPATCH;
+    value.pdispVal = engine;   // borrowed for the call: the callee adds its own reference if it keeps it
+    return value;
+}
+
+} // namespace
+
+bool HostCallBack::DebugPrint(IDispatch* callBack, IDispatch* engine, const std::wstring& text)
+{
+    Bstr textArgument(text);
+    VARIANT arguments[2] = {EngineArgument(engine), {}};
+    arguments[1].vt = VT_BSTR;
+    arguments[1].bstrVal = textArgument.Get();
+    return InvokeByName(callBack, L"DebugPrint", arguments, 2, nullptr);
+}
+
+bool HostCallBack::DebugTrace(IDispatch* callBack, IDispatch* engine, short kind, const std::wstring& text)
+{
+    Bstr textArgument(text);
+    VARIANT arguments[3] = {EngineArgument(engine), {}, {}};
+    arguments[1].vt = VT_I2;
+    arguments[1].iVal = kind;
+    arguments[2].vt = VT_BSTR;
+    arguments[2].bstrVal = textArgument.Get();
+    return InvokeByName(callBack, L"DebugTrace", arguments, 3, nullptr);
+}
+
+bool HostCallBack::Notify(IDispatch* callBack, IDispatch* engine, short code)
+{
+    VARIANT arguments[2] = {EngineArgument(engine), {}};
+    arguments[1].vt = VT_I2;
+    arguments[1].iVal = code;
+    return InvokeByName(callBack, L"Notify", arguments, 2, nullptr);
+}
+
+bool HostCallBack::DoEvents(IDispatch* callBack, IDispatch* engine)
+{
+    VARIANT arguments[1] = {EngineArgument(engine)};
+    return InvokeByName(callBack, L"DoEvents", arguments, 1, nullptr);
+}
+
+} // namespace brannoc

@@ -1,0 +1,25 @@
+#pragma once
+// Calls into the host's callback object. Members are looked up by name at each call; the engine lock
+// is given up for the duration of the call.
+#include <oaidl.h>
+#include <string>
+
+namespace brannoc {
+
+class HostCallBack final {
+public:
+    // The member's DISPID on the callback, or DISPID_UNKNOWN when it has no such member.
+    static DISPID Find(IDispatch* callBack, const wchar_t* name);
+
+    static bool DebugPrint(IDispatch* callBack, IDispatch* engine, const std::wstring& text);
+    static bool DebugTrace(IDispatch* callBack, IDispatch* engine, short kind, const std::wstring& text);
+    static bool Notify(IDispatch* callBack, IDispatch* engine, short code);
+    static bool DoEvents(IDispatch* callBack, IDispatch* engine);
+
+private:
+    // Invokes a method by name with the given arguments (in declaration order).
+    static bool InvokeByName(IDispatch* callBack, const wchar_t* name, VARIANT* arguments, UINT count,
+                             VARIANT* result);
+};
+
+} // namespace brannoc
