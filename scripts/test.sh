@@ -2,14 +2,8 @@
 # Installs what is missing, builds everything and runs the whole test suite under Wine on a private
 # virtual display. Extra arguments go to ctest (for example -R values).
 set -euo pipefail
-root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
-build="${BRANNOC_BUILD:-$root/build}"
-
-bash "$root/scripts/setup.sh"
-if [ ! -f "$build/build.ninja" ]; then
-    cmake -S "$root" -B "$build" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$root/cmake/i686-w64-mingw32.cmake" >/dev/null
-fi
-cmake --build "$build" -j"$(nproc)"
+source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+build_everything
 
 # One display for the whole run, on the first free number from 90 up.
 display=90
