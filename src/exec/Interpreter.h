@@ -116,6 +116,7 @@ public:
     std::size_t ExecutionDepth() const noexcept { return m_exec.Size(); }
     std::size_t PendingDepth() const noexcept { return m_pending.Size(); }
     ValueStack& Values() noexcept { return m_values; }
+    InterpreterHost& Host() noexcept { return m_host; }
     int PendingAction() const noexcept { return m_pendingAction; }
     long PendingArgument() const noexcept { return m_pendingArgument; }
 

@@ -3,6 +3,8 @@
 // operation, message pumping and the reporting of errors that no handler traps.
 #include "exec/ErrorRecord.h"
 
+#include <string>
+
 namespace brannoc {
 
 class InterpreterHost {
@@ -45,6 +47,8 @@ public:
     virtual void ReportEvaluationError(const ErrorRecord& error) { (void)error; }
     // Frees the emergency memory reserve so that the run can be stopped and reported.
     virtual void ReleaseMemoryReserve() {}
+    // Output of Debug.Print: the text of one statement, ending in CR LF unless its list ended with ";".
+    virtual void DebugPrint(const std::wstring& text) { (void)text; }
 
 protected:
     ~InterpreterHost() = default;

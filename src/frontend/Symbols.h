@@ -3,6 +3,7 @@
 // enumerations and procedures (including external Declare procedures).
 #include "frontend/ConstantValue.h"
 #include "frontend/TypeCode.h"
+#include "exec/ProcedureCode.h"
 
 #include <cstdint>
 #include <memory>
@@ -95,6 +96,9 @@ struct Procedure {
     // External procedures.
     std::string library;
     std::string alias;
+    // The executable form the body compiler builds (none for external procedures and when no body
+    // compiler ran).
+    std::unique_ptr<ProcedureCode> code;
 };
 
 } // namespace brannoc
