@@ -162,7 +162,7 @@ bool ChangeType(Variant& value, VARTYPE tag)
     if (value.Tag() == VT_BOOL && tag == VT_BSTR) {
         // These two words follow the resource language.
         std::wstring word = LoadResourceString(value.Boolean() ? 11102 : 11101);
-        return value.SetString(std::wstring_view(word)) || RaiseValueError(10001);
+        return value.SetString(std::wstring_view(word)) || RaiseValueError(kErrorOutOfMemory);
     }
     Variant result;
     HRESULT status = PlatformChange(value.Raw(), tag, s_engineLocale, result);
@@ -343,12 +343,12 @@ bool ToText(const Variant& value, TextMode mode, Bstr& text)
     const VARIANT& end = Peek(value);
     if (end.vt == VT_BSTR)
         return text.Assign(std::wstring_view(end.bstrVal ? end.bstrVal : L"", SysStringLen(end.bstrVal))) ||
-               RaiseValueError(10001);
+               RaiseValueError(kErrorOutOfMemory);
     Variant work;
     if (!work.CopyFrom(value.Raw()) || !Resolve(work))
         return false;
     if (work.Tag() == VT_NULL && mode != TextMode::kLocale)
-        return text.Assign(L"") || RaiseValueError(10001);
+        return text.Assign(L"") || RaiseValueError(kErrorOutOfMemory);
     if (mode == TextMode::kInvariant) {
         HRESULT status = S_OK;
         if (InvariantText(work.Raw(), text, status))

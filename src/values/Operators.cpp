@@ -1,6 +1,7 @@
 #include "values/Operators.h"
 
 #include "values/Conversion.h"
+#include "values/StringCapacity.h"
 #include "values/ValueError.h"
 
 #include <array>
@@ -377,22 +378,27 @@ bool NumericOperation(OperationId op, Variant& left, Variant right)
     }
 }
 
+// left & right, with Null read as the empty string. The result is appended to the left string in place
+// when it has spare room, so a string built up by repeated & is not copied each time.
 bool Concatenate(Variant& left, const Variant& right)
 {
-    Bstr leftText, rightText;
-    if (!ToText(left, TextMode::kNullAsEmpty, leftText) || !ToText(right, TextMode::kNullAsEmpty, rightText))
-        return false;
-    UINT leftLength = leftText.Length(), rightLength = rightText.Length();
-    // Grow the left string in place, so the allocator can extend the block it already has.
-    BSTR text = leftText.Detach();
-    if (!SysReAllocStringLen(&text, nullptr, leftLength + rightLength)) {
-        leftText.Attach(text);
-        return RaiseValueError(10001);
+    Bstr rightText;
+    std::wstring_view tail;
+    const VARIANT& rightEnd = *FollowByRefChain(&right.Raw());
+    if (rightEnd.vt == VT_BSTR) {
+        tail = {rightEnd.bstrVal ? rightEnd.bstrVal : L"", SysStringLen(rightEnd.bstrVal)};
+    } else if (rightEnd.vt != VT_NULL) {
+        if (!ToText(right, TextMode::kNullAsEmpty, rightText))
+            return false;
+        tail = rightText.View();
     }
-    if (rightLength)
-        std::wmemcpy(text + leftLength, rightText.Get(), rightLength);
-    left.SetString(text);
-    return true;
+    if (left.Tag() != VT_BSTR) {
+        Bstr leftText;
+        if (!ToText(left, TextMode::kNullAsEmpty, leftText))
+            return false;
+        left.SetString(std::move(leftText));
+    }
+    return AppendToString(left, tail);
 }
 
 bool CompareWithStrings(OperationId op, Variant& left, Variant right)
@@ -573,6 +579,14 @@ bool AlignStaticKinds(OperationId op, Variant& left, StaticKind leftKind, Varian
 
 bool BinaryOperation(OperationId op, Variant& left, const Variant& right)
 {
+    // A plain right operand of & is read where it is, so appending a string costs no copy of it.
+    if (op == OperationId::kConcatenate && right.Tag() != VT_DISPATCH && !right.IsByRef()) {
+        if (!Resolve(left))
+            return false;
+        if (left.Tag() == VT_NULL && right.Tag() == VT_NULL)
+            return true;
+        return Concatenate(left, right);
+    }
     Variant rightValue(right);
     if (!Resolve(left) || !Resolve(rightValue))
         return false;

@@ -211,7 +211,7 @@ public:
     {
         Variant copy(value);
         if (copy.Tag() != value.Tag())
-            return RaiseValueError(10001);
+            return RaiseValueError(kErrorOutOfMemory);
         if (copy.BaseTag() != VT_DISPATCH && !Resolve(copy))
             return false;
         if (copy.IsByRef() && !copy.CopyIndirectFrom(copy.Raw()))
@@ -311,7 +311,7 @@ bool FixedStringCell::Store(VARIANT& storage, const Variant& value) const
     std::wstring text(converted.StringView().substr(0, m_length));
     text.resize(m_length, L' ');
     if (!converted.SetString(std::wstring_view(text)))
-        return RaiseValueError(10001);
+        return RaiseValueError(kErrorOutOfMemory);
     Variant slot;
     slot.Attach(storage);
     slot = std::move(converted);

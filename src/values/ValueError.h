@@ -6,6 +6,7 @@ namespace brannoc {
 
 // Error numbers that the value layer raises.
 enum ValueErrorNumber : long {
+    kErrorOutOfMemory = 10001,
     kErrorFloatInvalid = 10060,
     kErrorDivideByZero = 10061,
     kErrorOverflow = 10062,

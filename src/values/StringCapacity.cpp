@@ -1,0 +1,87 @@
+#include "values/StringCapacity.h"
+
+#include "values/ValueError.h"
+
+#include <algorithm>
+#include <cstring>
+#include <cwchar>
+#include <objbase.h>
+
+namespace brannoc {
+namespace {
+
+// The longest string the platform allocates: the byte count prefix is a 32-bit value and the block
+// also holds the prefix and a terminator.
+constexpr UINT kMaxStringLength = 0x7FFFFFF0u / sizeof(WCHAR);
+
+unsigned long s_appendAllocations = 0;
+
+// The task allocator, which owns every BSTR block. The platform keeps it for the life of the process.
+IMalloc* TaskAllocator() noexcept
+{
+    static IMalloc* s_allocator = [] {
+        IMalloc* allocator = nullptr;
+        return SUCCEEDED(CoGetMalloc(1, &allocator)) ? allocator : nullptr;
+    }();
+    return s_allocator;
+}
+
+// A BSTR block starts with the 32-bit byte count of the text, just before the first character.
+BYTE* BlockOf(BSTR text) noexcept { return reinterpret_cast<BYTE*>(text) - sizeof(DWORD); }
+
+// Sets the used length of a string whose block has room for it, and terminates the text.
+void SetUsedLength(BSTR text, UINT length) noexcept
+{
+    DWORD bytes = length * sizeof(WCHAR);
+    std::memcpy(BlockOf(text), &bytes, sizeof bytes);
+    text[length] = L'\0';
+}
+
+} // namespace
+
+UINT StringCapacity(BSTR text) noexcept
+{
+    if (!text)
+        return 0;
+    UINT length = SysStringLen(text);
+    IMalloc* allocator = TaskAllocator();
+    if (!allocator)
+        return length;
+    SIZE_T block = allocator->GetSize(BlockOf(text));
+    if (block == static_cast<SIZE_T>(-1) || block < sizeof(DWORD) + sizeof(WCHAR))
+        return length;
+    SIZE_T room = (block - sizeof(DWORD) - sizeof(WCHAR)) / sizeof(WCHAR);
+    return room > length ? static_cast<UINT>(std::min<SIZE_T>(room, kMaxStringLength)) : length;
+}
+
+bool AppendToString(Variant& target, std::wstring_view tail)
+{
+    BSTR text = target.String();
+    UINT length = SysStringLen(text);
+    if (tail.empty())
+        return true;
+    if (tail.size() > kMaxStringLength - length)
+        return RaiseValueError(kErrorOutOfMemory);
+    UINT needed = length + static_cast<UINT>(tail.size());
+    if (text && needed <= StringCapacity(text)) {
+        // tail may be part of the text itself; the two ranges never overlap.
+        std::wmemcpy(text + length, tail.data(), tail.size());
+        SetUsedLength(text, needed);
+        return true;
+    }
+    UINT room = std::max(needed, length <= kMaxStringLength / 2 ? length * 2 : kMaxStringLength);
+    BSTR grown = SysAllocStringLen(nullptr, room);
+    ++s_appendAllocations;
+    if (!grown)
+        return RaiseValueError(kErrorOutOfMemory);
+    if (length)
+        std::wmemcpy(grown, text, length);
+    std::wmemcpy(grown + length, tail.data(), tail.size());
+    SetUsedLength(grown, needed);
+    target.SetString(grown); // frees the old block, which tail may have pointed into
+    return true;
+}
+
+unsigned long StringAppendAllocations() noexcept { return s_appendAllocations; }
+
+} // namespace brannoc

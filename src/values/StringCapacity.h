@@ -1,0 +1,26 @@
+#pragma once
+// Strings that grow by appending. A string value that `&` appends to is given spare room: its BSTR
+// block is allocated larger than its text and the length prefix holds only the used length, so the
+// value stays an ordinary BSTR (copied, freed and measured by the platform as usual) while later
+// appends fill the spare room in place. Growth doubles the room, so n appends cost O(log n) blocks.
+#include "values/Variant.h"
+
+#include <string_view>
+
+namespace brannoc {
+
+// The number of characters (without the terminator) that the block of text can hold. It is the
+// string's own length when the block size cannot be learnt from the task allocator.
+UINT StringCapacity(BSTR text) noexcept;
+
+// Appends tail to the String that target holds (tag VT_BSTR, not by reference). The text is written
+// into the string's spare room when it fits; otherwise a block with room for at least twice the old
+// length is allocated. False (10001 raised, target unchanged) when allocation fails or the result
+// would be too long.
+[[nodiscard]] bool AppendToString(Variant& target, std::wstring_view tail);
+
+// How many string blocks AppendToString has allocated since the process started; tests use it to
+// check that repeated appends grow geometrically.
+unsigned long StringAppendAllocations() noexcept;
+
+} // namespace brannoc
