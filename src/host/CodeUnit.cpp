@@ -1,4 +1,5 @@
 #include "host/CodeUnit.h"
+#include "host/AnsiText.h"
 #include "host/EntryGuard.h"
 #include "host/LibraryLifetime.h"
 #include "host/MemoryReserve.h"
@@ -445,6 +446,107 @@ HRESULT __stdcall CodeUnit::get_ErrorOffset(short* result)
     return Entered([&] { *result = m_context->ErrorReport().offset; return S_OK; });
 }
 
+// ---- Modules ----
+
+// A failed load or start is reported with the macro's name (notification 0).
+void CodeUnit::ReportStatus(ModuleStatus status, const std::wstring& macroName)
+{
+    StatusMessage message = MessageForStatus(status);
+    if (message.number == 0)
+        return;
+    ErrorLocation& error = m_context->ErrorReport();
+    error.Clear();
+    error.number = message.number;
+    error.description = message.text;
+    error.macroName = macroName;
+    m_context->SendNotification(EngineContext::kNotifyError);
+}
+
+HRESULT __stdcall CodeUnit::Load(BSTR macroName, VARIANT_BOOL* result)
+{
+    return Entered([&] {
+        std::wstring name = Text(macroName);
+        TraceEntry(L"Load", name);
+        ModuleStatus status = m_context->Modules().Load(AnsiFromWide(name));
+        ReportStatus(status, name);
+        bool outcome = MessageForStatus(status).number == 0;
+        TraceResult(outcome);
+        if (result)
+            *result = AsBool(outcome);
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::Start(BSTR macroName, VARIANT_BOOL* result)
+{
+    return Entered([&] {
+        std::wstring text = Text(macroName);
+        TraceEntry(L"Start", text);
+        std::string name;
+        std::string command;
+        ModuleManager::SplitStartText(AnsiFromWide(text), name, command);
+        ModuleStatus status = m_context->Modules().Start(name, command);
+        ReportStatus(status, WideFromAnsi(name));
+        bool outcome = MessageForStatus(status).number == 0;
+        TraceResult(outcome);
+        if (result)
+            *result = AsBool(outcome);
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::Unload(BSTR macroName, VARIANT_BOOL* result)
+{
+    return Entered([&] {
+        std::wstring name = Text(macroName);
+        TraceEntry(L"Unload", name);
+        bool outcome = m_context->Modules().Unload(AnsiFromWide(name)) == ModuleStatus::Unloaded;
+        TraceResult(outcome);
+        if (result)
+            *result = AsBool(outcome);
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::Rename(BSTR oldMacroName, BSTR newMacroName, VARIANT_BOOL* result)
+{
+    return Entered([&] {
+        bool outcome = m_context->Modules().Rename(AnsiFromWide(Text(oldMacroName)), AnsiFromWide(Text(newMacroName)));
+        if (result)
+            *result = AsBool(outcome);
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::get_IsMacro(BSTR macroName, VARIANT_BOOL* result)
+{
+    return Entered([&] {
+        *result = AsBool(m_context->Modules().Status(AnsiFromWide(Text(macroName))) != ModuleStatus::NotFound);
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::get_IsMacroActive(BSTR macroName, VARIANT_BOOL* result)
+{
+    return Entered([&] {
+        *result = AsBool(m_context->Modules().IsActive(AnsiFromWide(Text(macroName))));
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::get_LoadedMacroName(short index, BSTR* result)
+{
+    return Entered([&] {
+        std::string name = index < 0 ? std::string() : m_context->Modules().LoadedName(static_cast<std::size_t>(index));
+        return Out(result, WideFromAnsi(name));
+    });
+}
+
+HRESULT __stdcall CodeUnit::get_MacroName(BSTR* result)
+{
+    return Entered([&] { return Out(result, WideFromAnsi(m_context->Modules().RunningName())); });
+}
+
 // ---- Members that arrive with later parts of the engine ----
 // FIXME: each answers E_NOTIMPL until its subsystem exists (README lists them).
 
@@ -460,7 +562,6 @@ HRESULT __stdcall CodeUnit::get_Fire(VARIANT_BOOL, IDispatch** result) { if (res
 HRESULT __stdcall CodeUnit::get_Keywords(BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_LineNum(short* result) { if (result) *result = 0; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::put_LineNum(short) { return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::get_MacroName(BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::AddExtension(BSTR, IDispatch*) { return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::Call0(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::Call1(BSTR, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
@@ -468,21 +569,14 @@ HRESULT __stdcall CodeUnit::Call2(BSTR, VARIANT*, VARIANT*, VARIANT_BOOL* result
 HRESULT __stdcall CodeUnit::Call3(BSTR, VARIANT*, VARIANT*, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::Call4(BSTR, VARIANT*, VARIANT*, VARIANT*, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::Call5(BSTR, VARIANT*, VARIANT*, VARIANT*, VARIANT*, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::Load(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::Start(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::ToggleBreak(BSTR, short, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::Unload(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_BlockedKeywords(BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::put_BlockedKeywords(BSTR) { return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::get_LoadedMacroName(short, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::CreateHandler(BSTR, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::get_IsMacro(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::RemoveExtensions(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_Prototypes(BSTR, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::Rename(BSTR, BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_MacroKeywords(BSTR, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::CreateHandlers(BSTR, IDispatch*, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::get_IsMacroActive(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::Macro(BSTR, VARIANT_BOOL, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_BreakLineNum(BSTR, short, short* result) { if (result) *result = 0; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::AddExtensionEx(BSTR, IDispatch*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }

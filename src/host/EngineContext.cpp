@@ -7,7 +7,7 @@
 
 namespace brannoc {
 
-EngineContext::EngineContext(CodeUnit& owner) : m_owner(owner), m_interpreter(*this) {}
+EngineContext::EngineContext(CodeUnit& owner) : m_owner(owner), m_modules(*this), m_interpreter(*this) {}
 
 EngineContext::~EngineContext() = default;
 
@@ -213,6 +213,9 @@ void EngineContext::SendNotification(short code)
         if (m_interpreter.RunLevel() < 0)
             m_interpreter.SetRunLevel(-m_interpreter.RunLevel());
         break;
+    case kNotifyRunEnded:
+        m_modules.RunEnded();
+        break;
     case 5:
         if (m_interpreter.IsEvaluating())
             return;
@@ -267,6 +270,15 @@ void EngineContext::ReportUntrappedError(const ErrorRecord& error)
     m_errorReport.description = error.description;
     SendNotification(kNotifyErrorReport);
     SendNotification(kNotifyError);
+}
+
+void EngineContext::DebugPrint(const std::wstring& text)
+{
+    if (m_callBack) {
+        (void)HostCallBack::DebugPrint(m_callBack.Get(), m_owner.AsDispatch(), text);
+        return;
+    }
+    MessageBoxW(nullptr, text.c_str(), L"Debug.Print", MB_TASKMODAL | MB_OK);
 }
 
 void EngineContext::ReleaseMemoryReserve()

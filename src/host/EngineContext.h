@@ -4,6 +4,7 @@
 #include "exec/Interpreter.h"
 #include "exec/InterpreterHost.h"
 #include "host/ComRef.h"
+#include "host/ModuleManager.h"
 #include <oaidl.h>
 #include <bitset>
 #include <functional>
@@ -46,6 +47,7 @@ public:
 
     CodeUnit& Owner() const { return m_owner; }
     Interpreter& Machine() { return m_interpreter; }
+    ModuleManager& Modules() { return m_modules; }
 
     // The control operation: carries out request (0..8) with its argument, answers the state after it.
     RunState Control(int request, long argument);
@@ -85,6 +87,8 @@ public:
     void PumpMessages() override;
     void ReportUntrappedError(const ErrorRecord& error) override;
     void ReleaseMemoryReserve() override;
+    // Output of Debug.Print: the callback's DebugPrint, or a task-modal box captioned "Debug.Print".
+    void DebugPrint(const std::wstring& text);
 
 private:
     RunState Run(long depth);
@@ -111,6 +115,8 @@ private:
     ErrorLocation m_errorReport;
     std::function<void(TraceKind, const std::wstring&)> m_traceSink;
     std::function<void(short)> m_notificationSink;
+    // Declared before the interpreter so that the interpreter's stacks go before the code they run.
+    ModuleManager m_modules;
     Interpreter m_interpreter;
 };
 

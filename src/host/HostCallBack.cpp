@@ -79,4 +79,50 @@ bool HostCallBack::DoEvents(IDispatch* callBack, IDispatch* engine)
     return InvokeByName(callBack, L"DoEvents", arguments, 1, nullptr);
 }
 
+namespace {
+
+// Takes the text out of a call's result; false when it is not a string.
+bool TextResult(VARIANT& result, std::wstring& text)
+{
+    Variant held;
+    held.Attach(result);
+    const VARIANT& value = held.Raw();
+    if (value.vt != VT_BSTR)
+        return false;
+    text.assign(value.bstrVal ? value.bstrVal : L"", value.bstrVal ? SysStringLen(value.bstrVal) : 0);
+    return true;
+}
+
+} // namespace
+
+bool HostCallBack::ReadMacro(IDispatch* callBack, IDispatch* engine, const std::wstring& name, std::wstring& text)
+{
+    Bstr nameArgument(name);
+    VARIANT arguments[2] = {EngineArgument(engine), {}};
+    arguments[1].vt = VT_BSTR;
+    arguments[1].bstrVal = nameArgument.Get();
+    VARIANT result;
+    VariantInit(&result);
+    if (!InvokeByName(callBack, L"ReadMacro", arguments, 2, &result))
+        return false;
+    return TextResult(result, text) && !text.empty();
+}
+
+bool HostCallBack::MapMacroName(IDispatch* callBack, IDispatch* engine, const std::wstring& name,
+                                const std::wstring& base, std::wstring& mapped)
+{
+    Bstr nameArgument(name);
+    Bstr baseArgument(base);
+    VARIANT arguments[3] = {EngineArgument(engine), {}, {}};
+    arguments[1].vt = VT_BSTR;
+    arguments[1].bstrVal = nameArgument.Get();
+    arguments[2].vt = VT_BSTR;
+    arguments[2].bstrVal = baseArgument.Get();
+    VARIANT result;
+    VariantInit(&result);
+    if (!InvokeByName(callBack, L"MapMacroName", arguments, 3, &result))
+        return false;
+    return TextResult(result, mapped) && !mapped.empty();
+}
+
 } // namespace brannoc

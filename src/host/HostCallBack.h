@@ -15,6 +15,12 @@ public:
     static bool DebugTrace(IDispatch* callBack, IDispatch* engine, short kind, const std::wstring& text);
     static bool Notify(IDispatch* callBack, IDispatch* engine, short code);
     static bool DoEvents(IDispatch* callBack, IDispatch* engine);
+    // The text of the named macro; false when the member is missing or answers no text.
+    static bool ReadMacro(IDispatch* callBack, IDispatch* engine, const std::wstring& name, std::wstring& text);
+    // The host's name for a macro name (base: the name it is relative to); false when the member is
+    // missing or fails, and the name is then used unchanged.
+    static bool MapMacroName(IDispatch* callBack, IDispatch* engine, const std::wstring& name,
+                             const std::wstring& base, std::wstring& mapped);
 
 private:
     // Invokes a method by name with the given arguments (in declaration order).

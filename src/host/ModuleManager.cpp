@@ -1,0 +1,293 @@
+#include "host/ModuleManager.h"
+#include "exec/ProcedureCode.h"
+#include "host/CodeUnit.h"
+#include "host/AnsiText.h"
+#include "host/EngineContext.h"
+#include "host/HostCallBack.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cctype>
+
+namespace brannoc {
+namespace {
+
+bool SameName(std::string_view a, std::string_view b)
+{
+    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+               return std::toupper(static_cast<unsigned char>(x)) == std::toupper(static_cast<unsigned char>(y));
+           });
+}
+
+// Without a callback the name is a file name: the whole file, as bytes.
+std::optional<std::string> ReadFileText(const std::wstring& name)
+{
+    if (name.empty())
+        return std::nullopt;
+    HANDLE file = CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return std::nullopt;
+    std::string text;
+    DWORD size = GetFileSize(file, nullptr);
+    DWORD read = 0;
+    bool ok = size != INVALID_FILE_SIZE;
+    if (ok) {
+        text.resize(size);
+        ok = size == 0 || (ReadFile(file, text.data(), size, &read, nullptr) && read == size);
+    }
+    CloseHandle(file);
+    if (!ok)
+        return std::nullopt;
+    return text;
+}
+
+} // namespace
+
+StatusMessage MessageForStatus(ModuleStatus status)
+{
+    switch (status) {
+    case ModuleStatus::Running:
+    case ModuleStatus::Paused: return {10010, L"Macro is already running."};
+    case ModuleStatus::Busy: return {10509, L"Already evaluating an expression."};
+    case ModuleStatus::AllocFailed: return {10011, L"Can't allocate memory to macro/module."};
+    case ModuleStatus::SyntaxErrors: return {10012, L"Macro/module has syntax errors."};
+    case ModuleStatus::NotFound: return {10013, L"Macro/module does not exist."};
+    default: return {0, L""};
+    }
+}
+
+ModuleManager::ModuleManager(EngineContext& context) : m_context(context) {}
+
+ModuleManager::~ModuleManager() = default;
+
+void ModuleManager::GiveText(const std::string& name, std::string text)
+{
+    m_givenTexts[name] = std::move(text);
+}
+
+ModuleManager::Loaded* ModuleManager::Find(const std::string& name)
+{
+    for (auto& loaded : m_loaded)
+        if (SameName(loaded->name, name))
+            return loaded.get();
+    return nullptr;
+}
+
+ModuleStatus ModuleManager::StatusOf(const Loaded* loaded, bool query)
+{
+    if (!loaded)
+        return ModuleStatus::NotFound;
+    if (!query && m_context.IsBusy())
+        return ModuleStatus::Busy;
+    Interpreter& machine = m_context.Machine();
+    const int marker = machine.ExecutionMarker();
+    if (marker < -2 || marker > 0)
+        return ModuleStatus::Running;
+    // FIXME: activations do not name their module yet, so the module a run was started from stands for
+    // every module that takes part in it.
+    if (machine.RunLevel() != 0 && SameName(m_running, loaded->name))
+        return machine.RunLevel() > 0 ? ModuleStatus::Running : ModuleStatus::Paused;
+    return ModuleStatus::Idle;
+}
+
+ModuleStatus ModuleManager::Status(const std::string& name) { return StatusOf(Find(name), true); }
+
+bool ModuleManager::IsActive(const std::string& name)
+{
+    ModuleStatus status = Status(name);
+    return status == ModuleStatus::Running || status == ModuleStatus::Paused;
+}
+
+void ModuleManager::Discard(const std::string& name)
+{
+    m_loaded.erase(std::remove_if(m_loaded.begin(), m_loaded.end(),
+                                  [&](const std::unique_ptr<Loaded>& loaded) { return SameName(loaded->name, name); }),
+                   m_loaded.end());
+}
+
+// Each top-level module is compiled by a compiler of its own, so that unloading it releases it with the
+// modules it uses.
+ModuleStatus ModuleManager::Load(const std::string& name)
+{
+    Loaded* existing = Find(name);
+    ModuleStatus status = StatusOf(existing, false);
+    if (status == ModuleStatus::Running || status == ModuleStatus::Paused || status == ModuleStatus::Busy)
+        return status;
+    if (m_context.IsBusy())
+        return ModuleStatus::Busy;
+    if (existing)
+        Discard(name);
+    auto loaded = std::make_unique<Loaded>();
+    loaded->name = name;
+    loaded->compiler = std::make_unique<Compiler>(static_cast<ModuleSource&>(*this));
+    loaded->compiler->SetErrorLimit(m_context.ErrorLimit());
+    loaded->compiler->SetBodyCompiler(m_bodyCompiler);
+    loaded->compiler->SetErrorSink(this);
+    m_context.SetCompiling(true);
+    ParseResult result = loaded->compiler->Parse(name, 0);
+    m_context.SetCompiling(false);
+    switch (result) {
+    case ParseResult::Okay:
+        loaded->module = loaded->compiler->FindModule(name);
+        m_loaded.push_back(std::move(loaded));
+        return ModuleStatus::Idle;
+    case ParseResult::AllocFailed: return ModuleStatus::AllocFailed;
+    case ParseResult::NotFound: return ModuleStatus::NotFound;
+    case ParseResult::SyntaxErrors:
+    default: return ModuleStatus::SyntaxErrors;
+    }
+}
+
+ModuleStatus ModuleManager::Start(const std::string& name, const std::string& command)
+{
+    ModuleStatus status = Load(name);
+    if (status != ModuleStatus::Idle)
+        return status;
+    Interpreter& machine = m_context.Machine();
+    if (machine.ExecutionMarker() != 0) {
+        // FIXME: a start while statements execute is queued once the scheduler takes start requests.
+        return ModuleStatus::Busy;
+    }
+    (void)m_context.Control(EngineContext::kActionResume, 0);
+    Loaded* loaded = Find(name);
+    const CompiledModule* compiled = loaded && loaded->module ? loaded->module->Compiled() : nullptr;
+    Procedure* entry = compiled ? compiled->entry : nullptr;
+    ProcedureCode* code = entry && m_codeLookup ? m_codeLookup(*loaded->module, *entry) : nullptr;
+    m_command = command;
+    m_running = loaded ? loaded->name : name;
+    if (!code) {
+        // Nothing executable: the run begins and ends at once.
+        m_context.SendNotification(EngineContext::kNotifyRunStarted);
+        m_running.clear();
+        m_context.SendNotification(EngineContext::kNotifyRunEnded);
+        return ModuleStatus::Idle;
+    }
+    // FIXME: the default instance (module-level storage and that of the modules it uses) is made here
+    // once module instances exist; the entry runs without one meanwhile.
+    if (!machine.StartEntry(*code, nullptr)) {
+        m_running.clear();
+        return ModuleStatus::AllocFailed;
+    }
+    return ModuleStatus::Idle;
+}
+
+ModuleStatus ModuleManager::Unload(const std::string& name)
+{
+    Loaded* loaded = Find(name);
+    ModuleStatus status = StatusOf(loaded, false);
+    if (status == ModuleStatus::Idle || status == ModuleStatus::NotFound) {
+        Discard(name);
+        return ModuleStatus::Unloaded;
+    }
+    return status;
+}
+
+bool ModuleManager::Rename(const std::string& oldName, const std::string& newName)
+{
+    Loaded* loaded = Find(oldName);
+    if (!loaded || newName.empty() || (Find(newName) && !SameName(oldName, newName)))
+        return false;
+    if (SameName(m_running, loaded->name))
+        m_running = newName;
+    loaded->name = newName;
+    return true;
+}
+
+std::string ModuleManager::LoadedName(std::size_t index) const
+{
+    return index < m_loaded.size() ? m_loaded[index]->name : std::string();
+}
+
+void ModuleManager::RunEnded()
+{
+    m_running.clear();
+    m_command.clear();
+}
+
+void ModuleManager::SplitStartText(const std::string& text, std::string& name, std::string& command)
+{
+    std::size_t rest = 0;
+    if (!text.empty() && text[0] == '"') {
+        std::size_t close = text.find('"', 1);
+        name = text.substr(1, close == std::string::npos ? std::string::npos : close - 1);
+        rest = close == std::string::npos ? text.size() : close + 1;
+    } else {
+        std::size_t blank = text.find(' ');
+        name = text.substr(0, blank);
+        rest = blank == std::string::npos ? text.size() : blank;
+    }
+    while (rest < text.size() && text[rest] == ' ')
+        ++rest;
+    command = text.substr(rest);
+}
+
+bool ModuleManager::IsObjectModuleText(const std::string& text)
+{
+    std::size_t position = 0;
+    while (position < text.size()) {
+        std::size_t end = text.find('\n', position);
+        if (end == std::string::npos)
+            end = text.size();
+        std::size_t first = text.find_first_not_of(" \t\r", position);
+        if (first < end && text[first] != '\'')
+            return text.compare(first, 7, "VERSION") == 0;
+        position = end + 1;
+    }
+    return false;
+}
+
+std::optional<ModuleText> ModuleManager::Read(std::string_view name)
+{
+    std::string text;
+    auto given = m_givenTexts.find(std::string(name));
+    if (given != m_givenTexts.end()) {
+        text = std::move(given->second);
+        m_givenTexts.erase(given);
+    } else if (IDispatch* callBack = m_context.CallBack()) {
+        std::wstring read;
+        if (!HostCallBack::ReadMacro(callBack, m_context.Owner().AsDispatch(), WideFromAnsi(name), read))
+            return std::nullopt;
+        text = AnsiFromWide(read);
+    } else {
+        std::optional<std::string> file = ReadFileText(WideFromAnsi(name));
+        if (!file)
+            return std::nullopt;
+        text = std::move(*file);
+    }
+    // The source ends at the first end-of-file character.
+    std::size_t end = text.find('\x1A');
+    if (end != std::string::npos)
+        text.resize(end);
+    if (text.empty())
+        return std::nullopt;
+    ModuleText result;
+    result.objectModuleFile = IsObjectModuleText(text);
+    result.text = std::move(text);
+    return result;
+}
+
+std::string ModuleManager::ResolveName(std::string_view usingModule, std::string_view name)
+{
+    IDispatch* callBack = m_context.CallBack();
+    std::wstring mapped;
+    if (callBack && HostCallBack::MapMacroName(callBack, m_context.Owner().AsDispatch(), WideFromAnsi(name),
+                                               WideFromAnsi(usingModule), mapped))
+        return AnsiFromWide(mapped);
+    return std::string(name);
+}
+
+void ModuleManager::Report(const CompileError& error)
+{
+    ErrorLocation& report = m_context.ErrorReport();
+    report.Clear();
+    report.number = static_cast<long>(error.number);
+    report.description = error.message;
+    report.macroName = WideFromAnsi(error.module);
+    report.lineText = WideFromAnsi(error.lineText);
+    report.lineNumber = static_cast<short>(error.line);
+    report.offset = static_cast<short>(error.offset);
+    m_context.SendNotification(EngineContext::kNotifyError);
+}
+
+} // namespace brannoc

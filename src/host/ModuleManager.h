@@ -1,0 +1,104 @@
+#pragma once
+// The module manager of one engine object: loads (compiles), starts, unloads and renames modules by
+// name and answers their status. Texts come through the host callback's ReadMacro, or once from a text
+// given directly for a name.
+#include "frontend/Compiler.h"
+#include "frontend/ModuleSource.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace brannoc {
+
+class EngineContext;
+class ProcedureCode;
+
+// Status of a module request.
+enum class ModuleStatus : int {
+    Idle = 0,
+    Running = 1,
+    Busy = 3,
+    Paused = 4,
+    Queued = 5,
+    Unloaded = 6,
+    AllocFailed = 7,
+    SyntaxErrors = 8,
+    NotFound = 9,
+};
+
+// The error number and message that a failed status reports, or 0 for success.
+struct StatusMessage {
+    long number;
+    const wchar_t* text;
+};
+StatusMessage MessageForStatus(ModuleStatus status);
+
+class ModuleManager final : private ModuleSource, private CompileErrorSink {
+public:
+    // Gives the executable form of a compiled procedure; null when it has none.
+    using CodeLookup = std::function<ProcedureCode*(Module&, Procedure&)>;
+
+    explicit ModuleManager(EngineContext& context);
+    ~ModuleManager() override;
+    ModuleManager(const ModuleManager&) = delete;
+    ModuleManager& operator=(const ModuleManager&) = delete;
+
+    void SetBodyCompiler(ProcedureBodyCompiler* compiler) { m_bodyCompiler = compiler; }
+    void SetCodeLookup(CodeLookup lookup) { m_codeLookup = std::move(lookup); }
+    // The text to use, once, the next time the named module is read.
+    void GiveText(const std::string& name, std::string text);
+
+    ModuleStatus Status(const std::string& name);
+    ModuleStatus Load(const std::string& name);
+    ModuleStatus Start(const std::string& name, const std::string& command);
+    ModuleStatus Unload(const std::string& name);
+    // False when the old name is not loaded or the new one is taken.
+    bool Rename(const std::string& oldName, const std::string& newName);
+    // True while the named module's run is active or stopped in it.
+    bool IsActive(const std::string& name);
+
+    // The loaded top-level modules in load order; empty past the end.
+    std::string LoadedName(std::size_t index) const;
+    std::size_t LoadedCount() const { return m_loaded.size(); }
+    // The module the current run was started from (empty when idle).
+    const std::string& RunningName() const { return m_running; }
+    // The command text of the current run (what the language's Command gives).
+    const std::string& CommandText() const { return m_command; }
+    // The run has ended: the started module is idle again.
+    void RunEnded();
+
+    // Splits a start request into the macro name and the command text.
+    static void SplitStartText(const std::string& text, std::string& name, std::string& command);
+    // True when the text's first line that is not blank or a comment begins with "VERSION".
+    static bool IsObjectModuleText(const std::string& text);
+
+private:
+    struct Loaded {
+        std::string name;
+        std::unique_ptr<Compiler> compiler;
+        Module* module = nullptr;
+    };
+
+    // ModuleSource
+    std::optional<ModuleText> Read(std::string_view name) override;
+    std::string ResolveName(std::string_view usingModule, std::string_view name) override;
+    // CompileErrorSink
+    void Report(const CompileError& error) override;
+
+    Loaded* Find(const std::string& name);
+    ModuleStatus StatusOf(const Loaded* loaded, bool query);
+    void Discard(const std::string& name);
+
+    EngineContext& m_context;
+    ProcedureBodyCompiler* m_bodyCompiler = nullptr;
+    CodeLookup m_codeLookup;
+    std::vector<std::unique_ptr<Loaded>> m_loaded;
+    std::map<std::string, std::string> m_givenTexts;
+    std::string m_running;
+    std::string m_command;
+};
+
+} // namespace brannoc
