@@ -3,6 +3,8 @@
 #include "frontend/CharClasses.h"
 #include "frontend/Lexer.h"
 #include "frontend/Module.h"
+#include "values/Conversion.h"
+#include "values/ValueError.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -144,6 +146,12 @@ bool ConstantReader::ReadPrimary(ConstantValue& value)
         if (!Read(value))
             return false;
         return m_lexer.ExpectToken(Token::RightParen);
+    case Token::Hash:
+        if (!m_lexer.ScanDateLiteral())
+            break;
+        return ReadDate(value);
+    case Token::LiteralDate:
+        return ReadDate(value);
     default:
         break;
     }
@@ -169,6 +177,29 @@ bool ConstantReader::ReadPrimary(ConstantValue& value)
     }
     m_lexer.SignalError(CompileMessage::ExpectingAConstantOrFunctionName);
     return false;
+}
+
+// The text between the "#" marks, converted to Date by the value conversion in the engine locale. A text
+// that is no date is a type mismatch at compile time.
+bool ConstantReader::ReadDate(ConstantValue& value)
+{
+    const std::string_view text = m_lexer.Text();
+    Variant date;
+    if (!date.SetString(std::wstring(text.begin(), text.end()))) {
+        m_lexer.SignalError(CompileMessage::OutOfMemory);
+        return false;
+    }
+    // The conversion raises run-time errors; here a failure becomes the compile error below.
+    const RaiseFn previous = SetRaiseHandler(nullptr);
+    const bool converted = ChangeType(date, VT_DATE);
+    SetRaiseHandler(previous);
+    if (!converted) {
+        m_lexer.SignalError(CompileMessage::TypeMismatch);
+        return false;
+    }
+    value = ConstantValue::Real(date.Date(), TypeCode::kDate);
+    m_lexer.NextToken();
+    return true;
 }
 
 // Decimal numbers become Integer, Long or Double by size (Double with a point or exponent); "&H" and

@@ -22,6 +22,7 @@ private:
     [[nodiscard]] bool ReadUnary(ConstantValue& value);
     [[nodiscard]] bool ReadPrimary(ConstantValue& value);
     [[nodiscard]] bool ReadNumber(ConstantValue& value);
+    [[nodiscard]] bool ReadDate(ConstantValue& value);
     [[nodiscard]] bool ApplySuffix(ConstantValue& value);
     [[nodiscard]] bool Fold(int op, const ConstantValue& left, const ConstantValue& right, ConstantValue& result);
 

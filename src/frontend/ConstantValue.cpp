@@ -1,5 +1,8 @@
 #include "frontend/ConstantValue.h"
 
+#include "values/Conversion.h"
+#include "values/ValueError.h"
+
 #include <cmath>
 #include <cwchar>
 #include <limits>
@@ -45,6 +48,19 @@ bool FitsInteger(double value, double low, double high) { return value >= low &&
 
 } // namespace
 
+bool ConstantValue::DateText()
+{
+    Variant date;
+    date.SetDate(real);
+    const RaiseFn previous = SetRaiseHandler(nullptr);
+    const bool converted = ChangeType(date, VT_BSTR);
+    SetRaiseHandler(previous);
+    if (!converted)
+        return false;
+    *this = String(std::wstring(date.StringView()));
+    return true;
+}
+
 bool ConstantValue::ConvertTo(TypeCode target)
 {
     const auto code = target.Scalar().Code();
@@ -53,6 +69,8 @@ bool ConstantValue::ConvertTo(TypeCode target)
     if (target.IsString() || target.IsFixedString()) {
         if (IsString())
             return true;
+        if (type.Code() == TypeCode::kDate)
+            return DateText();
         wchar_t buffer[64];
         if (IsIntegral())
             std::swprintf(buffer, 64, L"%lld", static_cast<long long>(integer));

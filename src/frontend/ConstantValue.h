@@ -27,6 +27,10 @@ struct ConstantValue {
     // Converts to a scalar type; false when the value does not fit or cannot be converted.
     [[nodiscard]] bool ConvertTo(TypeCode target);
     bool operator==(const ConstantValue&) const = default;
+
+private:
+    // Replaces a Date by its text in the engine locale, as the value conversion writes it.
+    [[nodiscard]] bool DateText();
 };
 
 } // namespace brannoc

@@ -348,7 +348,11 @@ void Lexer::Report(CompileMessage message, std::string_view argument, int line, 
     error.number = MessageNumber(message);
     error.message = LoadResourceString(error.number);
     if (!argument.empty() || message == CompileMessage::Expecting) {
-        error.message += L" '";
+        // A message with an argument reads: text, one blank, the argument in single quotes. "Expecting "
+        // already ends with its blank.
+        if (error.message.empty() || error.message.back() != L' ')
+            error.message += L' ';
+        error.message += L"'";
         error.message += Widen(argument);
         error.message += L"'";
     }

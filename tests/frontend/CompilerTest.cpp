@@ -1,4 +1,5 @@
 #include "frontend/Compiler.h"
+#include "frontend/DeclarationReader.h"
 
 #include <gtest/gtest.h>
 
@@ -188,6 +189,7 @@ TEST(CompilerTest, UsesCycleBackToTheMacro)
     ASSERT_EQ(fixture.compiler.Errors().size(), 1u);
     const CompileError& error = fixture.compiler.Errors()[0];
     EXPECT_EQ(error.number, 10009u);
+    EXPECT_EQ(error.message, L"Invalid '#Uses module dependency.");
     EXPECT_EQ(error.module, "Lib1");
     EXPECT_EQ(error.line, 1);
     EXPECT_EQ(error.lineText, "'#Uses \"Macro\"");
@@ -216,16 +218,19 @@ TEST(CompilerTest, UsesLinesRules)
         std::string usesLine;
         ParseResult result;
         unsigned errorNumber;
+        std::wstring message;
     };
+    const std::wstring kInvalidComment = L"Invalid '#Uses \"module\" comment.";
+    const std::wstring kDoesNotExist = L"Macro/module does not exist.";
     const std::vector<Row> rows = {
-        {"'#Uses \"Missing\" Only: Win16", ParseResult::Okay, 0},
-        {"'#Uses \"Missing\" Only:Win32x", ParseResult::Okay, 0},
-        {"'#Uses \"Missing\" Only: Win32", ParseResult::NotFound, 10013},
-        {"'#Uses Missing", ParseResult::SyntaxErrors, 10008},
-        {"'#Uses \"  \"", ParseResult::SyntaxErrors, 10008},
-        {"Dim x '#Uses \"Missing\"", ParseResult::Okay, 0},
-        {"'$Include: \"Missing\"", ParseResult::NotFound, 10013},
-        {"'#Uses \" Helper \"", ParseResult::Okay, 0},
+        {"'#Uses \"Missing\" Only: Win16", ParseResult::Okay, 0, L""},
+        {"'#Uses \"Missing\" Only:Win32x", ParseResult::Okay, 0, L""},
+        {"'#Uses \"Missing\" Only: Win32", ParseResult::NotFound, 10013, kDoesNotExist},
+        {"'#Uses Missing", ParseResult::SyntaxErrors, 10008, kInvalidComment},
+        {"'#Uses \"  \"", ParseResult::SyntaxErrors, 10008, kInvalidComment},
+        {"Dim x '#Uses \"Missing\"", ParseResult::Okay, 0, L""},
+        {"'$Include: \"Missing\"", ParseResult::NotFound, 10013, kDoesNotExist},
+        {"'#Uses \" Helper \"", ParseResult::Okay, 0, L""},
     };
     for (const Row& row : rows) {
         Fixture fixture;
@@ -236,6 +241,7 @@ TEST(CompilerTest, UsesLinesRules)
         } else {
             ASSERT_EQ(fixture.compiler.Errors().size(), 1u) << row.usesLine;
             EXPECT_EQ(fixture.compiler.Errors()[0].number, row.errorNumber) << row.usesLine;
+            EXPECT_EQ(fixture.compiler.Errors()[0].message, row.message) << row.usesLine;
             EXPECT_EQ(fixture.compiler.Errors()[0].line, 1) << row.usesLine;
         }
     }
@@ -339,6 +345,174 @@ TEST(CompilerTest, VariableStorageLimit)
     for (int i = 2; i <= 356; ++i)
         text += ", s" + std::to_string(i) + " As String * 23552";
     EXPECT_EQ(fits.Compile(text + "\r\n" + kMain), ParseResult::Okay);
+}
+
+// A source whose memory reserve runs out while the driver resolves a used module's name.
+class ExhaustingSource final : public ModuleSource {
+public:
+    std::optional<ModuleText> Read(std::string_view name) override
+    {
+        if (name == "Macro")
+            return ModuleText{"'#Uses \"Lib\"\r\n" + kMain, false};
+        return ModuleText{"Sub InLib\r\nEnd Sub\r\n", false};
+    }
+    std::string ResolveName(std::string_view, std::string_view name) override
+    {
+        compiler->GetLexer().SetMemoryExhausted(true);
+        return std::string(name);
+    }
+    Compiler* compiler = nullptr;
+};
+
+TEST(CompilerTest, UsesOfAModuleWhenMemoryRunsOut)
+{
+    ExhaustingSource source;
+    Compiler compiler(source);
+    source.compiler = &compiler;
+    EXPECT_EQ(compiler.Parse("Macro", 0), ParseResult::AllocFailed);
+    ASSERT_EQ(compiler.Errors().size(), 1u);
+    EXPECT_EQ(compiler.Errors()[0].number, 10001u);
+    EXPECT_EQ(compiler.Errors()[0].message, L"Out of memory.");
+    EXPECT_EQ(compiler.Errors()[0].lineText, "'#Uses \"Lib\"");
+}
+
+TEST(CompilerTest, ExpectingMessagesHaveOneBlankBeforeTheQuotedToken)
+{
+    const std::vector<ErrorCase> cases = {
+        {"Type T\r\n  x As Integer\r\nEnd Sub\r\n" + kMain, {L"Expecting 'Type'", 3, 4, "End Sub"}},
+        {"Enum E\r\n  A\r\nEnd Sub\r\n" + kMain, {L"Expecting 'Enum'", 3, 4, "End Sub"}},
+    };
+    for (const ErrorCase& row : cases) {
+        Fixture fixture;
+        EXPECT_EQ(fixture.Compile(row.text, 1), ParseResult::SyntaxErrors) << row.text;
+        fixture.ExpectErrors({row.expected}, row.text);
+    }
+}
+
+struct EnumRow {
+    const char* member;
+    long long value;
+};
+
+TEST(CompilerTest, EnumMembersWithoutValueCountOnFromThePreviousMember)
+{
+    Fixture fixture;
+    const std::string text = "Enum Colour\r\n  Red\r\n  Green = 5\r\n  Blue\r\n  Cold = -3\r\n  Warm\r\n"
+                             "  Hot = &H7FFF\r\n  Hotter\r\nEnd Enum\r\nConst K = Blue + Warm\r\n" + kMain;
+    ASSERT_EQ(fixture.Compile(text), ParseResult::Okay);
+    fixture.ExpectErrors({}, "enum");
+    const CompiledModule* compiled = fixture.compiler.FindModule("Macro")->Compiled();
+    ASSERT_EQ(compiled->enums.size(), 1u);
+    const std::vector<Constant>& members = compiled->enums[0]->members;
+    const EnumRow expected[] = {{"Red", 0},  {"Green", 5}, {"Blue", 6},       {"Cold", -3},
+                                {"Warm", -2}, {"Hot", 32767}, {"Hotter", 32768}};
+    ASSERT_EQ(members.size(), std::size(expected));
+    for (std::size_t i = 0; i < members.size(); ++i) {
+        EXPECT_EQ(members[i].name, expected[i].member);
+        EXPECT_EQ(members[i].value.integer, expected[i].value) << expected[i].member;
+        EXPECT_EQ(members[i].value.type, TypeCode(TypeCode::kLong)) << expected[i].member;
+    }
+    ASSERT_EQ(compiled->constants.size(), 1u);
+    EXPECT_EQ(compiled->constants[0]->value.integer, 4);
+}
+
+TEST(CompilerTest, DateLiteralsInConstants)
+{
+    Fixture fixture;
+    const std::string text = "Const D = #1/2/2024#, Noon = #1/2/2024 12:00:00 PM#, S = \"on \" & #1/2/2024#\r\n"
+                             "Const T As Date = #12/31/1899#\r\n" + kMain;
+    ASSERT_EQ(fixture.Compile(text), ParseResult::Okay);
+    fixture.ExpectErrors({}, "dates");
+    const CompiledModule* compiled = fixture.compiler.FindModule("Macro")->Compiled();
+    ASSERT_EQ(compiled->constants.size(), 4u);
+    EXPECT_EQ(compiled->constants[0]->value, ConstantValue::Real(45293.0, TypeCode::kDate));
+    EXPECT_EQ(compiled->constants[0]->type, TypeCode(TypeCode::kDate));
+    EXPECT_EQ(compiled->constants[1]->value, ConstantValue::Real(45293.5, TypeCode::kDate));
+    EXPECT_EQ(compiled->constants[2]->value, ConstantValue::String(L"on 1/2/2024"));
+    EXPECT_EQ(compiled->constants[3]->value, ConstantValue::Real(1.0, TypeCode::kDate));
+}
+
+TEST(CompilerTest, DateLiteralThatIsNoDate)
+{
+    Fixture fixture;
+    EXPECT_EQ(fixture.Compile("Const D = #not a date#\r\n" + kMain), ParseResult::SyntaxErrors);
+    ASSERT_EQ(fixture.compiler.Errors().size(), 1u);
+    EXPECT_EQ(fixture.compiler.Errors()[0].message, L"Type mismatch.");
+    EXPECT_EQ(fixture.compiler.Errors()[0].line, 1);
+}
+
+// Asks the declaration reader for the implicit type of one name while the body of Main compiles.
+class ImplicitTypeBody final : public ProcedureBodyCompiler {
+public:
+    bool CompileBody(Module& module, Procedure&, Lexer& lexer) override
+    {
+        DeclarationReader reader(lexer, module, nullptr, nullptr, nullptr);
+        accepted = reader.ImplicitType(name, suffix, followedByParen, type);
+        return true;
+    }
+    std::string name;
+    char suffix = 0;
+    bool followedByParen = false;
+    bool accepted = false;
+    TypeCode type;
+};
+
+struct ImplicitRow {
+    const char* declarations;
+    const char* name;
+    char suffix;
+    bool followedByParen;
+    std::uint16_t type;      // expected type when accepted
+    const wchar_t* message;  // expected error, or null
+};
+
+TEST(CompilerTest, ImplicitTypeOfUndeclaredNames)
+{
+    const char* defs = "DefInt I-K\r\nDefStr S\r\nDefDbl D\r\nDim existing As Long\r\nConst C = 1\r\n";
+    const ImplicitRow rows[] = {
+        // The default type of the first letter, changed by Def statements.
+        {defs, "index", 0, false, TypeCode::kInteger, nullptr},
+        {defs, "Kilo", 0, false, TypeCode::kInteger, nullptr},
+        {defs, "sName", 0, false, TypeCode::kString, nullptr},
+        {defs, "delta", 0, false, TypeCode::kDouble, nullptr},
+        {defs, "value", 0, false, TypeCode::kVariant, nullptr},
+        {"", "index", 0, false, TypeCode::kVariant, nullptr},
+        // A suffix wins over the letter.
+        {defs, "index", '$', false, TypeCode::kString, nullptr},
+        {defs, "n", '!', false, TypeCode::kSingle, nullptr},
+        {defs, "n", '#', false, TypeCode::kDouble, nullptr},
+        {defs, "n", '%', false, TypeCode::kInteger, nullptr},
+        {defs, "n", '&', false, TypeCode::kLong, nullptr},
+        {defs, "n", '?', false, TypeCode::kLong, nullptr},
+        {defs, "n", '@', false, TypeCode::kCurrency, nullptr},
+        // Existing module variables keep their type; a different suffix is refused.
+        {defs, "existing", 0, false, TypeCode::kLong, nullptr},
+        {defs, "EXISTING", '&', false, TypeCode::kLong, nullptr},
+        {defs, "existing", '$', false, 0, L"Var is already defined as a different type."},
+        {defs, "C", 0, false, 0, L"Expecting a var name."},
+        {defs, "fresh", 0, true, 0, L"Expecting an already dimensioned array."},
+        {"Option Explicit\r\n", "fresh", 0, false, 0, L"Expecting an existing scalar var."},
+    };
+    for (const ImplicitRow& row : rows) {
+        const std::string context = std::string(row.declarations) + " / " + row.name + (row.suffix ? std::string(1, row.suffix) : "");
+        Fixture fixture;
+        ImplicitTypeBody body;
+        body.name = row.name;
+        body.suffix = row.suffix;
+        body.followedByParen = row.followedByParen;
+        fixture.compiler.SetBodyCompiler(&body);
+        const ParseResult result = fixture.Compile(std::string(row.declarations) + kMain);
+        if (row.message == nullptr) {
+            EXPECT_EQ(result, ParseResult::Okay) << context;
+            EXPECT_TRUE(body.accepted) << context;
+            EXPECT_EQ(body.type, TypeCode(row.type)) << context;
+        } else {
+            EXPECT_EQ(result, ParseResult::SyntaxErrors) << context;
+            EXPECT_FALSE(body.accepted) << context;
+            ASSERT_EQ(fixture.compiler.Errors().size(), 1u) << context;
+            EXPECT_EQ(fixture.compiler.Errors()[0].message, row.message) << context;
+        }
+    }
 }
 
 } // namespace

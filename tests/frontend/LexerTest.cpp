@@ -233,12 +233,12 @@ TEST(LexerTest, ExpectTokenReportsOncePerStatement)
     EXPECT_FALSE(lexer.ExpectToken(Token::RightParen));
     ASSERT_EQ(sink.errors.size(), 2u);
     EXPECT_EQ(sink.errors[0].number, 10586u);
-    EXPECT_EQ(sink.errors[0].message, L"Expecting  ','");
+    EXPECT_EQ(sink.errors[0].message, L"Expecting ','");
     EXPECT_EQ(sink.errors[0].module, "Mod1");
     EXPECT_EQ(sink.errors[0].lineText, "a b");
     EXPECT_EQ(sink.errors[0].line, 1);
     EXPECT_EQ(sink.errors[0].offset, 2);
-    EXPECT_EQ(sink.errors[1].message, L"Expecting  ')'");
+    EXPECT_EQ(sink.errors[1].message, L"Expecting ')'");
     EXPECT_EQ(sink.errors[1].lineText, "  c");
     EXPECT_EQ(sink.errors[1].line, 2);
     EXPECT_EQ(sink.errors[1].offset, 2);
