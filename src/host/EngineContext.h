@@ -88,7 +88,7 @@ public:
     void ReportUntrappedError(const ErrorRecord& error) override;
     void ReleaseMemoryReserve() override;
     // Output of Debug.Print: the callback's DebugPrint, or a task-modal box captioned "Debug.Print".
-    void DebugPrint(const std::wstring& text);
+    void DebugPrint(const std::wstring& text) override;
 
 private:
     RunState Run(long depth);

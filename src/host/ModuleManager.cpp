@@ -1,4 +1,5 @@
 #include "host/ModuleManager.h"
+#include "exec/ModuleInstance.h"
 #include "exec/ProcedureCode.h"
 #include "host/CodeUnit.h"
 #include "host/AnsiText.h"
@@ -55,6 +56,15 @@ StatusMessage MessageForStatus(ModuleStatus status)
     case ModuleStatus::NotFound: return {10013, L"Macro/module does not exist."};
     default: return {0, L""};
     }
+}
+
+ModuleManager::Loaded::Loaded() = default;
+
+// The instances go before the compiler that owns their modules, newest first.
+ModuleManager::Loaded::~Loaded()
+{
+    while (!instances.empty())
+        instances.pop_back();
 }
 
 ModuleManager::ModuleManager(EngineContext& context) : m_context(context) {}
@@ -151,11 +161,13 @@ ModuleStatus ModuleManager::Start(const std::string& name, const std::string& co
     }
     (void)m_context.Control(EngineContext::kActionResume, 0);
     Loaded* loaded = Find(name);
-    const CompiledModule* compiled = loaded && loaded->module ? loaded->module->Compiled() : nullptr;
+    if (!loaded || !loaded->module || !MakeDefaultInstances(*loaded))
+        return ModuleStatus::AllocFailed;
+    const CompiledModule* compiled = loaded->module->Compiled();
     Procedure* entry = compiled ? compiled->entry : nullptr;
-    ProcedureCode* code = entry && m_codeLookup ? m_codeLookup(*loaded->module, *entry) : nullptr;
+    ProcedureCode* code = entry ? entry->code.get() : nullptr;
     m_command = command;
-    m_running = loaded ? loaded->name : name;
+    m_running = loaded->name;
     if (!code) {
         // Nothing executable: the run begins and ends at once.
         m_context.SendNotification(EngineContext::kNotifyRunStarted);
@@ -163,13 +175,57 @@ ModuleStatus ModuleManager::Start(const std::string& name, const std::string& co
         m_context.SendNotification(EngineContext::kNotifyRunEnded);
         return ModuleStatus::Idle;
     }
-    // FIXME: the default instance (module-level storage and that of the modules it uses) is made here
-    // once module instances exist; the entry runs without one meanwhile.
-    if (!machine.StartEntry(*code, nullptr)) {
+    // Main is scheduled first; the used modules' initializers then run above it, so all of them have
+    // finished before Main's first statement.
+    if (!machine.StartEntry(*code, loaded->instances.front().get()) || !InitializeUsedModules(*loaded)) {
         m_running.clear();
         return ModuleStatus::AllocFailed;
     }
     return ModuleStatus::Idle;
+}
+
+bool ModuleManager::MakeDefaultInstances(Loaded& loaded)
+{
+    while (!loaded.instances.empty())
+        loaded.instances.pop_back();
+    loaded.instances.push_back(std::make_unique<ModuleInstance>(*loaded.module));
+    // Every plain module reachable through '#Uses, each once, in the order first met.
+    std::vector<Module*> pending = loaded.module->UsedModules();
+    std::vector<Module*> seen{loaded.module};
+    for (std::size_t i = 0; i < pending.size(); ++i) {
+        Module* used = pending[i];
+        if (std::find(seen.begin(), seen.end(), used) != seen.end())
+            continue;
+        seen.push_back(used);
+        if (used->Kind() == ModuleKind::Class || used->Kind() == ModuleKind::Object)
+            continue;
+        loaded.instances.push_back(std::make_unique<ModuleInstance>(*used));
+        for (Module* further : used->UsedModules())
+            pending.push_back(further);
+    }
+    return true;
+}
+
+bool ModuleManager::InitializeUsedModules(Loaded& loaded)
+{
+    Interpreter& machine = m_context.Machine();
+    for (std::size_t i = 1; i < loaded.instances.size(); ++i) {
+        ModuleInstance& instance = *loaded.instances[i];
+        const CompiledModule* compiled = instance.OwnModule().Compiled();
+        ProcedureCode* code = compiled && compiled->entry ? compiled->entry->code.get() : nullptr;
+        if (code && !machine.RunHostCall(*code, &instance))
+            return false;
+    }
+    return true;
+}
+
+ModuleInstance* ModuleManager::DefaultInstance(const Module& module) const
+{
+    for (const auto& loaded : m_loaded)
+        for (const auto& instance : loaded->instances)
+            if (&instance->OwnModule() == &module)
+                return instance.get();
+    return nullptr;
 }
 
 ModuleStatus ModuleManager::Unload(const std::string& name)

@@ -5,7 +5,6 @@
 #include "frontend/Compiler.h"
 #include "frontend/ModuleSource.h"
 
-#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -14,6 +13,7 @@
 namespace brannoc {
 
 class EngineContext;
+class ModuleInstance;
 class ProcedureCode;
 
 // Status of a module request.
@@ -38,16 +38,12 @@ StatusMessage MessageForStatus(ModuleStatus status);
 
 class ModuleManager final : private ModuleSource, private CompileErrorSink {
 public:
-    // Gives the executable form of a compiled procedure; null when it has none.
-    using CodeLookup = std::function<ProcedureCode*(Module&, Procedure&)>;
-
     explicit ModuleManager(EngineContext& context);
     ~ModuleManager() override;
     ModuleManager(const ModuleManager&) = delete;
     ModuleManager& operator=(const ModuleManager&) = delete;
 
     void SetBodyCompiler(ProcedureBodyCompiler* compiler) { m_bodyCompiler = compiler; }
-    void SetCodeLookup(CodeLookup lookup) { m_codeLookup = std::move(lookup); }
     // The text to use, once, the next time the named module is read.
     void GiveText(const std::string& name, std::string text);
 
@@ -67,6 +63,9 @@ public:
     const std::string& RunningName() const { return m_running; }
     // The command text of the current run (what the language's Command gives).
     const std::string& CommandText() const { return m_command; }
+    // The default instance of a loaded module (a started module or one that it uses), or null before
+    // its module was started or after it was unloaded.
+    ModuleInstance* DefaultInstance(const Module& module) const;
     // The run has ended: the started module is idle again.
     void RunEnded();
 
@@ -80,6 +79,12 @@ private:
         std::string name;
         std::unique_ptr<Compiler> compiler;
         Module* module = nullptr;
+        // Default instances: the module's own first, then those of the plain modules it uses. Released
+        // in reverse order.
+        std::vector<std::unique_ptr<ModuleInstance>> instances;
+
+        Loaded();
+        ~Loaded();
     };
 
     // ModuleSource
@@ -91,10 +96,14 @@ private:
     Loaded* Find(const std::string& name);
     ModuleStatus StatusOf(const Loaded* loaded, bool query);
     void Discard(const std::string& name);
+    // Makes the default instances of a top-level module and of the non-class modules it uses, used
+    // ones first. False when memory runs out.
+    [[nodiscard]] bool MakeDefaultInstances(Loaded& loaded);
+    // Runs the entry procedures of the used modules' default instances, each to its end.
+    [[nodiscard]] bool InitializeUsedModules(Loaded& loaded);
 
     EngineContext& m_context;
     ProcedureBodyCompiler* m_bodyCompiler = nullptr;
-    CodeLookup m_codeLookup;
     std::vector<std::unique_ptr<Loaded>> m_loaded;
     std::map<std::string, std::string> m_givenTexts;
     std::string m_running;
