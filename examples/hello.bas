@@ -1,0 +1,3 @@
+Sub Main
+    Debug.Print "Hello, world!"
+End Sub

@@ -1,0 +1,4 @@
+Const Limit = 10 +
+
+Sub Main
+End Sub

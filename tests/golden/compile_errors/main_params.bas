@@ -1,0 +1,2 @@
+Sub Main(a As Integer)
+End Sub

@@ -1,0 +1,5 @@
+Type Point
+    X As Integer
+
+Sub Main
+End Sub

@@ -1,0 +1,1 @@
+Public Total As Integr

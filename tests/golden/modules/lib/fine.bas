@@ -1,0 +1,4 @@
+Public Total As Integer
+
+Public Sub Bump()
+End Sub

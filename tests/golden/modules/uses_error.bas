@@ -1,0 +1,4 @@
+'#Uses "lib/broken.bas"
+
+Sub Main
+End Sub

@@ -1,0 +1,3 @@
+'#Uses "nothere.bas"
+Sub Main
+End Sub

@@ -1,0 +1,4 @@
+'#Uses "lib/fine.bas"
+
+Sub Main
+End Sub
