@@ -213,7 +213,10 @@ bool ModuleManager::InitializeUsedModules(Loaded& loaded)
         ModuleInstance& instance = *loaded.instances[i];
         const CompiledModule* compiled = instance.OwnModule().Compiled();
         ProcedureCode* code = compiled && compiled->entry ? compiled->entry->code.get() : nullptr;
-        if (code && !machine.RunHostCall(*code, &instance))
+        const bool finished = !code || machine.RunHostCall(*code, &instance);
+        // The steps leave the marker set; no statement executes once the call is over.
+        machine.SetExecutionMarker(0);
+        if (!finished)
             return false;
     }
     return true;

@@ -1,0 +1,384 @@
+// Loading, starting, running and unloading macros through the engine object, with a callback that
+// serves macro texts from memory and records what the engine tells it.
+#include "brannoc.h"
+#include "exec/ExecFakes.h"
+#include "exec/ModuleInstance.h"
+#include "host/CodeUnit.h"
+#include "host/ModuleManager.h"
+#include <gtest/gtest.h>
+#include <map>
+#include <string>
+#include <vector>
+
+using namespace brannoc;
+using brannoc::testing::TestProcedure;
+
+namespace {
+
+// The host callback: ReadMacro from a map, DebugPrint and Notify recorded. Checks the shape of each
+// call: the engine object first, then the member's own arguments.
+class FakeCallBack final : public IDispatch {
+public:
+    enum Member : DISPID { kDebugPrint = 1, kNotify, kReadMacro };
+
+    std::map<std::wstring, std::wstring> macros;
+    std::vector<std::wstring> printed;
+    std::vector<short> notifications;
+    std::vector<std::wstring> reads;
+    std::vector<long> errorNumbers;
+    int badCalls = 0;
+
+    HRESULT __stdcall QueryInterface(REFIID id, void** object) override
+    {
+        if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch)) {
+            *object = static_cast<IDispatch*>(this);
+            AddRef();
+            return S_OK;
+        }
+        *object = nullptr;
+        return E_NOINTERFACE;
+    }
+    ULONG __stdcall AddRef() override { return ++m_references; }
+    ULONG __stdcall Release() override { return --m_references; }
+    HRESULT __stdcall GetTypeInfoCount(UINT* count) override
+    {
+        *count = 0;
+        return S_OK;
+    }
+    HRESULT __stdcall GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    HRESULT __stdcall GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override
+    {
+        if (count != 1)
+            return DISP_E_UNKNOWNNAME;
+        std::wstring name = names[0];
+        ids[0] = name == L"DebugPrint" ? kDebugPrint : name == L"Notify" ? kNotify
+               : name == L"ReadMacro"  ? kReadMacro
+                                       : DISPID_UNKNOWN;
+        return ids[0] == DISPID_UNKNOWN ? DISP_E_UNKNOWNNAME : S_OK;
+    }
+    HRESULT __stdcall Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result,
+                             EXCEPINFO*, UINT*) override
+    {
+        if (flags != DISPATCH_METHOD || parameters->cArgs != 2 || parameters->rgvarg[1].vt != VT_DISPATCH) {
+            ++badCalls;
+            return E_INVALIDARG;
+        }
+        VARIANT& argument = parameters->rgvarg[0];
+        switch (member) {
+        case kDebugPrint:
+            printed.emplace_back(argument.bstrVal, SysStringLen(argument.bstrVal));
+            return S_OK;
+        case kNotify:
+            notifications.push_back(argument.iVal);
+            if (argument.iVal == 0) {
+                _CodeUnit* engine = nullptr;
+                if (SUCCEEDED(parameters->rgvarg[1].pdispVal->QueryInterface(IID__CodeUnit,
+                                                                             reinterpret_cast<void**>(&engine)))) {
+                    long number = 0;
+                    engine->get_ErrorNumber(&number);
+                    errorNumbers.push_back(number);
+                    engine->Release();
+                }
+            }
+            return S_OK;
+        case kReadMacro: {
+            std::wstring name(argument.bstrVal, SysStringLen(argument.bstrVal));
+            reads.push_back(name);
+            auto found = macros.find(name);
+            VariantInit(result);
+            result->vt = VT_BSTR;
+            result->bstrVal = found == macros.end() ? nullptr : SysAllocString(found->second.c_str());
+            return S_OK;
+        }
+        default:
+            return DISP_E_MEMBERNOTFOUND;
+        }
+    }
+    int Count(short code) const { return static_cast<int>(std::count(notifications.begin(), notifications.end(), code)); }
+
+private:
+    ULONG m_references = 1;
+};
+
+// Gives every Main a procedure of one statement that prints "Main of " and the module's name, as the
+// statement compiler would for a Debug.Print line.
+class PrintingBodies final : public ProcedureBodyCompiler {
+public:
+    bool CompileBody(Module& module, Procedure& procedure, Lexer&) override
+    {
+        (void)CompileBodyFor(module);
+        if (procedure.name != "Main")
+            return true;
+        auto code = std::make_unique<TestProcedure>();
+        std::wstring text = L"Main of " + std::wstring(module.Name().begin(), module.Name().end()) + L"\r\n";
+        code->Add([text] {
+            Interpreter::Current()->Host().DebugPrint(text);
+            return true;
+        });
+        procedure.code = std::move(code);
+        return true;
+    }
+    bool CompileBodyFor(Module& module)
+    {
+        seen[module.Name()] = &module;
+        return true;
+    }
+    std::map<std::string, Module*> seen;
+};
+
+class TestText final {
+public:
+    explicit TestText(const wchar_t* text) : m_text(SysAllocString(text)) {}
+    ~TestText() { SysFreeString(m_text); }
+    operator BSTR() const { return m_text; }
+
+private:
+    BSTR m_text;
+};
+
+class ModuleManagerTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_NE(nullptr, unit);
+        unit->SetCallBack(&callBack);
+        unit->Context().Modules().SetBodyCompiler(&bodies);
+    }
+    void TearDown() override
+    {
+        if (unit) {
+            VARIANT_BOOL ignored;
+            unit->HaltAll(&ignored);
+            unit->SetCallBack(nullptr);
+            unit->Release();
+        }
+    }
+    bool Call(HRESULT (__stdcall CodeUnit::*member)(BSTR, VARIANT_BOOL*), const wchar_t* name)
+    {
+        VARIANT_BOOL result = VARIANT_FALSE;
+        EXPECT_EQ(S_OK, (unit->*member)(TestText(name), &result));
+        return result == VARIANT_TRUE;
+    }
+    bool Start(const wchar_t* name) { return Call(&CodeUnit::Start, name); }
+    bool Load(const wchar_t* name) { return Call(&CodeUnit::Load, name); }
+    bool Unload(const wchar_t* name) { return Call(&CodeUnit::Unload, name); }
+    bool IsMacro(const wchar_t* name) { return Call(&CodeUnit::get_IsMacro, name); }
+    bool IsMacroActive(const wchar_t* name) { return Call(&CodeUnit::get_IsMacroActive, name); }
+    bool Run()
+    {
+        VARIANT_BOOL result = VARIANT_TRUE;
+        EXPECT_EQ(S_OK, unit->Run(0, &result));
+        return result == VARIANT_TRUE;
+    }
+    std::wstring ErrorText(HRESULT (__stdcall CodeUnit::*member)(BSTR*))
+    {
+        BSTR text = nullptr;
+        EXPECT_EQ(S_OK, (unit->*member)(&text));
+        std::wstring result = text ? std::wstring(text, SysStringLen(text)) : std::wstring();
+        SysFreeString(text);
+        return result;
+    }
+    std::wstring LoadedName(short index)
+    {
+        BSTR text = nullptr;
+        EXPECT_EQ(S_OK, unit->get_LoadedMacroName(index, &text));
+        std::wstring result = text ? std::wstring(text, SysStringLen(text)) : std::wstring();
+        SysFreeString(text);
+        return result;
+    }
+
+    CodeUnit* unit = static_cast<CodeUnit*>(static_cast<_CodeUnit*>(KZ_CreateCodeUnit()));
+    FakeCallBack callBack;
+    PrintingBodies bodies;
+};
+
+} // namespace
+
+TEST_F(ModuleManagerTest, StartPushesMainWithoutRunningItAndRunRunsItToTheEnd)
+{
+    callBack.macros[L"hello"] = L"Sub Main\r\n    Debug.Print \"Main of hello\"\r\nEnd Sub\r\n";
+    ASSERT_TRUE(Start(L"hello"));
+    EXPECT_TRUE(callBack.printed.empty()) << "no statement runs before Run";
+    EXPECT_EQ(1, callBack.Count(1));
+    EXPECT_EQ(L"hello", ErrorText(&CodeUnit::get_MacroName));
+    EXPECT_TRUE(IsMacroActive(L"hello"));
+    EXPECT_FALSE(Run()) << "the engine is idle afterwards";
+    EXPECT_EQ((std::vector<std::wstring>{L"Main of hello\r\n"}), callBack.printed);
+    EXPECT_EQ((std::vector<short>{1, 2}), callBack.notifications);
+    EXPECT_EQ((std::vector<std::wstring>{L"hello"}), callBack.reads);
+    EXPECT_FALSE(IsMacroActive(L"hello"));
+    EXPECT_EQ(L"", ErrorText(&CodeUnit::get_MacroName));
+    EXPECT_EQ(0, callBack.badCalls);
+}
+
+TEST_F(ModuleManagerTest, AMissingMacroReportsItsNumberAndMessage)
+{
+    EXPECT_FALSE(Start(L"nowhere"));
+    EXPECT_EQ((std::vector<long>{10013}), callBack.errorNumbers);
+    EXPECT_EQ(L"Macro/module does not exist.", ErrorText(&CodeUnit::get_ErrorDesc));
+    EXPECT_EQ(L"nowhere", ErrorText(&CodeUnit::get_ErrorMacroName));
+    EXPECT_FALSE(IsMacro(L"nowhere"));
+}
+
+TEST_F(ModuleManagerTest, CompileErrorsFillTheErrorRecordThenTheLoadFails)
+{
+    callBack.macros[L"bad"] = L"Dim x As Foo\r\nSub Main\r\nEnd Sub\r\n";
+    EXPECT_FALSE(Load(L"bad"));
+    ASSERT_EQ(2u, callBack.errorNumbers.size());
+    EXPECT_EQ(10606, callBack.errorNumbers[0]) << "the compile error comes first";
+    EXPECT_EQ(10012, callBack.errorNumbers[1]);
+    EXPECT_EQ(L"Macro/module has syntax errors.", ErrorText(&CodeUnit::get_ErrorDesc));
+    EXPECT_FALSE(IsMacro(L"bad"));
+}
+
+TEST_F(ModuleManagerTest, CompileErrorLocationIsKeptForTheHost)
+{
+    // Read the record at the first notification 0: line, offset, text and module.
+    callBack.macros[L"bad"] = L"' comment\r\nDim x As Foo\r\nSub Main\r\nEnd Sub\r\n";
+    unit->Context().SetNotificationSink([this](short code) {
+        if (code == 0 && callBack.errorNumbers.empty()) {
+            ErrorLocation& error = unit->Context().ErrorReport();
+            EXPECT_EQ(2, error.lineNumber);
+            EXPECT_EQ(9, error.offset);
+            EXPECT_EQ(L"Dim x As Foo", error.lineText);
+            EXPECT_EQ(L"bad", error.macroName);
+        }
+    });
+    EXPECT_FALSE(Load(L"bad"));
+    EXPECT_FALSE(callBack.errorNumbers.empty());
+}
+
+TEST_F(ModuleManagerTest, LoadKeepsTheMacroAndLoadingAgainReadsItAgain)
+{
+    callBack.macros[L"lib"] = L"Sub Main\r\nEnd Sub\r\n";
+    EXPECT_TRUE(Load(L"lib"));
+    EXPECT_TRUE(IsMacro(L"lib"));
+    EXPECT_TRUE(IsMacro(L"LIB")) << "names compare without regard to case";
+    EXPECT_TRUE(Load(L"lib"));
+    EXPECT_EQ(2u, callBack.reads.size());
+    EXPECT_EQ(L"lib", LoadedName(0));
+    EXPECT_EQ(L"", LoadedName(1));
+    EXPECT_TRUE(callBack.notifications.empty()) << "a load alone notifies nothing";
+}
+
+TEST_F(ModuleManagerTest, UnloadRemovesAnIdleMacroButNotARunningOne)
+{
+    callBack.macros[L"m"] = L"Sub Main\r\nEnd Sub\r\n";
+    ASSERT_TRUE(Start(L"m"));
+    EXPECT_FALSE(Unload(L"m")) << "still on the stack";
+    EXPECT_TRUE(IsMacro(L"m"));
+    EXPECT_FALSE(Run());
+    EXPECT_TRUE(Unload(L"m"));
+    EXPECT_FALSE(IsMacro(L"m"));
+    EXPECT_TRUE(Unload(L"m")) << "a missing macro counts as unloaded";
+    EXPECT_EQ(1, callBack.Count(1));
+    EXPECT_EQ(1, callBack.Count(2));
+}
+
+TEST_F(ModuleManagerTest, LoadingARunningMacroReportsItAndStopsTheRun)
+{
+    callBack.macros[L"m"] = L"Sub Main\r\nEnd Sub\r\n";
+    ASSERT_TRUE(Start(L"m"));
+    EXPECT_FALSE(Load(L"m"));
+    EXPECT_FALSE(Start(L"m"));
+    EXPECT_EQ((std::vector<long>{10010, 10010}), callBack.errorNumbers);
+    EXPECT_EQ(L"Macro is already running.", ErrorText(&CodeUnit::get_ErrorDesc));
+    EXPECT_TRUE(IsMacroActive(L"m")) << "stopped in the macro";
+    EXPECT_EQ(1u, callBack.reads.size());
+}
+
+TEST_F(ModuleManagerTest, RenameKeepsTheModuleUnderItsNewName)
+{
+    callBack.macros[L"a"] = L"Sub Main\r\nEnd Sub\r\n";
+    callBack.macros[L"b"] = L"Sub Main\r\nEnd Sub\r\n";
+    ASSERT_TRUE(Load(L"a"));
+    ASSERT_TRUE(Load(L"b"));
+    VARIANT_BOOL result = VARIANT_TRUE;
+    EXPECT_EQ(S_OK, unit->Rename(TestText(L"a"), TestText(L"b"), &result));
+    EXPECT_EQ(VARIANT_FALSE, result) << "the new name is taken";
+    EXPECT_EQ(S_OK, unit->Rename(TestText(L"zz"), TestText(L"c"), &result));
+    EXPECT_EQ(VARIANT_FALSE, result) << "the old name does not exist";
+    EXPECT_EQ(S_OK, unit->Rename(TestText(L"a"), TestText(L"c"), &result));
+    EXPECT_EQ(VARIANT_TRUE, result);
+    EXPECT_FALSE(IsMacro(L"a"));
+    EXPECT_TRUE(IsMacro(L"c"));
+}
+
+TEST_F(ModuleManagerTest, UsedModulesGetDefaultInstancesAndRunTheirMainBeforeMainRuns)
+{
+    callBack.macros[L"main"] = L"'#Uses \"util\"\r\nSub Main\r\nEnd Sub\r\n";
+    callBack.macros[L"util"] =
+        L"Public Total As Integer\r\nPublic Count As Long\r\nPrivate Sub Main\r\nEnd Sub\r\nPublic Sub Bump()\r\nEnd Sub\r\n";
+    ASSERT_TRUE(Start(L"main"));
+    EXPECT_EQ((std::vector<std::wstring>{L"main", L"util"}), callBack.reads);
+    ASSERT_EQ(1u, bodies.seen.count("main"));
+    ASSERT_EQ(1u, bodies.seen.count("util"));
+    ModuleManager& modules = unit->Context().Modules();
+    ModuleInstance* mainInstance = modules.DefaultInstance(*bodies.seen["main"]);
+    ModuleInstance* utilInstance = modules.DefaultInstance(*bodies.seen["util"]);
+    ASSERT_NE(nullptr, mainInstance);
+    ASSERT_NE(nullptr, utilInstance);
+    EXPECT_EQ(2u, utilInstance->VariableCount());
+    EXPECT_EQ(VT_I2, utilInstance->Slot(0).vt);
+    EXPECT_EQ((std::vector<std::wstring>{L"Main of util\r\n"}), callBack.printed)
+        << "the used module's initializer has run, Main has not";
+    EXPECT_FALSE(Run());
+    EXPECT_EQ((std::vector<std::wstring>{L"Main of util\r\n", L"Main of main\r\n"}), callBack.printed);
+    EXPECT_EQ(L"main", LoadedName(0));
+    EXPECT_EQ(L"", LoadedName(1)) << "used modules are not listed";
+    EXPECT_TRUE(Unload(L"main"));
+}
+
+TEST(StartText, SplitsNameAndCommand)
+{
+    struct Row {
+        const char* text;
+        const char* name;
+        const char* command;
+    } rows[] = {
+        {"macro", "macro", ""},
+        {"macro   one two", "macro", "one two"},
+        {"\"my macro.bas\" -x", "my macro.bas", "-x"},
+        {"\"my macro.bas\"", "my macro.bas", ""},
+        {"\"open", "open", ""},
+        {"", "", ""},
+    };
+    for (const Row& row : rows) {
+        std::string name, command;
+        ModuleManager::SplitStartText(row.text, name, command);
+        EXPECT_EQ(row.name, name) << row.text;
+        EXPECT_EQ(row.command, command) << row.text;
+    }
+}
+
+TEST(ObjectModuleText, FirstLineThatIsNotACommentDecides)
+{
+    EXPECT_TRUE(ModuleManager::IsObjectModuleText("VERSION 1.0 CLASS\r\n"));
+    EXPECT_TRUE(ModuleManager::IsObjectModuleText("' heading\r\n\r\n  VERSION 1.0 CLASS\r\n"));
+    EXPECT_FALSE(ModuleManager::IsObjectModuleText("Sub Main\r\nVERSION\r\n"));
+    EXPECT_FALSE(ModuleManager::IsObjectModuleText("' only a comment\r\n"));
+    EXPECT_FALSE(ModuleManager::IsObjectModuleText(""));
+}
+
+TEST(StatusMessages, EachFailureHasItsNumberAndText)
+{
+    struct Row {
+        ModuleStatus status;
+        long number;
+        const wchar_t* text;
+    } rows[] = {
+        {ModuleStatus::Idle, 0, L""},
+        {ModuleStatus::Queued, 0, L""},
+        {ModuleStatus::Running, 10010, L"Macro is already running."},
+        {ModuleStatus::Paused, 10010, L"Macro is already running."},
+        {ModuleStatus::Busy, 10509, L"Already evaluating an expression."},
+        {ModuleStatus::AllocFailed, 10011, L"Can't allocate memory to macro/module."},
+        {ModuleStatus::SyntaxErrors, 10012, L"Macro/module has syntax errors."},
+        {ModuleStatus::NotFound, 10013, L"Macro/module does not exist."},
+    };
+    for (const Row& row : rows) {
+        StatusMessage message = MessageForStatus(row.status);
+        EXPECT_EQ(row.number, message.number) << static_cast<int>(row.status);
+        EXPECT_EQ(std::wstring(row.text), message.text) << static_cast<int>(row.status);
+    }
+}
