@@ -266,8 +266,17 @@ void EngineContext::PumpMessages()
 
 void EngineContext::ReportUntrappedError(const ErrorRecord& error)
 {
+    m_errorReport.Clear();
     m_errorReport.number = error.number;
     m_errorReport.description = error.description;
+    // Where: the statement of the innermost activation; run-time errors have no column.
+    m_errorReport.offset = -1;
+    if (const Activation* current = m_interpreter.CurrentActivation()) {
+        int line = 0;
+        if (m_modules.Locate(current->OwnProcedure(), current->CurrentIndex(), m_errorReport.macroName, line,
+                             m_errorReport.lineText))
+            m_errorReport.lineNumber = static_cast<short>(line);
+    }
     SendNotification(kNotifyErrorReport);
     SendNotification(kNotifyError);
 }

@@ -222,6 +222,54 @@ bool ModuleManager::InitializeUsedModules(Loaded& loaded)
     return true;
 }
 
+namespace {
+
+// Line number (1-based) of text, without its line end.
+std::string LineOf(const std::string& text, int number)
+{
+    std::size_t start = 0;
+    for (int line = 1; line < number; ++line) {
+        start = text.find('\n', start);
+        if (start == std::string::npos)
+            return {};
+        ++start;
+    }
+    std::size_t end = text.find('\n', start);
+    std::string line = text.substr(start, end == std::string::npos ? std::string::npos : end - start);
+    if (!line.empty() && line.back() == '\r')
+        line.pop_back();
+    return line;
+}
+
+} // namespace
+
+bool ModuleManager::Locate(const ProcedureCode& code, int index, std::wstring& moduleName, int& line,
+                           std::wstring& lineText) const
+{
+    auto search = [&](const Module* module) {
+        const CompiledModule* compiled = module ? module->Compiled() : nullptr;
+        if (!compiled)
+            return false;
+        for (const auto& procedure : compiled->procedures) {
+            if (procedure->code.get() != &code)
+                continue;
+            line = procedure->firstLine + (index < 0 ? 0 : index);
+            moduleName = WideFromAnsi(module->Name());
+            lineText = WideFromAnsi(LineOf(module->Text(), line));
+            return true;
+        }
+        return false;
+    };
+    for (const auto& loaded : m_loaded) {
+        if (search(loaded->module))
+            return true;
+        for (const auto& instance : loaded->instances)
+            if (search(&instance->OwnModule()))
+                return true;
+    }
+    return false;
+}
+
 ModuleInstance* ModuleManager::DefaultInstance(const Module& module) const
 {
     for (const auto& loaded : m_loaded)

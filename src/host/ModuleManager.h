@@ -66,6 +66,10 @@ public:
     // The default instance of a loaded module (a started module or one that it uses), or null before
     // its module was started or after it was unloaded.
     ModuleInstance* DefaultInstance(const Module& module) const;
+    // Fills the module name, line number and line text of statement index of the procedure whose
+    // executable form is code. False when no loaded module has that procedure.
+    bool Locate(const ProcedureCode& code, int index, std::wstring& moduleName, int& line,
+                std::wstring& lineText) const;
     // The run has ended: the started module is idle again.
     void RunEnded();
 

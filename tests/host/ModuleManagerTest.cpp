@@ -110,6 +110,12 @@ public:
         if (procedure.name != "Main")
             return true;
         auto code = std::make_unique<TestProcedure>();
+        if (module.Name() == "fails") {
+            // Index 0 is the header line; the second line divides by zero.
+            code->AddBlank().Add([] { return Interpreter::Current()->SignalError(11); });
+            procedure.code = std::move(code);
+            return true;
+        }
         std::wstring text = L"Main of " + std::wstring(module.Name().begin(), module.Name().end()) + L"\r\n";
         code->Add([text] {
             Interpreter::Current()->Host().DebugPrint(text);
@@ -327,6 +333,27 @@ TEST_F(ModuleManagerTest, UsedModulesGetDefaultInstancesAndRunTheirMainBeforeMai
     EXPECT_EQ(L"main", LoadedName(0));
     EXPECT_EQ(L"", LoadedName(1)) << "used modules are not listed";
     EXPECT_TRUE(Unload(L"main"));
+}
+
+TEST_F(ModuleManagerTest, AnUntrappedErrorIsReportedWithItsMacroLineAndText)
+{
+    callBack.macros[L"fails"] = L"Sub Main\r\n    x = 1 / 0\r\nEnd Sub\r\n";
+    ASSERT_TRUE(Start(L"fails"));
+    EXPECT_FALSE(Run()) << "the run stops at the error";
+    VARIANT_BOOL stopped = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, unit->get_IsStopped(&stopped));
+    EXPECT_EQ(VARIANT_TRUE, stopped);
+    ASSERT_EQ(1u, callBack.errorNumbers.size());
+    EXPECT_EQ(11, callBack.errorNumbers[0]);
+    EXPECT_EQ(L"fails", ErrorText(&CodeUnit::get_ErrorMacroName));
+    EXPECT_EQ(L"    x = 1 / 0", ErrorText(&CodeUnit::get_ErrorLine));
+    short line = 0;
+    short offset = 0;
+    EXPECT_EQ(S_OK, unit->get_ErrorLineNum(&line));
+    EXPECT_EQ(S_OK, unit->get_ErrorOffset(&offset));
+    EXPECT_EQ(2, line);
+    EXPECT_EQ(-1, offset);
+    EXPECT_EQ(1, callBack.Count(19));
 }
 
 TEST(StartText, SplitsNameAndCommand)

@@ -284,7 +284,7 @@ int wmain(int argc, wchar_t** argv)
     if (!error.seen && started != VARIANT_FALSE)
         return 0;
     const std::wstring where = error.macroName.empty() ? file : error.macroName;
-    const int column = error.line > 0 ? error.offset + 1 : 0;
+    const int column = error.line > 0 && error.offset >= 0 ? error.offset + 1 : 0;
     WriteOut(stderr, Ansi(where) + ":" + std::to_string(error.line) + ":" + std::to_string(column) + ": error " +
                          std::to_string(error.number) + ": " + Ansi(error.description) + "\n");
     WriteOut(stderr, Ansi(error.lineText) + "\n");
