@@ -208,18 +208,46 @@ bool ModuleManager::MakeDefaultInstances(Loaded& loaded)
 
 bool ModuleManager::InitializeUsedModules(Loaded& loaded)
 {
-    Interpreter& machine = m_context.Machine();
     for (std::size_t i = 1; i < loaded.instances.size(); ++i) {
         ModuleInstance& instance = *loaded.instances[i];
         const CompiledModule* compiled = instance.OwnModule().Compiled();
         ProcedureCode* code = compiled && compiled->entry ? compiled->entry->code.get() : nullptr;
-        const bool finished = !code || machine.RunHostCall(*code, &instance);
-        // The steps leave the marker set; no statement executes once the call is over.
-        machine.SetExecutionMarker(0);
-        if (!finished)
+        if (code && !RunNested(*code, instance))
             return false;
     }
     return true;
+}
+
+bool ModuleManager::RunNested(ProcedureCode& code, ModuleInstance& instance)
+{
+    Interpreter& machine = m_context.Machine();
+    // The steps of the call leave their own marker; the caller's state comes back afterwards.
+    const int marker = machine.ExecutionMarker();
+    const bool finished = machine.RunHostCall(code, &instance);
+    machine.SetExecutionMarker(marker);
+    return finished;
+}
+
+std::unique_ptr<ModuleInstance> ModuleManager::CreateInstance(Module& module)
+{
+    auto instance = std::make_unique<ModuleInstance>(module);
+    const CompiledModule* compiled = module.Compiled();
+    ProcedureCode* entry = compiled && compiled->entry ? compiled->entry->code.get() : nullptr;
+    if (entry && !RunNested(*entry, *instance)) {
+        DestroyInstance(std::move(instance));
+        return nullptr;
+    }
+    return instance;
+}
+
+void ModuleManager::DestroyInstance(std::unique_ptr<ModuleInstance> instance)
+{
+    if (!instance)
+        return;
+    const CompiledModule* compiled = instance->OwnModule().Compiled();
+    ProcedureCode* terminate = compiled && compiled->terminate ? compiled->terminate->code.get() : nullptr;
+    if (terminate && !instance->OwnModule().IsMacro())
+        (void)RunNested(*terminate, *instance);
 }
 
 namespace {

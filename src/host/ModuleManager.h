@@ -66,6 +66,14 @@ public:
     // The default instance of a loaded module (a started module or one that it uses), or null before
     // its module was started or after it was unloaded.
     ModuleInstance* DefaultInstance(const Module& module) const;
+    // A new instance of a class or object module: its storage is made and its initializer
+    // (Class_Initialize, Form_Initialize) runs to its end as a nested call. Null when the initializer
+    // failed; the instance has then been terminated and freed.
+    std::unique_ptr<ModuleInstance> CreateInstance(Module& module);
+    // Runs the instance's terminate procedure (Class_Terminate, Form_Terminate) as a nested call, then
+    // frees the instance.
+    void DestroyInstance(std::unique_ptr<ModuleInstance> instance);
+
     // Fills the module name, line number and line text of statement index of the procedure whose
     // executable form is code. False when no loaded module has that procedure.
     bool Locate(const ProcedureCode& code, int index, std::wstring& moduleName, int& line,
@@ -105,6 +113,8 @@ private:
     [[nodiscard]] bool MakeDefaultInstances(Loaded& loaded);
     // Runs the entry procedures of the used modules' default instances, each to its end.
     [[nodiscard]] bool InitializeUsedModules(Loaded& loaded);
+    // Runs an entry or terminate procedure of an instance to its end; the execution marker is kept.
+    [[nodiscard]] bool RunNested(ProcedureCode& code, ModuleInstance& instance);
 
     EngineContext& m_context;
     ProcedureBodyCompiler* m_bodyCompiler = nullptr;

@@ -4,6 +4,7 @@
 #include "exec/ExecFakes.h"
 #include "exec/ModuleInstance.h"
 #include "host/CodeUnit.h"
+#include "host/EntryGuard.h"
 #include "host/ModuleManager.h"
 #include <gtest/gtest.h>
 #include <map>
@@ -100,14 +101,14 @@ private:
     ULONG m_references = 1;
 };
 
-// Gives every Main a procedure of one statement that prints "Main of " and the module's name, as the
-// statement compiler would for a Debug.Print line.
+// Gives every Main, Class_Initialize and Class_Terminate a procedure of one statement that prints the
+// procedure's and the module's name, as the statement compiler would for a Debug.Print line.
 class PrintingBodies final : public ProcedureBodyCompiler {
 public:
     bool CompileBody(Module& module, Procedure& procedure, Lexer&) override
     {
         (void)CompileBodyFor(module);
-        if (procedure.name != "Main")
+        if (procedure.name != "Main" && procedure.name != "Class_Initialize" && procedure.name != "Class_Terminate")
             return true;
         auto code = std::make_unique<TestProcedure>();
         if (module.Name() == "fails") {
@@ -116,7 +117,8 @@ public:
             procedure.code = std::move(code);
             return true;
         }
-        std::wstring text = L"Main of " + std::wstring(module.Name().begin(), module.Name().end()) + L"\r\n";
+        std::wstring text = std::wstring(procedure.name.begin(), procedure.name.end()) + L" of " +
+                            std::wstring(module.Name().begin(), module.Name().end()) + L"\r\n";
         code->Add([text] {
             Interpreter::Current()->Host().DebugPrint(text);
             return true;
@@ -354,6 +356,36 @@ TEST_F(ModuleManagerTest, AnUntrappedErrorIsReportedWithItsMacroLineAndText)
     EXPECT_EQ(2, line);
     EXPECT_EQ(-1, offset);
     EXPECT_EQ(1, callBack.Count(19));
+}
+
+TEST_F(ModuleManagerTest, ClassInstancesRunTheirInitializerAtCreationAndTheirTerminatorAtDestruction)
+{
+    callBack.macros[L"main"] = L"'#Uses \"counter\"\r\nSub Main\r\nEnd Sub\r\n";
+    callBack.macros[L"counter"] = L"VERSION 1.0 CLASS\r\nAttribute VB_Name = \"Counter\"\r\nPublic Value As Long\r\n"
+                                  L"Private Sub Class_Initialize()\r\nEnd Sub\r\n"
+                                  L"Private Sub Class_Terminate()\r\nEnd Sub\r\n";
+    ASSERT_TRUE(Start(L"main"));
+    ASSERT_EQ(1u, bodies.seen.count("counter"));
+    Module& counter = *bodies.seen["counter"];
+    ModuleManager& modules = unit->Context().Modules();
+    EXPECT_EQ(nullptr, modules.DefaultInstance(counter)) << "class modules get no default instance at a start";
+    EXPECT_TRUE(callBack.printed.empty());
+    {
+        EntryGuard guard(unit->Context());
+        std::unique_ptr<ModuleInstance> first = modules.CreateInstance(counter);
+        std::unique_ptr<ModuleInstance> second = modules.CreateInstance(counter);
+        ASSERT_NE(nullptr, first);
+        ASSERT_NE(nullptr, second);
+        EXPECT_EQ(1u, first->VariableCount());
+        EXPECT_EQ((std::vector<std::wstring>{L"Class_Initialize of counter\r\n", L"Class_Initialize of counter\r\n"}),
+                  callBack.printed);
+        modules.DestroyInstance(std::move(first));
+        EXPECT_EQ(L"Class_Terminate of counter\r\n", callBack.printed.back());
+        modules.DestroyInstance(std::move(second));
+        EXPECT_EQ(4u, callBack.printed.size());
+    }
+    EXPECT_FALSE(Run());
+    EXPECT_EQ(L"Main of main\r\n", callBack.printed.back());
 }
 
 TEST(StartText, SplitsNameAndCommand)
