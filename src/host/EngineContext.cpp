@@ -246,6 +246,13 @@ void EngineContext::DefaultNotify(short code)
     MessageBoxW(nullptr, text.c_str(), caption.empty() ? L"Error" : caption.c_str(), MB_TASKMODAL | MB_OK);
 }
 
+// A pending action from the scheduler; a start queued meanwhile is carried out after it.
+void EngineContext::PerformControlAction(int action, long argument)
+{
+    (void)Control(action, argument);
+    m_modules.RunQueuedStart();
+}
+
 void EngineContext::PumpMessages()
 {
     if (m_callBack) {

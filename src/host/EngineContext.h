@@ -83,7 +83,7 @@ public:
 
     // InterpreterHost
     void Notify(Notification code) override { SendNotification(code); }
-    void PerformControlAction(int action, long argument) override { (void)Control(action, argument); }
+    void PerformControlAction(int action, long argument) override;
     void PumpMessages() override;
     void ReportUntrappedError(const ErrorRecord& error) override;
     void ReleaseMemoryReserve() override;

@@ -151,14 +151,24 @@ ModuleStatus ModuleManager::Load(const std::string& name)
 
 ModuleStatus ModuleManager::Start(const std::string& name, const std::string& command)
 {
+    if (m_queued)
+        return ModuleStatus::Busy;
+    Interpreter& machine = m_context.Machine();
+    if (machine.ExecutionMarker() != 0) {
+        // Statements are executing: the start waits for the scheduler, which carries out the pending
+        // action (and with it the start) before the next statement.
+        m_queued = true;
+        m_queuedName = name;
+        m_queuedCommand = command;
+        if (!machine.RequestAction(EngineContext::kActionQuery, 0)) {
+            m_queued = false;
+            return ModuleStatus::Busy;
+        }
+        return ModuleStatus::Queued;
+    }
     ModuleStatus status = Load(name);
     if (status != ModuleStatus::Idle)
         return status;
-    Interpreter& machine = m_context.Machine();
-    if (machine.ExecutionMarker() != 0) {
-        // FIXME: a start while statements execute is queued once the scheduler takes start requests.
-        return ModuleStatus::Busy;
-    }
     (void)m_context.Control(EngineContext::kActionResume, 0);
     Loaded* loaded = Find(name);
     if (!loaded || !loaded->module || !MakeDefaultInstances(*loaded))
@@ -182,6 +192,25 @@ ModuleStatus ModuleManager::Start(const std::string& name, const std::string& co
         return ModuleStatus::AllocFailed;
     }
     return ModuleStatus::Idle;
+}
+
+void ModuleManager::RunQueuedStart()
+{
+    if (!m_queued)
+        return;
+    m_queued = false;
+    const std::string name = std::move(m_queuedName);
+    const std::string command = std::move(m_queuedCommand);
+    ModuleStatus status = Start(name, command);
+    StatusMessage message = MessageForStatus(status);
+    if (message.number == 0)
+        return;
+    ErrorLocation& error = m_context.ErrorReport();
+    error.Clear();
+    error.number = message.number;
+    error.description = message.text;
+    error.macroName = WideFromAnsi(name);
+    m_context.SendNotification(EngineContext::kNotifyError);
 }
 
 bool ModuleManager::MakeDefaultInstances(Loaded& loaded)

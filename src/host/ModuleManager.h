@@ -59,6 +59,9 @@ public:
     // The loaded top-level modules in load order; empty past the end.
     std::string LoadedName(std::size_t index) const;
     std::size_t LoadedCount() const { return m_loaded.size(); }
+    // Carries out a start that was queued while statements executed; nothing when none is queued.
+    void RunQueuedStart();
+    bool HasQueuedStart() const { return m_queued; }
     // The module the current run was started from (empty when idle).
     const std::string& RunningName() const { return m_running; }
     // The command text of the current run (what the language's Command gives).
@@ -122,6 +125,9 @@ private:
     std::map<std::string, std::string> m_givenTexts;
     std::string m_running;
     std::string m_command;
+    bool m_queued = false;
+    std::string m_queuedName;
+    std::string m_queuedCommand;
 };
 
 } // namespace brannoc

@@ -111,6 +111,19 @@ public:
         if (procedure.name != "Main" && procedure.name != "Class_Initialize" && procedure.name != "Class_Terminate")
             return true;
         auto code = std::make_unique<TestProcedure>();
+        if (module.Name() == "starter") {
+            // Starts "second" while its own statement executes, then prints.
+            code->Add([this] {
+                startStatus = modules->Start("second", "one two");
+                return true;
+            });
+            code->Add([] {
+                Interpreter::Current()->Host().DebugPrint(L"after the start\r\n");
+                return true;
+            });
+            procedure.code = std::move(code);
+            return true;
+        }
         if (module.Name() == "fails") {
             // Index 0 is the header line; the second line divides by zero.
             code->AddBlank().Add([] { return Interpreter::Current()->SignalError(11); });
@@ -132,6 +145,8 @@ public:
         return true;
     }
     std::map<std::string, Module*> seen;
+    ModuleManager* modules = nullptr;
+    ModuleStatus startStatus = ModuleStatus::Idle;
 };
 
 class TestText final {
@@ -151,6 +166,7 @@ protected:
         ASSERT_NE(nullptr, unit);
         unit->SetCallBack(&callBack);
         unit->Context().Modules().SetBodyCompiler(&bodies);
+        bodies.modules = &unit->Context().Modules();
     }
     void TearDown() override
     {
@@ -386,6 +402,19 @@ TEST_F(ModuleManagerTest, ClassInstancesRunTheirInitializerAtCreationAndTheirTer
     }
     EXPECT_FALSE(Run());
     EXPECT_EQ(L"Main of main\r\n", callBack.printed.back());
+}
+
+TEST_F(ModuleManagerTest, AStartWhileAStatementExecutesIsQueuedAndRunsBeforeTheNextStatement)
+{
+    callBack.macros[L"starter"] = L"Sub Main\r\n    Start \"second\"\r\n    Debug.Print \"after the start\"\r\nEnd Sub\r\n";
+    callBack.macros[L"second"] = L"Sub Main\r\nEnd Sub\r\n";
+    ASSERT_TRUE(Start(L"starter"));
+    EXPECT_FALSE(Run());
+    EXPECT_EQ(ModuleStatus::Queued, bodies.startStatus);
+    EXPECT_EQ((std::vector<std::wstring>{L"starter", L"second"}), callBack.reads);
+    EXPECT_EQ((std::vector<std::wstring>{L"Main of second\r\n", L"after the start\r\n"}), callBack.printed);
+    EXPECT_TRUE(callBack.errorNumbers.empty());
+    EXPECT_EQ(1, callBack.Count(2)) << "one run";
 }
 
 TEST(StartText, SplitsNameAndCommand)
