@@ -1,5 +1,6 @@
 #include "values/StringCapacity.h"
 
+#include "values/Operators.h"
 #include "values/ValueError.h"
 
 #include <algorithm>
@@ -80,6 +81,36 @@ bool AppendToString(Variant& target, std::wstring_view tail)
     SetUsedLength(grown, needed);
     target.SetString(grown); // frees the old block, which tail may have pointed into
     return true;
+}
+
+bool AppendToStorage(VARIANT& storage, const Variant& right)
+{
+    VARIANT* end = FollowByRefChain(&storage);
+    BSTR* slot = end->vt == VT_BSTR ? &end->bstrVal : end->vt == (VT_BYREF | VT_BSTR) ? end->pbstrVal : nullptr;
+    if (slot == nullptr) {
+        if (end->vt & VT_BYREF)
+            return RaiseValueError(kErrorTypeMismatch);
+        Variant value;
+        if (!value.CopyFrom(*end))
+            return RaiseValueError(kErrorAutomation);
+        if (!BinaryOperation(OperationId::kConcatenate, value, right))
+            return false;
+        Variant old;
+        old.Attach(*end);
+        value.Detach(*end);
+        return true;
+    }
+    // The holder borrows the stored string without taking it out of storage, so a right operand that
+    // is the same variable still reads it. The appended string (the old block or a new one, the old
+    // block then freed) is written back whether or not the operation succeeded.
+    Variant holder;
+    holder.Raw().vt = VT_BSTR;
+    holder.Raw().bstrVal = *slot;
+    const bool appended = BinaryOperation(OperationId::kConcatenate, holder, right);
+    if (holder.Tag() == VT_BSTR)
+        *slot = holder.String();
+    holder.Raw().vt = VT_EMPTY; // the string belongs to storage again
+    return appended;
 }
 
 unsigned long StringAppendAllocations() noexcept { return s_appendAllocations; }

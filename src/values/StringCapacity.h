@@ -19,6 +19,12 @@ UINT StringCapacity(BSTR text) noexcept;
 // would be too long.
 [[nodiscard]] bool AppendToString(Variant& target, std::wstring_view tail);
 
+// storage = storage & right for the storage of a String or Variant variable (a by-reference chain is
+// followed to it), as `s = s & expression` needs: a String there is appended to in place, keeping its
+// spare room, so a loop of such statements allocates O(log n) times. A Variant holding another kind
+// gets the result of & over it. Typed storage of another kind raises 10080. False after raising.
+[[nodiscard]] bool AppendToStorage(VARIANT& storage, const Variant& right);
+
 // How many string blocks AppendToString has allocated since the process started; tests use it to
 // check that repeated appends grow geometrically.
 unsigned long StringAppendAllocations() noexcept;

@@ -107,5 +107,83 @@ TEST(StringCapacity, NullAndNullStaysNull)
     EXPECT_EQ(left.Tag(), VT_NULL);
 }
 
+// ---- Appending to a variable's storage ----
+
+TEST(AppendToStorage, HundredThousandAppendsToAStringVariable)
+{
+    Variant storage = MakeString(L"");
+    Variant piece = MakeString(L"ab");
+    unsigned long before = StringAppendAllocations();
+    for (int i = 0; i < 100000; ++i)
+        ASSERT_TRUE(AppendToStorage(storage.Raw(), piece)) << "append " << i;
+    EXPECT_LE(StringAppendAllocations() - before, 24u);
+    ASSERT_EQ(storage.Tag(), VT_BSTR);
+    EXPECT_EQ(SysStringLen(storage.String()), 200000u);
+    EXPECT_EQ(storage.StringView().substr(199996), L"abab");
+}
+
+TEST(AppendToStorage, ThroughByReferenceStorage)
+{
+    // A String variable passed by reference, and a Variant passed by reference.
+    Variant text = MakeString(L"a");
+    Variant byRefString;
+    byRefString.SetByRef(VT_BSTR, &text.Raw().bstrVal);
+    Variant held = MakeString(L"x");
+    Variant byRefVariant;
+    byRefVariant.SetByRef(VT_VARIANT, &held.Raw());
+    for (int i = 0; i < 3; ++i) {
+        ASSERT_TRUE(AppendToStorage(byRefString.Raw(), MakeString(L"b")));
+        ASSERT_TRUE(AppendToStorage(byRefVariant.Raw(), MakeInteger(7)));
+    }
+    EXPECT_EQ(text.StringView(), L"abbb");
+    EXPECT_EQ(held.StringView(), L"x777");
+}
+
+TEST(AppendToStorage, TheVariableItselfAsTheRightOperand)
+{
+    Variant storage = MakeString(L"ab");
+    for (int i = 0; i < 3; ++i)
+        ASSERT_TRUE(AppendToStorage(storage.Raw(), storage));
+    EXPECT_EQ(storage.StringView(), std::wstring(L"abababababababab"));
+}
+
+struct StorageRow {
+    const char* name;
+    Variant stored;
+    Variant right;
+    VARTYPE tag;
+    const wchar_t* expected;
+};
+
+TEST(AppendToStorage, VariantsHoldingOtherKinds)
+{
+    StorageRow rows[] = {
+        {"Empty & text", Variant(), MakeString(L"x"), VT_BSTR, L"x"},
+        {"Integer & text", MakeInteger(-4), MakeString(L"x"), VT_BSTR, L"-4x"},
+        {"Null & text", MakeNull(), MakeString(L"x"), VT_BSTR, L"x"},
+        {"Null & Null", MakeNull(), MakeNull(), VT_NULL, L""},
+        {"text & Null", MakeString(L"x"), MakeNull(), VT_BSTR, L"x"},
+    };
+    for (StorageRow& row : rows) {
+        RaiseRecorder recorder;
+        ASSERT_TRUE(AppendToStorage(row.stored.Raw(), row.right)) << row.name;
+        ASSERT_EQ(row.stored.Tag(), row.tag) << row.name;
+        if (row.tag == VT_BSTR)
+            EXPECT_EQ(row.stored.StringView(), row.expected) << row.name;
+        EXPECT_EQ(recorder.Count(), 0u) << row.name;
+    }
+}
+
+TEST(AppendToStorage, TypedStorageOfAnotherKindIsRefused)
+{
+    SHORT number = 5;
+    Variant byRef;
+    byRef.SetByRef(VT_I2, &number);
+    RaiseRecorder recorder;
+    EXPECT_FALSE(AppendToStorage(byRef.Raw(), MakeString(L"x")));
+    EXPECT_EQ(recorder.Last(), 10080);
+    EXPECT_EQ(number, 5);
+}
+
 } // namespace
 } // namespace brannoc
