@@ -468,6 +468,8 @@ struct ImplicitRow {
 
 TEST(CompilerTest, ImplicitTypeOfUndeclaredNames)
 {
+    const char* kEveryDef = "DefBool B\r\nDefByte Y\r\nDefCur C\r\nDefDate T\r\nDefLng L\r\nDefSng F\r\n"
+                            "DefObj O\r\nDefVar V\r\n";
     const char* defs = "DefInt I-K\r\nDefStr S\r\nDefDbl D\r\nDim existing As Long\r\nConst C = 1\r\n";
     const ImplicitRow rows[] = {
         // The default type of the first letter, changed by Def statements.
@@ -477,6 +479,15 @@ TEST(CompilerTest, ImplicitTypeOfUndeclaredNames)
         {defs, "delta", 0, false, TypeCode::kDouble, nullptr},
         {defs, "value", 0, false, TypeCode::kVariant, nullptr},
         {"", "index", 0, false, TypeCode::kVariant, nullptr},
+        {kEveryDef, "bFlag", 0, false, TypeCode::kBoolean, nullptr},
+        {kEveryDef, "yByte", 0, false, TypeCode::kByte, nullptr},
+        {kEveryDef, "cMoney", 0, false, TypeCode::kCurrency, nullptr},
+        {kEveryDef, "tWhen", 0, false, TypeCode::kDate, nullptr},
+        {kEveryDef, "lCount", 0, false, TypeCode::kLong, nullptr},
+        {kEveryDef, "fRatio", 0, false, TypeCode::kSingle, nullptr},
+        {kEveryDef, "oThing", 0, false, TypeCode::kObject, nullptr},
+        {kEveryDef, "vAny", 0, false, TypeCode::kVariant, nullptr},
+        {kEveryDef, "oThing", '$', false, TypeCode::kString, nullptr},
         // A suffix wins over the letter.
         {defs, "index", '$', false, TypeCode::kString, nullptr},
         {defs, "n", '!', false, TypeCode::kSingle, nullptr},
