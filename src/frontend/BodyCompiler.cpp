@@ -1,0 +1,1739 @@
+#include "frontend/BodyCompiler.h"
+
+#include "frontend/CharClasses.h"
+#include "frontend/ConstantReader.h"
+#include "frontend/Statements.h"
+#include "values/Conversion.h"
+#include "values/ValueCell.h"
+#include "values/ValueError.h"
+
+#include <windows.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <optional>
+#include <unordered_map>
+
+namespace brannoc {
+
+namespace {
+
+std::string Upper(std::string_view text)
+{
+    const CharClasses& classes = CharClasses::Get();
+    std::string out(text);
+    for (char& c : out)
+        c = classes.Upper(c);
+    return out;
+}
+
+bool SameName(std::string_view a, std::string_view b) { return a.size() == b.size() && Upper(a) == Upper(b); }
+
+std::wstring Widen(std::string_view text)
+{
+    if (text.empty())
+        return {};
+    const int length = MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
+    std::wstring out(static_cast<std::size_t>(length), L'\0');
+    MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), out.data(), length);
+    return out;
+}
+
+Variant FromConstant(const ConstantValue& value)
+{
+    Variant out;
+    switch (value.type.Code()) {
+    case TypeCode::kByte: out.SetByte(static_cast<BYTE>(value.integer)); break;
+    case TypeCode::kBoolean: out.SetBoolean(value.integer != 0); break;
+    case TypeCode::kInteger: out.SetInteger(static_cast<SHORT>(value.integer)); break;
+    case TypeCode::kLong: out.SetLong(static_cast<LONG>(value.integer)); break;
+    case TypeCode::kSingle: out.SetSingle(static_cast<FLOAT>(value.real)); break;
+    case TypeCode::kDouble: out.SetDouble(value.real); break;
+    case TypeCode::kCurrency: out.SetCurrencyUnits(std::llround(value.real * 10000.0)); break;
+    case TypeCode::kDate: out.SetDate(value.real); break;
+    case TypeCode::kString: (void)out.SetString(value.text); break;
+    case TypeCode::kNull: out.SetNull(); break;
+    default: break;
+    }
+    return out;
+}
+
+TypeCode TypeOfValue(const Variant& value)
+{
+    switch (value.Tag()) {
+    case VT_UI1: return TypeCode(TypeCode::kByte);
+    case VT_BOOL: return TypeCode(TypeCode::kBoolean);
+    case VT_I2: return TypeCode(TypeCode::kInteger);
+    case VT_I4: return TypeCode(TypeCode::kLong);
+    case VT_R4: return TypeCode(TypeCode::kSingle);
+    case VT_R8: return TypeCode(TypeCode::kDouble);
+    case VT_CY: return TypeCode(TypeCode::kCurrency);
+    case VT_DATE: return TypeCode(TypeCode::kDate);
+    case VT_DECIMAL: return TypeCode(TypeCode::kDecimal);
+    case VT_BSTR: return TypeCode(TypeCode::kString);
+    default: return TypeCode(TypeCode::kVariant);
+    }
+}
+
+struct BinaryOperator {
+    Token token;
+    OperationId op;
+    int precedence;
+};
+
+constexpr BinaryOperator kBinaryOperators[] = {
+    {Token::Caret, OperationId::kPower, 800},      {Token::Star, OperationId::kMultiply, 700},
+    {Token::Slash, OperationId::kDivide, 700},     {Token::Backslash, OperationId::kIntegerDivide, 600},
+    {Token::Mod, OperationId::kModulo, 500},       {Token::Plus, OperationId::kAdd, 400},
+    {Token::Minus, OperationId::kSubtract, 400},   {Token::Ampersand, OperationId::kConcatenate, 300},
+    {Token::Equal, OperationId::kEqual, 200},      {Token::NotEqual, OperationId::kNotEqual, 200},
+    {Token::Less, OperationId::kLess, 200},        {Token::Greater, OperationId::kGreater, 200},
+    {Token::LessEqual, OperationId::kLessEqual, 200}, {Token::GreaterEqual, OperationId::kGreaterEqual, 200},
+    {Token::Like, OperationId::kLike, 200},        {Token::Is, OperationId::kIs, 200},
+    {Token::And, OperationId::kAnd, 150},          {Token::Or, OperationId::kOr, 140},
+    {Token::Xor, OperationId::kXor, 130},          {Token::Eqv, OperationId::kEqv, 120},
+    {Token::Imp, OperationId::kImp, 110},
+};
+
+const BinaryOperator* FindBinary(Token token)
+{
+    for (const BinaryOperator& entry : kBinaryOperators) {
+        if (entry.token == token)
+            return &entry;
+    }
+    return nullptr;
+}
+
+TypeCode TypeOfWord(Token token)
+{
+    switch (token) {
+    case Token::Boolean: return TypeCode(TypeCode::kBoolean);
+    case Token::Byte: return TypeCode(TypeCode::kByte);
+    case Token::Integer: return TypeCode(TypeCode::kInteger);
+    case Token::Long: return TypeCode(TypeCode::kLong);
+    case Token::Single: return TypeCode(TypeCode::kSingle);
+    case Token::Double: return TypeCode(TypeCode::kDouble);
+    case Token::Currency: return TypeCode(TypeCode::kCurrency);
+    case Token::Date: return TypeCode(TypeCode::kDate);
+    case Token::Decimal: return TypeCode(TypeCode::kDecimal);
+    case Token::String: return TypeCode(TypeCode::kString);
+    case Token::Variant: return TypeCode(TypeCode::kVariant);
+    default: return TypeCode();
+    }
+}
+
+const char* SkipBlanks(const char* p)
+{
+    while (*p == ' ' || *p == '\t')
+        ++p;
+    return p;
+}
+
+bool IsStatementEnd(Token token)
+{
+    return token == Token::EndOfLine || token == Token::Apostrophe || token == Token::Colon || token == Token::Else;
+}
+
+enum class LocalKind { Variable, Constant };
+
+struct LocalSymbol {
+    LocalKind kind = LocalKind::Variable;
+    VariableRef ref;
+    int constant = -1;
+};
+
+struct Label {
+    int index = -1;
+};
+
+struct PendingGoTo {
+    JumpStatement* jump;
+    std::string name;
+    const char* position;
+};
+
+enum class BlockKind { If, Select, For, Do, While, With };
+
+struct Block {
+    BlockKind kind;
+    int index = 0;                      // statement index of the opener
+    Statement* opener = nullptr;
+    std::vector<JumpStatement*> exits;  // jumps to the statement after the block's end
+    bool hasElse = false;
+    bool expectCase = false;
+    int selectorSlot = -1;
+    // Do: whether the Do line tests a condition.
+    bool doHasCondition = false;
+    // For: the counter's name and hidden slots.
+    std::string counterName;
+    VariableRef counter;
+    int endSlot = -1;
+    int stepSlot = -1;
+};
+
+std::string_view BlockWord(BlockKind kind)
+{
+    switch (kind) {
+    case BlockKind::If: return "If";
+    case BlockKind::Select: return "Select";
+    case BlockKind::For: return "For";
+    case BlockKind::Do: return "Do";
+    case BlockKind::While: return "While";
+    case BlockKind::With: return "With";
+    }
+    return {};
+}
+
+class BodyParser final {
+public:
+    BodyParser(Module& module, Procedure& procedure, Lexer& lexer)
+        : m_module(module), m_state(*module.State()), m_procedure(procedure), m_lexer(lexer)
+    {
+    }
+
+    bool Compile();
+
+private:
+    using StatementPtr = std::unique_ptr<Statement>;
+
+    // Lines and blocks.
+    StatementPtr ParseLine();
+    StatementPtr ParseEnd();
+    StatementPtr ParseInline(bool inSingleLineIf);
+    StatementPtr ParseSimple();
+    StatementPtr ParseIf(bool lineStart);
+    StatementPtr ParseElseIf();
+    StatementPtr ParseElse();
+    StatementPtr ParseSelect();
+    StatementPtr ParseCase();
+    StatementPtr ParseFor();
+    StatementPtr ParseNext();
+    StatementPtr ParseDo();
+    StatementPtr ParseLoop();
+    StatementPtr ParseWhile();
+    StatementPtr ParseWend();
+    StatementPtr ParseWith();
+    StatementPtr ParseGoTo();
+    StatementPtr ParseExit();
+    StatementPtr ParseDebug();
+    StatementPtr ParseDim(bool isStatic);
+    StatementPtr ParseConst();
+    StatementPtr ParseAssignmentOrCall(bool requireAssignment);
+    StatementPtr ParseCallStatement();
+    StatementPtr Declaration();
+    Block* Innermost(BlockKind kind);
+    void CloseBlock(Block& block, int endIndex);
+    int CurrentIndex() const { return m_lexer.Line() - m_procedure.firstLine; }
+
+    // Expressions.
+    [[nodiscard]] bool ParseExpression(Expression& out, bool* simpleVariable = nullptr);
+    [[nodiscard]] bool ParseFactor(Expression& out, bool* simpleVariable);
+    [[nodiscard]] bool ParseNumber(Expression& out);
+    [[nodiscard]] bool ParseName(Expression& out, bool* simpleVariable);
+    [[nodiscard]] bool ParseCallArguments(Procedure& callee, Expression& out, bool parenthesised);
+    void AppendBinary(Expression& out, OperationId op);
+    void AppendConstant(Expression& out, Variant value);
+
+    // Names.
+    std::string ReadName();
+    TypeCode ReadSuffix();
+    [[nodiscard]] bool ResolveVariable(const std::string& name, TypeCode suffix, VariableRef& ref, bool& found);
+    const LocalSymbol* FindLocal(const std::string& upperName) const;
+    Procedure* FindProcedure(const std::string& upperName) const;
+    [[nodiscard]] bool ReadType(TypeCode& type);
+    bool NextIsColonEqual() const;
+    bool ParenthesisedToEnd() const;
+
+    Module& m_module;
+    ParseState& m_state;
+    Procedure& m_procedure;
+    Lexer& m_lexer;
+    CompiledProcedure* m_code = nullptr;
+    std::unordered_map<std::string, LocalSymbol> m_locals;
+    std::unordered_map<std::string, Label> m_labels;
+    std::vector<PendingGoTo> m_gotos;
+    std::vector<Block> m_blocks;
+    int m_exitIndex = 0;
+};
+
+bool BodyParser::Compile()
+{
+    auto code = std::make_unique<CompiledProcedure>(m_procedure);
+    m_code = code.get();
+    const int errorsBefore = m_lexer.ErrorCount();
+
+    for (const Parameter& parameter : m_procedure.parameters) {
+        ParameterInfo info;
+        info.type = parameter.type.code;
+        info.byVal = parameter.byVal;
+        info.optional = parameter.optional;
+        info.paramArray = parameter.paramArray;
+        info.hasDefault = parameter.hasDefault;
+        if (parameter.hasDefault)
+            info.defaultValue = FromConstant(parameter.defaultValue);
+        const int slot = m_code->AddSlot(parameter.type.code);
+        m_code->AddParameter(std::move(info));
+        LocalSymbol symbol;
+        symbol.ref = VariableRef{StorageScope::Local, slot, parameter.type.code};
+        m_locals[Upper(parameter.name)] = symbol;
+    }
+    if (m_procedure.kind == ProcedureKind::Function || m_procedure.kind == ProcedureKind::PropertyGet) {
+        const int slot = m_code->AddSlot(m_procedure.result.code);
+        m_code->SetResultSlot(slot);
+        LocalSymbol symbol;
+        symbol.ref = VariableRef{StorageScope::Local, slot, m_procedure.result.code};
+        m_locals[Upper(m_procedure.name)] = symbol;
+    }
+
+    const int lastIndex = m_procedure.lineCount - 1;
+    m_exitIndex = lastIndex;
+    m_code->Append(std::make_unique<NoOperationStatement>())->SetListing(ListingOf(m_lexer.LineText()));
+
+    const int endLine = m_procedure.firstLine + lastIndex;
+    if (lastIndex > 1) {
+        m_lexer.SeekLine(m_procedure.firstLine + 1);
+        while (!m_lexer.AtEnd() && m_lexer.Line() < endLine) {
+            if (m_lexer.ErrorLimitReached() || m_lexer.MemoryExhausted())
+                break;
+            const int index = CurrentIndex();
+            while (m_code->StatementCount() < index)
+                m_code->AppendShared(&EmptyStatement());
+            m_lexer.ClearStatementError();
+            const char* start = m_lexer.TokenStart();
+            StatementPtr statement = ParseLine();
+            if (statement) {
+                std::string_view rest = m_lexer.LineText();
+                const char* end = rest.data() + rest.size();
+                statement->SetListing(ListingOf(std::string_view(start, static_cast<std::size_t>(end - start))));
+                m_code->Append(std::move(statement));
+            } else {
+                m_code->AppendShared(&EmptyStatement());
+            }
+            if (!m_lexer.SkipStatement())
+                break;
+        }
+    }
+    while (m_code->StatementCount() < lastIndex)
+        m_code->AppendShared(&EmptyStatement());
+
+    if (!m_blocks.empty()) {
+        m_lexer.SeekLine(endLine);
+        m_lexer.ClearStatementError();
+        m_lexer.SignalError(CompileMessage::UnterminatedBlockStatement, BlockWord(m_blocks.back().kind));
+        m_blocks.clear();
+    }
+    m_lexer.SeekLine(endLine);
+    m_code->Append(std::make_unique<NoOperationStatement>())->SetListing(ListingOf(m_lexer.LineText()));
+
+    for (const PendingGoTo& pending : m_gotos) {
+        auto found = m_labels.find(Upper(pending.name));
+        if (found == m_labels.end() || found->second.index < 0) {
+            m_lexer.ClearStatementError();
+            m_lexer.SignalErrorAt(CompileMessage::GoToLabelHasNotBeenDefined, pending.name, pending.position);
+            continue;
+        }
+        pending.jump->SetTarget(found->second.index);
+    }
+
+    if (m_lexer.ErrorCount() != errorsBefore)
+        return false;
+    m_procedure.code = std::move(code);
+    return true;
+}
+
+BodyParser::StatementPtr BodyParser::Declaration()
+{
+    return std::make_unique<DeclarationStatement>();
+}
+
+Block* BodyParser::Innermost(BlockKind kind)
+{
+    if (m_blocks.empty() || m_blocks.back().kind != kind)
+        return nullptr;
+    return &m_blocks.back();
+}
+
+void BodyParser::CloseBlock(Block& block, int endIndex)
+{
+    for (JumpStatement* jump : block.exits)
+        jump->SetTarget(endIndex + 1);
+}
+
+BodyParser::StatementPtr BodyParser::ParseLine()
+{
+    Token word = m_lexer.Kind();
+    if (word == Token::EndOfLine || word == Token::Apostrophe || word == Token::Rem)
+        return nullptr;
+
+    // A Select Case block takes only Case lines before its first Case.
+    if (!m_blocks.empty() && m_blocks.back().expectCase && word != Token::Case) {
+        m_lexer.SignalError(CompileMessage::ExpectingACaseDefinition);
+        return nullptr;
+    }
+
+    // A label: a name directly followed by ":" (not ":=").
+    if (IsNameToken(word) && word != Token::Print) {
+        const char* after = SkipBlanks(m_lexer.TokenEnd());
+        if (after[0] == ':' && after[1] != '=' && FindProcedure(Upper(m_lexer.Text())) == nullptr) {
+            Label& label = m_labels[Upper(m_lexer.Text())];
+            if (label.index < 0)
+                label.index = CurrentIndex();
+            m_lexer.NextToken();
+            m_lexer.NextToken();
+            word = m_lexer.Kind();
+            if (word == Token::EndOfLine || word == Token::Apostrophe)
+                return nullptr;
+            StatementPtr inner = ParseLine();
+            if (!inner)
+                return nullptr;
+            return std::make_unique<LabelledStatement>(std::move(inner));
+        }
+    }
+
+    switch (word) {
+    case Token::End: return ParseEnd();
+    case Token::If: return ParseIf(true);
+    case Token::ElseIf: return ParseElseIf();
+    case Token::Else: return ParseElse();
+    case Token::Select: return ParseSelect();
+    case Token::Case: return ParseCase();
+    case Token::For: return ParseFor();
+    case Token::Next: return ParseNext();
+    case Token::Do: return ParseDo();
+    case Token::Loop: return ParseLoop();
+    case Token::While: return ParseWhile();
+    case Token::Wend: return ParseWend();
+    case Token::With: return ParseWith();
+    case Token::Dim: return ParseDim(false);
+    case Token::Static: return ParseDim(true);
+    case Token::Const: return ParseConst();
+    default: return ParseInline(false);
+    }
+}
+
+BodyParser::StatementPtr BodyParser::ParseEnd()
+{
+    m_lexer.NextToken();
+    const Token word = m_lexer.Kind();
+    if (word == Token::EndOfLine || word == Token::Apostrophe || word == Token::Else || word == Token::Colon) {
+        auto statement = std::make_unique<EndStatement>();
+        statement->SetKeyword(TokenNumber(Token::End));
+        return statement;
+    }
+    const int index = CurrentIndex();
+    Block* block = m_blocks.empty() ? nullptr : &m_blocks.back();
+    const bool closes = block && ((word == Token::If && block->kind == BlockKind::If) ||
+                                  (word == Token::Select && block->kind == BlockKind::Select) ||
+                                  (word == Token::With && block->kind == BlockKind::With));
+    if (!closes) {
+        m_lexer.SignalError(CompileMessage::UnexpectedEndStatement);
+        return nullptr;
+    }
+    m_lexer.NextToken();
+    if (block->kind == BlockKind::If || block->kind == BlockKind::Select) {
+        auto* branch = static_cast<BranchStatement*>(block->opener);
+        if (!block->hasElse)
+            branch->SetElseTarget(index + 1);
+    }
+    CloseBlock(*block, index);
+    m_blocks.pop_back();
+    auto statement = std::make_unique<NoOperationStatement>();
+    statement->SetKeyword(TokenNumber(Token::End));
+    return statement;
+}
+
+BodyParser::StatementPtr BodyParser::ParseInline(bool inSingleLineIf)
+{
+    auto list = std::make_unique<StatementList>();
+    int count = 0;
+    StatementPtr single;
+    for (;;) {
+        while (m_lexer.Accept(Token::Colon)) {
+        }
+        const Token word = m_lexer.Kind();
+        if (word == Token::EndOfLine || word == Token::Apostrophe || word == Token::Rem)
+            break;
+        if (word == Token::Else) {
+            if (inSingleLineIf)
+                break;
+            m_lexer.SignalError(CompileMessage::UnexpectedText, "Else");
+            return nullptr;
+        }
+        StatementPtr statement = ParseSimple();
+        if (!statement)
+            return nullptr;
+        ++count;
+        if (count == 1) {
+            single = std::move(statement);
+        } else {
+            if (single)
+                list->Add(std::move(single));
+            list->Add(std::move(statement));
+        }
+        if (m_lexer.Kind() != Token::Colon)
+            break;
+    }
+    const Token word = m_lexer.Kind();
+    if (!(word == Token::EndOfLine || word == Token::Apostrophe || (inSingleLineIf && word == Token::Else))) {
+        m_lexer.SignalError(CompileMessage::UnexpectedText, m_lexer.Text());
+        return nullptr;
+    }
+    if (inSingleLineIf) {
+        if (single)
+            list->Add(std::move(single));
+        return list;
+    }
+    if (count == 0)
+        return nullptr;
+    if (count == 1)
+        return single;
+    return list;
+}
+
+BodyParser::StatementPtr BodyParser::ParseSimple()
+{
+    StatementPtr statement;
+    const Token word = m_lexer.Kind();
+    switch (word) {
+    case Token::If: statement = ParseIf(false); break;
+    case Token::GoTo: statement = ParseGoTo(); break;
+    case Token::Exit: statement = ParseExit(); break;
+    case Token::Debug: statement = ParseDebug(); break;
+    case Token::Call: statement = ParseCallStatement(); break;
+    case Token::End: {
+        m_lexer.NextToken();
+        if (!IsStatementEnd(m_lexer.Kind())) {
+            m_lexer.SignalError(CompileMessage::UnexpectedEndStatement);
+            return nullptr;
+        }
+        statement = std::make_unique<EndStatement>();
+        break;
+    }
+    case Token::Let:
+        m_lexer.NextToken();
+        statement = ParseAssignmentOrCall(true);
+        break;
+    case Token::Set:
+        m_lexer.NextToken();
+        statement = ParseAssignmentOrCall(true);
+        break;
+    default: statement = ParseAssignmentOrCall(false); break;
+    }
+    if (statement && statement->KeywordToken() == 0 && IsReservedWord(word))
+        statement->SetKeyword(TokenNumber(word));
+    if (statement)
+        statement->SetOwner(m_code);
+    return statement;
+}
+
+BodyParser::StatementPtr BodyParser::ParseIf(bool lineStart)
+{
+    m_lexer.NextToken();
+    Expression condition;
+    if (!ParseExpression(condition))
+        return nullptr;
+    if (!m_lexer.ExpectToken(Token::Then))
+        return nullptr;
+    const Token word = m_lexer.Kind();
+    if (word == Token::EndOfLine || word == Token::Apostrophe) {
+        if (!lineStart) {
+            m_lexer.SignalError(CompileMessage::ExpectingAnExpression);
+            return nullptr;
+        }
+        auto branch = std::make_unique<BranchStatement>();
+        const int index = CurrentIndex();
+        branch->AddBranch(std::move(condition), index + 1);
+        branch->SetKeyword(TokenNumber(Token::If));
+        Block block{BlockKind::If};
+        block.index = index;
+        block.opener = branch.get();
+        m_blocks.push_back(block);
+        return branch;
+    }
+    auto thenPart = ParseInline(true);
+    if (!thenPart)
+        return nullptr;
+    std::unique_ptr<StatementList> elsePart;
+    if (m_lexer.Accept(Token::Else)) {
+        auto parsed = ParseInline(true);
+        if (!parsed)
+            return nullptr;
+        elsePart.reset(static_cast<StatementList*>(parsed.release()));
+    }
+    auto statement = std::make_unique<SingleLineIfStatement>(
+        std::move(condition), std::unique_ptr<StatementList>(static_cast<StatementList*>(thenPart.release())),
+        std::move(elsePart));
+    statement->SetKeyword(TokenNumber(Token::If));
+    return statement;
+}
+
+BodyParser::StatementPtr BodyParser::ParseElseIf()
+{
+    Block* block = Innermost(BlockKind::If);
+    if (!block || block->hasElse) {
+        m_lexer.SignalError(CompileMessage::UnexpectedText, "ElseIf");
+        return nullptr;
+    }
+    m_lexer.NextToken();
+    Expression condition;
+    if (!ParseExpression(condition) || !m_lexer.ExpectToken(Token::Then))
+        return nullptr;
+    auto* branch = static_cast<BranchStatement*>(block->opener);
+    branch->AddBranch(std::move(condition), CurrentIndex() + 1);
+    auto jump = std::make_unique<JumpStatement>();
+    jump->SetKeyword(TokenNumber(Token::ElseIf));
+    block->exits.push_back(jump.get());
+    return jump;
+}
+
+BodyParser::StatementPtr BodyParser::ParseElse()
+{
+    Block* block = Innermost(BlockKind::If);
+    if (!block || block->hasElse) {
+        m_lexer.SignalError(CompileMessage::UnexpectedText, "Else");
+        return nullptr;
+    }
+    m_lexer.NextToken();
+    block->hasElse = true;
+    static_cast<BranchStatement*>(block->opener)->SetElseTarget(CurrentIndex() + 1);
+    auto jump = std::make_unique<JumpStatement>();
+    jump->SetKeyword(TokenNumber(Token::Else));
+    block->exits.push_back(jump.get());
+    return jump;
+}
+
+BodyParser::StatementPtr BodyParser::ParseSelect()
+{
+    m_lexer.NextToken();
+    if (!m_lexer.ExpectToken(Token::Case))
+        return nullptr;
+    Expression selector;
+    if (!ParseExpression(selector))
+        return nullptr;
+    auto branch = std::make_unique<BranchStatement>();
+    const int slot = m_code->AddSlot(TypeCode(TypeCode::kVariant));
+    branch->SetSelector(std::move(selector), slot);
+    branch->SetKeyword(TokenNumber(Token::Select));
+    Block block{BlockKind::Select};
+    block.index = CurrentIndex();
+    block.opener = branch.get();
+    block.expectCase = true;
+    block.selectorSlot = slot;
+    m_blocks.push_back(block);
+    return branch;
+}
+
+BodyParser::StatementPtr BodyParser::ParseCase()
+{
+    Block* block = Innermost(BlockKind::Select);
+    if (!block || block->hasElse) {
+        m_lexer.SignalError(CompileMessage::UnexpectedText, "Case");
+        return nullptr;
+    }
+    m_lexer.NextToken();
+    auto* branch = static_cast<BranchStatement*>(block->opener);
+    const int index = CurrentIndex();
+    auto jump = std::make_unique<JumpStatement>();
+    jump->SetKeyword(TokenNumber(Token::Case));
+    if (m_lexer.Accept(Token::Else)) {
+        block->hasElse = true;
+        branch->SetElseTarget(index + 1);
+    } else {
+        const VariableRef selector{StorageScope::Local, block->selectorSlot, TypeCode(TypeCode::kVariant)};
+        auto loadSelector = [&](Expression& out) {
+            ExprOp op;
+            op.code = ExprOpCode::kLoad;
+            op.scope = selector.scope;
+            op.index = selector.index;
+            op.type = selector.type;
+            out.ops.push_back(op);
+        };
+        Expression condition;
+        int items = 0;
+        do {
+            Expression item;
+            if (m_lexer.Accept(Token::Is)) {
+                const BinaryOperator* comparison = FindBinary(m_lexer.Kind());
+                if (!comparison || !IsComparison(comparison->op)) {
+                    m_lexer.SignalError(CompileMessage::ExpectingComparison);
+                    return nullptr;
+                }
+                m_lexer.NextToken();
+                loadSelector(item);
+                if (!ParseExpression(item))
+                    return nullptr;
+                AppendBinary(item, comparison->op);
+            } else {
+                Expression low;
+                if (!ParseExpression(low))
+                    return nullptr;
+                loadSelector(item);
+                if (m_lexer.Accept(Token::To)) {
+                    item.Append(low);
+                    AppendBinary(item, OperationId::kGreaterEqual);
+                    loadSelector(item);
+                    if (!ParseExpression(item))
+                        return nullptr;
+                    AppendBinary(item, OperationId::kLessEqual);
+                    AppendBinary(item, OperationId::kAnd);
+                } else {
+                    item.Append(low);
+                    AppendBinary(item, OperationId::kEqual);
+                }
+            }
+            condition.Append(item);
+            if (++items > 1)
+                AppendBinary(condition, OperationId::kOr);
+        } while (m_lexer.Accept(Token::Comma));
+        branch->AddBranch(std::move(condition), index + 1);
+    }
+    block->expectCase = false;
+    block->exits.push_back(jump.get());
+    return jump;
+}
+
+BodyParser::StatementPtr BodyParser::ParseFor()
+{
+    m_lexer.NextToken();
+    if (m_lexer.Kind() == Token::Each) {
+        m_lexer.SignalError(CompileMessage::ThisLanguageFeatureHasBeenDisabled, "For Each");
+        return nullptr;
+    }
+    if (!IsNameToken(m_lexer.Kind())) {
+        m_lexer.SignalError(CompileMessage::ExpectingAScalarNumberVar);
+        return nullptr;
+    }
+    const std::string name = ReadName();
+    const TypeCode suffix = ReadSuffix();
+    VariableRef counter;
+    bool found = false;
+    if (!ResolveVariable(name, suffix, counter, found))
+        return nullptr;
+    if (!found || counter.type.IsArray() || !(counter.type.IsNumeric() || counter.type.IsVariant())) {
+        m_lexer.SignalError(CompileMessage::ExpectingAScalarNumberVar);
+        return nullptr;
+    }
+    if (!m_lexer.ExpectToken(Token::Equal))
+        return nullptr;
+    Expression bounds;
+    if (!ParseExpression(bounds) || !m_lexer.ExpectToken(Token::To) || !ParseExpression(bounds))
+        return nullptr;
+    bool hasStep = false;
+    if (m_lexer.Accept(Token::Step)) {
+        hasStep = true;
+        if (!ParseExpression(bounds))
+            return nullptr;
+    }
+    const int endSlot = m_code->AddSlot(TypeCode(TypeCode::kVariant));
+    const int stepSlot = m_code->AddSlot(TypeCode(TypeCode::kVariant));
+    auto statement = std::make_unique<ForStatement>(counter, std::move(bounds), hasStep, endSlot, stepSlot);
+    statement->SetKeyword(TokenNumber(Token::For));
+    Block block{BlockKind::For};
+    block.index = CurrentIndex();
+    block.opener = statement.get();
+    block.counterName = Upper(name);
+    block.counter = counter;
+    block.endSlot = endSlot;
+    block.stepSlot = stepSlot;
+    m_blocks.push_back(block);
+    return statement;
+}
+
+BodyParser::StatementPtr BodyParser::ParseNext()
+{
+    m_lexer.NextToken();
+    const int index = CurrentIndex();
+    auto list = std::make_unique<StatementList>();
+    int count = 0;
+    StatementPtr single;
+    do {
+        Block* block = Innermost(BlockKind::For);
+        if (!block) {
+            m_lexer.SignalError(CompileMessage::UnexpectedText, "Next");
+            return nullptr;
+        }
+        if (IsNameToken(m_lexer.Kind())) {
+            const std::string name = Upper(ReadName());
+            (void)ReadSuffix();
+            if (name != block->counterName) {
+                m_lexer.SignalError(CompileMessage::NextVarDoesNotMatchForsVar);
+                return nullptr;
+            }
+        }
+        auto next = std::make_unique<NextStatement>(block->counter, block->endSlot, block->stepSlot, block->index + 1);
+        next->SetKeyword(TokenNumber(Token::Next));
+        next->SetOwner(m_code);
+        static_cast<ForStatement*>(block->opener)->SetExitTarget(index + 1);
+        CloseBlock(*block, index);
+        m_blocks.pop_back();
+        if (++count == 1) {
+            single = std::move(next);
+        } else {
+            if (single)
+                list->Add(std::move(single));
+            list->Add(std::move(next));
+        }
+    } while (m_lexer.Accept(Token::Comma));
+    if (count == 1)
+        return single;
+    list->SetKeyword(TokenNumber(Token::Next));
+    return list;
+}
+
+BodyParser::StatementPtr BodyParser::ParseDo()
+{
+    m_lexer.NextToken();
+    Block block{BlockKind::Do};
+    block.index = CurrentIndex();
+    StatementPtr statement;
+    if (m_lexer.Kind() == Token::While || m_lexer.Kind() == Token::Until) {
+        const bool isWhile = m_lexer.Kind() == Token::While;
+        m_lexer.NextToken();
+        Expression condition;
+        if (!ParseExpression(condition))
+            return nullptr;
+        auto test = std::make_unique<ConditionalJumpStatement>(std::move(condition), !isWhile);
+        block.opener = test.get();
+        block.doHasCondition = true;
+        statement = std::move(test);
+    } else {
+        statement = std::make_unique<NoOperationStatement>();
+    }
+    statement->SetKeyword(TokenNumber(Token::Do));
+    m_blocks.push_back(block);
+    return statement;
+}
+
+BodyParser::StatementPtr BodyParser::ParseLoop()
+{
+    Block* block = Innermost(BlockKind::Do);
+    if (!block) {
+        m_lexer.SignalError(CompileMessage::UnexpectedText, "Loop");
+        return nullptr;
+    }
+    m_lexer.NextToken();
+    const int index = CurrentIndex();
+    StatementPtr statement;
+    if (m_lexer.Kind() == Token::While || m_lexer.Kind() == Token::Until) {
+        const bool isWhile = m_lexer.Kind() == Token::While;
+        m_lexer.NextToken();
+        Expression condition;
+        if (!ParseExpression(condition))
+            return nullptr;
+        auto test = std::make_unique<ConditionalJumpStatement>(std::move(condition), isWhile);
+        test->SetTarget(block->doHasCondition ? block->index : block->index + 1);
+        statement = std::move(test);
+    } else {
+        auto jump = std::make_unique<JumpStatement>();
+        jump->SetTarget(block->index);
+        statement = std::move(jump);
+    }
+    if (block->doHasCondition)
+        static_cast<ConditionalJumpStatement*>(block->opener)->SetTarget(index + 1);
+    CloseBlock(*block, index);
+    m_blocks.pop_back();
+    statement->SetKeyword(TokenNumber(Token::Loop));
+    return statement;
+}
+
+BodyParser::StatementPtr BodyParser::ParseWhile()
+{
+    m_lexer.NextToken();
+    Expression condition;
+    if (!ParseExpression(condition))
+        return nullptr;
+    auto test = std::make_unique<ConditionalJumpStatement>(std::move(condition), false);
+    test->SetKeyword(TokenNumber(Token::While));
+    Block block{BlockKind::While};
+    block.index = CurrentIndex();
+    block.opener = test.get();
+    m_blocks.push_back(block);
+    return test;
+}
+
+BodyParser::StatementPtr BodyParser::ParseWend()
+{
+    Block* block = Innermost(BlockKind::While);
+    if (!block) {
+        m_lexer.SignalError(CompileMessage::UnexpectedText, "Wend");
+        return nullptr;
+    }
+    m_lexer.NextToken();
+    const int index = CurrentIndex();
+    static_cast<ConditionalJumpStatement*>(block->opener)->SetTarget(index + 1);
+    auto jump = std::make_unique<JumpStatement>();
+    jump->SetTarget(block->index);
+    jump->SetKeyword(TokenNumber(Token::Wend));
+    CloseBlock(*block, index);
+    m_blocks.pop_back();
+    return jump;
+}
+
+BodyParser::StatementPtr BodyParser::ParseWith()
+{
+    m_lexer.NextToken();
+    Expression value;
+    if (!ParseExpression(value))
+        return nullptr;
+    const int slot = m_code->AddSlot(TypeCode(TypeCode::kVariant));
+    auto statement = std::make_unique<KeepValueStatement>(std::move(value), slot);
+    statement->SetKeyword(TokenNumber(Token::With));
+    Block block{BlockKind::With};
+    block.index = CurrentIndex();
+    block.opener = statement.get();
+    m_blocks.push_back(block);
+    return statement;
+}
+
+BodyParser::StatementPtr BodyParser::ParseGoTo()
+{
+    m_lexer.NextToken();
+    if (!IsNameToken(m_lexer.Kind())) {
+        m_lexer.SignalError(CompileMessage::InvalidLabelIdentifier);
+        return nullptr;
+    }
+    auto jump = std::make_unique<JumpStatement>();
+    jump->SetKeyword(TokenNumber(Token::GoTo));
+    m_gotos.push_back(PendingGoTo{jump.get(), std::string(m_lexer.Text()), m_lexer.TokenStart()});
+    m_lexer.NextToken();
+    return jump;
+}
+
+BodyParser::StatementPtr BodyParser::ParseExit()
+{
+    m_lexer.NextToken();
+    const Token word = m_lexer.Kind();
+    auto jump = std::make_unique<JumpStatement>();
+    jump->SetKeyword(TokenNumber(Token::Exit));
+    if (word == Token::For || word == Token::Do) {
+        const BlockKind kind = word == Token::For ? BlockKind::For : BlockKind::Do;
+        for (auto block = m_blocks.rbegin(); block != m_blocks.rend(); ++block) {
+            if (block->kind == kind) {
+                block->exits.push_back(jump.get());
+                m_lexer.NextToken();
+                return jump;
+            }
+        }
+        m_lexer.SignalError(CompileMessage::UnexpectedText, KeywordText(word));
+        return nullptr;
+    }
+    Token expected = Token::Sub;
+    if (m_procedure.kind == ProcedureKind::Function)
+        expected = Token::Function;
+    else if (m_procedure.kind != ProcedureKind::Sub)
+        expected = Token::Property;
+    if (!m_lexer.ExpectToken(expected))
+        return nullptr;
+    jump->SetTarget(m_exitIndex);
+    return jump;
+}
+
+BodyParser::StatementPtr BodyParser::ParseDebug()
+{
+    m_lexer.NextToken();
+    if (!m_lexer.ExpectToken(Token::Dot) || !m_lexer.ExpectToken(Token::Print))
+        return nullptr;
+    Expression items;
+    int count = 0;
+    bool newLine = true;
+    while (!IsStatementEnd(m_lexer.Kind())) {
+        newLine = true;
+        Expression item;
+        if (!ParseExpression(item))
+            return nullptr;
+        if (item.type.IsArray() || item.type.IsUserType()) {
+            m_lexer.SignalError(CompileMessage::ExpectingASimpleExpression);
+            return nullptr;
+        }
+        items.Append(item);
+        ++count;
+        if (!m_lexer.Accept(Token::Semicolon))
+            break;
+        newLine = false;
+    }
+    if (!IsStatementEnd(m_lexer.Kind())) {
+        m_lexer.ExpectToken(Token::Semicolon) ? void() : void();
+        return nullptr;
+    }
+    auto statement = std::make_unique<DebugPrintStatement>(std::move(items), count, newLine);
+    statement->SetKeyword(TokenNumber(Token::Debug));
+    return statement;
+}
+
+bool BodyParser::ReadType(TypeCode& type)
+{
+    const Token word = m_lexer.Kind();
+    TypeCode code = TypeOfWord(word);
+    if (code == TypeCode()) {
+        if (word == Token::Object || IsNameToken(word)) {
+            type = TypeCode(TypeCode::kObject);
+            m_lexer.NextToken();
+            return true;
+        }
+        m_lexer.SignalError(CompileMessage::ExpectingAValidDataTypeEgInteger);
+        return false;
+    }
+    m_lexer.NextToken();
+    if (code == TypeCode(TypeCode::kString) && m_lexer.Accept(Token::Star)) {
+        ConstantReader reader(m_lexer, &m_state);
+        long long length = 0;
+        if (!reader.ReadInteger(length))
+            return false;
+        if (!TypeCode::IsValidFixedLength(length)) {
+            m_lexer.SignalError(CompileMessage::FixedStringSize);
+            return false;
+        }
+        code = TypeCode::FixedString(static_cast<int>(length));
+    }
+    type = code;
+    return true;
+}
+
+BodyParser::StatementPtr BodyParser::ParseDim(bool isStatic)
+{
+    m_lexer.NextToken();
+    do {
+        if (!IsNameToken(m_lexer.Kind())) {
+            m_lexer.SignalError(CompileMessage::ExpectingAVarName);
+            return nullptr;
+        }
+        const std::string name = ReadName();
+        TypeCode type = ReadSuffix();
+        if (m_lexer.Kind() == Token::LeftParen) {
+            m_lexer.SignalError(CompileMessage::ThisLanguageFeatureHasBeenDisabled, "arrays");
+            return nullptr;
+        }
+        if (m_lexer.Accept(Token::As)) {
+            if (type != TypeCode()) {
+                m_lexer.SignalError(CompileMessage::VarIsAlreadyDefinedAsADifferentType, name);
+                return nullptr;
+            }
+            (void)m_lexer.Accept(Token::New);
+            if (!ReadType(type))
+                return nullptr;
+        }
+        if (type == TypeCode())
+            type = m_module.DefaultTypeFor(name);
+        const std::string key = Upper(name);
+        if (m_locals.count(key) != 0) {
+            m_lexer.SignalError(CompileMessage::IdentifierIsAlreadyInUse, name);
+            return nullptr;
+        }
+        LocalSymbol symbol;
+        if (isStatic)
+            symbol.ref = VariableRef{StorageScope::Static, m_code->AddStatic(type), type};
+        else
+            symbol.ref = VariableRef{StorageScope::Local, m_code->AddSlot(type), type};
+        m_locals[key] = symbol;
+    } while (m_lexer.Accept(Token::Comma));
+    return Declaration();
+}
+
+BodyParser::StatementPtr BodyParser::ParseConst()
+{
+    m_lexer.NextToken();
+    do {
+        if (!IsNameToken(m_lexer.Kind())) {
+            m_lexer.SignalError(CompileMessage::ExpectingAConstantName);
+            return nullptr;
+        }
+        const std::string name = ReadName();
+        TypeCode type = ReadSuffix();
+        if (m_lexer.Accept(Token::As) && !ReadType(type))
+            return nullptr;
+        if (!m_lexer.ExpectToken(Token::Equal))
+            return nullptr;
+        Expression value;
+        if (!ParseExpression(value))
+            return nullptr;
+        if (value.ops.size() != 1 || value.ops[0].code != ExprOpCode::kConstant) {
+            m_lexer.SignalError(CompileMessage::ExpectingAConstantName);
+            return nullptr;
+        }
+        int index = value.ops[0].index;
+        if (type != TypeCode() && !type.IsVariant()) {
+            Variant converted(m_code->ConstantAt(index));
+            if (!ChangeType(converted, static_cast<VARTYPE>(type.ValueTag()))) {
+                m_lexer.SignalError(CompileMessage::TypeMismatch);
+                return nullptr;
+            }
+            index = m_code->AddConstant(std::move(converted));
+        }
+        LocalSymbol symbol;
+        symbol.kind = LocalKind::Constant;
+        symbol.constant = index;
+        m_locals[Upper(name)] = symbol;
+    } while (m_lexer.Accept(Token::Comma));
+    return Declaration();
+}
+
+BodyParser::StatementPtr BodyParser::ParseCallStatement()
+{
+    m_lexer.NextToken();
+    if (!IsNameToken(m_lexer.Kind())) {
+        m_lexer.SignalError(CompileMessage::ExpectingSubFunctionPropertyName);
+        return nullptr;
+    }
+    const std::string name = ReadName();
+    (void)ReadSuffix();
+    Procedure* callee = FindProcedure(Upper(name));
+    if (!callee) {
+        m_lexer.SignalError(CompileMessage::ExpectingSubFunctionPropertyName, name);
+        return nullptr;
+    }
+    Expression code;
+    const bool parenthesised = m_lexer.Kind() == Token::LeftParen;
+    if (parenthesised)
+        m_lexer.NextToken();
+    if (!ParseCallArguments(*callee, code, parenthesised))
+        return nullptr;
+    return std::make_unique<EvaluateStatement>(std::move(code));
+}
+
+BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(bool requireAssignment)
+{
+    const Token word = m_lexer.Kind();
+    if (!IsNameToken(word)) {
+        if (requireAssignment)
+            m_lexer.SignalError(CompileMessage::InvalidLetSyntax);
+        else if (IsReservedWord(word))
+            m_lexer.SignalError(CompileMessage::ThisLanguageFeatureHasBeenDisabled, KeywordText(word));
+        else
+            m_lexer.SignalError(CompileMessage::UnexpectedText, m_lexer.Text());
+        return nullptr;
+    }
+    const std::string name = ReadName();
+    const std::string key = Upper(name);
+    const TypeCode suffix = ReadSuffix();
+
+    const LocalSymbol* local = FindLocal(key);
+    Procedure* callee = local ? nullptr : FindProcedure(key);
+    if (callee && !(m_lexer.Kind() == Token::Equal && callee == &m_procedure)) {
+        if (requireAssignment) {
+            m_lexer.SignalError(CompileMessage::InvalidLetSyntax);
+            return nullptr;
+        }
+        Expression code;
+        bool parenthesised = false;
+        if (m_lexer.Kind() == Token::LeftParen && ParenthesisedToEnd()) {
+            parenthesised = true;
+            m_lexer.NextToken();
+        }
+        if (!ParseCallArguments(*callee, code, parenthesised))
+            return nullptr;
+        return std::make_unique<EvaluateStatement>(std::move(code));
+    }
+    if (local && local->kind == LocalKind::Constant) {
+        m_lexer.SignalError(CompileMessage::CantAssignAValueToAConstant);
+        return nullptr;
+    }
+    if (!local) {
+        auto found = m_state.names.find(key);
+        if (found != m_state.names.end() && found->second.kind != SymbolKind::Variable) {
+            m_lexer.SignalError(found->second.kind == SymbolKind::Constant ||
+                                        found->second.kind == SymbolKind::EnumMember
+                                    ? CompileMessage::CantAssignAValueToAConstant
+                                    : CompileMessage::ExpectingAVarName);
+            return nullptr;
+        }
+    }
+    VariableRef target;
+    bool found = false;
+    if (!ResolveVariable(name, suffix, target, found))
+        return nullptr;
+    if (m_lexer.Kind() == Token::LeftParen) {
+        m_lexer.SignalError(CompileMessage::ExpectingAnAlreadyDimensionedArray);
+        return nullptr;
+    }
+    if (!m_lexer.ExpectToken(Token::Equal))
+        return nullptr;
+    Expression value;
+    if (!ParseExpression(value))
+        return nullptr;
+    if (value.IsEmpty()) {
+        m_lexer.SignalError(CompileMessage::ExpectingAnExpression);
+        return nullptr;
+    }
+    return std::make_unique<AssignStatement>(std::move(value), target);
+}
+
+// Arguments of a call: positional and named, matched to the callee's parameters; the call and the
+// removal of the arguments follow them (a Function's result stays on the stack).
+bool BodyParser::ParseCallArguments(Procedure& callee, Expression& out, bool parenthesised)
+{
+    const std::size_t count = callee.parameters.size();
+    std::vector<std::optional<Expression>> arguments(count);
+    std::vector<Expression> extra;
+    const bool hasParamArray = count > 0 && callee.parameters.back().paramArray;
+    const bool isFunction = callee.kind == ProcedureKind::Function || callee.kind == ProcedureKind::PropertyGet;
+    std::size_t position = 0;
+    bool named = false;
+    auto atEnd = [&] {
+        return parenthesised ? m_lexer.Kind() == Token::RightParen : IsStatementEnd(m_lexer.Kind());
+    };
+    if (!atEnd()) {
+        do {
+            if (IsNameToken(m_lexer.Kind()) && NextIsColonEqual()) {
+                named = true;
+                const std::string name(m_lexer.Text());
+                std::size_t index = 0;
+                while (index < count && !SameName(callee.parameters[index].name, name))
+                    ++index;
+                if (index == count) {
+                    m_lexer.SignalError(CompileMessage::NoSuchNamedParameter, name);
+                    return false;
+                }
+                m_lexer.NextToken();
+                m_lexer.NextToken();
+                if (arguments[index]) {
+                    m_lexer.SignalError(CompileMessage::ParameterAlreadyHasAValue, name);
+                    return false;
+                }
+                Expression argument;
+                bool simple = false;
+                if (!ParseExpression(argument, &simple))
+                    return false;
+                if (simple && !callee.parameters[index].byVal)
+                    argument.ops.back().code = ExprOpCode::kLoadRef;
+                arguments[index] = std::move(argument);
+                continue;
+            }
+            if (named) {
+                m_lexer.SignalError(CompileMessage::Expecting, ":=");
+                return false;
+            }
+            Expression argument;
+            bool simple = false;
+            const bool empty = m_lexer.Kind() == Token::Comma;
+            if (!empty && !ParseExpression(argument, &simple))
+                return false;
+            if (hasParamArray && position + 1 >= count) {
+                if (empty)
+                    argument.ops.push_back(ExprOp{ExprOpCode::kMissing});
+                extra.push_back(std::move(argument));
+            } else if (position >= count) {
+                m_lexer.SignalError(CompileMessage::UnexpectedExpression);
+                return false;
+            } else if (!empty) {
+                if (simple && !callee.parameters[position].byVal)
+                    argument.ops.back().code = ExprOpCode::kLoadRef;
+                arguments[position] = std::move(argument);
+            }
+            ++position;
+        } while (m_lexer.Accept(Token::Comma));
+    }
+    if (parenthesised && !m_lexer.ExpectToken(Token::RightParen))
+        return false;
+    if (isFunction)
+        out.ops.push_back(ExprOp{ExprOpCode::kEmpty});
+    for (std::size_t i = 0; i < count; ++i) {
+        const Parameter& parameter = callee.parameters[i];
+        if (parameter.paramArray) {
+            for (const Expression& item : extra)
+                out.Append(item);
+            ExprOp pack{ExprOpCode::kPack};
+            pack.count = static_cast<int>(extra.size());
+            out.ops.push_back(pack);
+            continue;
+        }
+        if (arguments[i]) {
+            out.Append(*arguments[i]);
+        } else if (parameter.optional) {
+            out.ops.push_back(ExprOp{ExprOpCode::kMissing});
+        } else {
+            m_lexer.SignalError(CompileMessage::MissingParameter, parameter.name);
+            return false;
+        }
+    }
+    ExprOp call{ExprOpCode::kCall};
+    call.index = m_code->AddCallee(&callee);
+    call.count = static_cast<int>(count);
+    out.ops.push_back(call);
+    if (count > 0) {
+        ExprOp pop{ExprOpCode::kPop};
+        pop.count = static_cast<int>(count);
+        out.ops.push_back(pop);
+    }
+    out.type = isFunction ? callee.result.code : TypeCode();
+    return true;
+}
+
+// Operator precedence with an explicit operator stack; every binary operator is left-associative.
+bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
+{
+    struct Pending {
+        OperationId op;
+        int precedence;
+        bool unary;
+    };
+    Pending stack[64];
+    int depth = 0;
+    bool first = true;
+    bool simple = false;
+    const std::size_t start = out.ops.size();
+    auto popTo = [&](int precedence) {
+        while (depth > 0 && stack[depth - 1].precedence >= precedence) {
+            const Pending& top = stack[--depth];
+            if (top.unary) {
+                ExprOp op{ExprOpCode::kUnary};
+                op.op = top.op;
+                out.ops.push_back(op);
+            } else {
+                AppendBinary(out, top.op);
+            }
+        }
+    };
+    for (;;) {
+        const Token word = m_lexer.Kind();
+        if (word == Token::EndOfLine || word == Token::Apostrophe || word == Token::Else || word == Token::Colon ||
+            word == Token::RightParen || word == Token::Equal || word == Token::Comma) {
+            if (!first) {
+                m_lexer.SignalError(CompileMessage::ExpectingAFactor);
+                return false;
+            }
+            if (out.ops.size() == start) {
+                m_lexer.SignalError(CompileMessage::ExpectingAnExpression);
+                return false;
+            }
+            break;
+        }
+        while (m_lexer.Kind() == Token::Plus || m_lexer.Kind() == Token::Minus || m_lexer.Kind() == Token::Not) {
+            if (depth >= 64) {
+                m_lexer.SignalError(CompileMessage::ExpectingASimpleExpression);
+                return false;
+            }
+            const Token unary = m_lexer.Kind();
+            m_lexer.NextToken();
+            if (unary == Token::Plus)
+                continue;
+            stack[depth++] = Pending{unary == Token::Minus ? OperationId::kNegate : OperationId::kNot,
+                                     unary == Token::Minus ? 900 : 190, true};
+            first = false;
+        }
+        if (!ParseFactor(out, &simple))
+            return false;
+        const BinaryOperator* binary = FindBinary(m_lexer.Kind());
+        if (!binary && first) {
+            if (simpleVariable)
+                *simpleVariable = simple;
+            return true;
+        }
+        first = false;
+        popTo(binary ? binary->precedence : -1);
+        if (!binary)
+            break;
+        if (depth >= 64) {
+            m_lexer.SignalError(CompileMessage::ExpectingASimpleExpression);
+            return false;
+        }
+        stack[depth++] = Pending{binary->op, binary->precedence, false};
+        m_lexer.NextToken();
+        const Token next = m_lexer.Kind();
+        if (next == Token::EndOfLine || next == Token::Apostrophe || next == Token::Colon ||
+            next == Token::RightParen || next == Token::Comma || next == Token::Else) {
+            m_lexer.SignalError(CompileMessage::ExpectingAFactor);
+            return false;
+        }
+    }
+    popTo(-1);
+    if (simpleVariable)
+        *simpleVariable = false;
+    return true;
+}
+
+void BodyParser::AppendConstant(Expression& out, Variant value)
+{
+    ExprOp op{ExprOpCode::kConstant};
+    op.type = TypeOfValue(value);
+    op.index = m_code->AddConstant(std::move(value));
+    out.ops.push_back(op);
+    out.type = op.type;
+}
+
+// Appends a binary operator, folding it at once when both operands are constants.
+void BodyParser::AppendBinary(Expression& out, OperationId op)
+{
+    const std::size_t size = out.ops.size();
+    if (size >= 2 && out.ops[size - 2].code == ExprOpCode::kConstant && out.ops[size - 1].code == ExprOpCode::kConstant) {
+        Variant left(m_code->ConstantAt(out.ops[size - 2].index));
+        const Variant& right = m_code->ConstantAt(out.ops[size - 1].index);
+        // Folding errors are left to run time, where they raise with the statement's location.
+        const RaiseFn previous = SetRaiseHandler(nullptr);
+        const bool folded = ApplyBinary(op, left, right);
+        (void)SetRaiseHandler(previous);
+        if (folded) {
+            out.ops.resize(size - 2);
+            AppendConstant(out, std::move(left));
+            return;
+        }
+    }
+    ExprOp entry{ExprOpCode::kBinary};
+    entry.op = op;
+    out.ops.push_back(entry);
+    out.type = TypeCode(TypeCode::kVariant);
+}
+
+bool BodyParser::ParseNumber(Expression& out)
+{
+    const std::string text(m_lexer.Text());
+    const char following = m_lexer.FollowingChar();
+    const char* end = m_lexer.TokenEnd();
+    Variant value;
+    if (!text.empty() && text[0] == '&') {
+        if (!value.SetString(Widen(text)) || !StringToNumber(value)) {
+            m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
+            return false;
+        }
+    } else if (text.find_first_of(".EeDd") != std::string::npos) {
+        std::string normal = text;
+        for (char& c : normal) {
+            if (c == 'D' || c == 'd')
+                c = 'E';
+        }
+        value.SetDouble(std::strtod(normal.c_str(), nullptr));
+    } else {
+        const long long number = std::strtoll(text.c_str(), nullptr, 10);
+        if (number <= 32767)
+            value.SetInteger(static_cast<SHORT>(number));
+        else if (number <= 2147483647LL)
+            value.SetLong(static_cast<LONG>(number));
+        else
+            value.SetDouble(static_cast<double>(number));
+    }
+    m_lexer.NextToken();
+    const TypeCode suffix = TypeOfSuffix(following);
+    if (suffix != TypeCode() && m_lexer.TokenStart() == end) {
+        m_lexer.NextToken();
+        if (suffix.IsString() || !ChangeType(value, static_cast<VARTYPE>(suffix.ValueTag()))) {
+            m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
+            return false;
+        }
+    }
+    AppendConstant(out, std::move(value));
+    return true;
+}
+
+bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
+{
+    *simpleVariable = false;
+    const Token word = m_lexer.Kind();
+    switch (word) {
+    case Token::LeftParen: {
+        m_lexer.NextToken();
+        if (!ParseExpression(out))
+            return false;
+        return m_lexer.ExpectToken(Token::RightParen);
+    }
+    case Token::LiteralNumber: return ParseNumber(out);
+    case Token::LiteralString: {
+        Variant value;
+        if (!value.SetString(Widen(m_lexer.Text()))) {
+            m_lexer.SignalError(CompileMessage::OutOfMemory);
+            return false;
+        }
+        m_lexer.NextToken();
+        AppendConstant(out, std::move(value));
+        return true;
+    }
+    case Token::True:
+    case Token::False: {
+        Variant value;
+        value.SetBoolean(word == Token::True);
+        m_lexer.NextToken();
+        AppendConstant(out, std::move(value));
+        return true;
+    }
+    case Token::Empty:
+    case Token::Null: {
+        Variant value;
+        if (word == Token::Null)
+            value.SetNull();
+        m_lexer.NextToken();
+        AppendConstant(out, std::move(value));
+        return true;
+    }
+    case Token::Nothing: {
+        Variant value;
+        value.SetObject(nullptr, false);
+        m_lexer.NextToken();
+        AppendConstant(out, std::move(value));
+        return true;
+    }
+    case Token::Abs:
+    case Token::Int:
+    case Token::Fix: {
+        m_lexer.NextToken();
+        if (!m_lexer.ExpectToken(Token::LeftParen) || !ParseExpression(out) || !m_lexer.ExpectToken(Token::RightParen))
+            return false;
+        ExprOp op{ExprOpCode::kUnary};
+        op.op = word == Token::Abs ? OperationId::kAbs : word == Token::Int ? OperationId::kInt : OperationId::kFix;
+        out.ops.push_back(op);
+        return true;
+    }
+    case Token::Dot:
+        m_lexer.SignalError(m_blocks.empty() || [&] {
+            for (const Block& block : m_blocks) {
+                if (block.kind == BlockKind::With)
+                    return false;
+            }
+            return true;
+        }() ? CompileMessage::NotInAWithBlock
+            : CompileMessage::MethodOrPropertyNotFound);
+        return false;
+    default: break;
+    }
+    if (!IsNameToken(word)) {
+        m_lexer.SignalError(CompileMessage::ExpectingAFactor);
+        return false;
+    }
+    return ParseName(out, simpleVariable);
+}
+
+bool BodyParser::ParseName(Expression& out, bool* simpleVariable)
+{
+    const std::string name = ReadName();
+    const std::string key = Upper(name);
+    const TypeCode suffix = ReadSuffix();
+    const LocalSymbol* local = FindLocal(key);
+    if (local && local->kind == LocalKind::Constant) {
+        AppendConstant(out, m_code->ConstantAt(local->constant));
+        return true;
+    }
+    // Inside a Function its own name is the result variable unless arguments follow.
+    Procedure* callee = nullptr;
+    if (!local || (&m_procedure == FindProcedure(key) && m_lexer.Kind() == Token::LeftParen))
+        callee = FindProcedure(key);
+    if (callee) {
+        if (callee->kind == ProcedureKind::Sub) {
+            m_lexer.SignalError(CompileMessage::SubsCantBeUsedInExpressions, name);
+            return false;
+        }
+        const bool parenthesised = m_lexer.Accept(Token::LeftParen);
+        if (!parenthesised && !callee->parameters.empty() &&
+            !(callee->parameters[0].optional || callee->parameters[0].paramArray)) {
+            m_lexer.SignalError(CompileMessage::MissingParameter, callee->parameters[0].name);
+            return false;
+        }
+        if (!parenthesised) {
+            // No argument list: every parameter is optional.
+            std::vector<Parameter> none;
+            Expression code;
+            for (const Parameter& parameter : callee->parameters) {
+                if (parameter.paramArray) {
+                    code.ops.push_back(ExprOp{ExprOpCode::kPack});
+                } else {
+                    code.ops.push_back(ExprOp{ExprOpCode::kMissing});
+                }
+            }
+            out.ops.push_back(ExprOp{ExprOpCode::kEmpty});
+            out.Append(code);
+            ExprOp call{ExprOpCode::kCall};
+            call.index = m_code->AddCallee(callee);
+            call.count = static_cast<int>(callee->parameters.size());
+            out.ops.push_back(call);
+            if (call.count > 0) {
+                ExprOp pop{ExprOpCode::kPop};
+                pop.count = call.count;
+                out.ops.push_back(pop);
+            }
+            out.type = callee->result.code;
+            return true;
+        }
+        return ParseCallArguments(*callee, out, true);
+    }
+    if (!local) {
+        auto found = m_state.names.find(key);
+        if (found != m_state.names.end()) {
+            if (found->second.kind == SymbolKind::Constant) {
+                AppendConstant(out, FromConstant(m_state.constants[found->second.index]->value));
+                return true;
+            }
+            if (found->second.kind == SymbolKind::EnumMember) {
+                AppendConstant(out, FromConstant(
+                                        m_state.enums[found->second.index]->members[found->second.member].value));
+                return true;
+            }
+        }
+    }
+    VariableRef ref;
+    bool found = false;
+    if (!ResolveVariable(name, suffix, ref, found))
+        return false;
+    if (m_lexer.Kind() == Token::LeftParen) {
+        m_lexer.SignalError(CompileMessage::ExpectingAnAlreadyDimensionedArray);
+        return false;
+    }
+    ExprOp op{ExprOpCode::kLoad};
+    op.scope = ref.scope;
+    op.index = ref.index;
+    op.type = ref.type;
+    out.ops.push_back(op);
+    out.type = ref.type;
+    *simpleVariable = true;
+    return true;
+}
+
+std::string BodyParser::ReadName()
+{
+    std::string name(m_lexer.Text());
+    m_lexer.NextToken();
+    return name;
+}
+
+// A type suffix written right after the name just read; it is consumed.
+TypeCode BodyParser::ReadSuffix()
+{
+    const char suffix = m_lexer.PreviousFollowingChar();
+    const TypeCode type = TypeOfSuffix(suffix);
+    if (type != TypeCode() && m_lexer.Text().size() == 1 && m_lexer.Text()[0] == suffix)
+        m_lexer.NextToken();
+    return type;
+}
+
+const LocalSymbol* BodyParser::FindLocal(const std::string& upperName) const
+{
+    auto found = m_locals.find(upperName);
+    return found == m_locals.end() ? nullptr : &found->second;
+}
+
+Procedure* BodyParser::FindProcedure(const std::string& upperName) const
+{
+    auto found = m_state.names.find(upperName);
+    if (found == m_state.names.end() || found->second.kind != SymbolKind::Procedure)
+        return nullptr;
+    Procedure* procedure = m_state.procedures[found->second.index].get();
+    return procedure->kind == ProcedureKind::External ? nullptr : procedure;
+}
+
+bool BodyParser::ResolveVariable(const std::string& name, TypeCode suffix, VariableRef& ref, bool& found)
+{
+    const std::string key = Upper(name);
+    found = true;
+    if (const LocalSymbol* local = FindLocal(key); local && local->kind == LocalKind::Variable) {
+        if (suffix != TypeCode() && suffix != local->ref.type) {
+            m_lexer.SignalError(CompileMessage::VarIsAlreadyDefinedAsADifferentType, name);
+            return false;
+        }
+        ref = local->ref;
+        return true;
+    }
+    auto global = m_state.names.find(key);
+    if (global != m_state.names.end()) {
+        if (global->second.kind != SymbolKind::Variable) {
+            m_lexer.SignalError(CompileMessage::ExpectingAVarName, name);
+            return false;
+        }
+        const Variable& variable = *m_state.variables[global->second.index];
+        if (suffix != TypeCode() && suffix != variable.type.code) {
+            m_lexer.SignalError(CompileMessage::VarIsAlreadyDefinedAsADifferentType, name);
+            return false;
+        }
+        ref = VariableRef{StorageScope::Module, static_cast<int>(global->second.index), variable.type.code};
+        return true;
+    }
+    if (m_module.OptionExplicit()) {
+        m_lexer.SignalError(CompileMessage::ExpectingAnExistingScalarVar, name);
+        return false;
+    }
+    // Implicit declaration: a local of the suffix's type or the letter's default type.
+    const TypeCode type = suffix != TypeCode() ? suffix : m_module.DefaultTypeFor(name);
+    LocalSymbol symbol;
+    symbol.ref = VariableRef{StorageScope::Local, m_code->AddSlot(type), type};
+    m_locals[key] = symbol;
+    ref = symbol.ref;
+    return true;
+}
+
+bool BodyParser::NextIsColonEqual() const
+{
+    const char* after = SkipBlanks(m_lexer.TokenEnd());
+    return after[0] == ':' && after[1] == '=';
+}
+
+// At "(": true when the matching ")" ends the statement and the parentheses hold no argument or more
+// than one (an argument list). One parenthesised argument is an expression, passed by value.
+bool BodyParser::ParenthesisedToEnd() const
+{
+    const char* p = m_lexer.TokenStart();
+    int depth = 0;
+    bool inString = false;
+    bool list = *SkipBlanks(p + 1) == ')';
+    for (; *p != '\0' && *p != '\r' && *p != '\n'; ++p) {
+        if (inString) {
+            if (*p == '"')
+                inString = false;
+            continue;
+        }
+        if (*p == '"') {
+            inString = true;
+        } else if (*p == '(') {
+            ++depth;
+        } else if (*p == ',' && depth == 1) {
+            list = true;
+        } else if (*p == ')' && --depth == 0) {
+            p = SkipBlanks(p + 1);
+            return list && (*p == '\0' || *p == '\r' || *p == '\n' || *p == '\'' || *p == ':');
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+bool BodyCompiler::CompileBody(Module& module, Procedure& procedure, Lexer& lexer)
+{
+    if (module.State() == nullptr)
+        return false;
+    BodyParser parser(module, procedure, lexer);
+    return parser.Compile();
+}
+
+std::string ListingOf(std::string_view source)
+{
+    const CharClasses& classes = CharClasses::Get();
+    std::string out;
+    out.reserve(source.size());
+    std::size_t i = 0;
+    while (i < source.size()) {
+        const char c = source[i];
+        if (c == '"') {
+            const std::size_t close = source.find('"', i + 1);
+            const std::size_t end = close == std::string_view::npos ? source.size() : close + 1;
+            out.append(source.substr(i, end - i));
+            i = end;
+        } else if (c == '\'') {
+            out.append(source.substr(i));
+            break;
+        } else if (c == '_' && (i + 1 == source.size() || source[i + 1] == '\r' || source[i + 1] == '\n') &&
+                   (i == 0 || source[i - 1] == ' ' || source[i - 1] == '\t')) {
+            // A continuation: the next physical line joins this one.
+            ++i;
+            while (i < source.size() && (source[i] == '\r' || source[i] == '\n' || source[i] == ' ' || source[i] == '\t'))
+                ++i;
+            while (!out.empty() && (out.back() == ' ' || out.back() == '\t'))
+                out.pop_back();
+            out += ' ';
+        } else if (c == '\r' || c == '\n') {
+            break;
+        } else if (classes.IsIdentifierStart(c)) {
+            std::size_t end = i;
+            while (end < source.size() && classes.IsIdentifierChar(source[end]))
+                ++end;
+            const std::string_view word = source.substr(i, end - i);
+            const Token token = LookupKeyword(word);
+            if (token != Token::Id)
+                out.append(KeywordText(token));
+            else
+                out.append(word);
+            i = end;
+        } else {
+            out += c;
+            ++i;
+        }
+    }
+    while (!out.empty() && (out.back() == ' ' || out.back() == '\t'))
+        out.pop_back();
+    return out;
+}
+
+} // namespace brannoc

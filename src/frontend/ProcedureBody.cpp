@@ -1,0 +1,341 @@
+#include "frontend/ProcedureBody.h"
+
+#include "exec/Activation.h"
+#include "exec/HaltFlags.h"
+#include "exec/Interpreter.h"
+#include "exec/ModuleInstance.h"
+#include "frontend/Symbols.h"
+#include "values/Conversion.h"
+#include "values/ValueCell.h"
+#include "values/ValueError.h"
+
+#include <cstddef>
+
+namespace brannoc {
+
+namespace {
+
+constexpr VARTYPE kReferenceTag = VT_BYREF | VT_VARIANT;
+// Offset of the payload inside a VARIANT (where typed references point).
+constexpr std::size_t kPayloadOffset = 8;
+
+VARTYPE StorageTag(TypeCode type)
+{
+    return type.IsArray() ? static_cast<VARTYPE>(VT_VARIANT) : static_cast<VARTYPE>(type.ValueTag());
+}
+
+VARIANT* Slots(const RunContext& context) { return static_cast<VARIANT*>(context.activation->Locals()); }
+
+VARIANT* Follow(VARIANT* storage)
+{
+    while (storage->vt == kReferenceTag)
+        storage = storage->pvarVal;
+    return storage;
+}
+
+// A reference to a variable as an argument: VT_BYREF | VT_VARIANT for Variant variables, else VT_BYREF
+// with the declared kind pointing at the payload, so that binding can compare declared kinds.
+void MakeReference(Variant& target, VARIANT* storage, TypeCode type)
+{
+    const VARTYPE tag = StorageTag(type);
+    if (tag == VT_VARIANT)
+        target.SetByRef(VT_VARIANT, storage);
+    else
+        target.SetByRef(tag, reinterpret_cast<char*>(storage) + kPayloadOffset);
+}
+
+[[nodiscard]] bool PackArray(ValueStack& values, int count)
+{
+    SAFEARRAY* array = SafeArrayCreateVector(VT_VARIANT, 0, static_cast<ULONG>(count));
+    if (!array)
+        return RaiseValueError(7);
+    const std::size_t first = values.Size() - static_cast<std::size_t>(count);
+    {
+        SafeArrayLock lock(array);
+        auto* elements = static_cast<VARIANT*>(lock.Data());
+        for (int i = 0; i < count; ++i) {
+            Variant& value = values.At(first + static_cast<std::size_t>(i));
+            Variant copy;
+            if (!copy.CopyIndirectFrom(value.Raw())) {
+                SafeArrayDestroy(array);
+                return RaiseValueError(10090);
+            }
+            copy.Detach(elements[i]);
+        }
+    }
+    values.CutBack(first);
+    Variant* slot = values.Push();
+    if (!slot) {
+        SafeArrayDestroy(array);
+        return RaiseValueError(7);
+    }
+    slot->SetArray(array, VT_VARIANT);
+    return true;
+}
+
+} // namespace
+
+VARIANT* StorageOf(const RunContext& context, StorageScope scope, int index)
+{
+    switch (scope) {
+    case StorageScope::Local:
+        return Follow(&Slots(context)[index]);
+    case StorageScope::Static:
+        return &context.procedure->StaticAt(index);
+    case StorageScope::Module: {
+        ModuleInstance* instance = context.activation->Instance();
+        if (!instance || static_cast<std::size_t>(index) >= instance->VariableCount()) {
+            (void)context.interpreter->SignalError(91);
+            return nullptr;
+        }
+        return &instance->Slot(static_cast<std::size_t>(index));
+    }
+    }
+    return nullptr;
+}
+
+bool StoreVariable(const RunContext& context, const VariableRef& target, const Variant& value)
+{
+    VARIANT* storage = StorageOf(context, target.scope, target.index);
+    if (!storage)
+        return false;
+    return StorageCell(StorageTag(target.type)).Store(*storage, value);
+}
+
+bool ConditionIsTrue(Variant& value, bool& result)
+{
+    if (value.Tag() == VT_BOOL) {
+        result = value.Boolean() != VARIANT_FALSE;
+        return true;
+    }
+    if (value.Tag() == VT_NULL) {
+        result = false;
+        return true;
+    }
+    if (!ChangeType(value, VT_BOOL))
+        return false;
+    result = value.Boolean() != VARIANT_FALSE;
+    return true;
+}
+
+EvalStatus RunExpression(const RunContext& context, const Expression& expression, int& pc)
+{
+    ValueStack& values = context.interpreter->Values();
+    const int count = static_cast<int>(expression.ops.size());
+    while (pc < count) {
+        const ExprOp& op = expression.ops[static_cast<std::size_t>(pc)];
+        ++pc;
+        switch (op.code) {
+        case ExprOpCode::kConstant: {
+            Variant* slot = values.Push();
+            if (!slot || !slot->CopyFrom(context.procedure->ConstantAt(op.index).Raw()))
+                return (void)context.interpreter->RaiseOutOfMemory(), EvalStatus::kFailed;
+            break;
+        }
+        case ExprOpCode::kLoad: {
+            VARIANT* storage = StorageOf(context, op.scope, op.index);
+            if (!storage)
+                return EvalStatus::kFailed;
+            Variant* slot = values.Push();
+            if (!slot)
+                return (void)context.interpreter->RaiseOutOfMemory(), EvalStatus::kFailed;
+            if (!slot->CopyIndirectFrom(*storage))
+                return (void)context.interpreter->SignalError(10090), EvalStatus::kFailed;
+            break;
+        }
+        case ExprOpCode::kLoadRef: {
+            VARIANT* storage = StorageOf(context, op.scope, op.index);
+            if (!storage)
+                return EvalStatus::kFailed;
+            Variant* slot = values.Push();
+            if (!slot)
+                return (void)context.interpreter->RaiseOutOfMemory(), EvalStatus::kFailed;
+            MakeReference(*slot, storage, op.type);
+            break;
+        }
+        case ExprOpCode::kBinary: {
+            const std::size_t size = values.Size();
+            if (!ApplyBinary(op.op, values.At(size - 2), values.At(size - 1)))
+                return EvalStatus::kFailed;
+            values.Pop();
+            break;
+        }
+        case ExprOpCode::kUnary:
+            if (!ApplyUnary(op.op, values.Top()))
+                return EvalStatus::kFailed;
+            break;
+        case ExprOpCode::kMissing: {
+            Variant* slot = values.Push();
+            if (!slot)
+                return (void)context.interpreter->RaiseOutOfMemory(), EvalStatus::kFailed;
+            slot->SetError(kMissingArgumentStatus);
+            break;
+        }
+        case ExprOpCode::kEmpty:
+            if (!values.Push())
+                return (void)context.interpreter->RaiseOutOfMemory(), EvalStatus::kFailed;
+            break;
+        case ExprOpCode::kCall: {
+            Procedure* callee = context.procedure->CalleeAt(op.index);
+            if (!callee->code)
+                return (void)context.interpreter->SignalError(10029), EvalStatus::kFailed;
+            (void)context.interpreter->CallProcedure(*callee->code, ActivationKind::Call,
+                                                     context.activation->Instance());
+            if (HaltFlags::MustStop())
+                return EvalStatus::kFailed;
+            return EvalStatus::kYield;
+        }
+        case ExprOpCode::kPop:
+            values.CutBack(values.Size() - static_cast<std::size_t>(op.count));
+            break;
+        case ExprOpCode::kPack:
+            if (!PackArray(values, op.count))
+                return EvalStatus::kFailed;
+            break;
+        }
+    }
+    return HaltFlags::MustStop() ? EvalStatus::kFailed : EvalStatus::kDone;
+}
+
+RunContext Statement::Context() const
+{
+    RunContext context;
+    context.interpreter = Interpreter::Current();
+    context.activation = context.interpreter->CurrentActivation();
+    context.procedure = m_owner;
+    return context;
+}
+
+bool Statement::Fail(const RunContext& context, ExecEntry& entry)
+{
+    context.interpreter->Values().CutBack(context.activation->ValueStackBase());
+    entry.state = ExecEntry::kFinished;
+    return true;
+}
+
+Statement& EmptyStatement()
+{
+    static class : public Statement {
+    public:
+        bool IsEmpty() const override { return true; }
+    } s_empty;
+    return s_empty;
+}
+
+CompiledProcedure::~CompiledProcedure()
+{
+    for (VARIANT& value : m_statics)
+        VariantClear(&value);
+}
+
+void CompiledProcedure::Print(std::string& out) const { out += m_procedure->name; }
+
+bool CompiledProcedure::IsEmptyStatement(int index) const
+{
+    return static_cast<const Statement*>(m_statements[static_cast<std::size_t>(index)])->IsEmpty();
+}
+
+bool CompiledProcedure::InitializeLocals(void* frame)
+{
+    auto* slots = static_cast<VARIANT*>(frame);
+    for (std::size_t i = m_parameters.size(); i < m_slotTypes.size(); ++i)
+        InitializeTypedSlot(slots[i], m_slotTypes[i].Code());
+    return true;
+}
+
+bool CompiledProcedure::BindParameter(int index, void* frame, Variant& argument)
+{
+    const ParameterInfo& parameter = m_parameters[static_cast<std::size_t>(index)];
+    VARIANT& slot = static_cast<VARIANT*>(frame)[index];
+    const VARTYPE tag = StorageTag(parameter.type);
+    if (argument.Tag() == VT_ERROR && argument.Raw().scode == kMissingArgumentStatus) {
+        InitializeTypedSlot(slot, parameter.type.Code());
+        if (parameter.hasDefault)
+            return StorageCell(tag).Store(slot, parameter.defaultValue);
+        if (tag == VT_VARIANT) {
+            slot.vt = VT_ERROR;
+            slot.scode = kMissingArgumentStatus;
+        }
+        return true;
+    }
+    if (!parameter.byVal && argument.IsByRef()) {
+        const VARTYPE argumentTag = argument.BaseTag();
+        VARIANT* target = argumentTag == VT_VARIANT
+                              ? argument.Raw().pvarVal
+                              : reinterpret_cast<VARIANT*>(static_cast<char*>(argument.Raw().byref) - kPayloadOffset);
+        if (argumentTag == tag) {
+            slot.vt = kReferenceTag;
+            slot.pvarVal = target;
+            return true;
+        }
+    }
+    InitializeTypedSlot(slot, parameter.type.Code());
+    Variant value;
+    if (!value.CopyIndirectFrom(argument.Raw()))
+        return RaiseValueError(10090);
+    return StorageCell(tag).Store(slot, value);
+}
+
+void CompiledProcedure::ClearLocals(void* frame)
+{
+    auto* slots = static_cast<VARIANT*>(frame);
+    if (m_resultSlot >= 0) {
+        // The caller pushed the result slot below the arguments; the stack is back at that height.
+        Interpreter* interpreter = Interpreter::Current();
+        const std::size_t below = m_parameters.size() + 1;
+        if (interpreter && interpreter->Values().Size() >= below) {
+            Variant& target = interpreter->Values().At(interpreter->Values().Size() - below);
+            if (target.Tag() == VT_EMPTY) {
+                target.Attach(slots[m_resultSlot]);
+                VariantInit(&slots[m_resultSlot]);
+            }
+        }
+    }
+    for (std::size_t i = 0; i < m_slotTypes.size(); ++i) {
+        if (slots[i].vt == kReferenceTag)
+            VariantInit(&slots[i]);
+        else
+            VariantClear(&slots[i]);
+    }
+}
+
+int CompiledProcedure::AddSlot(TypeCode type)
+{
+    m_slotTypes.push_back(type);
+    return static_cast<int>(m_slotTypes.size()) - 1;
+}
+
+int CompiledProcedure::AddStatic(TypeCode type)
+{
+    VARIANT value;
+    InitializeTypedSlot(value, type.Code());
+    m_statics.push_back(value);
+    return static_cast<int>(m_statics.size()) - 1;
+}
+
+int CompiledProcedure::AddConstant(Variant value)
+{
+    m_constants.push_back(std::move(value));
+    return static_cast<int>(m_constants.size()) - 1;
+}
+
+int CompiledProcedure::AddCallee(Procedure* procedure)
+{
+    for (std::size_t i = 0; i < m_callees.size(); ++i) {
+        if (m_callees[i] == procedure)
+            return static_cast<int>(i);
+    }
+    m_callees.push_back(procedure);
+    return static_cast<int>(m_callees.size()) - 1;
+}
+
+Statement* CompiledProcedure::Append(std::unique_ptr<Statement> statement)
+{
+    Statement* raw = statement.get();
+    raw->SetOwner(this);
+    m_owned.push_back(std::move(statement));
+    m_statements.push_back(raw);
+    return raw;
+}
+
+} // namespace brannoc

@@ -1,0 +1,173 @@
+#pragma once
+// The executable form of a procedure body: postfix expression code working on the value stack, the
+// statement objects of the statement vector and the compiled procedure that owns them.
+//
+// Frames: every local, parameter, function result and hidden loop cell is one VARIANT slot of the
+// activation's frame whose tag stays the declared kind. A by-reference parameter's slot holds
+// VT_BYREF | VT_VARIANT pointing at the caller's storage. A Function's caller pushes an Empty result slot
+// below the arguments; the result is moved there when the activation ends.
+#include "code/Node.h"
+#include "exec/ProcedureCode.h"
+#include "frontend/TypeCode.h"
+#include "values/OperationId.h"
+#include "values/Variant.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace brannoc {
+
+class Activation;
+class CompiledProcedure;
+class Interpreter;
+struct Procedure;
+
+enum class StorageScope : std::uint8_t { Local, Module, Static };
+
+// Where a variable lives and its declared type.
+struct VariableRef {
+    StorageScope scope = StorageScope::Local;
+    int index = 0;
+    TypeCode type;
+};
+
+enum class ExprOpCode : std::uint8_t {
+    kConstant,   // push constant `index` of the procedure
+    kLoad,       // push the value of a variable
+    kLoadRef,    // push a reference to a variable (by-reference arguments)
+    kBinary,     // left op right, leaving the result in place of both
+    kUnary,      // op top
+    kMissing,    // a left-out optional argument
+    kEmpty,      // an Empty slot (a function's result slot)
+    kCall,       // call callee `index` with `count` arguments on the stack; yields
+    kPop,        // drop `count` values
+    kPack,       // pack the top `count` values into a Variant array (ParamArray)
+};
+
+struct ExprOp {
+    ExprOpCode code = ExprOpCode::kConstant;
+    OperationId op = OperationId::kAdd;
+    StorageScope scope = StorageScope::Local;
+    int index = 0;
+    int count = 0;
+    TypeCode type;
+};
+
+// A postfix list; running it leaves its values on the value stack.
+struct Expression {
+    std::vector<ExprOp> ops;
+    TypeCode type;
+    bool IsEmpty() const { return ops.empty(); }
+    void Append(const Expression& other) { ops.insert(ops.end(), other.ops.begin(), other.ops.end()); }
+};
+
+enum class EvalStatus { kDone, kYield, kFailed };
+
+// What a running statement needs: the interpreter, the current activation and the procedure.
+struct RunContext {
+    Interpreter* interpreter = nullptr;
+    Activation* activation = nullptr;
+    CompiledProcedure* procedure = nullptr;
+};
+
+// Runs expression ops from pc. kYield: a call was scheduled and pc is where to resume.
+EvalStatus RunExpression(const RunContext& context, const Expression& expression, int& pc);
+// The storage of a variable (by-reference parameters followed); null after raising an error.
+VARIANT* StorageOf(const RunContext& context, StorageScope scope, int index);
+// Stores value into the variable with its declared type's conversion.
+[[nodiscard]] bool StoreVariable(const RunContext& context, const VariableRef& target, const Variant& value);
+// The truth of a condition value: Null is false; other values are converted to Boolean.
+[[nodiscard]] bool ConditionIsTrue(Variant& value, bool& result);
+
+// Base of the statement objects of a statement vector.
+class Statement : public Node {
+public:
+    // Statements belong to their procedure; popping their entry does not destroy them.
+    void Release() override {}
+    void Print(std::string& out) const override { out += m_listing; }
+    int KeywordToken() const override { return m_keyword; }
+    // True for blank, comment and label-only lines and for Dim and Const inside the procedure.
+    virtual bool IsEmpty() const { return false; }
+
+    void SetListing(std::string listing) { m_listing = std::move(listing); }
+    const std::string& Listing() const { return m_listing; }
+    void SetKeyword(int keyword) { m_keyword = keyword; }
+    void SetOwner(CompiledProcedure* owner) { m_owner = owner; }
+
+protected:
+    RunContext Context() const;
+    // Cuts the value stack back to the activation's base after a failed statement.
+    static bool Fail(const RunContext& context, ExecEntry& entry);
+
+    CompiledProcedure* m_owner = nullptr;
+    std::string m_listing;
+    int m_keyword = 0;
+};
+
+struct ParameterInfo {
+    TypeCode type;
+    bool byVal = false;
+    bool optional = false;
+    bool paramArray = false;
+    bool hasDefault = false;
+    Variant defaultValue;
+};
+
+class CompiledProcedure final : public ProcedureCode {
+public:
+    explicit CompiledProcedure(Procedure& procedure) : m_procedure(&procedure) {}
+    ~CompiledProcedure() override;
+
+    // The interpreter calls the procedure; it is owned by its Procedure and never destroyed on release.
+    void Release() override {}
+    void Print(std::string& out) const override;
+
+    int LastStatementIndex() const override { return static_cast<int>(m_statements.size()) - 1; }
+    Node* StatementAt(int index) const override { return m_statements[static_cast<std::size_t>(index)]; }
+    bool IsEmptyStatement(int index) const override;
+    int ParameterCount() const override { return static_cast<int>(m_parameters.size()); }
+    std::size_t FrameSize() const override { return m_slotTypes.size() * sizeof(VARIANT); }
+    [[nodiscard]] bool InitializeLocals(void* frame) override;
+    [[nodiscard]] bool BindParameter(int index, void* frame, Variant& argument) override;
+    void ClearLocals(void* frame) override;
+
+    Procedure& Source() const { return *m_procedure; }
+    bool IsFunction() const { return m_resultSlot >= 0; }
+    int ResultSlot() const { return m_resultSlot; }
+
+    // Building (the body compiler).
+    int AddSlot(TypeCode type);
+    int AddStatic(TypeCode type);
+    int AddConstant(Variant value);
+    int AddCallee(Procedure* procedure);
+    void AddParameter(ParameterInfo parameter) { m_parameters.push_back(std::move(parameter)); }
+    void SetResultSlot(int slot) { m_resultSlot = slot; }
+    // Takes ownership of statement and appends it to the statement vector.
+    Statement* Append(std::unique_ptr<Statement> statement);
+    void AppendShared(Statement* statement) { m_statements.push_back(statement); }
+    int StatementCount() const { return static_cast<int>(m_statements.size()); }
+
+    // Run time.
+    const Variant& ConstantAt(int index) const { return m_constants[static_cast<std::size_t>(index)]; }
+    Procedure* CalleeAt(int index) const { return m_callees[static_cast<std::size_t>(index)]; }
+    VARIANT& StaticAt(int index) { return m_statics[static_cast<std::size_t>(index)]; }
+    TypeCode SlotType(int index) const { return m_slotTypes[static_cast<std::size_t>(index)]; }
+
+private:
+    Procedure* m_procedure;
+    std::vector<Node*> m_statements;
+    std::vector<std::unique_ptr<Statement>> m_owned;
+    std::vector<ParameterInfo> m_parameters;
+    std::vector<TypeCode> m_slotTypes;
+    std::vector<VARIANT> m_statics;
+    std::vector<Variant> m_constants;
+    std::vector<Procedure*> m_callees;
+    int m_resultSlot = -1;
+};
+
+// The shared empty statement of blank, comment and continuation lines.
+Statement& EmptyStatement();
+
+} // namespace brannoc

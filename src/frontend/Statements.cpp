@@ -1,0 +1,325 @@
+#include "frontend/Statements.h"
+
+#include "exec/Activation.h"
+#include "exec/HaltFlags.h"
+#include "exec/Interpreter.h"
+#include "values/TextForm.h"
+#include "values/ValueCell.h"
+
+namespace brannoc {
+
+namespace {
+
+// Entry states of statements that evaluate several expressions: the expression number in the high
+// bits, the position in its code in the low ones.
+constexpr int kPartShift = 20;
+constexpr int kPositionMask = (1 << kPartShift) - 1;
+
+int PartOf(int state) { return state >> kPartShift; }
+int PositionOf(int state) { return state & kPositionMask; }
+int MakeState(int part, int position) { return (part << kPartShift) | position; }
+
+bool Finish(ExecEntry& entry)
+{
+    entry.state = ExecEntry::kFinished;
+    return true;
+}
+
+void JumpTo(const RunContext& context, int index) { context.activation->SetIndexes(index); }
+
+VARIANT& HiddenSlot(const RunContext& context, int slot)
+{
+    return static_cast<VARIANT*>(context.activation->Locals())[slot];
+}
+
+// Pops the condition on top of the value stack and answers its truth.
+[[nodiscard]] bool PopCondition(const RunContext& context, bool& truth)
+{
+    ValueStack& values = context.interpreter->Values();
+    const bool ok = ConditionIsTrue(values.Top(), truth);
+    values.Pop();
+    return ok;
+}
+
+} // namespace
+
+bool AssignStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    int pc = entry.state;
+    switch (RunExpression(context, m_value, pc)) {
+    case EvalStatus::kYield: entry.state = pc; return false;
+    case EvalStatus::kFailed: return Fail(context, entry);
+    case EvalStatus::kDone: break;
+    }
+    ValueStack& values = context.interpreter->Values();
+    const bool stored = StoreVariable(context, m_target, values.Top());
+    values.Pop();
+    if (!stored)
+        return Fail(context, entry);
+    return Finish(entry);
+}
+
+bool EvaluateStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    int pc = entry.state;
+    switch (RunExpression(context, m_code, pc)) {
+    case EvalStatus::kYield: entry.state = pc; return false;
+    case EvalStatus::kFailed: return Fail(context, entry);
+    case EvalStatus::kDone: break;
+    }
+    context.interpreter->Values().CutBack(context.activation->ValueStackBase());
+    return Finish(entry);
+}
+
+bool DebugPrintStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    int pc = entry.state;
+    switch (RunExpression(context, m_items, pc)) {
+    case EvalStatus::kYield: entry.state = pc; return false;
+    case EvalStatus::kFailed: return Fail(context, entry);
+    case EvalStatus::kDone: break;
+    }
+    ValueStack& values = context.interpreter->Values();
+    // One buffer for every Debug.Print: output text is built without a fresh allocation each time.
+    static std::wstring s_text;
+    s_text.clear();
+    const std::size_t first = values.Size() - static_cast<std::size_t>(m_count);
+    for (std::size_t i = first; i < values.Size(); ++i) {
+        if (!WriteDebug(s_text, values.At(i)))
+            return Fail(context, entry);
+    }
+    values.CutBack(first);
+    if (m_newLine)
+        s_text += L"\r\n";
+    context.interpreter->Host().DebugPrint(s_text);
+    return Finish(entry);
+}
+
+bool JumpStatement::Execute()
+{
+    Interpreter::Current()->CurrentActivation()->SetIndexes(m_target);
+    return true;
+}
+
+bool ConditionalJumpStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    int pc = entry.state;
+    switch (RunExpression(context, m_condition, pc)) {
+    case EvalStatus::kYield: entry.state = pc; return false;
+    case EvalStatus::kFailed: return Fail(context, entry);
+    case EvalStatus::kDone: break;
+    }
+    bool truth = false;
+    if (!PopCondition(context, truth))
+        return Fail(context, entry);
+    if (truth == m_jumpWhen)
+        JumpTo(context, m_target);
+    return Finish(entry);
+}
+
+bool BranchStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    // Part 0 is the selector of Select Case; part i + 1 the condition of branch i.
+    int part = PartOf(entry.state);
+    int pc = PositionOf(entry.state);
+    if (part == 0) {
+        if (m_selectorSlot >= 0) {
+            switch (RunExpression(context, m_selector, pc)) {
+            case EvalStatus::kYield: entry.state = MakeState(0, pc); return false;
+            case EvalStatus::kFailed: return Fail(context, entry);
+            case EvalStatus::kDone: break;
+            }
+            ValueStack& values = context.interpreter->Values();
+            Variant kept;
+            kept.Attach(HiddenSlot(context, m_selectorSlot));
+            kept = std::move(values.Top());
+            kept.Detach(HiddenSlot(context, m_selectorSlot));
+            values.Pop();
+        }
+        part = 1;
+        pc = 0;
+    }
+    for (; part <= static_cast<int>(m_conditions.size()); ++part, pc = 0) {
+        switch (RunExpression(context, m_conditions[static_cast<std::size_t>(part - 1)], pc)) {
+        case EvalStatus::kYield: entry.state = MakeState(part, pc); return false;
+        case EvalStatus::kFailed: return Fail(context, entry);
+        case EvalStatus::kDone: break;
+        }
+        bool truth = false;
+        if (!PopCondition(context, truth))
+            return Fail(context, entry);
+        if (truth) {
+            JumpTo(context, m_targets[static_cast<std::size_t>(part - 1)]);
+            return Finish(entry);
+        }
+    }
+    JumpTo(context, m_elseTarget);
+    return Finish(entry);
+}
+
+bool ForStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    int pc = entry.state;
+    switch (RunExpression(context, m_bounds, pc)) {
+    case EvalStatus::kYield: entry.state = pc; return false;
+    case EvalStatus::kFailed: return Fail(context, entry);
+    case EvalStatus::kDone: break;
+    }
+    ValueStack& values = context.interpreter->Values();
+    const std::size_t first = values.Size() - (m_hasStep ? 3 : 2);
+    if (!StoreVariable(context, m_counter, values.At(first)))
+        return Fail(context, entry);
+    VARIANT& endSlot = HiddenSlot(context, m_endSlot);
+    VARIANT& stepSlot = HiddenSlot(context, m_stepSlot);
+    VariantClear(&endSlot);
+    VariantClear(&stepSlot);
+    // The end and step keep the counter's kind, so that each pass adds and compares like kinds.
+    const ValueCell& cell = StorageCell(static_cast<VARTYPE>(m_counter.type.ValueTag()));
+    if (!cell.Store(endSlot, values.At(first + 1)))
+        return Fail(context, entry);
+    Variant one;
+    one.SetInteger(1);
+    if (!cell.Store(stepSlot, m_hasStep ? values.At(first + 2) : one))
+        return Fail(context, entry);
+    values.CutBack(first);
+
+    // The first test: is the counter already past the end?
+    Variant* counter = values.Push();
+    Variant* limit = counter ? values.Push() : nullptr;
+    if (!limit)
+        return (void)context.interpreter->RaiseOutOfMemory(), Fail(context, entry);
+    counter = &values.At(values.Size() - 2);
+    VARIANT* storage = StorageOf(context, m_counter.scope, m_counter.index);
+    Variant zero;
+    zero.SetInteger(0);
+    Variant negative;
+    if (!storage || !counter->CopyIndirectFrom(*storage) || !limit->CopyFrom(endSlot) ||
+        !negative.CopyFrom(stepSlot) || !ApplyBinary(OperationId::kLess, negative, zero))
+        return Fail(context, entry);
+    bool stepIsNegative = false;
+    if (!ConditionIsTrue(negative, stepIsNegative) ||
+        !ApplyBinary(stepIsNegative ? OperationId::kLess : OperationId::kGreater, *counter, *limit))
+        return Fail(context, entry);
+    values.Pop();
+    bool past = false;
+    if (!PopCondition(context, past))
+        return Fail(context, entry);
+    if (past)
+        JumpTo(context, m_exitTarget);
+    return Finish(entry);
+}
+
+bool NextStatement::Execute()
+{
+    RunContext context = Context();
+    ExecEntry entry{this, 0};
+    ValueStack& values = context.interpreter->Values();
+    VARIANT* storage = StorageOf(context, m_counter.scope, m_counter.index);
+    if (!storage)
+        return Fail(context, entry);
+    VARIANT& endSlot = HiddenSlot(context, m_endSlot);
+    VARIANT& stepSlot = HiddenSlot(context, m_stepSlot);
+    Variant* counter = values.Push();
+    if (!counter)
+        return context.interpreter->RaiseOutOfMemory();
+    Variant* operand = values.Push();
+    if (!operand)
+        return context.interpreter->RaiseOutOfMemory();
+    counter = &values.At(values.Size() - 2);
+    if (!counter->CopyIndirectFrom(*storage) || !operand->CopyFrom(stepSlot) ||
+        !ApplyBinary(OperationId::kAdd, *counter, *operand) || !StoreVariable(context, m_counter, *counter))
+        return Fail(context, entry);
+    // Sign of the step: compare it with zero in place.
+    bool stepIsNegative = false;
+    Variant zero;
+    zero.SetInteger(0);
+    if (!ApplyBinary(OperationId::kLess, *operand, zero) || !ConditionIsTrue(*operand, stepIsNegative))
+        return Fail(context, entry);
+    operand->Clear();
+    if (!operand->CopyFrom(endSlot) || !counter->CopyIndirectFrom(*storage) ||
+        !ApplyBinary(stepIsNegative ? OperationId::kLess : OperationId::kGreater, *counter, *operand))
+        return Fail(context, entry);
+    values.Pop();
+    bool past = false;
+    if (!PopCondition(context, past))
+        return Fail(context, entry);
+    if (!past)
+        JumpTo(context, m_loopStart);
+    return true;
+}
+
+bool KeepValueStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    int pc = entry.state;
+    switch (RunExpression(context, m_value, pc)) {
+    case EvalStatus::kYield: entry.state = pc; return false;
+    case EvalStatus::kFailed: return Fail(context, entry);
+    case EvalStatus::kDone: break;
+    }
+    ValueStack& values = context.interpreter->Values();
+    Variant kept;
+    kept.Attach(HiddenSlot(context, m_slot));
+    kept = std::move(values.Top());
+    kept.Detach(HiddenSlot(context, m_slot));
+    values.Pop();
+    return Finish(entry);
+}
+
+bool StatementList::RunFrom(ExecEntry& entry, int start, int stateBase)
+{
+    Activation* activation = Interpreter::Current()->CurrentActivation();
+    const int before = activation->NextIndex();
+    for (int i = start; i < static_cast<int>(m_statements.size()); ++i) {
+        if (!m_statements[static_cast<std::size_t>(i)]->Execute()) {
+            if (HaltFlags::MustStop())
+                return Finish(entry);
+            // The statement scheduled work; this list resumes after it.
+            entry.state = stateBase + i + 1;
+            return false;
+        }
+        // A jump (GoTo, Exit) or a pending error or action ends the list.
+        if (activation->NextIndex() != before || HaltFlags::Any())
+            break;
+    }
+    return Finish(entry);
+}
+
+bool SingleLineIfStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    // Part 0: the condition; part 1: the Then list from a position; part 2: the Else list.
+    const int part = PartOf(entry.state);
+    if (part == 1)
+        return m_then->RunFrom(entry, PositionOf(entry.state), MakeState(1, 0));
+    if (part == 2)
+        return m_else->RunFrom(entry, PositionOf(entry.state), MakeState(2, 0));
+    int pc = PositionOf(entry.state);
+    switch (RunExpression(context, m_condition, pc)) {
+    case EvalStatus::kYield: entry.state = pc; return false;
+    case EvalStatus::kFailed: return Fail(context, entry);
+    case EvalStatus::kDone: break;
+    }
+    bool truth = false;
+    if (!PopCondition(context, truth))
+        return Fail(context, entry);
+    if (truth)
+        return m_then->RunFrom(entry, 0, MakeState(1, 0));
+    if (m_else)
+        return m_else->RunFrom(entry, 0, MakeState(2, 0));
+    return Finish(entry);
+}
+
+bool EndStatement::Execute()
+{
+    (void)Interpreter::Current()->RequestAction(InterpreterHost::kActionEnd, 0);
+    return true;
+}
+
+} // namespace brannoc

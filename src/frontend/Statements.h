@@ -1,0 +1,210 @@
+#pragma once
+// The statement classes of a statement vector. Control moves by setting the current activation's
+// indexes; a statement that calls a procedure yields and resumes from its entry's state (the position in
+// its expression code), so nothing of a statement in progress lives in the statement object.
+#include "frontend/ProcedureBody.h"
+
+namespace brannoc {
+
+// Dim, Const and Static lines: nothing runs, the listing remains.
+class DeclarationStatement final : public Statement {
+public:
+    bool IsEmpty() const override { return true; }
+};
+
+// The procedure-entry and procedure-exit statements and other lines that do nothing when run.
+class NoOperationStatement final : public Statement {
+public:
+    [[nodiscard]] bool Execute() override { return true; }
+};
+
+// Let / Set / implicit assignment to a variable.
+class AssignStatement final : public Statement {
+public:
+    AssignStatement(Expression value, VariableRef target) : m_value(std::move(value)), m_target(target) {}
+    [[nodiscard]] bool Step(ExecEntry& entry) override;
+
+private:
+    Expression m_value;
+    VariableRef m_target;
+};
+
+// Evaluates an expression and drops what it leaves (calls of Subs and Functions as statements).
+class EvaluateStatement final : public Statement {
+public:
+    explicit EvaluateStatement(Expression code) : m_code(std::move(code)) {}
+    [[nodiscard]] bool Step(ExecEntry& entry) override;
+
+private:
+    Expression m_code;
+};
+
+class DebugPrintStatement final : public Statement {
+public:
+    DebugPrintStatement(Expression items, int count, bool newLine)
+        : m_items(std::move(items)), m_count(count), m_newLine(newLine)
+    {
+    }
+    [[nodiscard]] bool Step(ExecEntry& entry) override;
+
+private:
+    Expression m_items;
+    int m_count;
+    bool m_newLine;
+};
+
+// A move of the execution point: GoTo, Exit, Loop and Wend without condition, and ElseIf, Else and Case
+// lines reached by falling out of the branch above them.
+class JumpStatement final : public Statement {
+public:
+    [[nodiscard]] bool Execute() override;
+    void SetTarget(int index) { m_target = index; }
+    int Target() const { return m_target; }
+
+private:
+    int m_target = 0;
+};
+
+// Tests a condition and jumps when it equals jumpWhen (Do While/Until, Loop While/Until, While).
+class ConditionalJumpStatement final : public Statement {
+public:
+    ConditionalJumpStatement(Expression condition, bool jumpWhen)
+        : m_condition(std::move(condition)), m_jumpWhen(jumpWhen)
+    {
+    }
+    [[nodiscard]] bool Step(ExecEntry& entry) override;
+    void SetTarget(int index) { m_target = index; }
+
+private:
+    Expression m_condition;
+    bool m_jumpWhen;
+    int m_target = 0;
+};
+
+// Block If (with its ElseIf conditions) and Select Case (with its Case conditions over the kept
+// selector). The conditions are tried in order in the same entry; the first true one runs the lines
+// after its partner; none true runs the Else part or leaves the block.
+class BranchStatement final : public Statement {
+public:
+    // Select Case: the selector expression and the hidden slot that keeps its value.
+    void SetSelector(Expression selector, int slot)
+    {
+        m_selector = std::move(selector);
+        m_selectorSlot = slot;
+    }
+    void AddBranch(Expression condition, int target)
+    {
+        m_conditions.push_back(std::move(condition));
+        m_targets.push_back(target);
+    }
+    void SetBranchTarget(std::size_t branch, int target) { m_targets[branch] = target; }
+    void SetElseTarget(int target) { m_elseTarget = target; }
+    std::size_t BranchCount() const { return m_conditions.size(); }
+    [[nodiscard]] bool Step(ExecEntry& entry) override;
+
+private:
+    Expression m_selector;
+    int m_selectorSlot = -1;
+    std::vector<Expression> m_conditions;
+    std::vector<int> m_targets;
+    int m_elseTarget = 0;
+};
+
+// For counter = start To end [Step step]. Start, end and step are evaluated once, in that order; end and
+// step are kept in hidden slots of the frame.
+class ForStatement final : public Statement {
+public:
+    ForStatement(VariableRef counter, Expression bounds, bool hasStep, int endSlot, int stepSlot)
+        : m_counter(counter), m_bounds(std::move(bounds)), m_hasStep(hasStep), m_endSlot(endSlot),
+          m_stepSlot(stepSlot)
+    {
+    }
+    [[nodiscard]] bool Step(ExecEntry& entry) override;
+    void SetExitTarget(int index) { m_exitTarget = index; }
+    const VariableRef& Counter() const { return m_counter; }
+    int EndSlot() const { return m_endSlot; }
+    int StepSlot() const { return m_stepSlot; }
+
+private:
+    VariableRef m_counter;
+    Expression m_bounds;
+    bool m_hasStep;
+    int m_endSlot;
+    int m_stepSlot;
+    int m_exitTarget = 0;
+};
+
+// Next: adds the step to the counter and goes back to the line after its For while the loop goes on.
+class NextStatement final : public Statement {
+public:
+    NextStatement(VariableRef counter, int endSlot, int stepSlot, int loopStart)
+        : m_counter(counter), m_endSlot(endSlot), m_stepSlot(stepSlot), m_loopStart(loopStart)
+    {
+    }
+    [[nodiscard]] bool Execute() override;
+
+private:
+    VariableRef m_counter;
+    int m_endSlot;
+    int m_stepSlot;
+    int m_loopStart;
+};
+
+// Stores a value into a hidden slot (With's object).
+class KeepValueStatement final : public Statement {
+public:
+    KeepValueStatement(Expression value, int slot) : m_value(std::move(value)), m_slot(slot) {}
+    [[nodiscard]] bool Step(ExecEntry& entry) override;
+
+private:
+    Expression m_value;
+    int m_slot;
+};
+
+// Several statements on one line (":"), or the Then and Else parts of a single-line If.
+class StatementList final : public Statement {
+public:
+    void Add(std::unique_ptr<Statement> statement) { m_statements.push_back(std::move(statement)); }
+    bool IsEmptyList() const { return m_statements.empty(); }
+    // Runs the statements from position start; answers as Step does, with entry.state the position of
+    // the statement to resume after.
+    [[nodiscard]] bool RunFrom(ExecEntry& entry, int start, int stateBase);
+    [[nodiscard]] bool Step(ExecEntry& entry) override { return RunFrom(entry, entry.state, 0); }
+
+private:
+    std::vector<std::unique_ptr<Statement>> m_statements;
+};
+
+class SingleLineIfStatement final : public Statement {
+public:
+    SingleLineIfStatement(Expression condition, std::unique_ptr<StatementList> thenPart,
+                          std::unique_ptr<StatementList> elsePart)
+        : m_condition(std::move(condition)), m_then(std::move(thenPart)), m_else(std::move(elsePart))
+    {
+    }
+    [[nodiscard]] bool Step(ExecEntry& entry) override;
+
+private:
+    Expression m_condition;
+    std::unique_ptr<StatementList> m_then;
+    std::unique_ptr<StatementList> m_else;
+};
+
+// End: ends the run through the engine's control operation.
+class EndStatement final : public Statement {
+public:
+    [[nodiscard]] bool Execute() override;
+};
+
+// A label line with a statement after the label: runs the statement.
+class LabelledStatement final : public Statement {
+public:
+    explicit LabelledStatement(std::unique_ptr<Statement> inner) : m_inner(std::move(inner)) {}
+    [[nodiscard]] bool Execute() override { return m_inner->Execute(); }
+    bool IsEmpty() const override { return m_inner->IsEmpty(); }
+
+private:
+    std::unique_ptr<Statement> m_inner;
+};
+
+} // namespace brannoc

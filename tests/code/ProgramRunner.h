@@ -1,0 +1,98 @@
+#pragma once
+// Compiles a one-module macro text with the statement compiler, runs its Main on an interpreter and
+// collects what Debug.Print wrote, the compile errors and the untrapped run-time errors.
+#include "exec/Interpreter.h"
+#include "exec/ModuleInstance.h"
+#include "frontend/BodyCompiler.h"
+#include "frontend/Compiler.h"
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace brannoc::testing {
+
+class MemorySource final : public ModuleSource {
+public:
+    std::optional<ModuleText> Read(std::string_view name) override
+    {
+        const auto found = texts.find(std::string(name));
+        if (found == texts.end())
+            return std::nullopt;
+        return found->second;
+    }
+    std::map<std::string, ModuleText> texts;
+};
+
+class PrintingHost final : public InterpreterHost {
+public:
+    Interpreter* interpreter = nullptr;
+    std::wstring output;
+    std::vector<ErrorRecord> errors;
+
+    void Notify(Notification) override {}
+    void PerformControlAction(int action, long) override
+    {
+        if (action == kActionEnd || action == kActionEndAll)
+            interpreter->UnwindAll();
+        else if (action == kActionStop && interpreter->RunLevel() > 0)
+            interpreter->SetRunLevel(-interpreter->RunLevel());
+    }
+    void PumpMessages() override {}
+    void ReportUntrappedError(const ErrorRecord& error) override { errors.push_back(error); }
+    void DebugPrint(const std::wstring& text) override { output += text; }
+};
+
+struct ProgramResult {
+    ParseResult parse = ParseResult::NotFound;
+    std::vector<CompileError> compileErrors;
+    std::wstring output;
+    std::vector<ErrorRecord> runErrors;
+    bool finished = false;
+};
+
+// Lines are joined with CR LF; the module is a macro named "Test".
+inline std::string JoinLines(const std::vector<std::string>& lines)
+{
+    std::string text;
+    for (const std::string& line : lines)
+        text += line + "\r\n";
+    return text;
+}
+
+inline ProgramResult RunProgram(const std::string& text, int stepLimit = 2000000)
+{
+    ProgramResult result;
+    MemorySource source;
+    source.texts["Test"] = ModuleText{text, false};
+    Compiler compiler(source);
+    BodyCompiler bodies;
+    compiler.SetBodyCompiler(&bodies);
+    compiler.SetErrorLimit(20);
+    result.parse = compiler.Parse("Test", 0);
+    result.compileErrors = compiler.Errors();
+    if (result.parse != ParseResult::Okay)
+        return result;
+    Module* module = compiler.FindModule("Test");
+    if (!module || !module->Compiled() || !module->Compiled()->entry || !module->Compiled()->entry->code)
+        return result;
+    PrintingHost host;
+    Interpreter interpreter(host);
+    host.interpreter = &interpreter;
+    InterpreterScope scope(interpreter);
+    ModuleInstance instance(*module);
+    if (!interpreter.StartEntry(*module->Compiled()->entry->code, &instance))
+        return result;
+    interpreter.PrepareRun(0);
+    int steps = 0;
+    while (steps < stepLimit && interpreter.RunStep(false) != 0)
+        ++steps;
+    result.finished = interpreter.ExecutionDepth() == 0;
+    interpreter.UnwindAll();
+    result.output = host.output;
+    result.runErrors = host.errors;
+    return result;
+}
+
+} // namespace brannoc::testing
