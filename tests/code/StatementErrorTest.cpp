@@ -1,0 +1,113 @@
+#include "ProgramRunner.h"
+
+#include "frontend/CompileMessage.h"
+
+#include <gtest/gtest.h>
+
+namespace brannoc {
+namespace {
+
+using testing::JoinLines;
+using testing::RunProgram;
+
+struct ErrorCase {
+    const char* name;
+    std::vector<std::string> lines;
+    CompileMessage message;
+    int line;
+};
+
+std::ostream& operator<<(std::ostream& out, const ErrorCase& error) { return out << error.name; }
+
+class CompileErrorTest : public ::testing::TestWithParam<ErrorCase> {};
+
+TEST_P(CompileErrorTest, ReportsMessageAtLine)
+{
+    const ErrorCase& expected = GetParam();
+    const auto result = RunProgram(JoinLines(expected.lines));
+    EXPECT_EQ(result.parse, ParseResult::SyntaxErrors);
+    ASSERT_FALSE(result.compileErrors.empty());
+    const CompileError& first = result.compileErrors.front();
+    EXPECT_EQ(first.number, static_cast<unsigned>(expected.message)) << std::string(first.message.begin(), first.message.end());
+    EXPECT_EQ(first.line, expected.line);
+}
+
+const ErrorCase kErrorCases[] = {
+    {"ForWithoutNext", {"Sub Main", "  Dim i As Integer", "  For i = 1 To 2", "End Sub"},
+     CompileMessage::UnterminatedBlockStatement, 4},
+    {"IfWithoutEndIf", {"Sub Main", "  If 1 Then", "    Debug.Print 1", "End Sub"},
+     CompileMessage::UnterminatedBlockStatement, 4},
+    {"NextNamesOtherVariable",
+     {"Sub Main", "  Dim i As Integer, j As Integer", "  For i = 1 To 2", "  Next j", "End Sub"},
+     CompileMessage::NextVarDoesNotMatchForsVar, 4},
+    {"EndClosingNothing", {"Sub Main", "  End If", "End Sub"}, CompileMessage::UnexpectedEndStatement, 2},
+    {"EndWithWrongWord", {"Sub Main", "  If 1 Then", "  End Select", "  End If", "End Sub"},
+     CompileMessage::UnexpectedEndStatement, 3},
+    {"GoToUndefinedLabel", {"Sub Main", "  GoTo Nowhere", "End Sub"}, CompileMessage::GoToLabelHasNotBeenDefined, 2},
+    {"ExitSubInFunction", {"Function F() As Integer", "  Exit Sub", "End Function", "Sub Main", "End Sub"},
+     CompileMessage::Expecting, 2},
+    {"StatementBeforeFirstCase", {"Sub Main", "  Select Case 1", "  Debug.Print 1", "  End Select", "End Sub"},
+     CompileMessage::ExpectingACaseDefinition, 3},
+    {"CaseIsWithoutComparison", {"Sub Main", "  Select Case 1", "  Case Is 2", "  End Select", "End Sub"},
+     CompileMessage::ExpectingComparison, 3},
+    {"SubInExpression", {"Sub S", "End Sub", "Sub Main", "  Debug.Print S", "End Sub"},
+     CompileMessage::SubsCantBeUsedInExpressions, 4},
+    {"MissingParameter", {"Sub S(a As Integer, b As Integer)", "End Sub", "Sub Main", "  S 1", "End Sub"},
+     CompileMessage::MissingParameter, 4},
+    {"UnknownNamedParameter", {"Sub S(a As Integer)", "End Sub", "Sub Main", "  S c:=1", "End Sub"},
+     CompileMessage::NoSuchNamedParameter, 4},
+    {"NamedParameterTwice", {"Sub S(a As Integer)", "End Sub", "Sub Main", "  S a:=1, a:=2", "End Sub"},
+     CompileMessage::ParameterAlreadyHasAValue, 4},
+    {"AssignToConstant", {"Const K = 1", "Sub Main", "  K = 2", "End Sub"}, CompileMessage::CantAssignAValueToAConstant,
+     3},
+    {"AssignToLocalConstant", {"Sub Main", "  Const K = 1", "  K = 2", "End Sub"},
+     CompileMessage::CantAssignAValueToAConstant, 3},
+    {"UndeclaredUnderOptionExplicit", {"Option Explicit", "Sub Main", "  x = 1", "End Sub"},
+     CompileMessage::ExpectingAnExistingScalarVar, 3},
+    {"OperatorWithoutOperand", {"Sub Main", "  Debug.Print 1 +", "End Sub"}, CompileMessage::ExpectingAFactor, 2},
+    {"ForCounterNotNumeric", {"Sub Main", "  Dim s As String", "  For s = 1 To 2", "  Next", "End Sub"},
+     CompileMessage::ExpectingAScalarNumberVar, 3},
+    {"LetWithoutAssignment", {"Sub S", "End Sub", "Sub Main", "  Let S", "End Sub"}, CompileMessage::InvalidLetSyntax, 4},
+    {"SuffixDisagreesWithDeclaration", {"Sub Main", "  Dim a As Integer", "  a$ = \"x\"", "End Sub"},
+     CompileMessage::VarIsAlreadyDefinedAsADifferentType, 3},
+};
+
+INSTANTIATE_TEST_SUITE_P(Statements, CompileErrorTest, ::testing::ValuesIn(kErrorCases),
+                         [](const ::testing::TestParamInfo<ErrorCase>& info) { return std::string(info.param.name); });
+
+TEST(CompileErrorText, UnterminatedBlockNamesTheKeyword)
+{
+    const auto result = RunProgram(JoinLines({"Sub Main", "  Do", "End Sub"}));
+    ASSERT_FALSE(result.compileErrors.empty());
+    EXPECT_NE(result.compileErrors.front().message.find(L"Do"), std::wstring::npos);
+}
+
+TEST(RunTimeErrors, DivisionByZeroIsReportedAndStopsTheRun)
+{
+    const auto result = RunProgram(JoinLines({"Sub Main", "  Dim a As Integer", "  Debug.Print 1", "  Debug.Print 1 / a",
+                                              "  Debug.Print 2", "End Sub"}));
+    ASSERT_EQ(result.parse, ParseResult::Okay);
+    EXPECT_EQ(result.output, L"1%\r\n");
+    ASSERT_EQ(result.runErrors.size(), 1u);
+    EXPECT_NE(result.runErrors.front().number, 0);
+}
+
+TEST(RunTimeErrors, FoldingErrorIsLeftToRunTime)
+{
+    const auto result = RunProgram(JoinLines({"Sub Main", "  Debug.Print 1", "  Debug.Print 1 / 0", "End Sub"}));
+    ASSERT_EQ(result.parse, ParseResult::Okay);
+    EXPECT_EQ(result.output, L"1%\r\n");
+    EXPECT_EQ(result.runErrors.size(), 1u);
+}
+
+TEST(RunTimeErrors, OverflowInAssignmentToInteger)
+{
+    const auto result =
+        RunProgram(JoinLines({"Sub Main", "  Dim a As Integer", "  a = 40000", "  Debug.Print a", "End Sub"}));
+    ASSERT_EQ(result.parse, ParseResult::Okay);
+    EXPECT_EQ(result.output, L"");
+    EXPECT_EQ(result.runErrors.size(), 1u);
+}
+
+} // namespace
+} // namespace brannoc
