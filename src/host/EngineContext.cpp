@@ -7,7 +7,10 @@
 
 namespace brannoc {
 
-EngineContext::EngineContext(CodeUnit& owner) : m_owner(owner), m_modules(*this), m_interpreter(*this) {}
+EngineContext::EngineContext(CodeUnit& owner) : m_owner(owner), m_modules(*this), m_interpreter(*this)
+{
+    m_modules.SetBodyCompiler(&m_bodyCompiler);
+}
 
 EngineContext::~EngineContext() = default;
 

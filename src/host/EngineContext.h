@@ -2,6 +2,7 @@
 // The per-object state of an engine: callback, caption and settings, the interpreter, the error
 // record, notifications, trace bytes, and the control operation that every run request goes through.
 #include "exec/Interpreter.h"
+#include "frontend/BodyCompiler.h"
 #include "exec/InterpreterHost.h"
 #include "host/ComRef.h"
 #include "host/ModuleManager.h"
@@ -115,6 +116,7 @@ private:
     ErrorLocation m_errorReport;
     std::function<void(TraceKind, const std::wstring&)> m_traceSink;
     std::function<void(short)> m_notificationSink;
+    BodyCompiler m_bodyCompiler;
     // Declared before the interpreter so that the interpreter's stacks go before the code they run.
     ModuleManager m_modules;
     Interpreter m_interpreter;
