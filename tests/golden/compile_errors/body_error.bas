@@ -1,0 +1,3 @@
+Sub Main
+    Debug.Print 1 +
+End Sub

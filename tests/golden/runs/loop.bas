@@ -1,0 +1,6 @@
+Sub Main
+    Dim i As Integer
+    For i = 1 To 3
+        Debug.Print i
+    Next i
+End Sub

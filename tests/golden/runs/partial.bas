@@ -1,0 +1,4 @@
+Sub Main
+    Debug.Print 1;
+    Debug.Print 2
+End Sub
