@@ -417,6 +417,35 @@ TEST_F(ModuleManagerTest, AStartWhileAStatementExecutesIsQueuedAndRunsBeforeTheN
     EXPECT_EQ(1, callBack.Count(2)) << "one run";
 }
 
+TEST_F(ModuleManagerTest, ATextGivenForANameIsUsedOnceInsteadOfReadMacro)
+{
+    callBack.macros[L"direct"] = L"Sub Main\r\n' from the host\r\nEnd Sub\r\n";
+    unit->Context().Modules().GiveText("direct", "Sub Main\r\nEnd Sub\r\n");
+    EXPECT_TRUE(Load(L"direct"));
+    EXPECT_TRUE(callBack.reads.empty());
+    EXPECT_TRUE(Load(L"direct"));
+    EXPECT_EQ((std::vector<std::wstring>{L"direct"}), callBack.reads) << "the second load asks the host";
+}
+
+TEST_F(ModuleManagerTest, TheSourceEndsAtTheFirstEndOfFileCharacter)
+{
+    callBack.macros[L"cut"] = std::wstring(L"Sub Main\r\nEnd Sub\r\n") + L'\x1A' + L"this is not Basic";
+    EXPECT_TRUE(Load(L"cut"));
+    callBack.macros[L"empty"] = std::wstring(1, L'\x1A') + L"Sub Main\r\nEnd Sub\r\n";
+    EXPECT_FALSE(Load(L"empty"));
+    EXPECT_EQ(10013, callBack.errorNumbers.back()) << "an empty text means the macro does not exist";
+}
+
+TEST_F(ModuleManagerTest, TheCommandTextIsKeptWhileTheMacroRuns)
+{
+    callBack.macros[L"my macro"] = L"Sub Main\r\nEnd Sub\r\n";
+    ASSERT_TRUE(Start(L"\"my macro\"   -v  file.txt"));
+    EXPECT_EQ("-v  file.txt", unit->Context().Modules().CommandText());
+    EXPECT_EQ(L"my macro", ErrorText(&CodeUnit::get_MacroName));
+    EXPECT_FALSE(Run());
+    EXPECT_EQ("", unit->Context().Modules().CommandText());
+}
+
 TEST(StartText, SplitsNameAndCommand)
 {
     struct Row {
