@@ -2,6 +2,8 @@
 
 #include "frontend/Module.h"
 
+#include <algorithm>
+
 namespace brannoc {
 
 void InitializeTypedSlot(VARIANT& storage, unsigned short code)
@@ -37,10 +39,34 @@ ModuleInstance::ModuleInstance(Module& module) : m_module(&module)
     m_slots = std::make_unique<VARIANT[]>(m_count > 0 ? m_count : 1);
     for (std::size_t i = 0; i < m_count; ++i)
         InitializeTypedSlot(m_slots[i], compiled->variables[i]->type.code.Code());
+    s_live.push_back(this);
+}
+
+void ModuleInstance::Link(ModuleInstance& other)
+{
+    if (&other == this || Find(other.OwnModule()) != nullptr)
+        return;
+    m_linked.push_back(&other);
+}
+
+ModuleInstance* ModuleInstance::Find(const Module& module) noexcept
+{
+    if (m_module == &module)
+        return this;
+    for (ModuleInstance* linked : m_linked) {
+        if (&linked->OwnModule() == &module)
+            return linked;
+    }
+    for (ModuleInstance* live : s_live) {
+        if (&live->OwnModule() == &module)
+            return live;
+    }
+    return nullptr;
 }
 
 ModuleInstance::~ModuleInstance()
 {
+    std::erase(s_live, this);
     for (std::size_t i = 0; i < m_count; ++i)
         VariantClear(&m_slots[i]);
 }

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <vector>
 
 namespace brannoc {
 
@@ -25,6 +26,13 @@ public:
     // Storage of variable index (declaration order).
     VARIANT& Slot(std::size_t index) noexcept { return m_slots[index]; }
 
+    // Instances of other modules whose public procedures and variables this module's code reaches (the
+    // default instances of the modules it uses). Find answers this instance for its own module, a linked
+    // instance, or else the oldest live instance of that module (a module's default instance is made
+    // before any other).
+    void Link(ModuleInstance& other);
+    ModuleInstance* Find(const Module& module) noexcept;
+
     int UseCount() const noexcept { return m_useCount; }
     void AddUse() noexcept { ++m_useCount; }
     int ReleaseUse() noexcept { return --m_useCount; }
@@ -34,6 +42,9 @@ private:
     std::unique_ptr<VARIANT[]> m_slots;
     std::size_t m_count = 0;
     int m_useCount = 0;
+    std::vector<ModuleInstance*> m_linked;
+    // Every live instance, oldest first (all engine code runs under the engine lock).
+    static inline std::vector<ModuleInstance*> s_live;
 };
 
 // Sets storage (a cleared slot) to the zero value of a variable of type code `code` (TypeCode bits):

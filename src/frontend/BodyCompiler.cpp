@@ -240,6 +240,8 @@ private:
     [[nodiscard]] bool ResolveVariable(const std::string& name, TypeCode suffix, VariableRef& ref, bool& found);
     const LocalSymbol* FindLocal(const std::string& upperName) const;
     Procedure* FindProcedure(const std::string& upperName) const;
+    const Module* ModuleOf(const Procedure& procedure) const;
+    bool FindUsedVariable(const std::string& upperName, VariableRef& ref) const;
     [[nodiscard]] bool ReadType(TypeCode& type);
     bool NextIsColonEqual() const;
     bool ParenthesisedToEnd() const;
@@ -1246,7 +1248,7 @@ bool BodyParser::ParseCallArguments(Procedure& callee, Expression& out, bool par
         }
     }
     ExprOp call{ExprOpCode::kCall};
-    call.index = m_code->AddCallee(&callee);
+    call.index = m_code->AddCallee(&callee, ModuleOf(callee));
     call.count = static_cast<int>(count);
     out.ops.push_back(call);
     if (count > 0) {
@@ -1528,7 +1530,7 @@ bool BodyParser::ParseName(Expression& out, bool* simpleVariable)
             out.ops.push_back(ExprOp{ExprOpCode::kEmpty});
             out.Append(code);
             ExprOp call{ExprOpCode::kCall};
-            call.index = m_code->AddCallee(callee);
+            call.index = m_code->AddCallee(callee, ModuleOf(*callee));
             call.count = static_cast<int>(callee->parameters.size());
             out.ops.push_back(call);
             if (call.count > 0) {
@@ -1567,6 +1569,7 @@ bool BodyParser::ParseName(Expression& out, bool* simpleVariable)
     op.scope = ref.scope;
     op.index = ref.index;
     op.type = ref.type;
+    op.module = ref.module;
     out.ops.push_back(op);
     out.type = ref.type;
     *simpleVariable = true;
@@ -1599,10 +1602,55 @@ const LocalSymbol* BodyParser::FindLocal(const std::string& upperName) const
 Procedure* BodyParser::FindProcedure(const std::string& upperName) const
 {
     auto found = m_state.names.find(upperName);
-    if (found == m_state.names.end() || found->second.kind != SymbolKind::Procedure)
-        return nullptr;
-    Procedure* procedure = m_state.procedures[found->second.index].get();
-    return procedure->kind == ProcedureKind::External ? nullptr : procedure;
+    if (found != m_state.names.end()) {
+        if (found->second.kind != SymbolKind::Procedure)
+            return nullptr;
+        Procedure* procedure = m_state.procedures[found->second.index].get();
+        return procedure->kind == ProcedureKind::External ? nullptr : procedure;
+    }
+    // Public procedures of the modules named in '#Uses.
+    for (Module* used : m_module.UsedModules()) {
+        const auto& procedures = used->State() ? used->State()->procedures : used->Compiled()->procedures;
+        for (const auto& procedure : procedures) {
+            if (procedure->visibility != Visibility::Private && procedure->kind != ProcedureKind::External &&
+                Upper(procedure->name) == upperName)
+                return procedure.get();
+        }
+    }
+    return nullptr;
+}
+
+const Module* BodyParser::ModuleOf(const Procedure& procedure) const
+{
+    for (const auto& own : m_state.procedures) {
+        if (own.get() == &procedure)
+            return nullptr;
+    }
+    for (Module* used : m_module.UsedModules()) {
+        const auto& procedures = used->State() ? used->State()->procedures : used->Compiled()->procedures;
+        for (const auto& candidate : procedures) {
+            if (candidate.get() == &procedure)
+                return used;
+        }
+    }
+    return nullptr;
+}
+
+bool BodyParser::FindUsedVariable(const std::string& upperName, VariableRef& ref) const
+{
+    for (Module* used : m_module.UsedModules()) {
+        const auto& variables = used->State() ? used->State()->variables : used->Compiled()->variables;
+        for (std::size_t i = 0; i < variables.size(); ++i) {
+            const Variable& variable = *variables[i];
+            if (variable.visibility != Visibility::Public && variable.visibility != Visibility::Friend)
+                continue;
+            if (Upper(variable.name) == upperName) {
+                ref = VariableRef{StorageScope::Module, static_cast<int>(i), variable.type.code, used};
+                return true;
+            }
+        }
+    }
+    return false;
 }
 
 bool BodyParser::ResolveVariable(const std::string& name, TypeCode suffix, VariableRef& ref, bool& found)
@@ -1629,6 +1677,13 @@ bool BodyParser::ResolveVariable(const std::string& name, TypeCode suffix, Varia
             return false;
         }
         ref = VariableRef{StorageScope::Module, static_cast<int>(global->second.index), variable.type.code};
+        return true;
+    }
+    if (FindUsedVariable(key, ref)) {
+        if (suffix != TypeCode() && suffix != ref.type) {
+            m_lexer.SignalError(CompileMessage::VarIsAlreadyDefinedAsADifferentType, name);
+            return false;
+        }
         return true;
     }
     if (m_module.OptionExplicit()) {

@@ -75,7 +75,7 @@ void MakeReference(Variant& target, VARIANT* storage, TypeCode type)
 
 } // namespace
 
-VARIANT* StorageOf(const RunContext& context, StorageScope scope, int index)
+VARIANT* StorageOf(const RunContext& context, StorageScope scope, int index, const Module* module)
 {
     switch (scope) {
     case StorageScope::Local:
@@ -84,6 +84,8 @@ VARIANT* StorageOf(const RunContext& context, StorageScope scope, int index)
         return &context.procedure->StaticAt(index);
     case StorageScope::Module: {
         ModuleInstance* instance = context.activation->Instance();
+        if (instance && module)
+            instance = instance->Find(*module);
         if (!instance || static_cast<std::size_t>(index) >= instance->VariableCount()) {
             (void)context.interpreter->SignalError(91);
             return nullptr;
@@ -96,7 +98,7 @@ VARIANT* StorageOf(const RunContext& context, StorageScope scope, int index)
 
 bool StoreVariable(const RunContext& context, const VariableRef& target, const Variant& value)
 {
-    VARIANT* storage = StorageOf(context, target.scope, target.index);
+    VARIANT* storage = StorageOf(context, target.scope, target.index, target.module);
     if (!storage)
         return false;
     return StorageCell(StorageTag(target.type)).Store(*storage, value);
@@ -133,7 +135,7 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             break;
         }
         case ExprOpCode::kLoad: {
-            VARIANT* storage = StorageOf(context, op.scope, op.index);
+            VARIANT* storage = StorageOf(context, op.scope, op.index, op.module);
             if (!storage)
                 return EvalStatus::kFailed;
             Variant* slot = values.Push();
@@ -144,7 +146,7 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             break;
         }
         case ExprOpCode::kLoadRef: {
-            VARIANT* storage = StorageOf(context, op.scope, op.index);
+            VARIANT* storage = StorageOf(context, op.scope, op.index, op.module);
             if (!storage)
                 return EvalStatus::kFailed;
             Variant* slot = values.Push();
@@ -179,8 +181,10 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             Procedure* callee = context.procedure->CalleeAt(op.index);
             if (!callee->code)
                 return (void)context.interpreter->SignalError(10029), EvalStatus::kFailed;
-            (void)context.interpreter->CallProcedure(*callee->code, ActivationKind::Call,
-                                                     context.activation->Instance());
+            ModuleInstance* instance = context.activation->Instance();
+            if (const Module* module = context.procedure->CalleeModuleAt(op.index); module && instance)
+                instance = instance->Find(*module);
+            (void)context.interpreter->CallProcedure(*callee->code, ActivationKind::Call, instance);
             if (HaltFlags::MustStop())
                 return EvalStatus::kFailed;
             return EvalStatus::kYield;
@@ -319,13 +323,14 @@ int CompiledProcedure::AddConstant(Variant value)
     return static_cast<int>(m_constants.size()) - 1;
 }
 
-int CompiledProcedure::AddCallee(Procedure* procedure)
+int CompiledProcedure::AddCallee(Procedure* procedure, const Module* module)
 {
     for (std::size_t i = 0; i < m_callees.size(); ++i) {
         if (m_callees[i] == procedure)
             return static_cast<int>(i);
     }
     m_callees.push_back(procedure);
+    m_calleeModules.push_back(module);
     return static_cast<int>(m_callees.size()) - 1;
 }
 

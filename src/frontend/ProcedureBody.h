@@ -22,6 +22,7 @@ namespace brannoc {
 class Activation;
 class CompiledProcedure;
 class Interpreter;
+class Module;
 struct Procedure;
 
 enum class StorageScope : std::uint8_t { Local, Module, Static };
@@ -31,6 +32,8 @@ struct VariableRef {
     StorageScope scope = StorageScope::Local;
     int index = 0;
     TypeCode type;
+    // Module scope: the module whose instance holds the variable when it is another than the caller's.
+    const Module* module = nullptr;
 };
 
 enum class ExprOpCode : std::uint8_t {
@@ -53,6 +56,7 @@ struct ExprOp {
     int index = 0;
     int count = 0;
     TypeCode type;
+    const Module* module = nullptr;
 };
 
 // A postfix list; running it leaves its values on the value stack.
@@ -75,7 +79,7 @@ struct RunContext {
 // Runs expression ops from pc. kYield: a call was scheduled and pc is where to resume.
 EvalStatus RunExpression(const RunContext& context, const Expression& expression, int& pc);
 // The storage of a variable (by-reference parameters followed); null after raising an error.
-VARIANT* StorageOf(const RunContext& context, StorageScope scope, int index);
+VARIANT* StorageOf(const RunContext& context, StorageScope scope, int index, const Module* module = nullptr);
 // Stores value into the variable with its declared type's conversion.
 [[nodiscard]] bool StoreVariable(const RunContext& context, const VariableRef& target, const Variant& value);
 // The truth of a condition value: Null is false; other values are converted to Boolean.
@@ -141,7 +145,8 @@ public:
     int AddSlot(TypeCode type);
     int AddStatic(TypeCode type);
     int AddConstant(Variant value);
-    int AddCallee(Procedure* procedure);
+    // A procedure this one calls; module is the callee's when it belongs to another module.
+    int AddCallee(Procedure* procedure, const Module* module = nullptr);
     void AddParameter(ParameterInfo parameter) { m_parameters.push_back(std::move(parameter)); }
     void SetResultSlot(int slot) { m_resultSlot = slot; }
     // Takes ownership of statement and appends it to the statement vector.
@@ -152,6 +157,7 @@ public:
     // Run time.
     const Variant& ConstantAt(int index) const { return m_constants[static_cast<std::size_t>(index)]; }
     Procedure* CalleeAt(int index) const { return m_callees[static_cast<std::size_t>(index)]; }
+    const Module* CalleeModuleAt(int index) const { return m_calleeModules[static_cast<std::size_t>(index)]; }
     VARIANT& StaticAt(int index) { return m_statics[static_cast<std::size_t>(index)]; }
     TypeCode SlotType(int index) const { return m_slotTypes[static_cast<std::size_t>(index)]; }
 
@@ -164,6 +170,7 @@ private:
     std::vector<VARIANT> m_statics;
     std::vector<Variant> m_constants;
     std::vector<Procedure*> m_callees;
+    std::vector<const Module*> m_calleeModules;
     int m_resultSlot = -1;
 };
 

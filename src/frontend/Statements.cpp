@@ -195,7 +195,7 @@ bool ForStatement::Step(ExecEntry& entry)
     if (!limit)
         return (void)context.interpreter->RaiseOutOfMemory(), Fail(context, entry);
     counter = &values.At(values.Size() - 2);
-    VARIANT* storage = StorageOf(context, m_counter.scope, m_counter.index);
+    VARIANT* storage = StorageOf(context, m_counter.scope, m_counter.index, m_counter.module);
     Variant zero;
     zero.SetInteger(0);
     Variant negative;
@@ -220,7 +220,7 @@ bool NextStatement::Execute()
     RunContext context = Context();
     ExecEntry entry{this, 0};
     ValueStack& values = context.interpreter->Values();
-    VARIANT* storage = StorageOf(context, m_counter.scope, m_counter.index);
+    VARIANT* storage = StorageOf(context, m_counter.scope, m_counter.index, m_counter.module);
     if (!storage)
         return Fail(context, entry);
     VARIANT& endSlot = HiddenSlot(context, m_endSlot);

@@ -7,6 +7,7 @@
 #include "frontend/Compiler.h"
 
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -61,11 +62,15 @@ inline std::string JoinLines(const std::vector<std::string>& lines)
     return text;
 }
 
-inline ProgramResult RunProgram(const std::string& text, int stepLimit = 2000000)
+// Other modules (name, text) that the program names in '#Uses get default instances linked to Main's.
+inline ProgramResult RunProgram(const std::string& text, const std::map<std::string, std::string>& others = {},
+                                int stepLimit = 2000000)
 {
     ProgramResult result;
     MemorySource source;
     source.texts["Test"] = ModuleText{text, false};
+    for (const auto& [name, other] : others)
+        source.texts[name] = ModuleText{other, false};
     Compiler compiler(source);
     BodyCompiler bodies;
     compiler.SetBodyCompiler(&bodies);
@@ -82,6 +87,11 @@ inline ProgramResult RunProgram(const std::string& text, int stepLimit = 2000000
     host.interpreter = &interpreter;
     InterpreterScope scope(interpreter);
     ModuleInstance instance(*module);
+    std::vector<std::unique_ptr<ModuleInstance>> used;
+    for (Module* usedModule : module->UsedModules()) {
+        used.push_back(std::make_unique<ModuleInstance>(*usedModule));
+        instance.Link(*used.back());
+    }
     if (!interpreter.StartEntry(*module->Compiled()->entry->code, &instance))
         return result;
     interpreter.PrepareRun(0);

@@ -111,3 +111,34 @@ TEST(RunTimeErrors, OverflowInAssignmentToInteger)
 
 } // namespace
 } // namespace brannoc
+
+namespace brannoc {
+namespace {
+
+TEST(UsedModules, CallsPublicProceduresWithTheirOwnModuleVariables)
+{
+    const std::string library = testing::JoinLines({"Public Count As Long", "Dim hidden As Integer",
+                                                    "Public Sub Bump(ByVal n As Long)", "  Count = Count + n",
+                                                    "  hidden = hidden + 1", "End Sub",
+                                                    "Public Function Hits() As Integer", "  Hits = hidden",
+                                                    "End Function"});
+    const auto result = testing::RunProgram(
+        testing::JoinLines({"'#Uses \"Lib\"", "Dim hidden As Integer", "Sub Main", "  Bump 5", "  Bump 2",
+                            "  hidden = 100", "  Debug.Print Count; Hits(); hidden", "End Sub"}),
+        {{"Lib", library}});
+    ASSERT_EQ(result.parse, ParseResult::Okay)
+        << (result.compileErrors.empty() ? std::string() : result.compileErrors.front().lineText);
+    EXPECT_TRUE(result.runErrors.empty());
+    EXPECT_EQ(result.output, L"7&2%100%\r\n");
+}
+
+TEST(UsedModules, PrivateProceduresOfUsedModulesAreNotVisible)
+{
+    const auto result = testing::RunProgram(
+        testing::JoinLines({"'#Uses \"Lib\"", "Sub Main", "  Secret", "End Sub"}),
+        {{"Lib", testing::JoinLines({"Private Sub Secret()", "End Sub"})}});
+    EXPECT_EQ(result.parse, ParseResult::SyntaxErrors);
+}
+
+} // namespace
+} // namespace brannoc
