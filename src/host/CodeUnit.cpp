@@ -467,7 +467,7 @@ HRESULT __stdcall CodeUnit::Load(BSTR macroName, VARIANT_BOOL* result)
     return Entered([&] {
         std::wstring name = Text(macroName);
         TraceEntry(L"Load", name);
-        ModuleStatus status = m_context->Modules().Load(AnsiFromWide(name));
+        ModuleStatus status = m_context->Modules().Load(m_context->Modules().MapName(AnsiFromWide(name)));
         ReportStatus(status, name);
         bool outcome = MessageForStatus(status).number == 0;
         TraceResult(outcome);
@@ -485,6 +485,7 @@ HRESULT __stdcall CodeUnit::Start(BSTR macroName, VARIANT_BOOL* result)
         std::string name;
         std::string command;
         ModuleManager::SplitStartText(AnsiFromWide(text), name, command);
+        name = m_context->Modules().MapName(name);
         ModuleStatus status = m_context->Modules().Start(name, command);
         ReportStatus(status, WideFromAnsi(name));
         bool outcome = MessageForStatus(status).number == 0;
@@ -500,7 +501,8 @@ HRESULT __stdcall CodeUnit::Unload(BSTR macroName, VARIANT_BOOL* result)
     return Entered([&] {
         std::wstring name = Text(macroName);
         TraceEntry(L"Unload", name);
-        bool outcome = m_context->Modules().Unload(AnsiFromWide(name)) == ModuleStatus::Unloaded;
+        ModuleManager& modules = m_context->Modules();
+        bool outcome = modules.Unload(modules.MapName(AnsiFromWide(name))) == ModuleStatus::Unloaded;
         TraceResult(outcome);
         if (result)
             *result = AsBool(outcome);
@@ -511,7 +513,9 @@ HRESULT __stdcall CodeUnit::Unload(BSTR macroName, VARIANT_BOOL* result)
 HRESULT __stdcall CodeUnit::Rename(BSTR oldMacroName, BSTR newMacroName, VARIANT_BOOL* result)
 {
     return Entered([&] {
-        bool outcome = m_context->Modules().Rename(AnsiFromWide(Text(oldMacroName)), AnsiFromWide(Text(newMacroName)));
+        ModuleManager& modules = m_context->Modules();
+        bool outcome = modules.Rename(modules.MapName(AnsiFromWide(Text(oldMacroName))),
+                                      modules.MapName(AnsiFromWide(Text(newMacroName))));
         if (result)
             *result = AsBool(outcome);
         return S_OK;
@@ -521,7 +525,8 @@ HRESULT __stdcall CodeUnit::Rename(BSTR oldMacroName, BSTR newMacroName, VARIANT
 HRESULT __stdcall CodeUnit::get_IsMacro(BSTR macroName, VARIANT_BOOL* result)
 {
     return Entered([&] {
-        *result = AsBool(m_context->Modules().Status(AnsiFromWide(Text(macroName))) != ModuleStatus::NotFound);
+        ModuleManager& modules = m_context->Modules();
+        *result = AsBool(modules.Status(modules.MapName(AnsiFromWide(Text(macroName)))) != ModuleStatus::NotFound);
         return S_OK;
     });
 }
@@ -529,7 +534,8 @@ HRESULT __stdcall CodeUnit::get_IsMacro(BSTR macroName, VARIANT_BOOL* result)
 HRESULT __stdcall CodeUnit::get_IsMacroActive(BSTR macroName, VARIANT_BOOL* result)
 {
     return Entered([&] {
-        *result = AsBool(m_context->Modules().IsActive(AnsiFromWide(Text(macroName))));
+        ModuleManager& modules = m_context->Modules();
+        *result = AsBool(modules.IsActive(modules.MapName(AnsiFromWide(Text(macroName)))));
         return S_OK;
     });
 }

@@ -1,4 +1,5 @@
 #include "host/ModuleManager.h"
+#include "exec/Activation.h"
 #include "exec/ModuleInstance.h"
 #include "exec/ProcedureCode.h"
 #include "host/CodeUnit.h"
@@ -71,6 +72,16 @@ ModuleManager::ModuleManager(EngineContext& context) : m_context(context) {}
 
 ModuleManager::~ModuleManager() = default;
 
+std::string ModuleManager::MapName(const std::string& name)
+{
+    IDispatch* callBack = m_context.CallBack();
+    std::wstring mapped;
+    if (!name.empty() && callBack &&
+        HostCallBack::MapMacroName(callBack, m_context.Owner().AsDispatch(), WideFromAnsi(name), std::wstring(), mapped))
+        return AnsiFromWide(mapped);
+    return name;
+}
+
 void ModuleManager::GiveText(const std::string& name, std::string text)
 {
     m_givenTexts[name] = std::move(text);
@@ -94,11 +105,29 @@ ModuleStatus ModuleManager::StatusOf(const Loaded* loaded, bool query)
     const int marker = machine.ExecutionMarker();
     if (marker < -2 || marker > 0)
         return ModuleStatus::Running;
-    // FIXME: activations do not name their module yet, so the module a run was started from stands for
-    // every module that takes part in it.
-    if (machine.RunLevel() != 0 && SameName(m_running, loaded->name))
-        return machine.RunLevel() > 0 ? ModuleStatus::Running : ModuleStatus::Paused;
-    return ModuleStatus::Idle;
+    if (machine.RunLevel() == 0)
+        return ModuleStatus::Idle;
+    // An activation running in an instance of the module (or of a module it uses) takes part in the run.
+    auto belongs = [&](const Activation* activation) {
+        const ModuleInstance* instance = activation->Instance();
+        if (!instance)
+            return false;
+        for (const auto& own : loaded->instances)
+            if (own.get() == instance || &own->OwnModule() == &instance->OwnModule())
+                return true;
+        return &instance->OwnModule() == loaded->module;
+    };
+    const Activation* innermost = machine.CurrentActivation();
+    bool inRun = SameName(m_running, loaded->name);
+    for (const Activation* activation = innermost; activation && !inRun; activation = activation->Caller())
+        inRun = belongs(activation);
+    for (const Activation* entry = machine.EntryActivations(); entry && !inRun; entry = entry->NextEntry())
+        inRun = belongs(entry);
+    if (!inRun)
+        return ModuleStatus::Idle;
+    if (machine.RunLevel() < 0 && innermost && (belongs(innermost) || innermost->Instance() == nullptr))
+        return ModuleStatus::Paused;
+    return ModuleStatus::Running;
 }
 
 ModuleStatus ModuleManager::Status(const std::string& name) { return StatusOf(Find(name), true); }

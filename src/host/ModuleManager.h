@@ -47,6 +47,10 @@ public:
     // The text to use, once, the next time the named module is read.
     void GiveText(const std::string& name, std::string text);
 
+    // The host's name for a name that comes from the host (its MapMacroName, with no base); the name
+    // itself when the callback has no such member.
+    std::string MapName(const std::string& name);
+
     ModuleStatus Status(const std::string& name);
     ModuleStatus Load(const std::string& name);
     ModuleStatus Start(const std::string& name, const std::string& command);

@@ -20,7 +20,11 @@ namespace {
 // call: the engine object first, then the member's own arguments.
 class FakeCallBack final : public IDispatch {
 public:
-    enum Member : DISPID { kDebugPrint = 1, kNotify, kReadMacro };
+    enum Member : DISPID { kDebugPrint = 1, kNotify, kReadMacro, kMapMacroName };
+
+    // MapMacroName is offered only when a prefix is set; it answers the prefix and the name.
+    std::wstring mapPrefix;
+    std::vector<std::pair<std::wstring, std::wstring>> mapped;
 
     std::map<std::wstring, std::wstring> macros;
     std::vector<std::wstring> printed;
@@ -54,12 +58,26 @@ public:
         std::wstring name = names[0];
         ids[0] = name == L"DebugPrint" ? kDebugPrint : name == L"Notify" ? kNotify
                : name == L"ReadMacro"  ? kReadMacro
+               : name == L"MapMacroName" && !mapPrefix.empty() ? kMapMacroName
                                        : DISPID_UNKNOWN;
         return ids[0] == DISPID_UNKNOWN ? DISP_E_UNKNOWNNAME : S_OK;
     }
     HRESULT __stdcall Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result,
                              EXCEPINFO*, UINT*) override
     {
+        if (member == kMapMacroName) {
+            if (parameters->cArgs != 3 || parameters->rgvarg[2].vt != VT_DISPATCH) {
+                ++badCalls;
+                return E_INVALIDARG;
+            }
+            std::wstring name(parameters->rgvarg[1].bstrVal, SysStringLen(parameters->rgvarg[1].bstrVal));
+            std::wstring base(parameters->rgvarg[0].bstrVal, SysStringLen(parameters->rgvarg[0].bstrVal));
+            mapped.emplace_back(name, base);
+            VariantInit(result);
+            result->vt = VT_BSTR;
+            result->bstrVal = SysAllocString((mapPrefix + name).c_str());
+            return S_OK;
+        }
         if (flags != DISPATCH_METHOD || parameters->cArgs != 2 || parameters->rgvarg[1].vt != VT_DISPATCH) {
             ++badCalls;
             return E_INVALIDARG;
@@ -444,6 +462,42 @@ TEST_F(ModuleManagerTest, TheCommandTextIsKeptWhileTheMacroRuns)
     EXPECT_EQ(L"my macro", ErrorText(&CodeUnit::get_MacroName));
     EXPECT_FALSE(Run());
     EXPECT_EQ("", unit->Context().Modules().CommandText());
+}
+
+TEST_F(ModuleManagerTest, NamesFromTheHostAndUsesNamesAreMappedByTheHost)
+{
+    callBack.mapPrefix = L"dir/";
+    callBack.macros[L"dir/main"] = L"'#Uses \"util\"\r\nSub Main\r\nEnd Sub\r\n";
+    callBack.macros[L"dir/util"] = L"Public Total As Integer\r\n";
+    EXPECT_TRUE(Load(L"main"));
+    EXPECT_EQ((std::vector<std::wstring>{L"dir/main", L"dir/util"}), callBack.reads);
+    ASSERT_EQ(2u, callBack.mapped.size());
+    EXPECT_EQ(std::make_pair(std::wstring(L"main"), std::wstring()), callBack.mapped[0]) << "no base for host names";
+    EXPECT_EQ(std::make_pair(std::wstring(L"util"), std::wstring(L"dir/main")), callBack.mapped[1]);
+    EXPECT_TRUE(IsMacro(L"main"));
+    EXPECT_EQ(L"dir/main", LoadedName(0));
+    EXPECT_EQ(0, callBack.badCalls);
+}
+
+TEST_F(ModuleManagerTest, AStoppedMacroIsPausedAndCannotBeReloaded)
+{
+    callBack.macros[L"m"] = L"Sub Main\r\n    Debug.Print \"Main of m\"\r\nEnd Sub\r\n";
+    callBack.macros[L"other"] = L"Sub Main\r\nEnd Sub\r\n";
+    ASSERT_TRUE(Start(L"m"));
+    EXPECT_TRUE(Load(L"other")) << "another module loads while m runs";
+    EXPECT_EQ(ModuleStatus::Idle, unit->Context().Modules().Status("other"));
+    EXPECT_EQ(ModuleStatus::Running, unit->Context().Modules().Status("m"));
+    VARIANT_BOOL stopped = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, unit->Stop(&stopped));
+    EXPECT_EQ(VARIANT_TRUE, stopped);
+    EXPECT_EQ(ModuleStatus::Paused, unit->Context().Modules().Status("m"));
+    EXPECT_TRUE(IsMacroActive(L"m"));
+    EXPECT_FALSE(IsMacroActive(L"other"));
+    EXPECT_FALSE(Load(L"m"));
+    EXPECT_EQ(10010, callBack.errorNumbers.back());
+    VARIANT_BOOL idle = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, unit->HaltAll(&idle));
+    EXPECT_EQ(ModuleStatus::Idle, unit->Context().Modules().Status("m"));
 }
 
 TEST(StartText, SplitsNameAndCommand)
