@@ -2,6 +2,7 @@
 
 #include "frontend/CharClasses.h"
 #include "frontend/ConstantReader.h"
+#include "exec/InterpreterHost.h"
 #include "frontend/Statements.h"
 #include "values/Conversion.h"
 #include "values/ValueCell.h"
@@ -232,6 +233,9 @@ private:
     [[nodiscard]] bool ParseName(Expression& out, bool* simpleVariable);
     [[nodiscard]] bool ParseCallArguments(Procedure& callee, Expression& out, bool parenthesised);
     void AppendBinary(Expression& out, OperationId op);
+    // Walks the postfix code with a stack of operand types; the first operator that refuses its operands
+    // reports "Operand/operator type mismatch.". Sets the expression's result type.
+    [[nodiscard]] bool TypeCheck(Expression& expression, std::size_t start);
     void AppendConstant(Expression& out, Variant value);
 
     // Names.
@@ -907,6 +911,10 @@ BodyParser::StatementPtr BodyParser::ParseExit()
     const Token word = m_lexer.Kind();
     auto jump = std::make_unique<JumpStatement>();
     jump->SetKeyword(TokenNumber(Token::Exit));
+    if (word == Token::All) {
+        m_lexer.NextToken();
+        return std::make_unique<EndStatement>(InterpreterHost::kActionEndAll);
+    }
     if (word == Token::For || word == Token::Do) {
         const BlockKind kind = word == Token::For ? BlockKind::For : BlockKind::Do;
         for (auto block = m_blocks.rbegin(); block != m_blocks.rend(); ++block) {
@@ -1250,6 +1258,7 @@ bool BodyParser::ParseCallArguments(Procedure& callee, Expression& out, bool par
     ExprOp call{ExprOpCode::kCall};
     call.index = m_code->AddCallee(&callee, ModuleOf(callee));
     call.count = static_cast<int>(count);
+    call.type = isFunction ? callee.result.code : TypeCode();
     out.ops.push_back(call);
     if (count > 0) {
         ExprOp pop{ExprOpCode::kPop};
@@ -1318,7 +1327,7 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
         if (!binary && first) {
             if (simpleVariable)
                 *simpleVariable = simple;
-            return true;
+            return TypeCheck(out, start);
         }
         first = false;
         popTo(binary ? binary->precedence : -1);
@@ -1340,6 +1349,66 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
     popTo(-1);
     if (simpleVariable)
         *simpleVariable = false;
+    return TypeCheck(out, start);
+}
+
+bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
+{
+    std::vector<TypeCode> types;
+    TypeCode pendingResult;
+    const TypeCode variant(TypeCode::kVariant);
+    auto refuses = [](TypeCode type) { return type.IsArray() || type.IsUserType(); };
+    for (std::size_t i = start; i < expression.ops.size(); ++i) {
+        const ExprOp& op = expression.ops[i];
+        switch (op.code) {
+        case ExprOpCode::kConstant:
+        case ExprOpCode::kLoad:
+        case ExprOpCode::kLoadRef: types.push_back(op.type); break;
+        case ExprOpCode::kMissing:
+        case ExprOpCode::kEmpty: types.push_back(variant); break;
+        case ExprOpCode::kCall: pendingResult = op.type; break;
+        case ExprOpCode::kPop:
+            types.resize(types.size() >= static_cast<std::size_t>(op.count) ? types.size() - op.count : 0);
+            if (!types.empty() && pendingResult != TypeCode())
+                types.back() = pendingResult;
+            pendingResult = TypeCode();
+            break;
+        case ExprOpCode::kPack:
+            types.resize(types.size() >= static_cast<std::size_t>(op.count) ? types.size() - op.count : 0);
+            types.push_back(variant.WithRank(1));
+            break;
+        case ExprOpCode::kUnary:
+            if (types.empty() || refuses(types.back())) {
+                m_lexer.SignalError(CompileMessage::OperandOperatorTypeMismatch);
+                return false;
+            }
+            break;
+        case ExprOpCode::kBinary: {
+            if (types.size() < 2) {
+                m_lexer.SignalError(CompileMessage::OperandOperatorTypeMismatch);
+                return false;
+            }
+            const TypeCode right = types.back();
+            types.pop_back();
+            const TypeCode left = types.back();
+            bool refused = refuses(left) || refuses(right);
+            if (op.op == OperationId::kIs)
+                refused = refused || !(left.IsObject() || left.IsVariant()) || !(right.IsObject() || right.IsVariant());
+            if (refused) {
+                m_lexer.SignalError(CompileMessage::OperandOperatorTypeMismatch);
+                return false;
+            }
+            if (IsComparison(op.op) || op.op == OperationId::kLike || op.op == OperationId::kIs)
+                types.back() = TypeCode(TypeCode::kBoolean);
+            else if (op.op == OperationId::kConcatenate)
+                types.back() = TypeCode(TypeCode::kString);
+            else
+                types.back() = left == right ? left : variant;
+            break;
+        }
+        }
+    }
+    expression.type = types.size() == 1 ? types.back() : variant;
     return true;
 }
 
@@ -1510,6 +1579,10 @@ bool BodyParser::ParseName(Expression& out, bool* simpleVariable)
             m_lexer.SignalError(CompileMessage::SubsCantBeUsedInExpressions, name);
             return false;
         }
+        if (suffix != TypeCode() && suffix != callee->result.code) {
+            m_lexer.SignalError(CompileMessage::FunctionIsDefinedWithADifferentValueType, name);
+            return false;
+        }
         const bool parenthesised = m_lexer.Accept(Token::LeftParen);
         if (!parenthesised && !callee->parameters.empty() &&
             !(callee->parameters[0].optional || callee->parameters[0].paramArray)) {
@@ -1532,6 +1605,7 @@ bool BodyParser::ParseName(Expression& out, bool* simpleVariable)
             ExprOp call{ExprOpCode::kCall};
             call.index = m_code->AddCallee(callee, ModuleOf(*callee));
             call.count = static_cast<int>(callee->parameters.size());
+            call.type = callee->result.code;
             out.ops.push_back(call);
             if (call.count > 0) {
                 ExprOp pop{ExprOpCode::kPop};

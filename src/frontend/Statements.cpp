@@ -318,7 +318,7 @@ bool SingleLineIfStatement::Step(ExecEntry& entry)
 
 bool EndStatement::Execute()
 {
-    (void)Interpreter::Current()->RequestAction(InterpreterHost::kActionEnd, 0);
+    (void)Interpreter::Current()->RequestAction(m_action, 0);
     return true;
 }
 

@@ -190,10 +190,14 @@ private:
     std::unique_ptr<StatementList> m_else;
 };
 
-// End: ends the run through the engine's control operation.
+// End (and Exit All): ends the run through the engine's control operation.
 class EndStatement final : public Statement {
 public:
+    explicit EndStatement(int action = 3) : m_action(action) {}
     [[nodiscard]] bool Execute() override;
+
+private:
+    int m_action;
 };
 
 // A label line with a statement after the label: runs the statement.

@@ -68,6 +68,17 @@ const ErrorCase kErrorCases[] = {
     {"ForCounterNotNumeric", {"Sub Main", "  Dim s As String", "  For s = 1 To 2", "  Next", "End Sub"},
      CompileMessage::ExpectingAScalarNumberVar, 3},
     {"LetWithoutAssignment", {"Sub S", "End Sub", "Sub Main", "  Let S", "End Sub"}, CompileMessage::InvalidLetSyntax, 4},
+    {"ArrayInArithmetic", {"Dim a(3) As Integer", "Sub Main", "  Debug.Print a + 1", "End Sub"},
+     CompileMessage::OperandOperatorTypeMismatch, 3},
+    {"NegatedArray", {"Dim a(3) As Integer", "Sub Main", "  x = -a", "End Sub"},
+     CompileMessage::OperandOperatorTypeMismatch, 3},
+    {"IsWithNumbers", {"Sub Main", "  Dim i As Integer", "  Debug.Print i Is 1", "End Sub"},
+     CompileMessage::OperandOperatorTypeMismatch, 3},
+    {"ArrayAsDebugItem", {"Dim a(3) As Integer", "Sub Main", "  Debug.Print a", "End Sub"},
+     CompileMessage::ExpectingASimpleExpression, 3},
+    {"CallSuffixDisagreesWithResult",
+     {"Function F() As Integer", "End Function", "Sub Main", "  Debug.Print F$()", "End Sub"},
+     CompileMessage::FunctionIsDefinedWithADifferentValueType, 4},
     {"SuffixDisagreesWithDeclaration", {"Sub Main", "  Dim a As Integer", "  a$ = \"x\"", "End Sub"},
      CompileMessage::VarIsAlreadyDefinedAsADifferentType, 3},
 };
@@ -90,6 +101,15 @@ TEST(RunTimeErrors, DivisionByZeroIsReportedAndStopsTheRun)
     EXPECT_EQ(result.output, L"1%\r\n");
     ASSERT_EQ(result.runErrors.size(), 1u);
     EXPECT_NE(result.runErrors.front().number, 0);
+}
+
+TEST(EndStatements, ExitAllEndsTheRunFromInsideACall)
+{
+    const auto result = RunProgram(JoinLines({"Sub Inner", "  Debug.Print 1", "  Exit All", "  Debug.Print 2",
+                                              "End Sub", "Sub Main", "  Inner", "  Debug.Print 3", "End Sub"}));
+    ASSERT_EQ(result.parse, ParseResult::Okay);
+    EXPECT_EQ(result.output, L"1%\r\n");
+    EXPECT_TRUE(result.finished);
 }
 
 TEST(RunTimeErrors, FoldingErrorIsLeftToRunTime)
