@@ -6,6 +6,7 @@
 #include "host/CodeUnit.h"
 #include "host/EntryGuard.h"
 #include "host/ModuleManager.h"
+#include "support/MessageBoxCapture.h"
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
@@ -498,6 +499,39 @@ TEST_F(ModuleManagerTest, AStoppedMacroIsPausedAndCannotBeReloaded)
     VARIANT_BOOL idle = VARIANT_FALSE;
     EXPECT_EQ(S_OK, unit->HaltAll(&idle));
     EXPECT_EQ(ModuleStatus::Idle, unit->Context().Modules().Status("m"));
+}
+
+TEST(DefaultCallBack, DebugPrintShowsATaskModalBoxAndReadMacroReadsAFile)
+{
+    CodeUnit* unit = static_cast<CodeUnit*>(static_cast<_CodeUnit*>(KZ_CreateCodeUnit()));
+    ASSERT_NE(nullptr, unit);
+    {
+        brannoc::test::MessageBoxCapture capture;
+        unit->Context().DebugPrint(L"printed\r\n");
+        std::vector<brannoc::test::CapturedMessageBox> boxes = capture.Boxes();
+        ASSERT_EQ(1u, boxes.size());
+        EXPECT_EQ(L"Debug.Print", boxes[0].caption);
+        EXPECT_EQ(L"printed\r\n", boxes[0].text);
+        EXPECT_EQ(static_cast<UINT>(MB_OK), boxes[0].buttons);
+    }
+    // Without a callback the macro name is a file name; the text ends at an end-of-file character.
+    wchar_t folder[MAX_PATH];
+    wchar_t path[MAX_PATH];
+    ASSERT_NE(0u, GetTempPathW(MAX_PATH, folder));
+    ASSERT_NE(0u, GetTempFileNameW(folder, L"bbm", 0, path));
+    const char text[] = "Sub Main\r\nEnd Sub\r\n\x1Anot Basic at all";
+    HANDLE file = CreateFileW(path, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    ASSERT_NE(INVALID_HANDLE_VALUE, file);
+    DWORD written = 0;
+    WriteFile(file, text, sizeof text - 1, &written, nullptr);
+    CloseHandle(file);
+    BSTR name = SysAllocString(path);
+    VARIANT_BOOL loaded = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, unit->Load(name, &loaded));
+    EXPECT_EQ(VARIANT_TRUE, loaded);
+    SysFreeString(name);
+    DeleteFileW(path);
+    unit->Release();
 }
 
 TEST(StartText, SplitsNameAndCommand)
