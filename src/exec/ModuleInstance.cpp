@@ -32,13 +32,58 @@ void InitializeTypedSlot(VARIANT& storage, unsigned short code)
     }
 }
 
+VARTYPE ArrayElementTag(unsigned short code)
+{
+    const TypeCode element = TypeCode(code).Scalar();
+    if (element.IsUserType())
+        return VT_EMPTY;
+    if (element.IsFixedString())
+        return VT_BSTR;
+    return static_cast<VARTYPE>(element.ValueTag());
+}
+
+bool InitializeArraySlot(VARIANT& storage, unsigned short code, const long* lower, const long* upper,
+                         std::size_t dimensions)
+{
+    VariantInit(&storage);
+    const VARTYPE tag = ArrayElementTag(code);
+    if (dimensions == 0 || tag == VT_EMPTY)
+        return true;
+    SAFEARRAYBOUND bounds[8];
+    for (std::size_t i = 0; i < dimensions && i < 8; ++i) {
+        bounds[i].lLbound = lower[i];
+        bounds[i].cElements = static_cast<ULONG>(upper[i] - lower[i] + 1);
+    }
+    SAFEARRAY* array = SafeArrayCreate(tag, static_cast<UINT>(dimensions), bounds);
+    if (!array)
+        return false;
+    // New elements are zero bits: 0, a null (empty) string, Nothing, Empty.
+    storage.vt = static_cast<VARTYPE>(VT_ARRAY | tag);
+    storage.parray = array;
+    return true;
+}
+
 ModuleInstance::ModuleInstance(Module& module) : m_module(&module)
 {
     const CompiledModule* compiled = module.Compiled();
     m_count = compiled ? compiled->variables.size() : 0;
     m_slots = std::make_unique<VARIANT[]>(m_count > 0 ? m_count : 1);
-    for (std::size_t i = 0; i < m_count; ++i)
-        InitializeTypedSlot(m_slots[i], compiled->variables[i]->type.code.Code());
+    for (std::size_t i = 0; i < m_count; ++i) {
+        const Variable& variable = *compiled->variables[i];
+        if (!variable.type.code.IsArray()) {
+            InitializeTypedSlot(m_slots[i], variable.type.code.Code());
+            continue;
+        }
+        long lower[8] = {};
+        long upper[8] = {};
+        const std::size_t dimensions = variable.bounds.size() < 8 ? variable.bounds.size() : 8;
+        for (std::size_t d = 0; d < dimensions; ++d) {
+            lower[d] = variable.bounds[d].lower;
+            upper[d] = variable.bounds[d].upper;
+        }
+        if (!InitializeArraySlot(m_slots[i], variable.type.code.Code(), lower, upper, dimensions))
+            VariantInit(&m_slots[i]);
+    }
     s_live.push_back(this);
 }
 

@@ -51,4 +51,14 @@ private:
 // 0 for numbers, False, an empty String, Nothing, Empty for Variants.
 void InitializeTypedSlot(VARIANT& storage, unsigned short code);
 
+// The element kind of an array variable of type code `code`: VT_VARIANT, VT_BSTR, VT_DISPATCH or a
+// numeric kind; VT_EMPTY for records, which arrays do not hold yet.
+VARTYPE ArrayElementTag(unsigned short code);
+
+// Sets storage (a cleared slot) to a fixed array with dimensions (lower, upper) pairs, each element at
+// its zero value; a slot without dimensions stays Empty (a dynamic array that is not dimensioned).
+// False when the array could not be made.
+[[nodiscard]] bool InitializeArraySlot(VARIANT& storage, unsigned short code, const long* lower, const long* upper,
+                                       std::size_t dimensions);
+
 } // namespace brannoc

@@ -170,6 +170,7 @@ struct Block {
     VariableRef counter;
     int endSlot = -1;
     int stepSlot = -1;
+    bool isEach = false;
 };
 
 std::string_view BlockWord(BlockKind kind)
@@ -247,6 +248,11 @@ private:
     const Module* ModuleOf(const Procedure& procedure) const;
     bool FindUsedVariable(const std::string& upperName, VariableRef& ref) const;
     [[nodiscard]] bool ReadType(TypeCode& type);
+    [[nodiscard]] bool ReadBounds(std::vector<std::pair<long, long>>& bounds);
+    // After "(" of an element reference: the indexes up to ")"; count receives their number.
+    [[nodiscard]] bool ParseIndexes(Expression& out, int& count);
+    [[nodiscard]] bool ParseBound(Expression& out, bool upper);
+    StatementPtr ParseForEach();
     bool NextIsColonEqual() const;
     bool ParenthesisedToEnd() const;
 
@@ -701,10 +707,8 @@ BodyParser::StatementPtr BodyParser::ParseCase()
 BodyParser::StatementPtr BodyParser::ParseFor()
 {
     m_lexer.NextToken();
-    if (m_lexer.Kind() == Token::Each) {
-        m_lexer.SignalError(CompileMessage::ThisLanguageFeatureHasBeenDisabled, "For Each");
-        return nullptr;
-    }
+    if (m_lexer.Accept(Token::Each))
+        return ParseForEach();
     if (!IsNameToken(m_lexer.Kind())) {
         m_lexer.SignalError(CompileMessage::ExpectingAScalarNumberVar);
         return nullptr;
@@ -715,7 +719,7 @@ BodyParser::StatementPtr BodyParser::ParseFor()
     bool found = false;
     if (!ResolveVariable(name, suffix, counter, found))
         return nullptr;
-    if (!found || counter.type.IsArray() || !(counter.type.IsNumeric() || counter.type.IsVariant())) {
+    if (counter.type.IsArray() || !(counter.type.IsNumeric() || counter.type.IsVariant())) {
         m_lexer.SignalError(CompileMessage::ExpectingAScalarNumberVar);
         return nullptr;
     }
@@ -745,6 +749,43 @@ BodyParser::StatementPtr BodyParser::ParseFor()
     return statement;
 }
 
+BodyParser::StatementPtr BodyParser::ParseForEach()
+{
+    if (!IsNameToken(m_lexer.Kind())) {
+        m_lexer.SignalError(CompileMessage::ExpectingAVarName);
+        return nullptr;
+    }
+    const std::string name = ReadName();
+    const TypeCode suffix = ReadSuffix();
+    VariableRef element;
+    bool found = false;
+    if (!ResolveVariable(name, suffix, element, found))
+        return nullptr;
+    if (element.type.IsArray()) {
+        m_lexer.SignalError(CompileMessage::NotExpectingAnArrayVar);
+        return nullptr;
+    }
+    if (!m_lexer.ExpectToken(Token::In))
+        return nullptr;
+    Expression group;
+    if (!ParseExpression(group))
+        return nullptr;
+    const int arraySlot = m_code->AddSlot(TypeCode(TypeCode::kVariant));
+    const int positionSlot = m_code->AddSlot(TypeCode(TypeCode::kVariant));
+    auto statement = std::make_unique<ForEachStatement>(element, std::move(group), arraySlot, positionSlot);
+    statement->SetKeyword(TokenNumber(Token::For));
+    Block block{BlockKind::For};
+    block.index = CurrentIndex();
+    block.opener = statement.get();
+    block.counterName = Upper(name);
+    block.counter = element;
+    block.endSlot = arraySlot;
+    block.stepSlot = positionSlot;
+    block.isEach = true;
+    m_blocks.push_back(block);
+    return statement;
+}
+
 BodyParser::StatementPtr BodyParser::ParseNext()
 {
     m_lexer.NextToken();
@@ -766,10 +807,16 @@ BodyParser::StatementPtr BodyParser::ParseNext()
                 return nullptr;
             }
         }
-        auto next = std::make_unique<NextStatement>(block->counter, block->endSlot, block->stepSlot, block->index + 1);
+        StatementPtr next;
+        if (block->isEach) {
+            next = std::make_unique<NextEachStatement>(block->counter, block->endSlot, block->stepSlot, block->index + 1);
+            static_cast<ForEachStatement*>(block->opener)->SetExitTarget(index + 1);
+        } else {
+            next = std::make_unique<NextStatement>(block->counter, block->endSlot, block->stepSlot, block->index + 1);
+            static_cast<ForStatement*>(block->opener)->SetExitTarget(index + 1);
+        }
         next->SetKeyword(TokenNumber(Token::Next));
         next->SetOwner(m_code);
-        static_cast<ForStatement*>(block->opener)->SetExitTarget(index + 1);
         CloseBlock(*block, index);
         m_blocks.pop_back();
         if (++count == 1) {
@@ -999,6 +1046,36 @@ bool BodyParser::ReadType(TypeCode& type)
     return true;
 }
 
+// After "(": lower and upper bounds (constant whole numbers) up to ")"; none for a dynamic array.
+bool BodyParser::ReadBounds(std::vector<std::pair<long, long>>& bounds)
+{
+    if (m_lexer.Accept(Token::RightParen))
+        return true;
+    ConstantReader reader(m_lexer, &m_state);
+    do {
+        long long first = 0;
+        if (!reader.ReadInteger(first))
+            return false;
+        std::pair<long, long> dimension{m_module.OptionBase(), static_cast<long>(first)};
+        if (m_lexer.Accept(Token::To)) {
+            long long upper = 0;
+            if (!reader.ReadInteger(upper))
+                return false;
+            dimension = {static_cast<long>(first), static_cast<long>(upper)};
+        }
+        if (dimension.first > dimension.second) {
+            m_lexer.SignalError(CompileMessage::LowerBoundIsLargerThanUpperBound);
+            return false;
+        }
+        if (bounds.size() == TypeCode::kMaxRank) {
+            m_lexer.SignalError(CompileMessage::TooManyDimensions);
+            return false;
+        }
+        bounds.push_back(dimension);
+    } while (m_lexer.Accept(Token::Comma));
+    return m_lexer.ExpectToken(Token::RightParen);
+}
+
 BodyParser::StatementPtr BodyParser::ParseDim(bool isStatic)
 {
     m_lexer.NextToken();
@@ -1009,9 +1086,12 @@ BodyParser::StatementPtr BodyParser::ParseDim(bool isStatic)
         }
         const std::string name = ReadName();
         TypeCode type = ReadSuffix();
-        if (m_lexer.Kind() == Token::LeftParen) {
-            m_lexer.SignalError(CompileMessage::ThisLanguageFeatureHasBeenDisabled, "arrays");
-            return nullptr;
+        std::vector<std::pair<long, long>> bounds;
+        bool isArray = false;
+        if (m_lexer.Accept(Token::LeftParen)) {
+            isArray = true;
+            if (!ReadBounds(bounds))
+                return nullptr;
         }
         if (m_lexer.Accept(Token::As)) {
             if (type != TypeCode()) {
@@ -1030,10 +1110,26 @@ BodyParser::StatementPtr BodyParser::ParseDim(bool isStatic)
             return nullptr;
         }
         LocalSymbol symbol;
-        if (isStatic)
+        if (isArray) {
+            if (type.IsUserType()) {
+                m_lexer.SignalError(CompileMessage::ArrayOfStringNOrUserDefinedTypeNotAllowed);
+                return nullptr;
+            }
+            type = type.WithRank(bounds.empty() ? TypeCode::kDynamicRank : static_cast<int>(bounds.size()));
+            int index = 0;
+            if (!isStatic)
+                symbol.ref = VariableRef{StorageScope::Local, m_code->AddArraySlot(type, bounds), type};
+            else if (m_code->AddStaticArray(type, bounds, index))
+                symbol.ref = VariableRef{StorageScope::Static, index, type};
+            else {
+                m_lexer.SignalError(CompileMessage::ArrayHasTooManyElements);
+                return nullptr;
+            }
+        } else if (isStatic) {
             symbol.ref = VariableRef{StorageScope::Static, m_code->AddStatic(type), type};
-        else
+        } else {
             symbol.ref = VariableRef{StorageScope::Local, m_code->AddSlot(type), type};
+        }
         m_locals[key] = symbol;
     } while (m_lexer.Accept(Token::Comma));
     return Declaration();
@@ -1152,7 +1248,19 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(bool requireAssignmen
     if (!ResolveVariable(name, suffix, target, found))
         return nullptr;
     if (m_lexer.Kind() == Token::LeftParen) {
-        m_lexer.SignalError(CompileMessage::ExpectingAnAlreadyDimensionedArray);
+        if (!found || (!target.type.IsArray() && !target.type.IsVariant())) {
+            m_lexer.SignalError(CompileMessage::ExpectingAnAlreadyDimensionedArray);
+            return nullptr;
+        }
+        m_lexer.NextToken();
+        Expression code;
+        int count = 0;
+        if (!ParseIndexes(code, count) || !m_lexer.ExpectToken(Token::Equal) || !ParseExpression(code))
+            return nullptr;
+        return std::make_unique<AssignElementStatement>(std::move(code), target, count);
+    }
+    if (target.type.IsArray()) {
+        m_lexer.SignalError(CompileMessage::NotExpectingAnArrayVar);
         return nullptr;
     }
     if (!m_lexer.ExpectToken(Token::Equal))
@@ -1377,6 +1485,12 @@ bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
             types.resize(types.size() >= static_cast<std::size_t>(op.count) ? types.size() - op.count : 0);
             types.push_back(variant.WithRank(1));
             break;
+        case ExprOpCode::kElement:
+        case ExprOpCode::kLowerBound:
+        case ExprOpCode::kUpperBound:
+            types.resize(types.size() >= static_cast<std::size_t>(op.count) ? types.size() - op.count : 0);
+            types.push_back(op.type);
+            break;
         case ExprOpCode::kUnary:
             if (types.empty() || refuses(types.back())) {
                 m_lexer.SignalError(CompileMessage::OperandOperatorTypeMismatch);
@@ -1541,6 +1655,8 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
         out.ops.push_back(op);
         return true;
     }
+    case Token::LBound:
+    case Token::UBound: return ParseBound(out, word == Token::UBound);
     case Token::Dot:
         m_lexer.SignalError(m_blocks.empty() || [&] {
             for (const Block& block : m_blocks) {
@@ -1636,8 +1752,23 @@ bool BodyParser::ParseName(Expression& out, bool* simpleVariable)
     if (!ResolveVariable(name, suffix, ref, found))
         return false;
     if (m_lexer.Kind() == Token::LeftParen) {
-        m_lexer.SignalError(CompileMessage::ExpectingAnAlreadyDimensionedArray);
-        return false;
+        if (!found || (!ref.type.IsArray() && !ref.type.IsVariant())) {
+            m_lexer.SignalError(CompileMessage::ExpectingAnAlreadyDimensionedArray);
+            return false;
+        }
+        m_lexer.NextToken();
+        int count = 0;
+        if (!ParseIndexes(out, count))
+            return false;
+        ExprOp element{ExprOpCode::kElement};
+        element.scope = ref.scope;
+        element.index = ref.index;
+        element.module = ref.module;
+        element.count = count;
+        element.type = ref.type.IsArray() ? ref.type.Scalar() : TypeCode(TypeCode::kVariant);
+        // The checker sees the indexes replaced by one value of the element's type.
+        out.ops.push_back(element);
+        return true;
     }
     ExprOp op{ExprOpCode::kLoad};
     op.scope = ref.scope;
@@ -1648,6 +1779,55 @@ bool BodyParser::ParseName(Expression& out, bool* simpleVariable)
     out.type = ref.type;
     *simpleVariable = true;
     return true;
+}
+
+bool BodyParser::ParseIndexes(Expression& out, int& count)
+{
+    count = 0;
+    do {
+        if (!ParseExpression(out))
+            return false;
+        ++count;
+    } while (m_lexer.Accept(Token::Comma));
+    if (count > TypeCode::kMaxRank) {
+        m_lexer.SignalError(CompileMessage::TooManyDimensions);
+        return false;
+    }
+    return m_lexer.ExpectToken(Token::RightParen);
+}
+
+// LBound(array [, dimension]) and UBound(array [, dimension]).
+bool BodyParser::ParseBound(Expression& out, bool upper)
+{
+    m_lexer.NextToken();
+    if (!m_lexer.ExpectToken(Token::LeftParen))
+        return false;
+    if (!IsNameToken(m_lexer.Kind())) {
+        m_lexer.SignalError(CompileMessage::ExpectingAnArrayVar);
+        return false;
+    }
+    const std::string name = ReadName();
+    const TypeCode suffix = ReadSuffix();
+    VariableRef ref;
+    bool found = false;
+    if (!ResolveVariable(name, suffix, ref, found))
+        return false;
+    if (!ref.type.IsArray() && !ref.type.IsVariant()) {
+        m_lexer.SignalError(CompileMessage::ExpectingAnArrayVar);
+        return false;
+    }
+    ExprOp bound{upper ? ExprOpCode::kUpperBound : ExprOpCode::kLowerBound};
+    bound.scope = ref.scope;
+    bound.index = ref.index;
+    bound.module = ref.module;
+    bound.type = TypeCode(TypeCode::kLong);
+    if (m_lexer.Accept(Token::Comma)) {
+        if (!ParseExpression(out))
+            return false;
+        bound.count = 1;
+    }
+    out.ops.push_back(bound);
+    return m_lexer.ExpectToken(Token::RightParen);
 }
 
 std::string BodyParser::ReadName()
@@ -1765,6 +1945,7 @@ bool BodyParser::ResolveVariable(const std::string& name, TypeCode suffix, Varia
         return false;
     }
     // Implicit declaration: a local of the suffix's type or the letter's default type.
+    found = false;
     const TypeCode type = suffix != TypeCode() ? suffix : m_module.DefaultTypeFor(name);
     LocalSymbol symbol;
     symbol.ref = VariableRef{StorageScope::Local, m_code->AddSlot(type), type};

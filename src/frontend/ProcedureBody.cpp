@@ -10,6 +10,7 @@
 #include "values/ValueError.h"
 
 #include <cstddef>
+#include <cstring>
 
 namespace brannoc {
 
@@ -48,7 +49,7 @@ void MakeReference(Variant& target, VARIANT* storage, TypeCode type)
 {
     SAFEARRAY* array = SafeArrayCreateVector(VT_VARIANT, 0, static_cast<ULONG>(count));
     if (!array)
-        return RaiseValueError(7);
+        return RaiseValueError(10001);
     const std::size_t first = values.Size() - static_cast<std::size_t>(count);
     {
         SafeArrayLock lock(array);
@@ -67,10 +68,27 @@ void MakeReference(Variant& target, VARIANT* storage, TypeCode type)
     Variant* slot = values.Push();
     if (!slot) {
         SafeArrayDestroy(array);
-        return RaiseValueError(7);
+        return RaiseValueError(10001);
     }
     slot->SetArray(array, VT_VARIANT);
     return true;
+}
+
+// Bytes of the payload of an array element of kind tag.
+std::size_t PayloadSize(VARTYPE tag)
+{
+    switch (tag) {
+    case VT_UI1: return 1;
+    case VT_I2:
+    case VT_BOOL: return 2;
+    case VT_I4:
+    case VT_R4:
+    case VT_BSTR:
+    case VT_DISPATCH:
+    case VT_UNKNOWN:
+    case VT_ERROR: return 4;
+    default: return 8;
+    }
 }
 
 } // namespace
@@ -87,7 +105,7 @@ VARIANT* StorageOf(const RunContext& context, StorageScope scope, int index, con
         if (instance && module)
             instance = instance->Find(*module);
         if (!instance || static_cast<std::size_t>(index) >= instance->VariableCount()) {
-            (void)context.interpreter->SignalError(91);
+            (void)context.interpreter->SignalError(10013);
             return nullptr;
         }
         return &instance->Slot(static_cast<std::size_t>(index));
@@ -180,7 +198,7 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
         case ExprOpCode::kCall: {
             Procedure* callee = context.procedure->CalleeAt(op.index);
             if (!callee->code)
-                return (void)context.interpreter->SignalError(10029), EvalStatus::kFailed;
+                return (void)context.interpreter->SignalError(10018), EvalStatus::kFailed;
             ModuleInstance* instance = context.activation->Instance();
             if (const Module* module = context.procedure->CalleeModuleAt(op.index); module && instance)
                 instance = instance->Find(*module);
@@ -196,9 +214,132 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             if (!PackArray(values, op.count))
                 return EvalStatus::kFailed;
             break;
+        case ExprOpCode::kElement: {
+            VARIANT* storage = StorageOf(context, op.scope, op.index, op.module);
+            VARTYPE tag = VT_EMPTY;
+            void* element = storage ? ElementOf(context, storage, op.count, tag) : nullptr;
+            if (!element)
+                return EvalStatus::kFailed;
+            Variant value;
+            if (!LoadElement(element, tag, value))
+                return EvalStatus::kFailed;
+            values.CutBack(values.Size() - static_cast<std::size_t>(op.count));
+            Variant* slot = values.Push();
+            if (!slot)
+                return (void)context.interpreter->RaiseOutOfMemory(), EvalStatus::kFailed;
+            *slot = std::move(value);
+            break;
+        }
+        case ExprOpCode::kLowerBound:
+        case ExprOpCode::kUpperBound: {
+            VARIANT* storage = StorageOf(context, op.scope, op.index, op.module);
+            if (!storage)
+                return EvalStatus::kFailed;
+            SAFEARRAY* array = ArrayOf(storage);
+            if (!array)
+                return (void)context.interpreter->SignalError(10022), EvalStatus::kFailed;
+            LONG dimension = 1;
+            if (op.count == 1) {
+                Variant& number = values.Top();
+                if (number.Tag() != VT_I4 && !ChangeType(number, VT_I4))
+                    return EvalStatus::kFailed;
+                dimension = number.Long();
+                values.Pop();
+            }
+            LONG bound = 0;
+            const HRESULT status = op.code == ExprOpCode::kLowerBound
+                                       ? SafeArrayGetLBound(array, static_cast<UINT>(dimension), &bound)
+                                       : SafeArrayGetUBound(array, static_cast<UINT>(dimension), &bound);
+            if (dimension < 1 || FAILED(status))
+                return (void)context.interpreter->SignalError(10023), EvalStatus::kFailed;
+            Variant* slot = values.Push();
+            if (!slot)
+                return (void)context.interpreter->RaiseOutOfMemory(), EvalStatus::kFailed;
+            slot->SetLong(bound);
+            break;
+        }
         }
     }
     return HaltFlags::MustStop() ? EvalStatus::kFailed : EvalStatus::kDone;
+}
+
+SAFEARRAY* ArrayOf(VARIANT* storage)
+{
+    VARIANT* value = FollowByRefChain(storage);
+    if ((value->vt & VT_ARRAY) == 0)
+        return nullptr;
+    return (value->vt & VT_BYREF) != 0 ? (value->pparray ? *value->pparray : nullptr) : value->parray;
+}
+
+void* ElementOf(const RunContext& context, VARIANT* storage, int count, VARTYPE& tag)
+{
+    VARIANT* value = FollowByRefChain(storage);
+    if ((value->vt & VT_ARRAY) == 0) {
+        (void)context.interpreter->SignalError(value->vt == VT_EMPTY ? 10022 : 10080);
+        return nullptr;
+    }
+    SAFEARRAY* array = ArrayOf(value);
+    if (!array) {
+        (void)context.interpreter->SignalError(10022);
+        return nullptr;
+    }
+    if (static_cast<int>(SafeArrayGetDim(array)) != count) {
+        (void)context.interpreter->SignalError(10025);
+        return nullptr;
+    }
+    ValueStack& values = context.interpreter->Values();
+    LONG indexes[8] = {};
+    const std::size_t first = values.Size() - static_cast<std::size_t>(count);
+    for (int i = 0; i < count && i < 8; ++i) {
+        Variant& index = values.At(first + static_cast<std::size_t>(i));
+        if (index.Tag() != VT_I4 && !ChangeType(index, VT_I4))
+            return nullptr;
+        indexes[i] = index.Long();
+    }
+    void* element = nullptr;
+    if (FAILED(SafeArrayPtrOfIndex(array, indexes, &element))) {
+        (void)context.interpreter->SignalError(10023);
+        return nullptr;
+    }
+    tag = static_cast<VARTYPE>(value->vt & VT_TYPEMASK);
+    return element;
+}
+
+bool LoadElement(const void* element, VARTYPE tag, Variant& target)
+{
+    if (tag == VT_VARIANT)
+        return target.CopyIndirectFrom(*static_cast<const VARIANT*>(element)) || RaiseValueError(10090);
+    VARIANT view;
+    VariantInit(&view);
+    if (tag == VT_DECIMAL)
+        view.decVal = *static_cast<const DECIMAL*>(element);
+    else
+        std::memcpy(reinterpret_cast<char*>(&view) + kPayloadOffset, element, PayloadSize(tag));
+    view.vt = tag;
+    return target.CopyFrom(view) || RaiseValueError(10001);
+}
+
+bool StoreElement(void* element, VARTYPE tag, const Variant& value)
+{
+    if (tag == VT_VARIANT)
+        return StorageCell(VT_VARIANT).Store(*static_cast<VARIANT*>(element), value);
+    // Typed storage: a VARIANT of the element's kind around the element's payload.
+    VARIANT slot;
+    VariantInit(&slot);
+    if (tag == VT_DECIMAL)
+        slot.decVal = *static_cast<DECIMAL*>(element);
+    else
+        std::memcpy(reinterpret_cast<char*>(&slot) + kPayloadOffset, element, PayloadSize(tag));
+    slot.vt = tag;
+    if (!StorageCell(tag).Store(slot, value))
+        return false;
+    if (tag == VT_DECIMAL) {
+        slot.vt = 0;
+        *static_cast<DECIMAL*>(element) = slot.decVal;
+    } else {
+        std::memcpy(element, reinterpret_cast<char*>(&slot) + kPayloadOffset, PayloadSize(tag));
+    }
+    return true;
 }
 
 RunContext Statement::Context() const
@@ -242,8 +383,21 @@ bool CompiledProcedure::IsEmptyStatement(int index) const
 bool CompiledProcedure::InitializeLocals(void* frame)
 {
     auto* slots = static_cast<VARIANT*>(frame);
-    for (std::size_t i = m_parameters.size(); i < m_slotTypes.size(); ++i)
-        InitializeTypedSlot(slots[i], m_slotTypes[i].Code());
+    for (std::size_t i = m_parameters.size(); i < m_slotTypes.size(); ++i) {
+        const auto& bounds = m_slotBounds[i];
+        if (bounds.empty()) {
+            InitializeTypedSlot(slots[i], m_slotTypes[i].Code());
+            continue;
+        }
+        long lower[8] = {};
+        long upper[8] = {};
+        for (std::size_t d = 0; d < bounds.size() && d < 8; ++d) {
+            lower[d] = bounds[d].first;
+            upper[d] = bounds[d].second;
+        }
+        if (!InitializeArraySlot(slots[i], m_slotTypes[i].Code(), lower, upper, bounds.size()))
+            return Interpreter::Current() ? Interpreter::Current()->SignalError(10021) : false;
+    }
     return true;
 }
 
@@ -306,7 +460,31 @@ void CompiledProcedure::ClearLocals(void* frame)
 int CompiledProcedure::AddSlot(TypeCode type)
 {
     m_slotTypes.push_back(type);
+    m_slotBounds.emplace_back();
     return static_cast<int>(m_slotTypes.size()) - 1;
+}
+
+int CompiledProcedure::AddArraySlot(TypeCode type, std::vector<std::pair<long, long>> bounds)
+{
+    const int slot = AddSlot(type);
+    m_slotBounds.back() = std::move(bounds);
+    return slot;
+}
+
+bool CompiledProcedure::AddStaticArray(TypeCode type, const std::vector<std::pair<long, long>>& bounds, int& index)
+{
+    long lower[8] = {};
+    long upper[8] = {};
+    for (std::size_t d = 0; d < bounds.size() && d < 8; ++d) {
+        lower[d] = bounds[d].first;
+        upper[d] = bounds[d].second;
+    }
+    VARIANT value;
+    if (!InitializeArraySlot(value, type.Code(), lower, upper, bounds.size()))
+        return false;
+    m_statics.push_back(value);
+    index = static_cast<int>(m_statics.size()) - 1;
+    return true;
 }
 
 int CompiledProcedure::AddStatic(TypeCode type)

@@ -14,6 +14,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <utility>
 #include <string>
 #include <vector>
 
@@ -47,6 +48,9 @@ enum class ExprOpCode : std::uint8_t {
     kCall,       // call callee `index` with `count` arguments on the stack; yields
     kPop,        // drop `count` values
     kPack,       // pack the top `count` values into a Variant array (ParamArray)
+    kElement,    // replace the top `count` indexes by the element of an array variable
+    kLowerBound, // LBound/UBound of an array variable; `count` 1 when a dimension number is on the stack
+    kUpperBound,
 };
 
 struct ExprOp {
@@ -82,6 +86,15 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
 VARIANT* StorageOf(const RunContext& context, StorageScope scope, int index, const Module* module = nullptr);
 // Stores value into the variable with its declared type's conversion.
 [[nodiscard]] bool StoreVariable(const RunContext& context, const VariableRef& target, const Variant& value);
+// The element of the array held by storage at the `count` indexes on top of the value stack (left to
+// right); null after raising an error. tag receives the element kind.
+void* ElementOf(const RunContext& context, VARIANT* storage, int count, VARTYPE& tag);
+// Copies an element of kind tag into target; stores value into an element of kind tag.
+[[nodiscard]] bool LoadElement(const void* element, VARTYPE tag, Variant& target);
+[[nodiscard]] bool StoreElement(void* element, VARTYPE tag, const Variant& value);
+// The array held by a variable's storage (by-reference values followed), or null.
+SAFEARRAY* ArrayOf(VARIANT* storage);
+
 // The truth of a condition value: Null is false; other values are converted to Boolean.
 [[nodiscard]] bool ConditionIsTrue(Variant& value, bool& result);
 
@@ -144,6 +157,9 @@ public:
     // Building (the body compiler).
     int AddSlot(TypeCode type);
     int AddStatic(TypeCode type);
+    // A fixed array local (or Static) with dimensions (lower, upper); made when the frame is set up.
+    int AddArraySlot(TypeCode type, std::vector<std::pair<long, long>> bounds);
+    [[nodiscard]] bool AddStaticArray(TypeCode type, const std::vector<std::pair<long, long>>& bounds, int& index);
     int AddConstant(Variant value);
     // A procedure this one calls; module is the callee's when it belongs to another module.
     int AddCallee(Procedure* procedure, const Module* module = nullptr);
@@ -167,6 +183,7 @@ private:
     std::vector<std::unique_ptr<Statement>> m_owned;
     std::vector<ParameterInfo> m_parameters;
     std::vector<TypeCode> m_slotTypes;
+    std::vector<std::vector<std::pair<long, long>>> m_slotBounds;
     std::vector<VARIANT> m_statics;
     std::vector<Variant> m_constants;
     std::vector<Procedure*> m_callees;

@@ -60,6 +60,108 @@ bool AssignStatement::Step(ExecEntry& entry)
     return Finish(entry);
 }
 
+bool AssignElementStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    int pc = entry.state;
+    switch (RunExpression(context, m_code, pc)) {
+    case EvalStatus::kYield: entry.state = pc; return false;
+    case EvalStatus::kFailed: return Fail(context, entry);
+    case EvalStatus::kDone: break;
+    }
+    ValueStack& values = context.interpreter->Values();
+    // The value is on top; the element's indexes are below it.
+    Variant value(std::move(values.Top()));
+    values.Pop();
+    VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
+    VARTYPE tag = VT_EMPTY;
+    void* element = storage ? ElementOf(context, storage, m_count, tag) : nullptr;
+    if (!element || !StoreElement(element, tag, value))
+        return Fail(context, entry);
+    values.CutBack(values.Size() - static_cast<std::size_t>(m_count));
+    return Finish(entry);
+}
+
+namespace {
+
+// Assigns element `position` (in storage order) of the array kept in arraySlot to the loop variable;
+// false at the end of the array or after raising an error (then error is set).
+bool AssignEachElement(const RunContext& context, const VariableRef& variable, int arraySlot, LONG position,
+                       bool& error)
+{
+    error = false;
+    VARIANT& kept = HiddenSlot(context, arraySlot);
+    SAFEARRAY* array = ArrayOf(&kept);
+    if (!array)
+        return false;
+    ULONG total = array->cDims > 0 ? 1 : 0;
+    for (USHORT d = 0; d < array->cDims; ++d)
+        total *= array->rgsabound[d].cElements;
+    if (position < 0 || static_cast<ULONG>(position) >= total)
+        return false;
+    const VARTYPE tag = static_cast<VARTYPE>(kept.vt & VT_TYPEMASK);
+    const void* element = static_cast<const char*>(array->pvData) + static_cast<std::size_t>(position) * array->cbElements;
+    Variant value;
+    if (!LoadElement(element, tag, value) || !StoreVariable(context, variable, value)) {
+        error = true;
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool ForEachStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    int pc = entry.state;
+    switch (RunExpression(context, m_group, pc)) {
+    case EvalStatus::kYield: entry.state = pc; return false;
+    case EvalStatus::kFailed: return Fail(context, entry);
+    case EvalStatus::kDone: break;
+    }
+    ValueStack& values = context.interpreter->Values();
+    if (!values.Top().IsArray()) {
+        (void)context.interpreter->SignalError(10080);
+        return Fail(context, entry);
+    }
+    Variant kept;
+    kept.Attach(HiddenSlot(context, m_arraySlot));
+    kept = std::move(values.Top());
+    kept.Detach(HiddenSlot(context, m_arraySlot));
+    values.Pop();
+    VARIANT& position = HiddenSlot(context, m_positionSlot);
+    VariantClear(&position);
+    position.vt = VT_I4;
+    position.lVal = 0;
+    bool error = false;
+    if (!AssignEachElement(context, m_element, m_arraySlot, 0, error)) {
+        if (error)
+            return Fail(context, entry);
+        JumpTo(context, m_exitTarget);
+    }
+    return Finish(entry);
+}
+
+bool NextEachStatement::Execute()
+{
+    const RunContext context = Context();
+    VARIANT& position = HiddenSlot(context, m_positionSlot);
+    ++position.lVal;
+    bool error = false;
+    if (AssignEachElement(context, m_element, m_arraySlot, position.lVal, error)) {
+        JumpTo(context, m_loopStart);
+        return true;
+    }
+    if (error) {
+        ExecEntry entry{this, 0};
+        return Fail(context, entry);
+    }
+    // The loop is over: the kept array goes.
+    VariantClear(&HiddenSlot(context, m_arraySlot));
+    return true;
+}
+
 bool EvaluateStatement::Step(ExecEntry& entry)
 {
     const RunContext context = Context();

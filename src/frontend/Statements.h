@@ -29,6 +29,56 @@ private:
     VariableRef m_target;
 };
 
+// a(i, ...) = value: the code leaves the indexes and then the value on the stack.
+class AssignElementStatement final : public Statement {
+public:
+    AssignElementStatement(Expression code, VariableRef target, int count)
+        : m_code(std::move(code)), m_target(target), m_count(count)
+    {
+    }
+    [[nodiscard]] bool Step(ExecEntry& entry) override;
+
+private:
+    Expression m_code;
+    VariableRef m_target;
+    int m_count;
+};
+
+// For Each element In array: keeps the array and the position in hidden slots; an empty array skips
+// the loop.
+class ForEachStatement final : public Statement {
+public:
+    ForEachStatement(VariableRef element, Expression group, int arraySlot, int positionSlot)
+        : m_element(element), m_group(std::move(group)), m_arraySlot(arraySlot), m_positionSlot(positionSlot)
+    {
+    }
+    [[nodiscard]] bool Step(ExecEntry& entry) override;
+    void SetExitTarget(int index) { m_exitTarget = index; }
+
+private:
+    VariableRef m_element;
+    Expression m_group;
+    int m_arraySlot;
+    int m_positionSlot;
+    int m_exitTarget = 0;
+};
+
+// Next of a For Each: the next element, or the end of the loop.
+class NextEachStatement final : public Statement {
+public:
+    NextEachStatement(VariableRef element, int arraySlot, int positionSlot, int loopStart)
+        : m_element(element), m_arraySlot(arraySlot), m_positionSlot(positionSlot), m_loopStart(loopStart)
+    {
+    }
+    [[nodiscard]] bool Execute() override;
+
+private:
+    VariableRef m_element;
+    int m_arraySlot;
+    int m_positionSlot;
+    int m_loopStart;
+};
+
 // Evaluates an expression and drops what it leaves (calls of Subs and Functions as statements).
 class EvaluateStatement final : public Statement {
 public:

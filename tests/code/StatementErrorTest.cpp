@@ -79,6 +79,12 @@ const ErrorCase kErrorCases[] = {
     {"CallSuffixDisagreesWithResult",
      {"Function F() As Integer", "End Function", "Sub Main", "  Debug.Print F$()", "End Sub"},
      CompileMessage::FunctionIsDefinedWithADifferentValueType, 4},
+    {"IndexOnUndeclaredName", {"Sub Main", "  x = y(1)", "End Sub"},
+     CompileMessage::ExpectingAnAlreadyDimensionedArray, 2},
+    {"IndexOnScalar", {"Sub Main", "  Dim n As Integer", "  n(1) = 2", "End Sub"},
+     CompileMessage::ExpectingAnAlreadyDimensionedArray, 3},
+    {"BoundsOutOfOrder", {"Sub Main", "  Dim a(5 To 1) As Integer", "End Sub"},
+     CompileMessage::LowerBoundIsLargerThanUpperBound, 2},
     {"SuffixDisagreesWithDeclaration", {"Sub Main", "  Dim a As Integer", "  a$ = \"x\"", "End Sub"},
      CompileMessage::VarIsAlreadyDefinedAsADifferentType, 3},
 };
@@ -118,6 +124,16 @@ TEST(RunTimeErrors, FoldingErrorIsLeftToRunTime)
     ASSERT_EQ(result.parse, ParseResult::Okay);
     EXPECT_EQ(result.output, L"1%\r\n");
     EXPECT_EQ(result.runErrors.size(), 1u);
+}
+
+TEST(RunTimeErrors, IndexOutOfRange)
+{
+    const auto result = RunProgram(
+        JoinLines({"Sub Main", "  Dim a(2) As Integer", "  a(3) = 1", "  Debug.Print 1", "End Sub"}));
+    ASSERT_EQ(result.parse, ParseResult::Okay);
+    EXPECT_EQ(result.output, L"");
+    ASSERT_EQ(result.runErrors.size(), 1u);
+    EXPECT_EQ(result.runErrors.front().number, 10023);
 }
 
 TEST(RunTimeErrors, OverflowInAssignmentToInteger)
