@@ -253,6 +253,11 @@ private:
     [[nodiscard]] bool ParseIndexes(Expression& out, int& count);
     [[nodiscard]] bool ParseBound(Expression& out, bool upper);
     StatementPtr ParseForEach();
+    StatementPtr ParseReDim();
+    StatementPtr ParseErase();
+    StatementPtr ParseAlign(bool right);
+    // A declared variable named at the current token; false after reporting `message`.
+    [[nodiscard]] bool ReadExistingVariable(VariableRef& ref, CompileMessage message);
     bool NextIsColonEqual() const;
     bool ParenthesisedToEnd() const;
 
@@ -521,6 +526,10 @@ BodyParser::StatementPtr BodyParser::ParseSimple()
         statement = std::make_unique<EndStatement>();
         break;
     }
+    case Token::ReDim: statement = ParseReDim(); break;
+    case Token::Erase: statement = ParseErase(); break;
+    case Token::LSet:
+    case Token::RSet: statement = ParseAlign(word == Token::RSet); break;
     case Token::Let:
         m_lexer.NextToken();
         statement = ParseAssignmentOrCall(true);
@@ -783,6 +792,110 @@ BodyParser::StatementPtr BodyParser::ParseForEach()
     block.stepSlot = positionSlot;
     block.isEach = true;
     m_blocks.push_back(block);
+    return statement;
+}
+
+bool BodyParser::ReadExistingVariable(VariableRef& ref, CompileMessage message)
+{
+    if (!IsNameToken(m_lexer.Kind())) {
+        m_lexer.SignalError(message);
+        return false;
+    }
+    const std::string name = ReadName();
+    const TypeCode suffix = ReadSuffix();
+    bool found = false;
+    if (!ResolveVariable(name, suffix, ref, found))
+        return false;
+    if (!found) {
+        m_lexer.SignalError(message, name);
+        return false;
+    }
+    return true;
+}
+
+BodyParser::StatementPtr BodyParser::ParseReDim()
+{
+    m_lexer.NextToken();
+    const bool preserve = m_lexer.Accept(Token::Preserve);
+    VariableRef target;
+    if (!ReadExistingVariable(target, CompileMessage::ExpectingADynamicArrayVar))
+        return nullptr;
+    if (!(target.type.IsVariant() && !target.type.IsArray()) && target.type.Rank() != TypeCode::kDynamicRank) {
+        m_lexer.SignalError(CompileMessage::ExpectingADynamicArrayVar);
+        return nullptr;
+    }
+    if (!m_lexer.ExpectToken(Token::LeftParen))
+        return nullptr;
+    Expression bounds;
+    int dimensions = 0;
+    do {
+        Expression first;
+        if (!ParseExpression(first))
+            return nullptr;
+        if (m_lexer.Accept(Token::To)) {
+            bounds.Append(first);
+            if (!ParseExpression(bounds))
+                return nullptr;
+        } else {
+            Variant base;
+            base.SetLong(m_module.OptionBase());
+            AppendConstant(bounds, std::move(base));
+            bounds.Append(first);
+        }
+        if (++dimensions > TypeCode::kMaxRank) {
+            m_lexer.SignalError(CompileMessage::TooManyDimensions);
+            return nullptr;
+        }
+    } while (m_lexer.Accept(Token::Comma));
+    if (!m_lexer.ExpectToken(Token::RightParen))
+        return nullptr;
+    const int rank = target.type.Rank();
+    if (target.type.IsArray() && rank != TypeCode::kDynamicRank && rank != dimensions) {
+        m_lexer.SignalError(CompileMessage::CantChangeTheNumberOfIndexes);
+        return nullptr;
+    }
+    auto statement = std::make_unique<ReDimStatement>(std::move(bounds), target, dimensions, preserve);
+    statement->SetKeyword(TokenNumber(Token::ReDim));
+    return statement;
+}
+
+BodyParser::StatementPtr BodyParser::ParseErase()
+{
+    m_lexer.NextToken();
+    auto list = std::make_unique<StatementList>();
+    do {
+        VariableRef target;
+        if (!ReadExistingVariable(target, CompileMessage::ExpectingAnArrayVar))
+            return nullptr;
+        if (!target.type.IsArray() && !target.type.IsVariant()) {
+            m_lexer.SignalError(CompileMessage::ExpectingAnArrayVar);
+            return nullptr;
+        }
+        const bool fixed = target.type.IsArray() && target.type.Rank() != TypeCode::kDynamicRank;
+        auto erase = std::make_unique<EraseStatement>(target, fixed);
+        erase->SetOwner(m_code);
+        list->Add(std::move(erase));
+    } while (m_lexer.Accept(Token::Comma));
+    list->SetKeyword(TokenNumber(Token::Erase));
+    return list;
+}
+
+BodyParser::StatementPtr BodyParser::ParseAlign(bool right)
+{
+    m_lexer.NextToken();
+    VariableRef target;
+    if (!ReadExistingVariable(target, CompileMessage::ExpectingAStringOrUserTypeVar))
+        return nullptr;
+    if (target.type.IsArray() || !(target.type.IsString() || target.type.IsFixedString() || target.type.IsVariant())) {
+        m_lexer.SignalError(target.type.IsUserType() ? CompileMessage::ThisVarCantBeUsedWithLSet
+                                                     : CompileMessage::ExpectingAStringOrUserTypeVar);
+        return nullptr;
+    }
+    Expression value;
+    if (!m_lexer.ExpectToken(Token::Equal) || !ParseExpression(value))
+        return nullptr;
+    auto statement = std::make_unique<AlignStatement>(std::move(value), target, right);
+    statement->SetKeyword(TokenNumber(right ? Token::RSet : Token::LSet));
     return statement;
 }
 

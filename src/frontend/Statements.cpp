@@ -3,8 +3,12 @@
 #include "exec/Activation.h"
 #include "exec/HaltFlags.h"
 #include "exec/Interpreter.h"
+#include "exec/ModuleInstance.h"
+#include "values/Conversion.h"
 #include "values/TextForm.h"
 #include "values/ValueCell.h"
+
+#include <cstring>
 
 namespace brannoc {
 
@@ -160,6 +164,143 @@ bool NextEachStatement::Execute()
     // The loop is over: the kept array goes.
     VariantClear(&HiddenSlot(context, m_arraySlot));
     return true;
+}
+
+bool ReDimStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    int pc = entry.state;
+    switch (RunExpression(context, m_bounds, pc)) {
+    case EvalStatus::kYield: entry.state = pc; return false;
+    case EvalStatus::kFailed: return Fail(context, entry);
+    case EvalStatus::kDone: break;
+    }
+    ValueStack& values = context.interpreter->Values();
+    const std::size_t first = values.Size() - static_cast<std::size_t>(2 * m_dimensions);
+    long lower[8] = {};
+    long upper[8] = {};
+    for (int d = 0; d < m_dimensions; ++d) {
+        for (int part = 0; part < 2; ++part) {
+            Variant& bound = values.At(first + static_cast<std::size_t>(2 * d + part));
+            if (bound.Tag() != VT_I4 && !ChangeType(bound, VT_I4))
+                return Fail(context, entry);
+            (part == 0 ? lower : upper)[d] = bound.Long();
+        }
+        if (lower[d] > upper[d]) {
+            (void)context.interpreter->SignalError(10024);
+            return Fail(context, entry);
+        }
+    }
+    values.CutBack(first);
+    VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
+    if (!storage)
+        return Fail(context, entry);
+    SAFEARRAY* existing = ArrayOf(storage);
+    if (m_preserve && existing) {
+        if (static_cast<int>(SafeArrayGetDim(existing)) != m_dimensions) {
+            (void)context.interpreter->SignalError(10024);
+            return Fail(context, entry);
+        }
+        for (int d = 0; d < m_dimensions; ++d) {
+            LONG oldLower = 0;
+            LONG oldUpper = 0;
+            (void)SafeArrayGetLBound(existing, static_cast<UINT>(d + 1), &oldLower);
+            (void)SafeArrayGetUBound(existing, static_cast<UINT>(d + 1), &oldUpper);
+            const bool last = d == m_dimensions - 1;
+            if (oldLower != lower[d]) {
+                (void)context.interpreter->SignalError(last ? 10023 : 10024);
+                return Fail(context, entry);
+            }
+            if (!last && oldUpper != upper[d]) {
+                (void)context.interpreter->SignalError(10024);
+                return Fail(context, entry);
+            }
+        }
+        SAFEARRAYBOUND bound{static_cast<ULONG>(upper[m_dimensions - 1] - lower[m_dimensions - 1] + 1),
+                             lower[m_dimensions - 1]};
+        if (FAILED(SafeArrayRedim(existing, &bound))) {
+            (void)context.interpreter->SignalError(10021);
+            return Fail(context, entry);
+        }
+        return Finish(entry);
+    }
+    const unsigned short code =
+        m_target.type.IsArray() ? m_target.type.Code() : TypeCode(TypeCode::kVariant).WithRank(1).Code();
+    VARIANT fresh;
+    if (!InitializeArraySlot(fresh, code, lower, upper, static_cast<std::size_t>(m_dimensions)) ||
+        fresh.vt == VT_EMPTY) {
+        (void)context.interpreter->SignalError(10021);
+        return Fail(context, entry);
+    }
+    VARIANT* target = FollowByRefChain(storage);
+    VariantClear(target);
+    *target = fresh;
+    return Finish(entry);
+}
+
+bool EraseStatement::Execute()
+{
+    const RunContext context = Context();
+    ExecEntry entry{this, 0};
+    VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
+    if (!storage)
+        return Fail(context, entry);
+    VARIANT* target = FollowByRefChain(storage);
+    SAFEARRAY* array = ArrayOf(target);
+    if (!m_fixed || !array) {
+        VariantClear(target);
+        return true;
+    }
+    // A fixed array keeps its shape: every element goes back to its zero value.
+    const VARTYPE tag = static_cast<VARTYPE>(target->vt & VT_TYPEMASK);
+    ULONG total = 1;
+    for (USHORT d = 0; d < array->cDims; ++d)
+        total *= array->rgsabound[d].cElements;
+    for (ULONG i = 0; i < total; ++i) {
+        void* element = static_cast<char*>(array->pvData) + static_cast<std::size_t>(i) * array->cbElements;
+        if (tag == VT_VARIANT)
+            VariantClear(static_cast<VARIANT*>(element));
+        else if (tag == VT_BSTR)
+            SysFreeString(*static_cast<BSTR*>(element));
+        else if (tag == VT_DISPATCH && *static_cast<IDispatch**>(element))
+            (*static_cast<IDispatch**>(element))->Release();
+        std::memset(element, 0, array->cbElements);
+    }
+    return true;
+}
+
+bool AlignStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    int pc = entry.state;
+    switch (RunExpression(context, m_value, pc)) {
+    case EvalStatus::kYield: entry.state = pc; return false;
+    case EvalStatus::kFailed: return Fail(context, entry);
+    case EvalStatus::kDone: break;
+    }
+    ValueStack& values = context.interpreter->Values();
+    Variant& source = values.Top();
+    if (source.Tag() != VT_BSTR && !ChangeType(source, VT_BSTR))
+        return Fail(context, entry);
+    VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
+    if (!storage)
+        return Fail(context, entry);
+    VARIANT* target = FollowByRefChain(storage);
+    if (target->vt != VT_BSTR) {
+        (void)context.interpreter->SignalError(10080);
+        return Fail(context, entry);
+    }
+    // The destination's characters are rewritten in place: its length never changes.
+    const UINT length = target->bstrVal ? SysStringLen(target->bstrVal) : 0;
+    const std::wstring_view text = source.StringView();
+    const UINT copied = static_cast<UINT>(text.size() < length ? text.size() : length);
+    const UINT start = m_right ? length - copied : 0;
+    for (UINT i = 0; i < length; ++i)
+        target->bstrVal[i] = L' ';
+    for (UINT i = 0; i < copied; ++i)
+        target->bstrVal[start + i] = text[i];
+    values.Pop();
+    return Finish(entry);
 }
 
 bool EvaluateStatement::Step(ExecEntry& entry)

@@ -79,6 +79,48 @@ private:
     int m_loopStart;
 };
 
+// ReDim [Preserve] var(bounds): the code leaves a (lower, upper) pair per dimension.
+class ReDimStatement final : public Statement {
+public:
+    ReDimStatement(Expression bounds, VariableRef target, int dimensions, bool preserve)
+        : m_bounds(std::move(bounds)), m_target(target), m_dimensions(dimensions), m_preserve(preserve)
+    {
+    }
+    [[nodiscard]] bool Step(ExecEntry& entry) override;
+
+private:
+    Expression m_bounds;
+    VariableRef m_target;
+    int m_dimensions;
+    bool m_preserve;
+};
+
+// Erase var: a dynamic array becomes not dimensioned; a fixed array's elements return to zero values.
+class EraseStatement final : public Statement {
+public:
+    EraseStatement(VariableRef target, bool fixed) : m_target(target), m_fixed(fixed) {}
+    [[nodiscard]] bool Execute() override;
+
+private:
+    VariableRef m_target;
+    bool m_fixed;
+};
+
+// LSet / RSet of a string variable: the destination keeps its length.
+class AlignStatement final : public Statement {
+public:
+    AlignStatement(Expression value, VariableRef target, bool right)
+        : m_value(std::move(value)), m_target(target), m_right(right)
+    {
+    }
+    [[nodiscard]] bool Step(ExecEntry& entry) override;
+
+private:
+    Expression m_value;
+    VariableRef m_target;
+    bool m_right;
+};
+
 // Evaluates an expression and drops what it leaves (calls of Subs and Functions as statements).
 class EvaluateStatement final : public Statement {
 public:

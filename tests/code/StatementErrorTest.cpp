@@ -85,6 +85,10 @@ const ErrorCase kErrorCases[] = {
      CompileMessage::ExpectingAnAlreadyDimensionedArray, 3},
     {"BoundsOutOfOrder", {"Sub Main", "  Dim a(5 To 1) As Integer", "End Sub"},
      CompileMessage::LowerBoundIsLargerThanUpperBound, 2},
+    {"ReDimOfFixedArray", {"Sub Main", "  Dim a(3) As Integer", "  ReDim a(5)", "End Sub"},
+     CompileMessage::ExpectingADynamicArrayVar, 3},
+    {"LSetOfNumber", {"Sub Main", "  Dim n As Integer", "  LSet n = \"x\"", "End Sub"},
+     CompileMessage::ExpectingAStringOrUserTypeVar, 3},
     {"SuffixDisagreesWithDeclaration", {"Sub Main", "  Dim a As Integer", "  a$ = \"x\"", "End Sub"},
      CompileMessage::VarIsAlreadyDefinedAsADifferentType, 3},
 };
@@ -134,6 +138,23 @@ TEST(RunTimeErrors, IndexOutOfRange)
     EXPECT_EQ(result.output, L"");
     ASSERT_EQ(result.runErrors.size(), 1u);
     EXPECT_EQ(result.runErrors.front().number, 10023);
+}
+
+TEST(RunTimeErrors, ReDimPreserveMayNotMoveTheLowerBound)
+{
+    const auto result = RunProgram(JoinLines({"Sub Main", "  Dim a() As Integer", "  ReDim a(1 To 10)",
+                                              "  ReDim Preserve a(0 To 10)", "End Sub"}));
+    ASSERT_EQ(result.parse, ParseResult::Okay);
+    ASSERT_EQ(result.runErrors.size(), 1u);
+    EXPECT_EQ(result.runErrors.front().number, 10023);
+}
+
+TEST(RunTimeErrors, ReDimWithBoundsOutOfOrder)
+{
+    const auto result = RunProgram(JoinLines({"Sub Main", "  Dim a() As Integer", "  ReDim a(5 To 1)", "End Sub"}));
+    ASSERT_EQ(result.parse, ParseResult::Okay);
+    ASSERT_EQ(result.runErrors.size(), 1u);
+    EXPECT_EQ(result.runErrors.front().number, 10024);
 }
 
 TEST(RunTimeErrors, OverflowInAssignmentToInteger)
