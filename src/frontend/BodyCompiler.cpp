@@ -254,6 +254,7 @@ private:
     [[nodiscard]] bool ParseBound(Expression& out, bool upper);
     StatementPtr ParseForEach();
     StatementPtr ParseReDim();
+    StatementPtr ParseMid();
     StatementPtr ParseErase();
     StatementPtr ParseAlign(bool right);
     // A declared variable named at the current token; false after reporting `message`.
@@ -527,6 +528,13 @@ BodyParser::StatementPtr BodyParser::ParseSimple()
         break;
     }
     case Token::ReDim: statement = ParseReDim(); break;
+    case Token::Mid:
+        if (*SkipBlanks(m_lexer.TokenEnd()) == '(' && FindLocal(Upper(m_lexer.Text())) == nullptr) {
+            statement = ParseMid();
+            break;
+        }
+        statement = ParseAssignmentOrCall(false);
+        break;
     case Token::Erase: statement = ParseErase(); break;
     case Token::LSet:
     case Token::RSet: statement = ParseAlign(word == Token::RSet); break;
@@ -859,6 +867,47 @@ BodyParser::StatementPtr BodyParser::ParseReDim()
     return statement;
 }
 
+BodyParser::StatementPtr BodyParser::ParseMid()
+{
+    m_lexer.NextToken();
+    if (!m_lexer.ExpectToken(Token::LeftParen))
+        return nullptr;
+    VariableRef target;
+    if (!ReadExistingVariable(target, CompileMessage::ExpectingASimpleVarExpression))
+        return nullptr;
+    if (target.type.IsArray() || !(target.type.IsString() || target.type.IsFixedString() || target.type.IsVariant()) ||
+        m_lexer.Kind() != Token::Comma) {
+        m_lexer.SignalError(CompileMessage::ExpectingASimpleVarExpression);
+        return nullptr;
+    }
+    m_lexer.NextToken();
+    Expression code;
+    if (!ParseExpression(code))
+        return nullptr;
+    const ExprOp& start = code.ops.back();
+    if (code.ops.size() == 1 && start.code == ExprOpCode::kConstant) {
+        Variant position(m_code->ConstantAt(start.index));
+        const RaiseFn previous = SetRaiseHandler(nullptr);
+        const bool converted = ChangeType(position, VT_I4);
+        (void)SetRaiseHandler(previous);
+        if (converted && position.Long() < 1) {
+            m_lexer.SignalError(CompileMessage::StringIndexMustBeGreaterThanOrEqualToOne);
+            return nullptr;
+        }
+    }
+    bool hasLength = false;
+    if (m_lexer.Accept(Token::Comma)) {
+        hasLength = true;
+        if (!ParseExpression(code))
+            return nullptr;
+    }
+    if (!m_lexer.ExpectToken(Token::RightParen) || !m_lexer.ExpectToken(Token::Equal) || !ParseExpression(code))
+        return nullptr;
+    auto statement = std::make_unique<MidStatement>(std::move(code), target, hasLength);
+    statement->SetKeyword(TokenNumber(Token::Mid));
+    return statement;
+}
+
 BodyParser::StatementPtr BodyParser::ParseErase()
 {
     m_lexer.NextToken();
@@ -1122,7 +1171,8 @@ BodyParser::StatementPtr BodyParser::ParseDebug()
         newLine = false;
     }
     if (!IsStatementEnd(m_lexer.Kind())) {
-        m_lexer.ExpectToken(Token::Semicolon) ? void() : void();
+        // Items are separated by ";" only.
+        (void)m_lexer.ExpectToken(Token::Semicolon);
         return nullptr;
     }
     auto statement = std::make_unique<DebugPrintStatement>(std::move(items), count, newLine);
@@ -1820,7 +1870,6 @@ bool BodyParser::ParseName(Expression& out, bool* simpleVariable)
         }
         if (!parenthesised) {
             // No argument list: every parameter is optional.
-            std::vector<Parameter> none;
             Expression code;
             for (const Parameter& parameter : callee->parameters) {
                 if (parameter.paramArray) {

@@ -303,6 +303,52 @@ bool AlignStatement::Step(ExecEntry& entry)
     return Finish(entry);
 }
 
+bool MidStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    int pc = entry.state;
+    switch (RunExpression(context, m_code, pc)) {
+    case EvalStatus::kYield: entry.state = pc; return false;
+    case EvalStatus::kFailed: return Fail(context, entry);
+    case EvalStatus::kDone: break;
+    }
+    ValueStack& values = context.interpreter->Values();
+    const std::size_t first = values.Size() - (m_hasLength ? 3 : 2);
+    Variant& start = values.At(first);
+    Variant& value = values.Top();
+    if ((start.Tag() != VT_I4 && !ChangeType(start, VT_I4)) || (value.Tag() != VT_BSTR && !ChangeType(value, VT_BSTR)))
+        return Fail(context, entry);
+    LONG count = static_cast<LONG>(value.StringView().size());
+    if (m_hasLength) {
+        Variant& length = values.At(first + 1);
+        if (length.Tag() != VT_I4 && !ChangeType(length, VT_I4))
+            return Fail(context, entry);
+        if (length.Long() < count)
+            count = length.Long() < 0 ? 0 : length.Long();
+    }
+    VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
+    if (!storage)
+        return Fail(context, entry);
+    VARIANT* target = FollowByRefChain(storage);
+    if (target->vt != VT_BSTR) {
+        (void)context.interpreter->SignalError(10080);
+        return Fail(context, entry);
+    }
+    const LONG size = target->bstrVal ? static_cast<LONG>(SysStringLen(target->bstrVal)) : 0;
+    const LONG position = start.Long();
+    if (position < 1 || position > size) {
+        (void)context.interpreter->SignalError(position < 1 ? 10619 : 10620);
+        return Fail(context, entry);
+    }
+    if (count > size - position + 1)
+        count = size - position + 1;
+    const std::wstring_view text = value.StringView();
+    for (LONG i = 0; i < count; ++i)
+        target->bstrVal[position - 1 + i] = text[static_cast<std::size_t>(i)];
+    values.CutBack(first);
+    return Finish(entry);
+}
+
 bool EvaluateStatement::Step(ExecEntry& entry)
 {
     const RunContext context = Context();

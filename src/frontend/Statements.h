@@ -121,6 +121,22 @@ private:
     bool m_right;
 };
 
+// Mid(var, start [, length]) = value: replaces characters of a string variable in place. The code leaves
+// start, the length when given, and the value.
+class MidStatement final : public Statement {
+public:
+    MidStatement(Expression code, VariableRef target, bool hasLength)
+        : m_code(std::move(code)), m_target(target), m_hasLength(hasLength)
+    {
+    }
+    [[nodiscard]] bool Step(ExecEntry& entry) override;
+
+private:
+    Expression m_code;
+    VariableRef m_target;
+    bool m_hasLength;
+};
+
 // Evaluates an expression and drops what it leaves (calls of Subs and Functions as statements).
 class EvaluateStatement final : public Statement {
 public:

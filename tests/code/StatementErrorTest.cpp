@@ -89,6 +89,10 @@ const ErrorCase kErrorCases[] = {
      CompileMessage::ExpectingADynamicArrayVar, 3},
     {"LSetOfNumber", {"Sub Main", "  Dim n As Integer", "  LSet n = \"x\"", "End Sub"},
      CompileMessage::ExpectingAStringOrUserTypeVar, 3},
+    {"MidStartBelowOne", {"Sub Main", "  Dim s As String", "  Mid(s, 0) = \"x\"", "End Sub"},
+     CompileMessage::StringIndexMustBeGreaterThanOrEqualToOne, 3},
+    {"MidOfNumber", {"Sub Main", "  Dim n As Long", "  Mid(n, 1) = \"x\"", "End Sub"},
+     CompileMessage::ExpectingASimpleVarExpression, 3},
     {"SuffixDisagreesWithDeclaration", {"Sub Main", "  Dim a As Integer", "  a$ = \"x\"", "End Sub"},
      CompileMessage::VarIsAlreadyDefinedAsADifferentType, 3},
 };
