@@ -408,6 +408,11 @@ BodyParser::StatementPtr BodyParser::ParseLine()
         }
     }
 
+    // A blocked keyword's statement is refused (a blocked recognised name may still name a variable).
+    if (IsReservedWord(word) && m_lexer.IsBlocked(word)) {
+        m_lexer.SignalError(CompileMessage::ThisLanguageFeatureHasBeenDisabled, KeywordText(word));
+        return nullptr;
+    }
     switch (word) {
     case Token::End: return ParseEnd();
     case Token::If: return ParseIf(true);
@@ -512,6 +517,10 @@ BodyParser::StatementPtr BodyParser::ParseSimple()
 {
     StatementPtr statement;
     const Token word = m_lexer.Kind();
+    if (IsReservedWord(word) && m_lexer.IsBlocked(word)) {
+        m_lexer.SignalError(CompileMessage::ThisLanguageFeatureHasBeenDisabled, KeywordText(word));
+        return nullptr;
+    }
     switch (word) {
     case Token::If: statement = ParseIf(false); break;
     case Token::GoTo: statement = ParseGoTo(); break;
@@ -1365,7 +1374,7 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(bool requireAssignmen
     if (!IsNameToken(word)) {
         if (requireAssignment)
             m_lexer.SignalError(CompileMessage::InvalidLetSyntax);
-        else if (IsReservedWord(word))
+        else if (m_lexer.IsBlocked(word))
             m_lexer.SignalError(CompileMessage::ThisLanguageFeatureHasBeenDisabled, KeywordText(word));
         else
             m_lexer.SignalError(CompileMessage::UnexpectedText, m_lexer.Text());

@@ -203,3 +203,31 @@ TEST(UsedModules, PrivateProceduresOfUsedModulesAreNotVisible)
 
 } // namespace
 } // namespace brannoc
+
+namespace brannoc {
+namespace {
+
+TEST(BlockedKeywords, BlockedStatementIsRefused)
+{
+    testing::MemorySource source;
+    source.texts["Test"] = ModuleText{testing::JoinLines({"Sub Main", "Again:", "  GoTo Again", "End Sub"}), false};
+    Compiler compiler(source);
+    BodyCompiler bodies;
+    compiler.SetBodyCompiler(&bodies);
+    compiler.GetLexer().SetBlockedKeywords("GoTo");
+    EXPECT_EQ(compiler.Parse("Test", 0), ParseResult::SyntaxErrors);
+    ASSERT_FALSE(compiler.Errors().empty());
+    EXPECT_EQ(compiler.Errors().front().number,
+              static_cast<unsigned>(CompileMessage::ThisLanguageFeatureHasBeenDisabled));
+    EXPECT_EQ(compiler.Errors().front().line, 3);
+}
+
+TEST(InlineStatements, BlockKeywordAfterThenIsUnexpected)
+{
+    const auto result = testing::RunProgram(testing::JoinLines({"Sub Main", "  If 1 Then For", "End Sub"}));
+    ASSERT_FALSE(result.compileErrors.empty());
+    EXPECT_EQ(result.compileErrors.front().number, static_cast<unsigned>(CompileMessage::UnexpectedText));
+}
+
+} // namespace
+} // namespace brannoc
