@@ -13,9 +13,18 @@ void InitializeTypedSlot(VARIANT& storage, unsigned short code)
     if (type.IsArray() || type.IsUserType())
         return;
     if (type.IsString() || type.IsFixedString()) {
-        // A null BSTR is the empty string; it costs no allocation.
+        // A null BSTR is the empty string; it costs no allocation. A fixed-length string always holds
+        // its length in characters, blanks to begin with.
         storage.vt = VT_BSTR;
         storage.bstrVal = nullptr;
+        if (type.IsFixedString()) {
+            const UINT length = static_cast<UINT>(type.FixedLength());
+            storage.bstrVal = SysAllocStringLen(nullptr, length);
+            if (!storage.bstrVal)
+                return;
+            for (UINT i = 0; i < length; ++i)
+                storage.bstrVal[i] = L' ';
+        }
         return;
     }
     if (type.IsObject()) {

@@ -119,6 +119,8 @@ bool StoreVariable(const RunContext& context, const VariableRef& target, const V
     VARIANT* storage = StorageOf(context, target.scope, target.index, target.module);
     if (!storage)
         return false;
+    if (target.type.IsFixedString() && !target.type.IsArray())
+        return FixedStringCell(static_cast<UINT>(target.type.FixedLength())).Store(*storage, value);
     return StorageCell(StorageTag(target.type)).Store(*storage, value);
 }
 
