@@ -76,6 +76,9 @@ TypeCode TypeOfValue(const Variant& value)
     }
 }
 
+// The compiler shares the run-time message "Wrong number of parameters." for calls with too many arguments.
+constexpr CompileMessage kWrongNumberOfParameters = static_cast<CompileMessage>(10019);
+
 struct BinaryOperator {
     Token token;
     OperationId op;
@@ -1502,7 +1505,7 @@ bool BodyParser::ParseCallArguments(Procedure& callee, Expression& out, bool par
                     argument.ops.push_back(ExprOp{ExprOpCode::kMissing});
                 extra.push_back(std::move(argument));
             } else if (position >= count) {
-                m_lexer.SignalError(CompileMessage::UnexpectedExpression);
+                m_lexer.SignalError(kWrongNumberOfParameters);
                 return false;
             } else if (!empty) {
                 if (simple && !callee.parameters[position].byVal)

@@ -222,6 +222,15 @@ TEST(BlockedKeywords, BlockedStatementIsRefused)
     EXPECT_EQ(compiler.Errors().front().line, 3);
 }
 
+TEST(CallArguments, TooManyArgumentsAreAWrongNumberOfParameters)
+{
+    const auto result = testing::RunProgram(
+        testing::JoinLines({"Sub S(a As Integer)", "End Sub", "Sub Main", "  S 1, 2", "End Sub"}));
+    ASSERT_FALSE(result.compileErrors.empty());
+    EXPECT_EQ(result.compileErrors.front().number, 10019u);
+    EXPECT_EQ(result.compileErrors.front().message.substr(0, 27), L"Wrong number of parameters.");
+}
+
 TEST(InlineStatements, BlockKeywordAfterThenIsUnexpected)
 {
     const auto result = testing::RunProgram(testing::JoinLines({"Sub Main", "  If 1 Then For", "End Sub"}));
