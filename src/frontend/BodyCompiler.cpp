@@ -1785,6 +1785,25 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
         return m_lexer.ExpectToken(Token::RightParen);
     }
     case Token::LiteralNumber: return ParseNumber(out);
+    case Token::Hash:
+    case Token::LiteralDate: {
+        if (word == Token::Hash && !m_lexer.ScanDateLiteral()) {
+            m_lexer.SignalError(CompileMessage::ExpectingAFactor);
+            return false;
+        }
+        // The text between the marks, read as a date in the engine's locale.
+        Variant value;
+        const RaiseFn previous = SetRaiseHandler(nullptr);
+        const bool read = value.SetString(Widen(m_lexer.Text())) && ChangeType(value, VT_DATE);
+        (void)SetRaiseHandler(previous);
+        if (!read) {
+            m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
+            return false;
+        }
+        m_lexer.NextToken();
+        AppendConstant(out, std::move(value));
+        return true;
+    }
     case Token::LiteralString: {
         Variant value;
         if (!value.SetString(Widen(m_lexer.Text()))) {
