@@ -98,8 +98,14 @@ ModuleInstance::ModuleInstance(Module& module) : m_module(&module)
 
 void ModuleInstance::Link(ModuleInstance& other)
 {
-    if (&other == this || Find(other.OwnModule()) != nullptr)
+    if (&other == this)
         return;
+    for (ModuleInstance*& linked : m_linked) {
+        if (&linked->OwnModule() == &other.OwnModule()) {
+            linked = &other;
+            return;
+        }
+    }
     m_linked.push_back(&other);
 }
 
@@ -121,6 +127,9 @@ ModuleInstance* ModuleInstance::Find(const Module& module) noexcept
 ModuleInstance::~ModuleInstance()
 {
     std::erase(s_live, this);
+    // No instance keeps a link to this one.
+    for (ModuleInstance* live : s_live)
+        std::erase(live->m_linked, this);
     for (std::size_t i = 0; i < m_count; ++i)
         VariantClear(&m_slots[i]);
 }

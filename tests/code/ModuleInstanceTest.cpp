@@ -1,0 +1,113 @@
+#include "exec/ModuleInstance.h"
+
+#include "ProgramRunner.h"
+
+#include <gtest/gtest.h>
+
+namespace brannoc {
+namespace {
+
+class ModuleInstanceTest : public ::testing::Test {
+protected:
+    Module* Compile(const std::vector<std::string>& lines, const char* name = "Test")
+    {
+        source.texts[name] = ModuleText{testing::JoinLines(lines), false};
+        compiler.SetBodyCompiler(&bodies);
+        if (compiler.Parse(name, 2) != ParseResult::Okay)
+            return nullptr;
+        return compiler.FindModule(name);
+    }
+
+    testing::MemorySource source;
+    Compiler compiler{source};
+    BodyCompiler bodies;
+};
+
+TEST_F(ModuleInstanceTest, SlotsStartAtTheZeroValueOfTheirType)
+{
+    Module* module = Compile({"Dim a As Integer", "Dim b As String", "Dim c As Variant", "Dim d As Double",
+                              "Dim e As Boolean", "Dim f As String * 3"});
+    ASSERT_NE(module, nullptr);
+    ModuleInstance instance(*module);
+    ASSERT_EQ(instance.VariableCount(), 6u);
+    EXPECT_EQ(instance.Slot(0).vt, VT_I2);
+    EXPECT_EQ(instance.Slot(0).iVal, 0);
+    EXPECT_EQ(instance.Slot(1).vt, VT_BSTR);
+    EXPECT_EQ(instance.Slot(2).vt, VT_EMPTY);
+    EXPECT_EQ(instance.Slot(3).vt, VT_R8);
+    EXPECT_EQ(instance.Slot(4).vt, VT_BOOL);
+    ASSERT_EQ(instance.Slot(5).vt, VT_BSTR);
+    EXPECT_EQ(SysStringLen(instance.Slot(5).bstrVal), 3u);
+}
+
+TEST_F(ModuleInstanceTest, FixedArraysAreMadeWithTheirBounds)
+{
+    Module* module = Compile({"Dim grid(1 To 3, 4) As Long", "Dim pending() As Integer"});
+    ASSERT_NE(module, nullptr);
+    ModuleInstance instance(*module);
+    ASSERT_EQ(instance.Slot(0).vt, VT_ARRAY | VT_I4);
+    SAFEARRAY* array = instance.Slot(0).parray;
+    ASSERT_EQ(SafeArrayGetDim(array), 2u);
+    LONG bound = 0;
+    ASSERT_EQ(SafeArrayGetLBound(array, 1, &bound), S_OK);
+    EXPECT_EQ(bound, 1);
+    ASSERT_EQ(SafeArrayGetUBound(array, 1, &bound), S_OK);
+    EXPECT_EQ(bound, 3);
+    ASSERT_EQ(SafeArrayGetUBound(array, 2, &bound), S_OK);
+    EXPECT_EQ(bound, 4);
+    EXPECT_EQ(instance.Slot(1).vt, VT_EMPTY) << "a dynamic array is not dimensioned";
+}
+
+TEST_F(ModuleInstanceTest, FindAnswersItselfLinkedThenOldestLive)
+{
+    Module* first = Compile({"Dim a As Integer"}, "First");
+    Module* second = Compile({"Dim b As Integer"}, "Second");
+    ASSERT_NE(first, nullptr);
+    ASSERT_NE(second, nullptr);
+    ModuleInstance firstInstance(*first);
+    EXPECT_EQ(firstInstance.Find(*first), &firstInstance);
+    EXPECT_EQ(firstInstance.Find(*second), nullptr);
+    ModuleInstance oldest(*second);
+    ModuleInstance linked(*second);
+    EXPECT_EQ(firstInstance.Find(*second), &oldest) << "no link: the oldest live instance";
+    firstInstance.Link(linked);
+    EXPECT_EQ(firstInstance.Find(*second), &linked);
+}
+
+TEST_F(ModuleInstanceTest, DestroyedInstanceIsNoLongerLinked)
+{
+    Module* first = Compile({"Dim a As Integer"}, "First");
+    Module* second = Compile({"Dim b As Integer"}, "Second");
+    ASSERT_NE(first, nullptr);
+    ASSERT_NE(second, nullptr);
+    ModuleInstance firstInstance(*first);
+    ModuleInstance oldest(*second);
+    {
+        ModuleInstance linked(*second);
+        firstInstance.Link(linked);
+        EXPECT_EQ(firstInstance.Find(*second), &linked);
+    }
+    EXPECT_EQ(firstInstance.Find(*second), &oldest);
+}
+
+TEST_F(ModuleInstanceTest, UseCountFollowsAddAndRelease)
+{
+    Module* module = Compile({"Dim a As Integer"});
+    ASSERT_NE(module, nullptr);
+    ModuleInstance instance(*module);
+    EXPECT_EQ(instance.UseCount(), 0);
+    instance.AddUse();
+    instance.AddUse();
+    EXPECT_EQ(instance.ReleaseUse(), 1);
+}
+
+TEST(TypedSlots, ArrayElementKinds)
+{
+    EXPECT_EQ(ArrayElementTag(TypeCode(TypeCode::kInteger).WithRank(1).Code()), VT_I2);
+    EXPECT_EQ(ArrayElementTag(TypeCode(TypeCode::kVariant).WithRank(2).Code()), VT_VARIANT);
+    EXPECT_EQ(ArrayElementTag(TypeCode::FixedString(5).WithRank(1).Code()), VT_BSTR);
+    EXPECT_EQ(ArrayElementTag(TypeCode(TypeCode::kUserType).WithRank(1).Code()), VT_EMPTY);
+}
+
+} // namespace
+} // namespace brannoc
