@@ -1155,8 +1155,9 @@ BodyParser::StatementPtr BodyParser::ParseExit()
         expected = Token::Property;
     if (!m_lexer.ExpectToken(expected))
         return nullptr;
-    jump->SetTarget(m_exitIndex);
-    return jump;
+    auto exit = std::make_unique<ExitProcedureStatement>(m_exitIndex);
+    exit->SetKeyword(TokenNumber(Token::Exit));
+    return exit;
 }
 
 BodyParser::StatementPtr BodyParser::ParseDebug()

@@ -393,6 +393,16 @@ bool JumpStatement::Execute()
     return true;
 }
 
+bool ExitProcedureStatement::Execute()
+{
+    Interpreter* interpreter = Interpreter::Current();
+    Activation* activation = interpreter->CurrentActivation();
+    activation->SetIndexes(m_exitIndex);
+    activation->SetResumeIndex(Activation::kNoResume);
+    interpreter->ClearError();
+    return true;
+}
+
 bool ConditionalJumpStatement::Step(ExecEntry& entry)
 {
     const RunContext context = Context();

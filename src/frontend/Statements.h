@@ -173,6 +173,17 @@ private:
     int m_target = 0;
 };
 
+// Exit Sub / Function / Property: moves to the procedure-exit statement, ends handler mode and clears
+// the error record (as Resume does).
+class ExitProcedureStatement final : public Statement {
+public:
+    explicit ExitProcedureStatement(int exitIndex) : m_exitIndex(exitIndex) {}
+    [[nodiscard]] bool Execute() override;
+
+private:
+    int m_exitIndex;
+};
+
 // Tests a condition and jumps when it equals jumpWhen (Do While/Until, Loop While/Until, While).
 class ConditionalJumpStatement final : public Statement {
 public:
