@@ -1518,6 +1518,19 @@ bool BodyParser::ParseCallArguments(Procedure& callee, Expression& out, bool par
     }
     if (parenthesised && !m_lexer.ExpectToken(Token::RightParen))
         return false;
+    // Arrays go only to array parameters (or Variants), and array parameters take only arrays.
+    for (std::size_t i = 0; i < count; ++i) {
+        if (!arguments[i] || callee.parameters[i].paramArray)
+            continue;
+        const TypeCode parameter = callee.parameters[i].type.code;
+        const TypeCode argument = arguments[i]->type;
+        const bool mismatch = parameter.IsArray() ? !(argument.IsArray() || argument.IsVariant())
+                                                  : argument.IsArray() && !parameter.IsVariant();
+        if (mismatch) {
+            m_lexer.SignalError(CompileMessage::ExpressionDoesNotMatchParameterType, callee.parameters[i].name);
+            return false;
+        }
+    }
     if (isFunction)
         out.ops.push_back(ExprOp{ExprOpCode::kEmpty});
     for (std::size_t i = 0; i < count; ++i) {

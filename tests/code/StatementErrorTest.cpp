@@ -93,6 +93,11 @@ const ErrorCase kErrorCases[] = {
      CompileMessage::StringIndexMustBeGreaterThanOrEqualToOne, 3},
     {"MidOfNumber", {"Sub Main", "  Dim n As Long", "  Mid(n, 1) = \"x\"", "End Sub"},
      CompileMessage::ExpectingASimpleVarExpression, 3},
+    {"ScalarToArrayParameter", {"Sub S(a() As Integer)", "End Sub", "Sub Main", "  S 1", "End Sub"},
+     CompileMessage::ExpressionDoesNotMatchParameterType, 4},
+    {"ArrayToScalarParameter",
+     {"Sub S(n As Integer)", "End Sub", "Sub Main", "  Dim a(2) As Integer", "  S a", "End Sub"},
+     CompileMessage::ExpressionDoesNotMatchParameterType, 5},
     {"SuffixDisagreesWithDeclaration", {"Sub Main", "  Dim a As Integer", "  a$ = \"x\"", "End Sub"},
      CompileMessage::VarIsAlreadyDefinedAsADifferentType, 3},
 };
