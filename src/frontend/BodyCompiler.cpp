@@ -241,6 +241,8 @@ private:
     // reports "Operand/operator type mismatch.". Sets the expression's result type.
     [[nodiscard]] bool TypeCheck(Expression& expression, std::size_t start);
     void AppendConstant(Expression& out, Variant value);
+    // Evaluates code made of constants and operators only (unary ones included) at compile time.
+    [[nodiscard]] bool EvaluateConstant(const Expression& code, Variant& result);
 
     // Names.
     std::string ReadName();
@@ -1328,11 +1330,12 @@ BodyParser::StatementPtr BodyParser::ParseConst()
         Expression value;
         if (!ParseExpression(value))
             return nullptr;
-        if (value.ops.size() != 1 || value.ops[0].code != ExprOpCode::kConstant) {
-            m_lexer.SignalError(CompileMessage::ExpectingAConstantName);
+        Variant constant;
+        if (!EvaluateConstant(value, constant)) {
+            m_lexer.SignalError(CompileMessage::ExpectingAConstantOrFunctionName);
             return nullptr;
         }
-        int index = value.ops[0].index;
+        int index = m_code->AddConstant(std::move(constant));
         if (type != TypeCode() && !type.IsVariant()) {
             Variant converted(m_code->ConstantAt(index));
             if (!ChangeType(converted, static_cast<VARTYPE>(type.ValueTag()))) {
@@ -1722,6 +1725,32 @@ void BodyParser::AppendConstant(Expression& out, Variant value)
     op.index = m_code->AddConstant(std::move(value));
     out.ops.push_back(op);
     out.type = op.type;
+}
+
+bool BodyParser::EvaluateConstant(const Expression& code, Variant& result)
+{
+    std::vector<Variant> stack;
+    const RaiseFn previous = SetRaiseHandler(nullptr);
+    bool ok = true;
+    for (const ExprOp& op : code.ops) {
+        if (op.code == ExprOpCode::kConstant) {
+            stack.push_back(m_code->ConstantAt(op.index));
+        } else if (op.code == ExprOpCode::kUnary && !stack.empty()) {
+            ok = ApplyUnary(op.op, stack.back());
+        } else if (op.code == ExprOpCode::kBinary && stack.size() >= 2) {
+            ok = ApplyBinary(op.op, stack[stack.size() - 2], stack.back());
+            stack.pop_back();
+        } else {
+            ok = false;
+        }
+        if (!ok)
+            break;
+    }
+    (void)SetRaiseHandler(previous);
+    if (!ok || stack.size() != 1)
+        return false;
+    result = std::move(stack.back());
+    return true;
 }
 
 // Appends a binary operator, folding it at once when both operands are constants.

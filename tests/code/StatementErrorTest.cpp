@@ -98,6 +98,8 @@ const ErrorCase kErrorCases[] = {
     {"ArrayToScalarParameter",
      {"Sub S(n As Integer)", "End Sub", "Sub Main", "  Dim a(2) As Integer", "  S a", "End Sub"},
      CompileMessage::ExpressionDoesNotMatchParameterType, 5},
+    {"LocalConstantFromVariable", {"Sub Main", "  Dim v As Integer", "  Const K = v + 1", "End Sub"},
+     CompileMessage::ExpectingAConstantOrFunctionName, 3},
     {"SuffixDisagreesWithDeclaration", {"Sub Main", "  Dim a As Integer", "  a$ = \"x\"", "End Sub"},
      CompileMessage::VarIsAlreadyDefinedAsADifferentType, 3},
 };
