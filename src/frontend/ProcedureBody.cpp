@@ -377,9 +377,16 @@ CompiledProcedure::~CompiledProcedure()
 
 void CompiledProcedure::Print(std::string& out) const { out += m_procedure->name; }
 
-bool CompiledProcedure::IsEmptyStatement(int index) const
+bool CompiledProcedure::IsEmptyStatement(int index) const { return m_emptyFlags[static_cast<std::size_t>(index)]; }
+
+int CompiledProcedure::FirstLine() const { return m_procedure->firstLine; }
+
+Node* CompiledProcedure::ReplaceStatement(int index, Node* statement)
 {
-    return static_cast<const Statement*>(m_statements[static_cast<std::size_t>(index)])->IsEmpty();
+    Node*& entry = m_statements[static_cast<std::size_t>(index)];
+    Node* previous = entry;
+    entry = statement;
+    return previous;
 }
 
 bool CompiledProcedure::InitializeLocals(void* frame)
@@ -520,6 +527,7 @@ Statement* CompiledProcedure::Append(std::unique_ptr<Statement> statement)
     raw->SetOwner(this);
     m_owned.push_back(std::move(statement));
     m_statements.push_back(raw);
+    m_emptyFlags.push_back(raw->IsEmpty());
     return raw;
 }
 

@@ -151,6 +151,13 @@ public:
     void ClearLocals(void* frame) override;
 
     Procedure& Source() const { return *m_procedure; }
+    // Source line of statement 0 (the header) and the number of lines from the header to the End line.
+    int FirstLine() const;
+    int LineCount() const { return static_cast<int>(m_statements.size()); }
+    // Puts statement in place of entry index and answers the previous one (breakpoints wrap statements
+    // this way); the caller owns the replacement and puts the original back. The entry keeps whether
+    // it is empty.
+    Node* ReplaceStatement(int index, Node* statement);
     bool IsFunction() const { return m_resultSlot >= 0; }
     int ResultSlot() const { return m_resultSlot; }
 
@@ -167,7 +174,11 @@ public:
     void SetResultSlot(int slot) { m_resultSlot = slot; }
     // Takes ownership of statement and appends it to the statement vector.
     Statement* Append(std::unique_ptr<Statement> statement);
-    void AppendShared(Statement* statement) { m_statements.push_back(statement); }
+    void AppendShared(Statement* statement)
+    {
+        m_statements.push_back(statement);
+        m_emptyFlags.push_back(statement->IsEmpty());
+    }
     int StatementCount() const { return static_cast<int>(m_statements.size()); }
 
     // Run time.
@@ -180,6 +191,7 @@ public:
 private:
     Procedure* m_procedure;
     std::vector<Node*> m_statements;
+    std::vector<bool> m_emptyFlags;
     std::vector<std::unique_ptr<Statement>> m_owned;
     std::vector<ParameterInfo> m_parameters;
     std::vector<TypeCode> m_slotTypes;

@@ -115,3 +115,51 @@ TEST(ListingOf, JoinsContinuationsAndKeepsStringsAndComments)
 
 } // namespace
 } // namespace brannoc
+
+namespace brannoc {
+namespace {
+
+// Stands in for a breakpoint: counts its runs and runs nothing else.
+class CountingStatement final : public Node {
+public:
+    void Release() override {}
+    [[nodiscard]] bool Execute() override
+    {
+        ++runs;
+        return true;
+    }
+    int runs = 0;
+};
+
+TEST(ReplaceStatement, ReplacementRunsInPlaceAndOriginalComesBack)
+{
+    testing::MemorySource source;
+    source.texts["Test"] =
+        ModuleText{testing::JoinLines({"Sub Main", "  Debug.Print 1", "  Debug.Print 2", "End Sub"}), false};
+    Compiler compiler(source);
+    BodyCompiler bodies;
+    compiler.SetBodyCompiler(&bodies);
+    ASSERT_EQ(compiler.Parse("Test", 0), ParseResult::Okay);
+    Module* module = compiler.FindModule("Test");
+    auto* code = static_cast<CompiledProcedure*>(module->Compiled()->entry->code.get());
+    EXPECT_EQ(code->FirstLine(), 1);
+    EXPECT_EQ(code->LineCount(), 4);
+
+    CountingStatement counting;
+    Node* original = code->ReplaceStatement(1, &counting);
+    testing::PrintingHost host;
+    Interpreter interpreter(host);
+    host.interpreter = &interpreter;
+    InterpreterScope scope(interpreter);
+    ModuleInstance instance(*module);
+    ASSERT_TRUE(interpreter.StartEntry(*code, &instance));
+    interpreter.PrepareRun(0);
+    while (interpreter.RunStep(false) != 0) {
+    }
+    EXPECT_EQ(counting.runs, 1);
+    EXPECT_EQ(host.output, L"2%\r\n");
+    EXPECT_EQ(code->ReplaceStatement(1, original), &counting);
+}
+
+} // namespace
+} // namespace brannoc
