@@ -324,6 +324,8 @@ bool BodyParser::Compile()
             m_lexer.ClearStatementError();
             const char* start = m_lexer.TokenStart();
             StatementPtr statement = ParseLine();
+            if (statement && m_lexer.Kind() != Token::EndOfLine && m_lexer.Kind() != Token::Apostrophe)
+                m_lexer.SignalError(CompileMessage::UnexpectedText, m_lexer.Text());
             if (statement) {
                 std::string_view rest = m_lexer.LineText();
                 const char* end = rest.data() + rest.size();

@@ -100,6 +100,10 @@ const ErrorCase kErrorCases[] = {
      CompileMessage::ExpressionDoesNotMatchParameterType, 5},
     {"LocalConstantFromVariable", {"Sub Main", "  Dim v As Integer", "  Const K = v + 1", "End Sub"},
      CompileMessage::ExpectingAConstantOrFunctionName, 3},
+    {"TextAfterBlockElse",
+     {"Sub Main", "  If 1 Then", "  Else If 2 Then", "  End If", "End Sub"}, CompileMessage::UnexpectedText, 3},
+    {"TextAfterNext", {"Sub Main", "  Dim i As Integer", "  For i = 1 To 2", "  Next i 5", "End Sub"},
+     CompileMessage::UnexpectedText, 4},
     {"SuffixDisagreesWithDeclaration", {"Sub Main", "  Dim a As Integer", "  a$ = \"x\"", "End Sub"},
      CompileMessage::VarIsAlreadyDefinedAsADifferentType, 3},
 };
