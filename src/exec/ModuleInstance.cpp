@@ -130,8 +130,10 @@ ModuleInstance::~ModuleInstance()
     // No instance keeps a link to this one.
     for (ModuleInstance* live : s_live)
         std::erase(live->m_linked, this);
-    for (std::size_t i = 0; i < m_count; ++i)
-        VariantClear(&m_slots[i]);
+    for (std::size_t i = 0; i < m_count; ++i) {
+        Variant owner;
+        owner.Attach(m_slots[i]);
+    }
 }
 
 } // namespace brannoc

@@ -47,30 +47,25 @@ void MakeReference(Variant& target, VARIANT* storage, TypeCode type)
 
 [[nodiscard]] bool PackArray(ValueStack& values, int count)
 {
-    SAFEARRAY* array = SafeArrayCreateVector(VT_VARIANT, 0, static_cast<ULONG>(count));
-    if (!array)
+    SafeArray array(SafeArrayCreateVector(VT_VARIANT, 0, static_cast<ULONG>(count)));
+    if (!array.Get())
         return RaiseValueError(10001);
     const std::size_t first = values.Size() - static_cast<std::size_t>(count);
     {
-        SafeArrayLock lock(array);
+        SafeArrayLock lock(array.Get());
         auto* elements = static_cast<VARIANT*>(lock.Data());
         for (int i = 0; i < count; ++i) {
-            Variant& value = values.At(first + static_cast<std::size_t>(i));
             Variant copy;
-            if (!copy.CopyIndirectFrom(value.Raw())) {
-                SafeArrayDestroy(array);
+            if (!copy.CopyIndirectFrom(values.At(first + static_cast<std::size_t>(i)).Raw()))
                 return RaiseValueError(10090);
-            }
             copy.Detach(elements[i]);
         }
     }
     values.CutBack(first);
     Variant* slot = values.Push();
-    if (!slot) {
-        SafeArrayDestroy(array);
+    if (!slot)
         return RaiseValueError(10001);
-    }
-    slot->SetArray(array, VT_VARIANT);
+    slot->SetArray(array.Detach(), VT_VARIANT);
     return true;
 }
 
@@ -344,6 +339,12 @@ bool StoreElement(void* element, VARTYPE tag, const Variant& value)
     return true;
 }
 
+void ClearSlot(VARIANT& slot)
+{
+    Variant owner;
+    owner.Attach(slot);
+}
+
 RunContext Statement::Context() const
 {
     RunContext context;
@@ -372,7 +373,7 @@ Statement& EmptyStatement()
 CompiledProcedure::~CompiledProcedure()
 {
     for (VARIANT& value : m_statics)
-        VariantClear(&value);
+        ClearSlot(value);
 }
 
 void CompiledProcedure::Print(std::string& out) const { out += m_procedure->name; }
@@ -462,7 +463,7 @@ void CompiledProcedure::ClearLocals(void* frame)
         if (slots[i].vt == kReferenceTag)
             VariantInit(&slots[i]);
         else
-            VariantClear(&slots[i]);
+            ClearSlot(slots[i]);
     }
 }
 

@@ -95,6 +95,9 @@ void* ElementOf(const RunContext& context, VARIANT* storage, int count, VARTYPE&
 // The array held by a variable's storage (by-reference values followed), or null.
 SAFEARRAY* ArrayOf(VARIANT* storage);
 
+// Releases what a slot holds and leaves it Empty.
+void ClearSlot(VARIANT& slot);
+
 // The truth of a condition value: Null is false; other values are converted to Boolean.
 [[nodiscard]] bool ConditionIsTrue(Variant& value, bool& result);
 

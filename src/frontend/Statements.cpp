@@ -135,7 +135,7 @@ bool ForEachStatement::Step(ExecEntry& entry)
     kept.Detach(HiddenSlot(context, m_arraySlot));
     values.Pop();
     VARIANT& position = HiddenSlot(context, m_positionSlot);
-    VariantClear(&position);
+    ClearSlot(position);
     position.vt = VT_I4;
     position.lVal = 0;
     bool error = false;
@@ -162,7 +162,7 @@ bool NextEachStatement::Execute()
         return Fail(context, entry);
     }
     // The loop is over: the kept array goes.
-    VariantClear(&HiddenSlot(context, m_arraySlot));
+    ClearSlot(HiddenSlot(context, m_arraySlot));
     return true;
 }
 
@@ -233,7 +233,7 @@ bool ReDimStatement::Step(ExecEntry& entry)
         return Fail(context, entry);
     }
     VARIANT* target = FollowByRefChain(storage);
-    VariantClear(target);
+    ClearSlot(*target);
     *target = fresh;
     return Finish(entry);
 }
@@ -248,7 +248,7 @@ bool EraseStatement::Execute()
     VARIANT* target = FollowByRefChain(storage);
     SAFEARRAY* array = ArrayOf(target);
     if (!m_fixed || !array) {
-        VariantClear(target);
+        ClearSlot(*target);
         return true;
     }
     // A fixed array keeps its shape: every element goes back to its zero value.
@@ -258,12 +258,16 @@ bool EraseStatement::Execute()
         total *= array->rgsabound[d].cElements;
     for (ULONG i = 0; i < total; ++i) {
         void* element = static_cast<char*>(array->pvData) + static_cast<std::size_t>(i) * array->cbElements;
-        if (tag == VT_VARIANT)
-            VariantClear(static_cast<VARIANT*>(element));
-        else if (tag == VT_BSTR)
-            SysFreeString(*static_cast<BSTR*>(element));
-        else if (tag == VT_DISPATCH && *static_cast<IDispatch**>(element))
-            (*static_cast<IDispatch**>(element))->Release();
+        if (tag == VT_VARIANT) {
+            ClearSlot(*static_cast<VARIANT*>(element));
+        } else if (tag == VT_BSTR || tag == VT_DISPATCH) {
+            // A typed view of the element hands its string or reference to a holder.
+            VARIANT view;
+            VariantInit(&view);
+            std::memcpy(reinterpret_cast<char*>(&view) + 8, element, sizeof(void*));
+            view.vt = tag;
+            ClearSlot(view);
+        }
         std::memset(element, 0, array->cbElements);
     }
     return true;
@@ -476,8 +480,8 @@ bool ForStatement::Step(ExecEntry& entry)
         return Fail(context, entry);
     VARIANT& endSlot = HiddenSlot(context, m_endSlot);
     VARIANT& stepSlot = HiddenSlot(context, m_stepSlot);
-    VariantClear(&endSlot);
-    VariantClear(&stepSlot);
+    ClearSlot(endSlot);
+    ClearSlot(stepSlot);
     // The end and step keep the counter's kind, so that each pass adds and compares like kinds.
     const ValueCell& cell = StorageCell(static_cast<VARTYPE>(m_counter.type.ValueTag()));
     if (!cell.Store(endSlot, values.At(first + 1)))
