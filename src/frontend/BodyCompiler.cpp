@@ -174,6 +174,9 @@ struct Block {
     int endSlot = -1;
     int stepSlot = -1;
     bool isEach = false;
+    // Select Case: the mark slot and the Case lines that carry statements.
+    int markSlot = -1;
+    std::vector<CaseLineStatement*> caseLines;
 };
 
 std::string_view BlockWord(BlockKind kind)
@@ -382,6 +385,8 @@ void BodyParser::CloseBlock(Block& block, int endIndex)
 {
     for (JumpStatement* jump : block.exits)
         jump->SetTarget(endIndex + 1);
+    for (CaseLineStatement* line : block.caseLines)
+        line->SetTarget(endIndex + 1);
 }
 
 BodyParser::StatementPtr BodyParser::ParseLine()
@@ -680,7 +685,8 @@ BodyParser::StatementPtr BodyParser::ParseCase()
     const int index = CurrentIndex();
     auto jump = std::make_unique<JumpStatement>();
     jump->SetKeyword(TokenNumber(Token::Case));
-    if (m_lexer.Accept(Token::Else)) {
+    const bool isElse = m_lexer.Accept(Token::Else);
+    if (isElse) {
         block->hasElse = true;
         branch->SetElseTarget(index + 1);
     } else {
@@ -733,6 +739,29 @@ BodyParser::StatementPtr BodyParser::ParseCase()
         branch->AddBranch(std::move(condition), index + 1);
     }
     block->expectCase = false;
+    if (m_lexer.Kind() == Token::Colon) {
+        // Statements after ":" on the Case line: the Select enters the line itself through the mark.
+        StatementPtr rest = ParseInline(false);
+        if (!rest)
+            return nullptr;
+        auto body = std::make_unique<StatementList>();
+        body->SetOwner(m_code);
+        body->Add(std::move(rest));
+        if (block->markSlot < 0) {
+            block->markSlot = m_code->AddSlot(TypeCode(TypeCode::kVariant));
+            branch->SetMarkSlot(block->markSlot);
+        }
+        if (isElse)
+            branch->SetElseTarget(index, true);
+        else {
+            branch->SetBranchTarget(branch->BranchCount() - 1, index);
+            branch->MarkLastBranch();
+        }
+        auto line = std::make_unique<CaseLineStatement>(block->markSlot, std::move(body));
+        line->SetKeyword(TokenNumber(Token::Case));
+        block->caseLines.push_back(line.get());
+        return line;
+    }
     block->exits.push_back(jump.get());
     return jump;
 }

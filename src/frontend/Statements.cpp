@@ -36,6 +36,14 @@ VARIANT& HiddenSlot(const RunContext& context, int slot)
     return static_cast<VARIANT*>(context.activation->Locals())[slot];
 }
 
+void SetMark(const RunContext& context, int slot)
+{
+    VARIANT& mark = HiddenSlot(context, slot);
+    ClearSlot(mark);
+    mark.vt = VT_BOOL;
+    mark.boolVal = VARIANT_TRUE;
+}
+
 // Pops the condition on top of the value stack and answers its truth.
 [[nodiscard]] bool PopCondition(const RunContext& context, bool& truth)
 {
@@ -457,12 +465,31 @@ bool BranchStatement::Step(ExecEntry& entry)
         if (!PopCondition(context, truth))
             return Fail(context, entry);
         if (truth) {
+            if (m_marks[static_cast<std::size_t>(part - 1)])
+                SetMark(context, m_markSlot);
             JumpTo(context, m_targets[static_cast<std::size_t>(part - 1)]);
             return Finish(entry);
         }
     }
+    if (m_elseMarked)
+        SetMark(context, m_markSlot);
     JumpTo(context, m_elseTarget);
     return Finish(entry);
+}
+
+bool CaseLineStatement::Step(ExecEntry& entry)
+{
+    if (entry.state > 0)
+        return m_body->RunFrom(entry, entry.state - 1, 1);
+    const RunContext context = Context();
+    VARIANT& mark = HiddenSlot(context, m_markSlot);
+    const bool entering = mark.vt == VT_BOOL && mark.boolVal != VARIANT_FALSE;
+    mark.boolVal = VARIANT_FALSE;
+    if (!entering) {
+        JumpTo(context, m_target);
+        return Finish(entry);
+    }
+    return m_body->RunFrom(entry, 0, 1);
 }
 
 bool ForStatement::Step(ExecEntry& entry)

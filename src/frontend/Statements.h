@@ -6,6 +6,8 @@
 
 namespace brannoc {
 
+class StatementList;
+
 // Dim, Const and Static lines: nothing runs, the listing remains.
 class DeclarationStatement final : public Statement {
 public:
@@ -215,9 +217,18 @@ public:
     {
         m_conditions.push_back(std::move(condition));
         m_targets.push_back(target);
+        m_marks.push_back(false);
     }
     void SetBranchTarget(std::size_t branch, int target) { m_targets[branch] = target; }
-    void SetElseTarget(int target) { m_elseTarget = target; }
+    void SetElseTarget(int target, bool marked = false)
+    {
+        m_elseTarget = target;
+        m_elseMarked = marked;
+    }
+    // Case lines with statements after ":" are entered through a mark in a hidden slot: a branch added
+    // with `marked` sets it before moving to its line.
+    void SetMarkSlot(int slot) { m_markSlot = slot; }
+    void MarkLastBranch() { m_marks.back() = true; }
     std::size_t BranchCount() const { return m_conditions.size(); }
     [[nodiscard]] bool Step(ExecEntry& entry) override;
 
@@ -226,7 +237,27 @@ private:
     int m_selectorSlot = -1;
     std::vector<Expression> m_conditions;
     std::vector<int> m_targets;
+    std::vector<bool> m_marks;
     int m_elseTarget = 0;
+    bool m_elseMarked = false;
+    int m_markSlot = -1;
+};
+
+// A Case line with statements after ":": entered from its Select Case (the mark is set) it runs them;
+// reached by falling out of the branch above it leaves the Select block.
+class CaseLineStatement final : public Statement {
+public:
+    CaseLineStatement(int markSlot, std::unique_ptr<StatementList> body)
+        : m_markSlot(markSlot), m_body(std::move(body))
+    {
+    }
+    [[nodiscard]] bool Step(ExecEntry& entry) override;
+    void SetTarget(int index) { m_target = index; }
+
+private:
+    int m_markSlot;
+    std::unique_ptr<StatementList> m_body;
+    int m_target = 0;
 };
 
 // For counter = start To end [Step step]. Start, end and step are evaluated once, in that order; end and
