@@ -172,6 +172,19 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
         }
         case ExprOpCode::kBinary: {
             const std::size_t size = values.Size();
+            if (op.op == OperationId::kIs) {
+                // Object identity compares the references themselves, never their default values.
+                const VARIANT* left = FollowByRefChain(&values.At(size - 2).Raw());
+                const VARIANT* right = FollowByRefChain(&values.At(size - 1).Raw());
+                const bool objects = (left->vt == VT_DISPATCH || left->vt == VT_UNKNOWN) &&
+                                     (right->vt == VT_DISPATCH || right->vt == VT_UNKNOWN);
+                if (!objects)
+                    return (void)context.interpreter->SignalError(10080), EvalStatus::kFailed;
+                const bool same = left->punkVal == right->punkVal;
+                values.At(size - 2).SetBoolean(same);
+                values.Pop();
+                break;
+            }
             if (!ApplyBinary(op.op, values.At(size - 2), values.At(size - 1)))
                 return EvalStatus::kFailed;
             values.Pop();
