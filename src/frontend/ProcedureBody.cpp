@@ -201,10 +201,13 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             slot->SetError(kMissingArgumentStatus);
             break;
         }
-        case ExprOpCode::kEmpty:
-            if (!values.Push())
+        case ExprOpCode::kEmpty: {
+            Variant* slot = values.Push();
+            if (!slot)
                 return (void)context.interpreter->RaiseOutOfMemory(), EvalStatus::kFailed;
+            slot->SetError(kResultSlotStatus);
             break;
+        }
         case ExprOpCode::kCall: {
             Procedure* callee = context.procedure->CalleeAt(op.index);
             if (!callee->code)
@@ -466,7 +469,7 @@ void CompiledProcedure::ClearLocals(void* frame)
         const std::size_t below = m_parameters.size() + 1;
         if (interpreter && interpreter->Values().Size() >= below) {
             Variant& target = interpreter->Values().At(interpreter->Values().Size() - below);
-            if (target.Tag() == VT_EMPTY) {
+            if (target.Tag() == VT_ERROR && target.Error() == kResultSlotStatus) {
                 target.Attach(slots[m_resultSlot]);
                 VariantInit(&slots[m_resultSlot]);
             }

@@ -5,7 +5,8 @@
 // Frames: every local, parameter, function result and hidden loop cell is one VARIANT slot of the
 // activation's frame whose tag stays the declared kind. A by-reference parameter's slot holds
 // VT_BYREF | VT_VARIANT pointing at the caller's storage. A Function's caller pushes an Empty result slot
-// below the arguments; the result is moved there when the activation ends.
+// (an Error value of status kResultSlotStatus) below the arguments; the result is moved there when the
+// activation ends. Hosts that call a Function directly push the same slot.
 #include "code/Node.h"
 #include "exec/ProcedureCode.h"
 #include "frontend/TypeCode.h"
@@ -19,6 +20,9 @@
 #include <vector>
 
 namespace brannoc {
+
+// Status of the placeholder a Function's caller pushes for the result.
+constexpr SCODE kResultSlotStatus = static_cast<SCODE>(0x8004FFFE);
 
 class Activation;
 class CompiledProcedure;
@@ -44,7 +48,7 @@ enum class ExprOpCode : std::uint8_t {
     kBinary,     // left op right, leaving the result in place of both
     kUnary,      // op top
     kMissing,    // a left-out optional argument
-    kEmpty,      // an Empty slot (a function's result slot)
+    kEmpty,      // a function's result slot (the kResultSlotStatus placeholder)
     kCall,       // call callee `index` with `count` arguments on the stack; yields
     kPop,        // drop `count` values
     kPack,       // pack the top `count` values into a Variant array (ParamArray)

@@ -163,3 +163,50 @@ TEST(ReplaceStatement, ReplacementRunsInPlaceAndOriginalComesBack)
 
 } // namespace
 } // namespace brannoc
+
+namespace brannoc {
+namespace {
+
+TEST(HostCalls, FunctionResultArrivesInTheMarkedSlotOnly)
+{
+    testing::MemorySource source;
+    source.texts["Test"] = ModuleText{
+        testing::JoinLines({"Function Twice(n As Integer) As Integer", "  Twice = n * 2", "End Function", "Sub Main",
+                            "End Sub"}),
+        false};
+    Compiler compiler(source);
+    BodyCompiler bodies;
+    compiler.SetBodyCompiler(&bodies);
+    ASSERT_EQ(compiler.Parse("Test", 0), ParseResult::Okay);
+    Module* module = compiler.FindModule("Test");
+    ProcedureCode* twice = nullptr;
+    for (const auto& procedure : module->Compiled()->procedures) {
+        if (procedure->name == "Twice")
+            twice = procedure->code.get();
+    }
+    ASSERT_NE(twice, nullptr);
+    testing::PrintingHost host;
+    Interpreter interpreter(host);
+    host.interpreter = &interpreter;
+    InterpreterScope scope(interpreter);
+    ModuleInstance instance(*module);
+
+    // With the placeholder below the argument the result replaces it.
+    interpreter.Values().Push()->SetError(kResultSlotStatus);
+    interpreter.Values().Push()->SetInteger(21);
+    ASSERT_TRUE(interpreter.RunHostCall(*twice, &instance));
+    ASSERT_EQ(interpreter.Values().Size(), 2u);
+    ASSERT_EQ(interpreter.Values().At(0).Tag(), VT_I2);
+    EXPECT_EQ(interpreter.Values().At(0).Integer(), 42);
+    interpreter.Values().CutBack(0);
+
+    // Without it an Empty value below the argument stays as it was.
+    (void)interpreter.Values().Push();
+    interpreter.Values().Push()->SetInteger(5);
+    ASSERT_TRUE(interpreter.RunHostCall(*twice, &instance));
+    EXPECT_EQ(interpreter.Values().At(0).Tag(), VT_EMPTY);
+    interpreter.Values().CutBack(0);
+}
+
+} // namespace
+} // namespace brannoc
