@@ -5,7 +5,13 @@
 
 #include <string>
 
+struct IUnknown;
+
 namespace brannoc {
+
+class Module;
+class ModuleInstance;
+class Variant;
 
 class InterpreterHost {
 public:
@@ -49,6 +55,16 @@ public:
     virtual void ReleaseMemoryReserve() {}
     // Output of Debug.Print: the text of one statement, ending in CR LF unless its list ended with ";".
     virtual void DebugPrint(const std::wstring& text) { (void)text; }
+    // A new instance of a class module as an object value in result; its initializer has run. False
+    // when it could not be made (an error has then been raised or reported).
+    [[nodiscard]] virtual bool NewInstance(const Module& module, Variant& result)
+    {
+        (void)module;
+        (void)result;
+        return false;
+    }
+    // The module instance behind an object value made by NewInstance, else null.
+    virtual ModuleInstance* InstanceOf(IUnknown* object) { (void)object; return nullptr; }
 
 protected:
     ~InterpreterHost() = default;

@@ -144,6 +144,10 @@ struct LocalSymbol {
     LocalKind kind = LocalKind::Variable;
     VariableRef ref;
     int constant = -1;
+    // Object variables declared as a class module: the class (members bind at compile time) and
+    // whether "As New" makes the instance on first use.
+    const Module* classModule = nullptr;
+    bool autoNew = false;
 };
 
 struct Label {
@@ -255,7 +259,14 @@ private:
     Procedure* FindProcedure(const std::string& upperName) const;
     const Module* ModuleOf(const Procedure& procedure) const;
     bool FindUsedVariable(const std::string& upperName, VariableRef& ref) const;
-    [[nodiscard]] bool ReadType(TypeCode& type);
+    [[nodiscard]] bool ReadType(TypeCode& type, const Module** classModule = nullptr);
+    // The class module of that name among the modules this one uses, or null.
+    const Module* FindClassModule(std::string_view name) const;
+    // A member procedure of a class module: Property Let (assignment) or any other kind otherwise.
+    Procedure* FindMember(const Module& classModule, const std::string& upperName, bool assignment) const;
+    // After "variable.": the member name, its procedure and the call; out receives the code and the
+    // call is bound to the object held by the variable.
+    [[nodiscard]] bool ParseMemberCall(const LocalSymbol& object, Expression& out, bool statement);
     [[nodiscard]] bool ReadBounds(std::vector<std::pair<long, long>>& bounds);
     // After "(" of an element reference: the indexes up to ")"; count receives their number.
     [[nodiscard]] bool ParseIndexes(Expression& out, int& count);
@@ -1226,13 +1237,15 @@ BodyParser::StatementPtr BodyParser::ParseDebug()
     return statement;
 }
 
-bool BodyParser::ReadType(TypeCode& type)
+bool BodyParser::ReadType(TypeCode& type, const Module** classModule)
 {
     const Token word = m_lexer.Kind();
     TypeCode code = TypeOfWord(word);
     if (code == TypeCode()) {
         if (word == Token::Object || IsNameToken(word)) {
             type = TypeCode(TypeCode::kObject);
+            if (classModule && word != Token::Object)
+                *classModule = FindClassModule(m_lexer.Text());
             m_lexer.NextToken();
             return true;
         }
@@ -1297,6 +1310,8 @@ BodyParser::StatementPtr BodyParser::ParseDim(bool isStatic)
         TypeCode type = ReadSuffix();
         std::vector<std::pair<long, long>> bounds;
         bool isArray = false;
+        bool autoNew = false;
+        const Module* classModule = nullptr;
         if (m_lexer.Accept(Token::LeftParen)) {
             isArray = true;
             if (!ReadBounds(bounds))
@@ -1307,8 +1322,8 @@ BodyParser::StatementPtr BodyParser::ParseDim(bool isStatic)
                 m_lexer.SignalError(CompileMessage::VarIsAlreadyDefinedAsADifferentType, name);
                 return nullptr;
             }
-            (void)m_lexer.Accept(Token::New);
-            if (!ReadType(type))
+            autoNew = m_lexer.Accept(Token::New);
+            if (!ReadType(type, &classModule))
                 return nullptr;
         }
         if (type == TypeCode())
@@ -1338,6 +1353,10 @@ BodyParser::StatementPtr BodyParser::ParseDim(bool isStatic)
             symbol.ref = VariableRef{StorageScope::Static, m_code->AddStatic(type), type};
         } else {
             symbol.ref = VariableRef{StorageScope::Local, m_code->AddSlot(type), type};
+        }
+        if (!isArray) {
+            symbol.classModule = classModule;
+            symbol.autoNew = autoNew && classModule;
         }
         m_locals[key] = symbol;
     } while (m_lexer.Accept(Token::Comma));
@@ -1423,6 +1442,12 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(bool requireAssignmen
     const TypeCode suffix = ReadSuffix();
 
     const LocalSymbol* local = FindLocal(key);
+    if (local && local->classModule && m_lexer.Accept(Token::Dot)) {
+        Expression code;
+        if (!ParseMemberCall(*local, code, true))
+            return nullptr;
+        return std::make_unique<EvaluateStatement>(std::move(code));
+    }
     Procedure* callee = local ? nullptr : FindProcedure(key);
     if (callee && !(m_lexer.Kind() == Token::Equal && callee == &m_procedure)) {
         if (requireAssignment) {
@@ -1697,7 +1722,9 @@ bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
         case ExprOpCode::kLoadRef: types.push_back(op.type); break;
         case ExprOpCode::kMissing:
         case ExprOpCode::kEmpty: types.push_back(variant); break;
-        case ExprOpCode::kCall: pendingResult = op.type; break;
+        case ExprOpCode::kCall:
+        case ExprOpCode::kMemberCall: pendingResult = op.type; break;
+        case ExprOpCode::kNew: types.push_back(op.type); break;
         case ExprOpCode::kPop:
             types.resize(types.size() >= static_cast<std::size_t>(op.count) ? types.size() - op.count : 0);
             if (!types.empty() && pendingResult != TypeCode())
@@ -1925,6 +1952,25 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
     }
     case Token::LBound:
     case Token::UBound: return ParseBound(out, word == Token::UBound);
+    case Token::New: {
+        m_lexer.NextToken();
+        if (!IsNameToken(m_lexer.Kind())) {
+            m_lexer.SignalError(CompileMessage::ExpectingAValidDataTypeEgInteger);
+            return false;
+        }
+        const Module* classModule = FindClassModule(m_lexer.Text());
+        if (!classModule) {
+            m_lexer.SignalError(CompileMessage::ExpectingAValidDataTypeEgInteger);
+            return false;
+        }
+        m_lexer.NextToken();
+        ExprOp made{ExprOpCode::kNew};
+        made.module = classModule;
+        made.type = TypeCode(TypeCode::kObject);
+        out.ops.push_back(made);
+        out.type = made.type;
+        return true;
+    }
     case Token::Dot:
         m_lexer.SignalError(m_blocks.empty() || [&] {
             for (const Block& block : m_blocks) {
@@ -1954,6 +2000,8 @@ bool BodyParser::ParseName(Expression& out, bool* simpleVariable)
         AppendConstant(out, m_code->ConstantAt(local->constant));
         return true;
     }
+    if (local && local->classModule && m_lexer.Accept(Token::Dot))
+        return ParseMemberCall(*local, out, false);
     // Inside a Function its own name is the result variable unless arguments follow.
     Procedure* callee = nullptr;
     if (!local || (&m_procedure == FindProcedure(key) && m_lexer.Kind() == Token::LeftParen))
@@ -2129,8 +2177,10 @@ Procedure* BodyParser::FindProcedure(const std::string& upperName) const
         Procedure* procedure = m_state.procedures[found->second.index].get();
         return procedure->kind == ProcedureKind::External ? nullptr : procedure;
     }
-    // Public procedures of the modules named in '#Uses.
+    // Public procedures of the plain modules named in '#Uses (class members are reached through objects).
     for (Module* used : m_module.UsedModules()) {
+        if (used->Kind() != ModuleKind::Plain)
+            continue;
         const auto& procedures = used->State() ? used->State()->procedures : used->Compiled()->procedures;
         for (const auto& procedure : procedures) {
             if (procedure->visibility != Visibility::Private && procedure->kind != ProcedureKind::External &&
@@ -2139,6 +2189,127 @@ Procedure* BodyParser::FindProcedure(const std::string& upperName) const
         }
     }
     return nullptr;
+}
+
+const Module* BodyParser::FindClassModule(std::string_view name) const
+{
+    for (const Module* used : m_module.UsedModules()) {
+        if (used->Kind() == ModuleKind::Plain)
+            continue;
+        std::string_view own = used->Name();
+        const std::size_t slash = own.find_last_of("/\\");
+        if (slash != std::string_view::npos)
+            own.remove_prefix(slash + 1);
+        const std::size_t dot = own.rfind('.');
+        if (dot != std::string_view::npos)
+            own = own.substr(0, dot);
+        if (Upper(std::string(name)) == Upper(used->RecordName()) || Upper(std::string(name)) == Upper(std::string(own)))
+            return used;
+    }
+    return nullptr;
+}
+
+Procedure* BodyParser::FindMember(const Module& classModule, const std::string& upperName, bool assignment) const
+{
+    auto& module = const_cast<Module&>(classModule);
+    const auto& procedures = module.State() ? module.State()->procedures : module.Compiled()->procedures;
+    for (const auto& procedure : procedures) {
+        if (procedure->visibility == Visibility::Private || procedure->kind == ProcedureKind::External ||
+            Upper(procedure->name) != upperName)
+            continue;
+        if ((procedure->kind == ProcedureKind::PropertyLet) == assignment)
+            return procedure.get();
+    }
+    return nullptr;
+}
+
+bool BodyParser::ParseMemberCall(const LocalSymbol& object, Expression& out, bool statement)
+{
+    const std::string member(m_lexer.Text());
+    if (member.empty() || !CharClasses::Get().IsIdentifierChar(member[0]) || (member[0] >= '0' && member[0] <= '9')) {
+        m_lexer.SignalError(CompileMessage::MethodOrPropertyNotFound);
+        return false;
+    }
+    m_lexer.NextToken();
+    const std::string key = Upper(member);
+    const std::size_t start = out.ops.size();
+    const bool assignment = statement && m_lexer.Kind() == Token::Equal;
+    Procedure* callee = FindMember(*object.classModule, key, assignment);
+    if (!callee) {
+        m_lexer.SignalError(CompileMessage::MethodOrPropertyNotFound);
+        return false;
+    }
+    const bool returnsValue = callee->kind == ProcedureKind::Function || callee->kind == ProcedureKind::PropertyGet;
+    if (assignment) {
+        // object.property = value: the value is the Property Let's only argument.
+        m_lexer.NextToken();
+        if (callee->parameters.size() != 1) {
+            m_lexer.SignalError(CompileMessage::MethodOrPropertyNotFound);
+            return false;
+        }
+        Expression value;
+        if (!ParseExpression(value))
+            return false;
+        if (value.IsEmpty()) {
+            m_lexer.SignalError(CompileMessage::ExpectingAnExpression);
+            return false;
+        }
+        out.Append(value);
+        ExprOp call{ExprOpCode::kCall};
+        call.index = m_code->AddCallee(callee, object.classModule);
+        call.count = 1;
+        out.ops.push_back(call);
+        ExprOp pop{ExprOpCode::kPop};
+        pop.count = 1;
+        out.ops.push_back(pop);
+    } else if (!statement && !returnsValue) {
+        m_lexer.SignalError(CompileMessage::SubsCantBeUsedInExpressions, member);
+        return false;
+    } else {
+        bool parenthesised = false;
+        if (m_lexer.Kind() == Token::LeftParen && (!statement || ParenthesisedToEnd())) {
+            parenthesised = true;
+            m_lexer.NextToken();
+        }
+        if (!statement && !parenthesised) {
+            // No argument list in an expression: every parameter is left out.
+            for (const Parameter& parameter : callee->parameters) {
+                if (!parameter.optional && !parameter.paramArray) {
+                    m_lexer.SignalError(CompileMessage::MissingParameter, parameter.name);
+                    return false;
+                }
+            }
+            out.ops.push_back(ExprOp{ExprOpCode::kEmpty});
+            for (const Parameter& parameter : callee->parameters)
+                out.ops.push_back(ExprOp{parameter.paramArray ? ExprOpCode::kPack : ExprOpCode::kMissing});
+            ExprOp call{ExprOpCode::kCall};
+            call.index = m_code->AddCallee(callee, object.classModule);
+            call.count = static_cast<int>(callee->parameters.size());
+            call.type = callee->result.code;
+            out.ops.push_back(call);
+            if (call.count > 0) {
+                ExprOp pop{ExprOpCode::kPop};
+                pop.count = call.count;
+                out.ops.push_back(pop);
+            }
+            out.type = callee->result.code;
+        } else if (!ParseCallArguments(*callee, out, parenthesised)) {
+            return false;
+        }
+    }
+    // The call just added (the last one: calls inside the arguments come before it) goes to the object.
+    for (std::size_t i = out.ops.size(); i-- > start;) {
+        ExprOp& op = out.ops[i];
+        if (op.code != ExprOpCode::kCall)
+            continue;
+        op.code = ExprOpCode::kMemberCall;
+        op.scope = object.ref.scope;
+        op.variable = object.ref.index;
+        op.module = object.ref.module;
+        op.autoNew = object.autoNew;
+        break;
+    }
+    return true;
 }
 
 const Module* BodyParser::ModuleOf(const Procedure& procedure) const

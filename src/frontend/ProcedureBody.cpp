@@ -220,6 +220,49 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
                 return EvalStatus::kFailed;
             return EvalStatus::kYield;
         }
+        case ExprOpCode::kNew: {
+            Variant made;
+            if (!context.interpreter->Host().NewInstance(*op.module, made)) {
+                if (!HaltFlags::MustStop())
+                    (void)context.interpreter->SignalError(10092);
+                return EvalStatus::kFailed;
+            }
+            Variant* slot = values.Push();
+            if (!slot)
+                return (void)context.interpreter->RaiseOutOfMemory(), EvalStatus::kFailed;
+            *slot = std::move(made);
+            break;
+        }
+        case ExprOpCode::kMemberCall: {
+            Procedure* callee = context.procedure->CalleeAt(op.index);
+            if (!callee->code)
+                return (void)context.interpreter->SignalError(10018), EvalStatus::kFailed;
+            VARIANT* storage = StorageOf(context, op.scope, op.variable, op.module);
+            if (!storage)
+                return EvalStatus::kFailed;
+            if (storage->vt == VT_DISPATCH && !storage->pdispVal && op.autoNew) {
+                Variant made;
+                const Module* type = context.procedure->CalleeModuleAt(op.index);
+                if (!type || !context.interpreter->Host().NewInstance(*type, made)) {
+                    if (!HaltFlags::MustStop())
+                        (void)context.interpreter->SignalError(10092);
+                    return EvalStatus::kFailed;
+                }
+                ClearSlot(*storage);
+                made.Detach(*storage);
+            }
+            if (storage->vt != VT_DISPATCH && storage->vt != VT_UNKNOWN)
+                return (void)context.interpreter->SignalError(10080), EvalStatus::kFailed;
+            if (!storage->punkVal)
+                return (void)context.interpreter->SignalError(10094), EvalStatus::kFailed;
+            ModuleInstance* instance = context.interpreter->Host().InstanceOf(storage->punkVal);
+            if (!instance)
+                return (void)context.interpreter->SignalError(10091), EvalStatus::kFailed;
+            (void)context.interpreter->CallProcedure(*callee->code, ActivationKind::Call, instance);
+            if (HaltFlags::MustStop())
+                return EvalStatus::kFailed;
+            return EvalStatus::kYield;
+        }
         case ExprOpCode::kPop:
             values.CutBack(values.Size() - static_cast<std::size_t>(op.count));
             break;

@@ -55,6 +55,9 @@ enum class ExprOpCode : std::uint8_t {
     kElement,    // replace the top `count` indexes by the element of an array variable
     kLowerBound, // LBound/UBound of an array variable; `count` 1 when a dimension number is on the stack
     kUpperBound,
+    kNew,        // push a new instance of class module `module`
+    kMemberCall, // as kCall, on the instance of the object held by variable `variable` (scope, module);
+                 // `autoNew` makes the instance first when the variable holds Nothing
 };
 
 struct ExprOp {
@@ -65,6 +68,8 @@ struct ExprOp {
     int count = 0;
     TypeCode type;
     const Module* module = nullptr;
+    int variable = 0;
+    bool autoNew = false;
 };
 
 // A postfix list; running it leaves its values on the value stack.

@@ -1,9 +1,15 @@
 #include "host/EngineContext.h"
+
+#include "exec/ModuleInstance.h"
+#include "host/ClassObject.h"
 #include "host/CodeUnit.h"
 #include "host/HostCallBack.h"
 #include "host/MemoryReserve.h"
 #include "host/ThisModule.h"
+#include "values/Variant.h"
 #include <windows.h>
+
+#include <new>
 
 namespace brannoc {
 
@@ -298,6 +304,26 @@ void EngineContext::DebugPrint(const std::wstring& text)
         return;
     }
     MessageBoxW(nullptr, text.c_str(), L"Debug.Print", MB_TASKMODAL | MB_OK);
+}
+
+bool EngineContext::NewInstance(const Module& module, Variant& result)
+{
+    // The compiled module is shared; the instance only reads it.
+    std::unique_ptr<ModuleInstance> instance = m_modules.CreateInstance(const_cast<Module&>(module));
+    if (!instance)
+        return false;
+    auto* object = new (std::nothrow) ClassObject(m_modules, std::move(instance));
+    if (!object) {
+        (void)m_interpreter.RaiseOutOfMemory();
+        return false;
+    }
+    result.SetObject(object, false);
+    return true;
+}
+
+ModuleInstance* EngineContext::InstanceOf(IUnknown* object)
+{
+    return ClassObject::InstanceOf(object);
 }
 
 void EngineContext::ReleaseMemoryReserve()

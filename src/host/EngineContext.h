@@ -90,6 +90,8 @@ public:
     void ReleaseMemoryReserve() override;
     // Output of Debug.Print: the callback's DebugPrint, or a task-modal box captioned "Debug.Print".
     void DebugPrint(const std::wstring& text) override;
+    [[nodiscard]] bool NewInstance(const Module& module, Variant& result) override;
+    ModuleInstance* InstanceOf(IUnknown* object) override;
 
 private:
     RunState Run(long depth);
