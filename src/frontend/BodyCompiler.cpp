@@ -267,6 +267,9 @@ private:
     // After "variable.": the member name, its procedure and the call; out receives the code and the
     // call is bound to the object held by the variable.
     [[nodiscard]] bool ParseMemberCall(const LocalSymbol& object, Expression& out, bool statement);
+    // The object variable of that name declared as a class module (a local, a parameter or a variable
+    // of this module), or false.
+    bool FindClassVariable(const std::string& upperName, LocalSymbol& out) const;
     [[nodiscard]] bool ReadBounds(std::vector<std::pair<long, long>>& bounds);
     // After "(" of an element reference: the indexes up to ")"; count receives their number.
     [[nodiscard]] bool ParseIndexes(Expression& out, int& count);
@@ -312,6 +315,8 @@ bool BodyParser::Compile()
         m_code->AddParameter(std::move(info));
         LocalSymbol symbol;
         symbol.ref = VariableRef{StorageScope::Local, slot, parameter.type.code};
+        if (!parameter.type.className.empty() && !parameter.type.code.IsArray())
+            symbol.classModule = FindClassModule(parameter.type.className);
         m_locals[Upper(parameter.name)] = symbol;
     }
     if (m_procedure.kind == ProcedureKind::Function || m_procedure.kind == ProcedureKind::PropertyGet) {
@@ -1442,9 +1447,10 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(bool requireAssignmen
     const TypeCode suffix = ReadSuffix();
 
     const LocalSymbol* local = FindLocal(key);
-    if (local && local->classModule && m_lexer.Accept(Token::Dot)) {
+    if (LocalSymbol object; m_lexer.Kind() == Token::Dot && FindClassVariable(key, object)) {
+        m_lexer.NextToken();
         Expression code;
-        if (!ParseMemberCall(*local, code, true))
+        if (!ParseMemberCall(object, code, true))
             return nullptr;
         return std::make_unique<EvaluateStatement>(std::move(code));
     }
@@ -2000,8 +2006,10 @@ bool BodyParser::ParseName(Expression& out, bool* simpleVariable)
         AppendConstant(out, m_code->ConstantAt(local->constant));
         return true;
     }
-    if (local && local->classModule && m_lexer.Accept(Token::Dot))
-        return ParseMemberCall(*local, out, false);
+    if (LocalSymbol object; m_lexer.Kind() == Token::Dot && FindClassVariable(key, object)) {
+        m_lexer.NextToken();
+        return ParseMemberCall(object, out, false);
+    }
     // Inside a Function its own name is the result variable unless arguments follow.
     Procedure* callee = nullptr;
     if (!local || (&m_procedure == FindProcedure(key) && m_lexer.Kind() == Token::LeftParen))
@@ -2209,6 +2217,26 @@ const Module* BodyParser::FindClassModule(std::string_view name) const
     return nullptr;
 }
 
+bool BodyParser::FindClassVariable(const std::string& upperName, LocalSymbol& out) const
+{
+    if (const LocalSymbol* local = FindLocal(upperName)) {
+        if (local->kind != LocalKind::Variable || !local->classModule)
+            return false;
+        out = *local;
+        return true;
+    }
+    auto global = m_state.names.find(upperName);
+    if (global == m_state.names.end() || global->second.kind != SymbolKind::Variable)
+        return false;
+    const Variable& variable = *m_state.variables[global->second.index];
+    if (variable.type.className.empty() || variable.type.code.IsArray() || !variable.bounds.empty())
+        return false;
+    out.ref = VariableRef{StorageScope::Module, static_cast<int>(global->second.index), variable.type.code};
+    out.classModule = FindClassModule(variable.type.className);
+    out.autoNew = variable.createsNew;
+    return out.classModule != nullptr;
+}
+
 Procedure* BodyParser::FindMember(const Module& classModule, const std::string& upperName, bool assignment) const
 {
     auto& module = const_cast<Module&>(classModule);
@@ -2330,7 +2358,10 @@ const Module* BodyParser::ModuleOf(const Procedure& procedure) const
 
 bool BodyParser::FindUsedVariable(const std::string& upperName, VariableRef& ref) const
 {
+    // Variables of class modules belong to their instances and are not reached by name.
     for (Module* used : m_module.UsedModules()) {
+        if (used->Kind() != ModuleKind::Plain)
+            continue;
         const auto& variables = used->State() ? used->State()->variables : used->Compiled()->variables;
         for (std::size_t i = 0; i < variables.size(); ++i) {
             const Variable& variable = *variables[i];
