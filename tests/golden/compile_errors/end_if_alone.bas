@@ -1,0 +1,4 @@
+Sub Main
+    Debug.Print 1
+    End If
+End Sub

@@ -1,0 +1,2 @@
+Sub Helper
+End Sub
