@@ -587,3 +587,34 @@ TEST(StatusMessages, EachFailureHasItsNumberAndText)
         EXPECT_EQ(std::wstring(row.text), message.text) << static_cast<int>(row.status);
     }
 }
+
+TEST_F(ModuleManagerTest, AClassObjectLeadsToItsInstanceAndItsLastReleaseRunsTheTerminator)
+{
+    callBack.macros[L"main"] = L"'#Uses \"counter\"\r\nSub Main\r\nEnd Sub\r\n";
+    callBack.macros[L"counter"] = L"VERSION 1.0 CLASS\r\nAttribute VB_Name = \"Counter\"\r\nPublic Value As Long\r\n"
+                                  L"Private Sub Class_Initialize()\r\nEnd Sub\r\n"
+                                  L"Private Sub Class_Terminate()\r\nEnd Sub\r\n";
+    ASSERT_TRUE(Start(L"main"));
+    Module& counter = *bodies.seen["counter"];
+    EngineContext& context = unit->Context();
+    {
+        EntryGuard guard(context);
+        Variant object;
+        ASSERT_TRUE(context.NewInstance(counter, object));
+        ASSERT_EQ(VT_DISPATCH, object.Tag());
+        EXPECT_EQ(L"Class_Initialize of counter\r\n", callBack.printed.back());
+        ModuleInstance* instance = context.InstanceOf(object.Raw().punkVal);
+        ASSERT_NE(nullptr, instance);
+        EXPECT_EQ(&counter, &instance->OwnModule());
+        EXPECT_EQ(nullptr, context.InstanceOf(unit->AsDispatch())) << "other objects have no instance";
+        EXPECT_EQ(nullptr, context.InstanceOf(nullptr));
+
+        Variant copy = object;
+        object = Variant();
+        EXPECT_EQ(1u, callBack.printed.size()) << "a copy still holds the instance";
+        copy = Variant();
+        ASSERT_EQ(2u, callBack.printed.size());
+        EXPECT_EQ(L"Class_Terminate of counter\r\n", callBack.printed.back());
+    }
+    EXPECT_FALSE(Run());
+}
