@@ -19,17 +19,6 @@ namespace brannoc {
 
 namespace {
 
-std::string Upper(std::string_view text)
-{
-    const CharClasses& classes = CharClasses::Get();
-    std::string out(text);
-    for (char& c : out)
-        c = classes.Upper(c);
-    return out;
-}
-
-bool SameName(std::string_view a, std::string_view b) { return a.size() == b.size() && Upper(a) == Upper(b); }
-
 std::wstring Widen(std::string_view text)
 {
     if (text.empty())
@@ -317,14 +306,14 @@ bool BodyParser::Compile()
         symbol.ref = VariableRef{StorageScope::Local, slot, parameter.type.code};
         if (!parameter.type.className.empty() && !parameter.type.code.IsArray())
             symbol.classModule = FindClassModule(parameter.type.className);
-        m_locals[Upper(parameter.name)] = symbol;
+        m_locals[UpperName(parameter.name)] = symbol;
     }
     if (m_procedure.kind == ProcedureKind::Function || m_procedure.kind == ProcedureKind::PropertyGet) {
         const int slot = m_code->AddSlot(m_procedure.result.code);
         m_code->SetResultSlot(slot);
         LocalSymbol symbol;
         symbol.ref = VariableRef{StorageScope::Local, slot, m_procedure.result.code};
-        m_locals[Upper(m_procedure.name)] = symbol;
+        m_locals[UpperName(m_procedure.name)] = symbol;
     }
 
     const int lastIndex = m_procedure.lineCount - 1;
@@ -370,7 +359,7 @@ bool BodyParser::Compile()
     m_code->Append(std::make_unique<NoOperationStatement>())->SetListing(ListingOf(m_lexer.LineText()));
 
     for (const PendingGoTo& pending : m_gotos) {
-        auto found = m_labels.find(Upper(pending.name));
+        auto found = m_labels.find(UpperName(pending.name));
         if (found == m_labels.end() || found->second.index < 0) {
             m_lexer.ClearStatementError();
             m_lexer.SignalErrorAt(CompileMessage::GoToLabelHasNotBeenDefined, pending.name, pending.position);
@@ -420,8 +409,8 @@ BodyParser::StatementPtr BodyParser::ParseLine()
     // A label: a name directly followed by ":" (not ":=").
     if (IsNameToken(word) && word != Token::Print) {
         const char* after = SkipBlanks(m_lexer.TokenEnd());
-        if (after[0] == ':' && after[1] != '=' && FindProcedure(Upper(m_lexer.Text())) == nullptr) {
-            Label& label = m_labels[Upper(m_lexer.Text())];
+        if (after[0] == ':' && after[1] != '=' && FindProcedure(UpperName(m_lexer.Text())) == nullptr) {
+            Label& label = m_labels[UpperName(m_lexer.Text())];
             if (label.index < 0)
                 label.index = CurrentIndex();
             m_lexer.NextToken();
@@ -566,7 +555,7 @@ BodyParser::StatementPtr BodyParser::ParseSimple()
     }
     case Token::ReDim: statement = ParseReDim(); break;
     case Token::Mid:
-        if (*SkipBlanks(m_lexer.TokenEnd()) == '(' && FindLocal(Upper(m_lexer.Text())) == nullptr) {
+        if (*SkipBlanks(m_lexer.TokenEnd()) == '(' && FindLocal(UpperName(m_lexer.Text())) == nullptr) {
             statement = ParseMid();
             break;
         }
@@ -819,7 +808,7 @@ BodyParser::StatementPtr BodyParser::ParseFor()
     Block block{BlockKind::For};
     block.index = CurrentIndex();
     block.opener = statement.get();
-    block.counterName = Upper(name);
+    block.counterName = UpperName(name);
     block.counter = counter;
     block.endSlot = endSlot;
     block.stepSlot = stepSlot;
@@ -855,7 +844,7 @@ BodyParser::StatementPtr BodyParser::ParseForEach()
     Block block{BlockKind::For};
     block.index = CurrentIndex();
     block.opener = statement.get();
-    block.counterName = Upper(name);
+    block.counterName = UpperName(name);
     block.counter = element;
     block.endSlot = arraySlot;
     block.stepSlot = positionSlot;
@@ -1023,7 +1012,7 @@ BodyParser::StatementPtr BodyParser::ParseNext()
             return nullptr;
         }
         if (IsNameToken(m_lexer.Kind())) {
-            const std::string name = Upper(ReadName());
+            const std::string name = UpperName(ReadName());
             (void)ReadSuffix();
             if (name != block->counterName) {
                 m_lexer.SignalError(CompileMessage::NextVarDoesNotMatchForsVar);
@@ -1333,7 +1322,7 @@ BodyParser::StatementPtr BodyParser::ParseDim(bool isStatic)
         }
         if (type == TypeCode())
             type = m_module.DefaultTypeFor(name);
-        const std::string key = Upper(name);
+        const std::string key = UpperName(name);
         if (m_locals.count(key) != 0) {
             m_lexer.SignalError(CompileMessage::IdentifierIsAlreadyInUse, name);
             return nullptr;
@@ -1402,7 +1391,7 @@ BodyParser::StatementPtr BodyParser::ParseConst()
         LocalSymbol symbol;
         symbol.kind = LocalKind::Constant;
         symbol.constant = index;
-        m_locals[Upper(name)] = symbol;
+        m_locals[UpperName(name)] = symbol;
     } while (m_lexer.Accept(Token::Comma));
     return Declaration();
 }
@@ -1416,7 +1405,7 @@ BodyParser::StatementPtr BodyParser::ParseCallStatement()
     }
     const std::string name = ReadName();
     (void)ReadSuffix();
-    Procedure* callee = FindProcedure(Upper(name));
+    Procedure* callee = FindProcedure(UpperName(name));
     if (!callee) {
         m_lexer.SignalError(CompileMessage::ExpectingSubFunctionPropertyName, name);
         return nullptr;
@@ -1443,7 +1432,7 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(bool requireAssignmen
         return nullptr;
     }
     const std::string name = ReadName();
-    const std::string key = Upper(name);
+    const std::string key = UpperName(name);
     const TypeCode suffix = ReadSuffix();
 
     const LocalSymbol* local = FindLocal(key);
@@ -1999,7 +1988,7 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
 bool BodyParser::ParseName(Expression& out, bool* simpleVariable)
 {
     const std::string name = ReadName();
-    const std::string key = Upper(name);
+    const std::string key = UpperName(name);
     const TypeCode suffix = ReadSuffix();
     const LocalSymbol* local = FindLocal(key);
     if (local && local->kind == LocalKind::Constant) {
@@ -2192,7 +2181,7 @@ Procedure* BodyParser::FindProcedure(const std::string& upperName) const
         const auto& procedures = used->State() ? used->State()->procedures : used->Compiled()->procedures;
         for (const auto& procedure : procedures) {
             if (procedure->visibility != Visibility::Private && procedure->kind != ProcedureKind::External &&
-                Upper(procedure->name) == upperName)
+                UpperName(procedure->name) == upperName)
                 return procedure.get();
         }
     }
@@ -2211,7 +2200,7 @@ const Module* BodyParser::FindClassModule(std::string_view name) const
         const std::size_t dot = own.rfind('.');
         if (dot != std::string_view::npos)
             own = own.substr(0, dot);
-        if (Upper(std::string(name)) == Upper(used->RecordName()) || Upper(std::string(name)) == Upper(std::string(own)))
+        if (UpperName(std::string(name)) == UpperName(used->RecordName()) || UpperName(std::string(name)) == UpperName(std::string(own)))
             return used;
     }
     return nullptr;
@@ -2243,7 +2232,7 @@ Procedure* BodyParser::FindMember(const Module& classModule, const std::string& 
     const auto& procedures = module.State() ? module.State()->procedures : module.Compiled()->procedures;
     for (const auto& procedure : procedures) {
         if (procedure->visibility == Visibility::Private || procedure->kind == ProcedureKind::External ||
-            Upper(procedure->name) != upperName)
+            UpperName(procedure->name) != upperName)
             continue;
         if ((procedure->kind == ProcedureKind::PropertyLet) == assignment)
             return procedure.get();
@@ -2259,7 +2248,7 @@ bool BodyParser::ParseMemberCall(const LocalSymbol& object, Expression& out, boo
         return false;
     }
     m_lexer.NextToken();
-    const std::string key = Upper(member);
+    const std::string key = UpperName(member);
     const std::size_t start = out.ops.size();
     const bool assignment = statement && m_lexer.Kind() == Token::Equal;
     Procedure* callee = FindMember(*object.classModule, key, assignment);
@@ -2367,7 +2356,7 @@ bool BodyParser::FindUsedVariable(const std::string& upperName, VariableRef& ref
             const Variable& variable = *variables[i];
             if (variable.visibility != Visibility::Public && variable.visibility != Visibility::Friend)
                 continue;
-            if (Upper(variable.name) == upperName) {
+            if (UpperName(variable.name) == upperName) {
                 ref = VariableRef{StorageScope::Module, static_cast<int>(i), variable.type.code, used};
                 return true;
             }
@@ -2378,7 +2367,7 @@ bool BodyParser::FindUsedVariable(const std::string& upperName, VariableRef& ref
 
 bool BodyParser::ResolveVariable(const std::string& name, TypeCode suffix, VariableRef& ref, bool& found)
 {
-    const std::string key = Upper(name);
+    const std::string key = UpperName(name);
     found = true;
     if (const LocalSymbol* local = FindLocal(key); local && local->kind == LocalKind::Variable) {
         if (suffix != TypeCode() && suffix != local->ref.type) {

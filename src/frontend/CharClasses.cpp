@@ -47,4 +47,24 @@ CharClasses::CharClasses()
     }
 }
 
+std::string UpperName(std::string_view text)
+{
+    const CharClasses& classes = CharClasses::Get();
+    std::string upper(text);
+    for (char& c : upper)
+        c = classes.Upper(c);
+    return upper;
+}
+
+bool SameName(std::string_view a, std::string_view b)
+{
+    if (a.size() != b.size())
+        return false;
+    const CharClasses& classes = CharClasses::Get();
+    for (size_t i = 0; i < a.size(); ++i)
+        if (classes.Upper(a[i]) != classes.Upper(b[i]))
+            return false;
+    return true;
+}
+
 } // namespace brannoc

@@ -3,6 +3,9 @@
 #include <array>
 #include <cstdint>
 
+#include <string>
+#include <string_view>
+
 namespace brannoc {
 
 class CharClasses final {
@@ -28,5 +31,11 @@ private:
     std::array<std::uint8_t, 256> m_flags{};
     std::array<std::uint8_t, 256> m_upper{};
 };
+
+// A name in upper case through the code page's map.
+std::string UpperName(std::string_view text);
+
+// True when two names are equal without regard to case (the language compares names this way).
+bool SameName(std::string_view a, std::string_view b);
 
 } // namespace brannoc

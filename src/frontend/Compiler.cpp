@@ -9,16 +9,6 @@
 namespace brannoc {
 namespace {
 
-std::string Upper(std::string_view text)
-{
-    std::string upper(text);
-    for (char& c : upper)
-        c = CharClasses::Get().Upper(c);
-    return upper;
-}
-
-bool SameName(std::string_view a, std::string_view b) { return Upper(a) == Upper(b); }
-
 bool StartsWithWord(std::string_view text, std::string_view word)
 {
     return text.size() >= word.size() && SameName(text.substr(0, word.size()), word);

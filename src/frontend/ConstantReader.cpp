@@ -37,14 +37,6 @@ int PrecedenceOf(Token token)
     return -1;
 }
 
-std::string Upper(std::string_view text)
-{
-    std::string upper(text);
-    for (char& c : upper)
-        c = CharClasses::Get().Upper(c);
-    return upper;
-}
-
 std::wstring TextOf(const ConstantValue& value)
 {
     ConstantValue copy = value;
@@ -160,7 +152,7 @@ bool ConstantReader::ReadPrimary(ConstantValue& value)
         return false;
     }
     if (m_names != nullptr) {
-        const auto found = m_names->names.find(Upper(m_lexer.Text()));
+        const auto found = m_names->names.find(UpperName(m_lexer.Text()));
         if (found != m_names->names.end()) {
             const SymbolRef& ref = found->second;
             if (ref.kind == SymbolKind::Constant) {

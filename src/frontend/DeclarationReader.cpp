@@ -8,16 +8,6 @@
 namespace brannoc {
 namespace {
 
-std::string Upper(std::string_view text)
-{
-    std::string upper(text);
-    for (char& c : upper)
-        c = CharClasses::Get().Upper(c);
-    return upper;
-}
-
-bool SameName(std::string_view a, std::string_view b) { return Upper(a) == Upper(b); }
-
 // The type words of As clauses that name a scalar type directly.
 struct TypeWord {
     Token token;
@@ -137,7 +127,7 @@ bool DeclarationReader::ReadName(CompileMessage missing, std::string& name)
 
 bool DeclarationReader::AddName(const std::string& name, SymbolRef ref)
 {
-    if (!m_state.names.emplace(Upper(name), ref).second) {
+    if (!m_state.names.emplace(UpperName(name), ref).second) {
         m_lexer.SignalError(CompileMessage::IdentifierIsAlreadyInUse, name);
         return false;
     }
@@ -212,7 +202,7 @@ bool DeclarationReader::ReadAsType(TypeContext context, TypeSpec& type, bool& cr
     }
     type.code = TypeCode(TypeCode::kObject);
     // A user-defined type declared earlier resolves now; later ones in the second pass.
-    const auto found = m_state.names.find(Upper(type.className));
+    const auto found = m_state.names.find(UpperName(type.className));
     if (found != m_state.names.end() && found->second.kind == SymbolKind::UserType) {
         type.userType = m_state.userTypes[found->second.index].get();
         type.code = TypeCode(TypeCode::kUserType);
@@ -224,7 +214,7 @@ bool DeclarationReader::ResolveNamedType(TypeSpec& type)
 {
     if (type.className.empty() || type.userType != nullptr)
         return true;
-    const auto found = m_state.names.find(Upper(type.className));
+    const auto found = m_state.names.find(UpperName(type.className));
     if (found != m_state.names.end() && found->second.kind == SymbolKind::UserType) {
         type.userType = m_state.userTypes[found->second.index].get();
         type.code = TypeCode(static_cast<std::uint16_t>(TypeCode::kUserType | (type.code.Code() & ~TypeCode::kScalarMask)));
@@ -394,7 +384,7 @@ ReadResult DeclarationReader::ReadType(Visibility visibility)
         return ReadResult::Done;
     }
     userType->name.assign(m_lexer.Text());
-    if (m_state.names.count(Upper(userType->name)) != 0) {
+    if (m_state.names.count(UpperName(userType->name)) != 0) {
         m_lexer.SignalError(CompileMessage::TypeIdentifierInvalidOrAlreadyInUse, userType->name);
         return ReadResult::Done;
     }
@@ -782,9 +772,9 @@ ReadResult DeclarationReader::ReadProcedure(Visibility visibility)
     if (headerOkay)
         headerOkay = CheckPropertyPartner(*procedure);
     if (headerOkay) {
-        const auto found = m_state.names.find(Upper(procedure->name));
+        const auto found = m_state.names.find(UpperName(procedure->name));
         if (found == m_state.names.end())
-            m_state.names.emplace(Upper(procedure->name), SymbolRef{SymbolKind::Procedure, m_state.procedures.size()});
+            m_state.names.emplace(UpperName(procedure->name), SymbolRef{SymbolKind::Procedure, m_state.procedures.size()});
     }
     Procedure& target = *procedure;
     m_state.procedures.push_back(std::move(procedure));
@@ -799,7 +789,7 @@ ReadResult DeclarationReader::ReadProcedure(Visibility visibility)
 // then have one parameter more than the Get, the same common parameters and the Get's result type.
 bool DeclarationReader::CheckPropertyPartner(const Procedure& procedure)
 {
-    const auto found = m_state.names.find(Upper(procedure.name));
+    const auto found = m_state.names.find(UpperName(procedure.name));
     if (found == m_state.names.end())
         return true;
     const bool isProperty = procedure.kind == ProcedureKind::PropertyGet || procedure.kind == ProcedureKind::PropertyLet ||
@@ -946,7 +936,7 @@ bool DeclarationReader::ImplicitType(std::string_view name, char suffix, bool fo
         m_lexer.SignalError(CompileMessage::ThisLanguageFeatureHasBeenDisabled);
         return false;
     }
-    const auto found = m_state.names.find(Upper(name));
+    const auto found = m_state.names.find(UpperName(name));
     if (found != m_state.names.end()) {
         if (found->second.kind != SymbolKind::Variable) {
             m_lexer.SignalError(CompileMessage::ExpectingAVarName);
