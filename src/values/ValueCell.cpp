@@ -148,31 +148,18 @@ public:
     }
 };
 
-// Kinds whose operations all take the generic routines.
-class SingleCell final : public ValueCell {
+// Kinds whose operations all take the generic routines: only the tag differs.
+template <VARTYPE kTag>
+class GenericCell final : public ValueCell {
 public:
-    VARTYPE Kind() const override { return VT_R4; }
+    VARTYPE Kind() const override { return kTag; }
 };
-class CurrencyCell final : public ValueCell {
-public:
-    VARTYPE Kind() const override { return VT_CY; }
-};
-class DateCell final : public ValueCell {
-public:
-    VARTYPE Kind() const override { return VT_DATE; }
-};
-class BooleanCell final : public ValueCell {
-public:
-    VARTYPE Kind() const override { return VT_BOOL; }
-};
-class ByteCell final : public ValueCell {
-public:
-    VARTYPE Kind() const override { return VT_UI1; }
-};
-class DecimalCell final : public ValueCell {
-public:
-    VARTYPE Kind() const override { return VT_DECIMAL; }
-};
+using SingleCell = GenericCell<VT_R4>;
+using CurrencyCell = GenericCell<VT_CY>;
+using DateCell = GenericCell<VT_DATE>;
+using BooleanCell = GenericCell<VT_BOOL>;
+using ByteCell = GenericCell<VT_UI1>;
+using DecimalCell = GenericCell<VT_DECIMAL>;
 
 class StringCell final : public ValueCell {
 public:

@@ -127,10 +127,6 @@ TEST(TypeLibrary, CodeUnitInterfaceHasEveryMemberWithItsDispatchId)
         ASSERT_EQ(S_OK, info->GetIDsOfNames(&name, 1, &id));
         EXPECT_EQ(row.id, id);
         auto hasKind = [&](INVOKEKIND kind) {
-            BSTR dll = nullptr, entry = nullptr;
-            WORD ordinal = 0;
-            // GetDllEntry is not for interfaces; AddressOfMember neither: look through the functions.
-            (void)dll; (void)entry; (void)ordinal;
             TYPEATTR* attributes = nullptr;
             info->GetTypeAttr(&attributes);
             bool found = false;

@@ -163,35 +163,19 @@ bool TypeLibraryWriter::AddFunctions(ICreateTypeInfo* info, const std::vector<Me
 ITypeInfo* TypeLibraryWriter::AddDualInterface(const wchar_t* name, const GUID& id, const wchar_t* help,
                                                const std::vector<Member>& members)
 {
-    ICreateTypeInfo* info = NewTypeInfo(name, TKIND_INTERFACE, &id, help);
-    if (!info)
-        return nullptr;
-    ITypeInfo* dispatch = nullptr;
-    HREFTYPE href = 0;
-    bool ok = SUCCEEDED(m_stdole->GetTypeInfoOfGuid(IID_IDispatch, &dispatch)) &&
-              SUCCEEDED(info->AddRefTypeInfo(dispatch, &href)) && SUCCEEDED(info->AddImplType(0, href));
-    if (dispatch)
-        dispatch->Release();
-    if (!ok) {
-        Fail(L"IDispatch base", E_FAIL);
-        info->Release();
-        return nullptr;
-    }
-    info->SetTypeFlags(TYPEFLAG_FDUAL | TYPEFLAG_FOLEAUTOMATION);
-    ok = AddFunctions(info, members, false) && SUCCEEDED(info->LayOut());
-    ITypeInfo* result = nullptr;
-    if (ok)
-        info->QueryInterface(IID_ITypeInfo, reinterpret_cast<void**>(&result));
-    info->Release();
-    if (result)
-        m_infos.push_back(result);
-    return result;
+    return AddDispatchBased(name, TKIND_INTERFACE, id, help, members);
 }
 
 ITypeInfo* TypeLibraryWriter::AddDispInterface(const wchar_t* name, const GUID& id, const wchar_t* help,
                                                const std::vector<Member>& members)
 {
-    ICreateTypeInfo* info = NewTypeInfo(name, TKIND_DISPATCH, &id, help);
+    return AddDispatchBased(name, TKIND_DISPATCH, id, help, members);
+}
+
+ITypeInfo* TypeLibraryWriter::AddDispatchBased(const wchar_t* name, TYPEKIND kind, const GUID& id,
+                                               const wchar_t* help, const std::vector<Member>& members)
+{
+    ICreateTypeInfo* info = NewTypeInfo(name, kind, &id, help);
     if (!info)
         return nullptr;
     ITypeInfo* dispatch = nullptr;
@@ -200,10 +184,15 @@ ITypeInfo* TypeLibraryWriter::AddDispInterface(const wchar_t* name, const GUID& 
               SUCCEEDED(info->AddRefTypeInfo(dispatch, &href)) && SUCCEEDED(info->AddImplType(0, href));
     if (dispatch)
         dispatch->Release();
-    ok = ok && AddFunctions(info, members, true) && SUCCEEDED(info->LayOut());
+    const bool dual = kind == TKIND_INTERFACE;
+    if (dual)
+        info->SetTypeFlags(TYPEFLAG_FDUAL | TYPEFLAG_FOLEAUTOMATION);
+    ok = ok && AddFunctions(info, members, !dual) && SUCCEEDED(info->LayOut());
     ITypeInfo* result = nullptr;
     if (ok)
         info->QueryInterface(IID_ITypeInfo, reinterpret_cast<void**>(&result));
+    else
+        Fail(name, E_FAIL);
     info->Release();
     if (result)
         m_infos.push_back(result);

@@ -58,6 +58,9 @@ public:
     const std::wstring& LastError() const { return m_error; }
 
 private:
+    // An interface (dual) or dispinterface over IDispatch with the given members.
+    ITypeInfo* AddDispatchBased(const wchar_t* name, TYPEKIND kind, const GUID& id, const wchar_t* help,
+                                const std::vector<Member>& members);
     ICreateTypeInfo* NewTypeInfo(const wchar_t* name, TYPEKIND kind, const GUID* id, const wchar_t* help);
     bool AddFunctions(ICreateTypeInfo* info, const std::vector<Member>& members, bool dispatchOnly);
     bool Fail(const wchar_t* what, HRESULT hr);
