@@ -1,6 +1,6 @@
 #include "ProgramRunner.h"
 
-#include "frontend/ProcedureBody.h"
+#include "code/ProcedureBody.h"
 #include "frontend/Token.h"
 
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 // The statement classes of a statement vector. Control moves by setting the current activation's
 // indexes; a statement that calls a procedure yields and resumes from its entry's state (the position in
 // its expression code), so nothing of a statement in progress lives in the statement object.
-#include "frontend/ProcedureBody.h"
+#include "code/ProcedureBody.h"
 
 namespace brannoc {
 

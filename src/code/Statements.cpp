@@ -1,4 +1,4 @@
-#include "frontend/Statements.h"
+#include "code/Statements.h"
 
 #include "exec/Activation.h"
 #include "exec/HaltFlags.h"

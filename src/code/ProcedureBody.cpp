@@ -1,4 +1,4 @@
-#include "frontend/ProcedureBody.h"
+#include "code/ProcedureBody.h"
 
 #include "exec/Activation.h"
 #include "exec/HaltFlags.h"

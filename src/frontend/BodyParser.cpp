@@ -1,0 +1,375 @@
+#include "frontend/BodyParser.h"
+
+#include "frontend/CharClasses.h"
+#include "exec/InterpreterHost.h"
+#include "values/Conversion.h"
+#include "values/ValueCell.h"
+#include "values/ValueError.h"
+
+#include <windows.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <optional>
+
+namespace brannoc::body {
+
+bool BodyParser::Compile()
+{
+    auto code = std::make_unique<CompiledProcedure>(m_procedure);
+    m_code = code.get();
+    const int errorsBefore = m_lexer.ErrorCount();
+
+    for (const Parameter& parameter : m_procedure.parameters) {
+        ParameterInfo info;
+        info.type = parameter.type.code;
+        info.byVal = parameter.byVal;
+        info.optional = parameter.optional;
+        info.paramArray = parameter.paramArray;
+        info.hasDefault = parameter.hasDefault;
+        if (parameter.hasDefault)
+            info.defaultValue = FromConstant(parameter.defaultValue);
+        const int slot = m_code->AddSlot(parameter.type.code);
+        m_code->AddParameter(std::move(info));
+        LocalSymbol symbol;
+        symbol.ref = VariableRef{StorageScope::Local, slot, parameter.type.code};
+        if (!parameter.type.className.empty() && !parameter.type.code.IsArray())
+            symbol.classModule = FindClassModule(parameter.type.className);
+        m_locals[UpperName(parameter.name)] = symbol;
+    }
+    if (m_procedure.kind == ProcedureKind::Function || m_procedure.kind == ProcedureKind::PropertyGet) {
+        const int slot = m_code->AddSlot(m_procedure.result.code);
+        m_code->SetResultSlot(slot);
+        LocalSymbol symbol;
+        symbol.ref = VariableRef{StorageScope::Local, slot, m_procedure.result.code};
+        m_locals[UpperName(m_procedure.name)] = symbol;
+    }
+
+    const int lastIndex = m_procedure.lineCount - 1;
+    m_exitIndex = lastIndex;
+    m_code->Append(std::make_unique<NoOperationStatement>())->SetListing(ListingOf(m_lexer.LineText()));
+
+    const int endLine = m_procedure.firstLine + lastIndex;
+    if (lastIndex > 1) {
+        m_lexer.SeekLine(m_procedure.firstLine + 1);
+        while (!m_lexer.AtEnd() && m_lexer.Line() < endLine) {
+            if (m_lexer.ErrorLimitReached() || m_lexer.MemoryExhausted())
+                break;
+            const int index = CurrentIndex();
+            while (m_code->StatementCount() < index)
+                m_code->AppendShared(&EmptyStatement());
+            m_lexer.ClearStatementError();
+            const char* start = m_lexer.TokenStart();
+            StatementPtr statement = ParseLine();
+            if (statement && m_lexer.Kind() != Token::EndOfLine && m_lexer.Kind() != Token::Apostrophe)
+                m_lexer.SignalError(CompileMessage::UnexpectedText, m_lexer.Text());
+            if (statement) {
+                std::string_view rest = m_lexer.LineText();
+                const char* end = rest.data() + rest.size();
+                statement->SetListing(ListingOf(std::string_view(start, static_cast<std::size_t>(end - start))));
+                m_code->Append(std::move(statement));
+            } else {
+                m_code->AppendShared(&EmptyStatement());
+            }
+            if (!m_lexer.SkipStatement())
+                break;
+        }
+    }
+    while (m_code->StatementCount() < lastIndex)
+        m_code->AppendShared(&EmptyStatement());
+
+    if (!m_blocks.empty()) {
+        m_lexer.SeekLine(endLine);
+        m_lexer.ClearStatementError();
+        m_lexer.SignalError(CompileMessage::UnterminatedBlockStatement, BlockWord(m_blocks.back().kind));
+        m_blocks.clear();
+    }
+    m_lexer.SeekLine(endLine);
+    m_code->Append(std::make_unique<NoOperationStatement>())->SetListing(ListingOf(m_lexer.LineText()));
+
+    for (const PendingGoTo& pending : m_gotos) {
+        auto found = m_labels.find(UpperName(pending.name));
+        if (found == m_labels.end() || found->second.index < 0) {
+            m_lexer.ClearStatementError();
+            m_lexer.SignalErrorAt(CompileMessage::GoToLabelHasNotBeenDefined, pending.name, pending.position);
+            continue;
+        }
+        pending.jump->SetTarget(found->second.index);
+    }
+
+    if (m_lexer.ErrorCount() != errorsBefore)
+        return false;
+    m_procedure.code = std::move(code);
+    return true;
+}
+
+BodyParser::StatementPtr BodyParser::Declaration()
+{
+    return std::make_unique<DeclarationStatement>();
+}
+
+Block* BodyParser::Innermost(BlockKind kind)
+{
+    if (m_blocks.empty() || m_blocks.back().kind != kind)
+        return nullptr;
+    return &m_blocks.back();
+}
+
+void BodyParser::CloseBlock(Block& block, int endIndex)
+{
+    for (JumpStatement* jump : block.exits)
+        jump->SetTarget(endIndex + 1);
+    for (CaseLineStatement* line : block.caseLines)
+        line->SetTarget(endIndex + 1);
+}
+
+BodyParser::StatementPtr BodyParser::ParseLine()
+{
+    Token word = m_lexer.Kind();
+    if (word == Token::EndOfLine || word == Token::Apostrophe || word == Token::Rem)
+        return nullptr;
+
+    // A Select Case block takes only Case lines before its first Case.
+    if (!m_blocks.empty() && m_blocks.back().expectCase && word != Token::Case) {
+        m_lexer.SignalError(CompileMessage::ExpectingACaseDefinition);
+        return nullptr;
+    }
+
+    // A label: a name directly followed by ":" (not ":=").
+    if (IsNameToken(word) && word != Token::Print) {
+        const char* after = SkipBlanks(m_lexer.TokenEnd());
+        if (after[0] == ':' && after[1] != '=' && FindProcedure(UpperName(m_lexer.Text())) == nullptr) {
+            Label& label = m_labels[UpperName(m_lexer.Text())];
+            if (label.index < 0)
+                label.index = CurrentIndex();
+            m_lexer.NextToken();
+            m_lexer.NextToken();
+            word = m_lexer.Kind();
+            if (word == Token::EndOfLine || word == Token::Apostrophe)
+                return nullptr;
+            StatementPtr inner = ParseLine();
+            if (!inner)
+                return nullptr;
+            return std::make_unique<LabelledStatement>(std::move(inner));
+        }
+    }
+
+    // A blocked keyword's statement is refused (a blocked recognised name may still name a variable).
+    if (IsReservedWord(word) && m_lexer.IsBlocked(word)) {
+        m_lexer.SignalError(CompileMessage::ThisLanguageFeatureHasBeenDisabled, KeywordText(word));
+        return nullptr;
+    }
+    switch (word) {
+    case Token::End: return ParseEnd();
+    case Token::If: return ParseIf(true);
+    case Token::ElseIf: return ParseElseIf();
+    case Token::Else: return ParseElse();
+    case Token::Select: return ParseSelect();
+    case Token::Case: return ParseCase();
+    case Token::For: return ParseFor();
+    case Token::Next: return ParseNext();
+    case Token::Do: return ParseDo();
+    case Token::Loop: return ParseLoop();
+    case Token::While: return ParseWhile();
+    case Token::Wend: return ParseWend();
+    case Token::With: return ParseWith();
+    case Token::Dim: return ParseDim(false);
+    case Token::Static: return ParseDim(true);
+    case Token::Const: return ParseConst();
+    default: return ParseInline(false);
+    }
+}
+
+BodyParser::StatementPtr BodyParser::ParseEnd()
+{
+    m_lexer.NextToken();
+    const Token word = m_lexer.Kind();
+    if (word == Token::EndOfLine || word == Token::Apostrophe || word == Token::Else || word == Token::Colon) {
+        auto statement = std::make_unique<EndStatement>();
+        statement->SetKeyword(TokenNumber(Token::End));
+        return statement;
+    }
+    const int index = CurrentIndex();
+    Block* block = m_blocks.empty() ? nullptr : &m_blocks.back();
+    const bool closes = block && ((word == Token::If && block->kind == BlockKind::If) ||
+                                  (word == Token::Select && block->kind == BlockKind::Select) ||
+                                  (word == Token::With && block->kind == BlockKind::With));
+    if (!closes) {
+        m_lexer.SignalError(CompileMessage::UnexpectedEndStatement);
+        return nullptr;
+    }
+    m_lexer.NextToken();
+    if (block->kind == BlockKind::If || block->kind == BlockKind::Select) {
+        auto* branch = static_cast<BranchStatement*>(block->opener);
+        if (!block->hasElse)
+            branch->SetElseTarget(index + 1);
+    }
+    CloseBlock(*block, index);
+    m_blocks.pop_back();
+    auto statement = std::make_unique<NoOperationStatement>();
+    statement->SetKeyword(TokenNumber(Token::End));
+    return statement;
+}
+
+BodyParser::StatementPtr BodyParser::ParseInline(bool inSingleLineIf)
+{
+    auto list = std::make_unique<StatementList>();
+    int count = 0;
+    StatementPtr single;
+    for (;;) {
+        while (m_lexer.Accept(Token::Colon)) {
+        }
+        const Token word = m_lexer.Kind();
+        if (word == Token::EndOfLine || word == Token::Apostrophe || word == Token::Rem)
+            break;
+        if (word == Token::Else) {
+            if (inSingleLineIf)
+                break;
+            m_lexer.SignalError(CompileMessage::UnexpectedText, "Else");
+            return nullptr;
+        }
+        StatementPtr statement = ParseSimple();
+        if (!statement)
+            return nullptr;
+        ++count;
+        if (count == 1) {
+            single = std::move(statement);
+        } else {
+            if (single)
+                list->Add(std::move(single));
+            list->Add(std::move(statement));
+        }
+        if (m_lexer.Kind() != Token::Colon)
+            break;
+    }
+    const Token word = m_lexer.Kind();
+    if (!(word == Token::EndOfLine || word == Token::Apostrophe || (inSingleLineIf && word == Token::Else))) {
+        m_lexer.SignalError(CompileMessage::UnexpectedText, m_lexer.Text());
+        return nullptr;
+    }
+    if (inSingleLineIf) {
+        if (single)
+            list->Add(std::move(single));
+        return list;
+    }
+    if (count == 0)
+        return nullptr;
+    if (count == 1)
+        return single;
+    return list;
+}
+
+BodyParser::StatementPtr BodyParser::ParseSimple()
+{
+    StatementPtr statement;
+    const Token word = m_lexer.Kind();
+    if (IsReservedWord(word) && m_lexer.IsBlocked(word)) {
+        m_lexer.SignalError(CompileMessage::ThisLanguageFeatureHasBeenDisabled, KeywordText(word));
+        return nullptr;
+    }
+    switch (word) {
+    case Token::If: statement = ParseIf(false); break;
+    case Token::GoTo: statement = ParseGoTo(); break;
+    case Token::Exit: statement = ParseExit(); break;
+    case Token::Debug: statement = ParseDebug(); break;
+    case Token::Call: statement = ParseCallStatement(); break;
+    case Token::End: {
+        m_lexer.NextToken();
+        if (!IsStatementEnd(m_lexer.Kind())) {
+            m_lexer.SignalError(CompileMessage::UnexpectedEndStatement);
+            return nullptr;
+        }
+        statement = std::make_unique<EndStatement>();
+        break;
+    }
+    case Token::ReDim: statement = ParseReDim(); break;
+    case Token::Mid:
+        if (*SkipBlanks(m_lexer.TokenEnd()) == '(' && FindLocal(UpperName(m_lexer.Text())) == nullptr) {
+            statement = ParseMid();
+            break;
+        }
+        statement = ParseAssignmentOrCall(false);
+        break;
+    case Token::Erase: statement = ParseErase(); break;
+    case Token::LSet:
+    case Token::RSet: statement = ParseAlign(word == Token::RSet); break;
+    case Token::Let:
+        m_lexer.NextToken();
+        statement = ParseAssignmentOrCall(true);
+        break;
+    case Token::Set:
+        m_lexer.NextToken();
+        statement = ParseAssignmentOrCall(true);
+        break;
+    default: statement = ParseAssignmentOrCall(false); break;
+    }
+    if (statement && statement->KeywordToken() == 0 && IsReservedWord(word))
+        statement->SetKeyword(TokenNumber(word));
+    if (statement)
+        statement->SetOwner(m_code);
+    return statement;
+}
+
+} // namespace brannoc::body
+
+namespace brannoc {
+
+using body::BodyParser;
+
+bool BodyCompiler::CompileBody(Module& module, Procedure& procedure, Lexer& lexer)
+{
+    if (module.State() == nullptr)
+        return false;
+    BodyParser parser(module, procedure, lexer);
+    return parser.Compile();
+}
+
+std::string ListingOf(std::string_view source)
+{
+    const CharClasses& classes = CharClasses::Get();
+    std::string out;
+    out.reserve(source.size());
+    std::size_t i = 0;
+    while (i < source.size()) {
+        const char c = source[i];
+        if (c == '"') {
+            const std::size_t close = source.find('"', i + 1);
+            const std::size_t end = close == std::string_view::npos ? source.size() : close + 1;
+            out.append(source.substr(i, end - i));
+            i = end;
+        } else if (c == '\'') {
+            out.append(source.substr(i));
+            break;
+        } else if (c == '_' && (i + 1 == source.size() || source[i + 1] == '\r' || source[i + 1] == '\n') &&
+                   (i == 0 || source[i - 1] == ' ' || source[i - 1] == '\t')) {
+            // A continuation: the next physical line joins this one.
+            ++i;
+            while (i < source.size() && (source[i] == '\r' || source[i] == '\n' || source[i] == ' ' || source[i] == '\t'))
+                ++i;
+            while (!out.empty() && (out.back() == ' ' || out.back() == '\t'))
+                out.pop_back();
+            out += ' ';
+        } else if (c == '\r' || c == '\n') {
+            break;
+        } else if (classes.IsIdentifierStart(c)) {
+            std::size_t end = i;
+            while (end < source.size() && classes.IsIdentifierChar(source[end]))
+                ++end;
+            const std::string_view word = source.substr(i, end - i);
+            const Token token = LookupKeyword(word);
+            if (token != Token::Id)
+                out.append(KeywordText(token));
+            else
+                out.append(word);
+            i = end;
+        } else {
+            out += c;
+            ++i;
+        }
+    }
+    while (!out.empty() && (out.back() == ' ' || out.back() == '\t'))
+        out.pop_back();
+    return out;
+}
+
+} // namespace brannoc

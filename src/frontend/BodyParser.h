@@ -1,0 +1,208 @@
+#pragma once
+// The statement and expression compiler's parser of one procedure body, shared by the files that
+// implement its parts: lines and blocks (BodyParser.cpp), control statements, data statements, calls
+// and assignments, expressions, and name resolution.
+#include "frontend/BodyCompiler.h"
+#include "frontend/ConstantReader.h"
+#include "code/Statements.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace brannoc::body {
+
+// The compiler shares the run-time message "Wrong number of parameters." for calls with too many arguments.
+constexpr CompileMessage kWrongNumberOfParameters = static_cast<CompileMessage>(10019);
+
+struct BinaryOperator {
+    Token token;
+    OperationId op;
+    int precedence;
+};
+
+constexpr BinaryOperator kBinaryOperators[] = {
+    {Token::Caret, OperationId::kPower, 800},      {Token::Star, OperationId::kMultiply, 700},
+    {Token::Slash, OperationId::kDivide, 700},     {Token::Backslash, OperationId::kIntegerDivide, 600},
+    {Token::Mod, OperationId::kModulo, 500},       {Token::Plus, OperationId::kAdd, 400},
+    {Token::Minus, OperationId::kSubtract, 400},   {Token::Ampersand, OperationId::kConcatenate, 300},
+    {Token::Equal, OperationId::kEqual, 200},      {Token::NotEqual, OperationId::kNotEqual, 200},
+    {Token::Less, OperationId::kLess, 200},        {Token::Greater, OperationId::kGreater, 200},
+    {Token::LessEqual, OperationId::kLessEqual, 200}, {Token::GreaterEqual, OperationId::kGreaterEqual, 200},
+    {Token::Like, OperationId::kLike, 200},        {Token::Is, OperationId::kIs, 200},
+    {Token::And, OperationId::kAnd, 150},          {Token::Or, OperationId::kOr, 140},
+    {Token::Xor, OperationId::kXor, 130},          {Token::Eqv, OperationId::kEqv, 120},
+    {Token::Imp, OperationId::kImp, 110},
+};
+
+enum class LocalKind { Variable, Constant };
+
+struct LocalSymbol {
+    LocalKind kind = LocalKind::Variable;
+    VariableRef ref;
+    int constant = -1;
+    // Object variables declared as a class module: the class (members bind at compile time) and
+    // whether "As New" makes the instance on first use.
+    const Module* classModule = nullptr;
+    bool autoNew = false;
+};
+
+struct Label {
+    int index = -1;
+};
+
+struct PendingGoTo {
+    JumpStatement* jump;
+    std::string name;
+    const char* position;
+};
+
+enum class BlockKind { If, Select, For, Do, While, With };
+
+struct Block {
+    BlockKind kind;
+    int index = 0;                      // statement index of the opener
+    Statement* opener = nullptr;
+    std::vector<JumpStatement*> exits;  // jumps to the statement after the block's end
+    bool hasElse = false;
+    bool expectCase = false;
+    int selectorSlot = -1;
+    // Do: whether the Do line tests a condition.
+    bool doHasCondition = false;
+    // For: the counter's name and hidden slots.
+    std::string counterName;
+    VariableRef counter;
+    int endSlot = -1;
+    int stepSlot = -1;
+    bool isEach = false;
+    // Select Case: the mark slot and the Case lines that carry statements.
+    int markSlot = -1;
+    std::vector<CaseLineStatement*> caseLines;
+};
+
+// Source text (in the engine code page) as a wide string.
+std::wstring Widen(std::string_view text);
+
+// The run-time value of a constant read by the constant reader.
+Variant FromConstant(const ConstantValue& value);
+
+// The type code of a scalar value (Variant for kinds without a type code of their own).
+TypeCode TypeOfValue(const Variant& value);
+
+// The binary operator written as token, or null.
+const BinaryOperator* FindBinary(Token token);
+
+// The type named by a type keyword (Integer, String ...), or the empty type code.
+TypeCode TypeOfWord(Token token);
+
+const char* SkipBlanks(const char* p);
+
+// Tokens that end a statement: end of line, comment, ":" and the Else of a single-line If.
+bool IsStatementEnd(Token token);
+
+// The keyword that names a block kind in messages ("If", "For" ...).
+std::string_view BlockWord(BlockKind kind);
+
+class BodyParser final {
+public:
+    BodyParser(Module& module, Procedure& procedure, Lexer& lexer)
+        : m_module(module), m_state(*module.State()), m_procedure(procedure), m_lexer(lexer)
+    {
+    }
+
+    bool Compile();
+
+private:
+    using StatementPtr = std::unique_ptr<Statement>;
+
+    // Lines and blocks.
+    StatementPtr ParseLine();
+    StatementPtr ParseEnd();
+    StatementPtr ParseInline(bool inSingleLineIf);
+    StatementPtr ParseSimple();
+    StatementPtr ParseIf(bool lineStart);
+    StatementPtr ParseElseIf();
+    StatementPtr ParseElse();
+    StatementPtr ParseSelect();
+    StatementPtr ParseCase();
+    StatementPtr ParseFor();
+    StatementPtr ParseNext();
+    StatementPtr ParseDo();
+    StatementPtr ParseLoop();
+    StatementPtr ParseWhile();
+    StatementPtr ParseWend();
+    StatementPtr ParseWith();
+    StatementPtr ParseGoTo();
+    StatementPtr ParseExit();
+    StatementPtr ParseDebug();
+    StatementPtr ParseDim(bool isStatic);
+    StatementPtr ParseConst();
+    StatementPtr ParseAssignmentOrCall(bool requireAssignment);
+    StatementPtr ParseCallStatement();
+    StatementPtr Declaration();
+    Block* Innermost(BlockKind kind);
+    void CloseBlock(Block& block, int endIndex);
+    int CurrentIndex() const { return m_lexer.Line() - m_procedure.firstLine; }
+
+    // Expressions.
+    [[nodiscard]] bool ParseExpression(Expression& out, bool* simpleVariable = nullptr);
+    [[nodiscard]] bool ParseFactor(Expression& out, bool* simpleVariable);
+    [[nodiscard]] bool ParseNumber(Expression& out);
+    [[nodiscard]] bool ParseName(Expression& out, bool* simpleVariable);
+    [[nodiscard]] bool ParseCallArguments(Procedure& callee, Expression& out, bool parenthesised);
+    void AppendBinary(Expression& out, OperationId op);
+    // Walks the postfix code with a stack of operand types; the first operator that refuses its operands
+    // reports "Operand/operator type mismatch.". Sets the expression's result type.
+    [[nodiscard]] bool TypeCheck(Expression& expression, std::size_t start);
+    void AppendConstant(Expression& out, Variant value);
+    // Evaluates code made of constants and operators only (unary ones included) at compile time.
+    [[nodiscard]] bool EvaluateConstant(const Expression& code, Variant& result);
+
+    // Names.
+    std::string ReadName();
+    TypeCode ReadSuffix();
+    [[nodiscard]] bool ResolveVariable(const std::string& name, TypeCode suffix, VariableRef& ref, bool& found);
+    const LocalSymbol* FindLocal(const std::string& upperName) const;
+    Procedure* FindProcedure(const std::string& upperName) const;
+    const Module* ModuleOf(const Procedure& procedure) const;
+    bool FindUsedVariable(const std::string& upperName, VariableRef& ref) const;
+    [[nodiscard]] bool ReadType(TypeCode& type, const Module** classModule = nullptr);
+    // The class module of that name among the modules this one uses, or null.
+    const Module* FindClassModule(std::string_view name) const;
+    // A member procedure of a class module: Property Let (assignment) or any other kind otherwise.
+    Procedure* FindMember(const Module& classModule, const std::string& upperName, bool assignment) const;
+    // After "variable.": the member name, its procedure and the call; out receives the code and the
+    // call is bound to the object held by the variable.
+    [[nodiscard]] bool ParseMemberCall(const LocalSymbol& object, Expression& out, bool statement);
+    // The object variable of that name declared as a class module (a local, a parameter or a variable
+    // of this module), or false.
+    bool FindClassVariable(const std::string& upperName, LocalSymbol& out) const;
+    [[nodiscard]] bool ReadBounds(std::vector<std::pair<long, long>>& bounds);
+    // After "(" of an element reference: the indexes up to ")"; count receives their number.
+    [[nodiscard]] bool ParseIndexes(Expression& out, int& count);
+    [[nodiscard]] bool ParseBound(Expression& out, bool upper);
+    StatementPtr ParseForEach();
+    StatementPtr ParseReDim();
+    StatementPtr ParseMid();
+    StatementPtr ParseErase();
+    StatementPtr ParseAlign(bool right);
+    // A declared variable named at the current token; false after reporting `message`.
+    [[nodiscard]] bool ReadExistingVariable(VariableRef& ref, CompileMessage message);
+    bool NextIsColonEqual() const;
+    bool ParenthesisedToEnd() const;
+
+    Module& m_module;
+    ParseState& m_state;
+    Procedure& m_procedure;
+    Lexer& m_lexer;
+    CompiledProcedure* m_code = nullptr;
+    std::unordered_map<std::string, LocalSymbol> m_locals;
+    std::unordered_map<std::string, Label> m_labels;
+    std::vector<PendingGoTo> m_gotos;
+    std::vector<Block> m_blocks;
+    int m_exitIndex = 0;
+};
+
+} // namespace brannoc::body

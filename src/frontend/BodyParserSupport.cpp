@@ -1,0 +1,107 @@
+#include "frontend/BodyParser.h"
+
+#include <windows.h>
+
+#include <cmath>
+
+namespace brannoc::body {
+
+std::wstring Widen(std::string_view text)
+{
+    if (text.empty())
+        return {};
+    const int length = MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
+    std::wstring out(static_cast<std::size_t>(length), L'\0');
+    MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), out.data(), length);
+    return out;
+}
+
+Variant FromConstant(const ConstantValue& value)
+{
+    Variant out;
+    switch (value.type.Code()) {
+    case TypeCode::kByte: out.SetByte(static_cast<BYTE>(value.integer)); break;
+    case TypeCode::kBoolean: out.SetBoolean(value.integer != 0); break;
+    case TypeCode::kInteger: out.SetInteger(static_cast<SHORT>(value.integer)); break;
+    case TypeCode::kLong: out.SetLong(static_cast<LONG>(value.integer)); break;
+    case TypeCode::kSingle: out.SetSingle(static_cast<FLOAT>(value.real)); break;
+    case TypeCode::kDouble: out.SetDouble(value.real); break;
+    case TypeCode::kCurrency: out.SetCurrencyUnits(std::llround(value.real * 10000.0)); break;
+    case TypeCode::kDate: out.SetDate(value.real); break;
+    case TypeCode::kString: (void)out.SetString(value.text); break;
+    case TypeCode::kNull: out.SetNull(); break;
+    default: break;
+    }
+    return out;
+}
+
+TypeCode TypeOfValue(const Variant& value)
+{
+    switch (value.Tag()) {
+    case VT_UI1: return TypeCode(TypeCode::kByte);
+    case VT_BOOL: return TypeCode(TypeCode::kBoolean);
+    case VT_I2: return TypeCode(TypeCode::kInteger);
+    case VT_I4: return TypeCode(TypeCode::kLong);
+    case VT_R4: return TypeCode(TypeCode::kSingle);
+    case VT_R8: return TypeCode(TypeCode::kDouble);
+    case VT_CY: return TypeCode(TypeCode::kCurrency);
+    case VT_DATE: return TypeCode(TypeCode::kDate);
+    case VT_DECIMAL: return TypeCode(TypeCode::kDecimal);
+    case VT_BSTR: return TypeCode(TypeCode::kString);
+    default: return TypeCode(TypeCode::kVariant);
+    }
+}
+
+const BinaryOperator* FindBinary(Token token)
+{
+    for (const BinaryOperator& entry : kBinaryOperators) {
+        if (entry.token == token)
+            return &entry;
+    }
+    return nullptr;
+}
+
+TypeCode TypeOfWord(Token token)
+{
+    switch (token) {
+    case Token::Boolean: return TypeCode(TypeCode::kBoolean);
+    case Token::Byte: return TypeCode(TypeCode::kByte);
+    case Token::Integer: return TypeCode(TypeCode::kInteger);
+    case Token::Long: return TypeCode(TypeCode::kLong);
+    case Token::Single: return TypeCode(TypeCode::kSingle);
+    case Token::Double: return TypeCode(TypeCode::kDouble);
+    case Token::Currency: return TypeCode(TypeCode::kCurrency);
+    case Token::Date: return TypeCode(TypeCode::kDate);
+    case Token::Decimal: return TypeCode(TypeCode::kDecimal);
+    case Token::String: return TypeCode(TypeCode::kString);
+    case Token::Variant: return TypeCode(TypeCode::kVariant);
+    default: return TypeCode();
+    }
+}
+
+const char* SkipBlanks(const char* p)
+{
+    while (*p == ' ' || *p == '\t')
+        ++p;
+    return p;
+}
+
+bool IsStatementEnd(Token token)
+{
+    return token == Token::EndOfLine || token == Token::Apostrophe || token == Token::Colon || token == Token::Else;
+}
+
+std::string_view BlockWord(BlockKind kind)
+{
+    switch (kind) {
+    case BlockKind::If: return "If";
+    case BlockKind::Select: return "Select";
+    case BlockKind::For: return "For";
+    case BlockKind::Do: return "Do";
+    case BlockKind::While: return "While";
+    case BlockKind::With: return "With";
+    }
+    return {};
+}
+
+} // namespace brannoc::body

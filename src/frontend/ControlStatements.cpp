@@ -1,0 +1,507 @@
+#include "frontend/BodyParser.h"
+
+#include "frontend/CharClasses.h"
+#include "exec/InterpreterHost.h"
+#include "values/Conversion.h"
+#include "values/ValueCell.h"
+#include "values/ValueError.h"
+
+#include <windows.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <optional>
+
+namespace brannoc::body {
+
+BodyParser::StatementPtr BodyParser::ParseIf(bool lineStart)
+{
+    m_lexer.NextToken();
+    Expression condition;
+    if (!ParseExpression(condition))
+        return nullptr;
+    if (!m_lexer.ExpectToken(Token::Then))
+        return nullptr;
+    const Token word = m_lexer.Kind();
+    if (word == Token::EndOfLine || word == Token::Apostrophe) {
+        if (!lineStart) {
+            m_lexer.SignalError(CompileMessage::ExpectingAnExpression);
+            return nullptr;
+        }
+        auto branch = std::make_unique<BranchStatement>();
+        const int index = CurrentIndex();
+        branch->AddBranch(std::move(condition), index + 1);
+        branch->SetKeyword(TokenNumber(Token::If));
+        Block block{BlockKind::If};
+        block.index = index;
+        block.opener = branch.get();
+        m_blocks.push_back(block);
+        return branch;
+    }
+    auto thenPart = ParseInline(true);
+    if (!thenPart)
+        return nullptr;
+    std::unique_ptr<StatementList> elsePart;
+    if (m_lexer.Accept(Token::Else)) {
+        auto parsed = ParseInline(true);
+        if (!parsed)
+            return nullptr;
+        elsePart.reset(static_cast<StatementList*>(parsed.release()));
+    }
+    auto statement = std::make_unique<SingleLineIfStatement>(
+        std::move(condition), std::unique_ptr<StatementList>(static_cast<StatementList*>(thenPart.release())),
+        std::move(elsePart));
+    statement->SetKeyword(TokenNumber(Token::If));
+    return statement;
+}
+
+BodyParser::StatementPtr BodyParser::ParseElseIf()
+{
+    Block* block = Innermost(BlockKind::If);
+    if (!block || block->hasElse) {
+        m_lexer.SignalError(CompileMessage::UnexpectedText, "ElseIf");
+        return nullptr;
+    }
+    m_lexer.NextToken();
+    Expression condition;
+    if (!ParseExpression(condition) || !m_lexer.ExpectToken(Token::Then))
+        return nullptr;
+    auto* branch = static_cast<BranchStatement*>(block->opener);
+    branch->AddBranch(std::move(condition), CurrentIndex() + 1);
+    auto jump = std::make_unique<JumpStatement>();
+    jump->SetKeyword(TokenNumber(Token::ElseIf));
+    block->exits.push_back(jump.get());
+    return jump;
+}
+
+BodyParser::StatementPtr BodyParser::ParseElse()
+{
+    Block* block = Innermost(BlockKind::If);
+    if (!block || block->hasElse) {
+        m_lexer.SignalError(CompileMessage::UnexpectedText, "Else");
+        return nullptr;
+    }
+    m_lexer.NextToken();
+    block->hasElse = true;
+    static_cast<BranchStatement*>(block->opener)->SetElseTarget(CurrentIndex() + 1);
+    auto jump = std::make_unique<JumpStatement>();
+    jump->SetKeyword(TokenNumber(Token::Else));
+    block->exits.push_back(jump.get());
+    return jump;
+}
+
+BodyParser::StatementPtr BodyParser::ParseSelect()
+{
+    m_lexer.NextToken();
+    if (!m_lexer.ExpectToken(Token::Case))
+        return nullptr;
+    Expression selector;
+    if (!ParseExpression(selector))
+        return nullptr;
+    auto branch = std::make_unique<BranchStatement>();
+    const int slot = m_code->AddSlot(TypeCode(TypeCode::kVariant));
+    branch->SetSelector(std::move(selector), slot);
+    branch->SetKeyword(TokenNumber(Token::Select));
+    Block block{BlockKind::Select};
+    block.index = CurrentIndex();
+    block.opener = branch.get();
+    block.expectCase = true;
+    block.selectorSlot = slot;
+    m_blocks.push_back(block);
+    return branch;
+}
+
+BodyParser::StatementPtr BodyParser::ParseCase()
+{
+    Block* block = Innermost(BlockKind::Select);
+    if (!block || block->hasElse) {
+        m_lexer.SignalError(CompileMessage::UnexpectedText, "Case");
+        return nullptr;
+    }
+    m_lexer.NextToken();
+    auto* branch = static_cast<BranchStatement*>(block->opener);
+    const int index = CurrentIndex();
+    auto jump = std::make_unique<JumpStatement>();
+    jump->SetKeyword(TokenNumber(Token::Case));
+    const bool isElse = m_lexer.Accept(Token::Else);
+    if (isElse) {
+        block->hasElse = true;
+        branch->SetElseTarget(index + 1);
+    } else {
+        const VariableRef selector{StorageScope::Local, block->selectorSlot, TypeCode(TypeCode::kVariant)};
+        auto loadSelector = [&](Expression& out) {
+            ExprOp op;
+            op.code = ExprOpCode::kLoad;
+            op.scope = selector.scope;
+            op.index = selector.index;
+            op.type = selector.type;
+            out.ops.push_back(op);
+        };
+        Expression condition;
+        int items = 0;
+        do {
+            Expression item;
+            if (m_lexer.Accept(Token::Is)) {
+                const BinaryOperator* comparison = FindBinary(m_lexer.Kind());
+                if (!comparison || !IsComparison(comparison->op)) {
+                    m_lexer.SignalError(CompileMessage::ExpectingComparison);
+                    return nullptr;
+                }
+                m_lexer.NextToken();
+                loadSelector(item);
+                if (!ParseExpression(item))
+                    return nullptr;
+                AppendBinary(item, comparison->op);
+            } else {
+                Expression low;
+                if (!ParseExpression(low))
+                    return nullptr;
+                loadSelector(item);
+                if (m_lexer.Accept(Token::To)) {
+                    item.Append(low);
+                    AppendBinary(item, OperationId::kGreaterEqual);
+                    loadSelector(item);
+                    if (!ParseExpression(item))
+                        return nullptr;
+                    AppendBinary(item, OperationId::kLessEqual);
+                    AppendBinary(item, OperationId::kAnd);
+                } else {
+                    item.Append(low);
+                    AppendBinary(item, OperationId::kEqual);
+                }
+            }
+            condition.Append(item);
+            if (++items > 1)
+                AppendBinary(condition, OperationId::kOr);
+        } while (m_lexer.Accept(Token::Comma));
+        branch->AddBranch(std::move(condition), index + 1);
+    }
+    block->expectCase = false;
+    if (m_lexer.Kind() == Token::Colon) {
+        // Statements after ":" on the Case line: the Select enters the line itself through the mark.
+        StatementPtr rest = ParseInline(false);
+        if (!rest)
+            return nullptr;
+        auto body = std::make_unique<StatementList>();
+        body->SetOwner(m_code);
+        body->Add(std::move(rest));
+        if (block->markSlot < 0) {
+            block->markSlot = m_code->AddSlot(TypeCode(TypeCode::kVariant));
+            branch->SetMarkSlot(block->markSlot);
+        }
+        if (isElse)
+            branch->SetElseTarget(index, true);
+        else {
+            branch->SetBranchTarget(branch->BranchCount() - 1, index);
+            branch->MarkLastBranch();
+        }
+        auto line = std::make_unique<CaseLineStatement>(block->markSlot, std::move(body));
+        line->SetKeyword(TokenNumber(Token::Case));
+        block->caseLines.push_back(line.get());
+        return line;
+    }
+    block->exits.push_back(jump.get());
+    return jump;
+}
+
+BodyParser::StatementPtr BodyParser::ParseFor()
+{
+    m_lexer.NextToken();
+    if (m_lexer.Accept(Token::Each))
+        return ParseForEach();
+    if (!IsNameToken(m_lexer.Kind())) {
+        m_lexer.SignalError(CompileMessage::ExpectingAScalarNumberVar);
+        return nullptr;
+    }
+    const std::string name = ReadName();
+    const TypeCode suffix = ReadSuffix();
+    VariableRef counter;
+    bool found = false;
+    if (!ResolveVariable(name, suffix, counter, found))
+        return nullptr;
+    if (counter.type.IsArray() || !(counter.type.IsNumeric() || counter.type.IsVariant())) {
+        m_lexer.SignalError(CompileMessage::ExpectingAScalarNumberVar);
+        return nullptr;
+    }
+    if (!m_lexer.ExpectToken(Token::Equal))
+        return nullptr;
+    Expression bounds;
+    if (!ParseExpression(bounds) || !m_lexer.ExpectToken(Token::To) || !ParseExpression(bounds))
+        return nullptr;
+    bool hasStep = false;
+    if (m_lexer.Accept(Token::Step)) {
+        hasStep = true;
+        if (!ParseExpression(bounds))
+            return nullptr;
+    }
+    const int endSlot = m_code->AddSlot(TypeCode(TypeCode::kVariant));
+    const int stepSlot = m_code->AddSlot(TypeCode(TypeCode::kVariant));
+    auto statement = std::make_unique<ForStatement>(counter, std::move(bounds), hasStep, endSlot, stepSlot);
+    statement->SetKeyword(TokenNumber(Token::For));
+    Block block{BlockKind::For};
+    block.index = CurrentIndex();
+    block.opener = statement.get();
+    block.counterName = UpperName(name);
+    block.counter = counter;
+    block.endSlot = endSlot;
+    block.stepSlot = stepSlot;
+    m_blocks.push_back(block);
+    return statement;
+}
+
+BodyParser::StatementPtr BodyParser::ParseForEach()
+{
+    if (!IsNameToken(m_lexer.Kind())) {
+        m_lexer.SignalError(CompileMessage::ExpectingAVarName);
+        return nullptr;
+    }
+    const std::string name = ReadName();
+    const TypeCode suffix = ReadSuffix();
+    VariableRef element;
+    bool found = false;
+    if (!ResolveVariable(name, suffix, element, found))
+        return nullptr;
+    if (element.type.IsArray()) {
+        m_lexer.SignalError(CompileMessage::NotExpectingAnArrayVar);
+        return nullptr;
+    }
+    if (!m_lexer.ExpectToken(Token::In))
+        return nullptr;
+    Expression group;
+    if (!ParseExpression(group))
+        return nullptr;
+    const int arraySlot = m_code->AddSlot(TypeCode(TypeCode::kVariant));
+    const int positionSlot = m_code->AddSlot(TypeCode(TypeCode::kVariant));
+    auto statement = std::make_unique<ForEachStatement>(element, std::move(group), arraySlot, positionSlot);
+    statement->SetKeyword(TokenNumber(Token::For));
+    Block block{BlockKind::For};
+    block.index = CurrentIndex();
+    block.opener = statement.get();
+    block.counterName = UpperName(name);
+    block.counter = element;
+    block.endSlot = arraySlot;
+    block.stepSlot = positionSlot;
+    block.isEach = true;
+    m_blocks.push_back(block);
+    return statement;
+}
+
+bool BodyParser::ReadExistingVariable(VariableRef& ref, CompileMessage message)
+{
+    if (!IsNameToken(m_lexer.Kind())) {
+        m_lexer.SignalError(message);
+        return false;
+    }
+    const std::string name = ReadName();
+    const TypeCode suffix = ReadSuffix();
+    bool found = false;
+    if (!ResolveVariable(name, suffix, ref, found))
+        return false;
+    if (!found) {
+        m_lexer.SignalError(message, name);
+        return false;
+    }
+    return true;
+}
+
+BodyParser::StatementPtr BodyParser::ParseNext()
+{
+    m_lexer.NextToken();
+    const int index = CurrentIndex();
+    auto list = std::make_unique<StatementList>();
+    int count = 0;
+    StatementPtr single;
+    do {
+        Block* block = Innermost(BlockKind::For);
+        if (!block) {
+            m_lexer.SignalError(CompileMessage::UnexpectedText, "Next");
+            return nullptr;
+        }
+        if (IsNameToken(m_lexer.Kind())) {
+            const std::string name = UpperName(ReadName());
+            (void)ReadSuffix();
+            if (name != block->counterName) {
+                m_lexer.SignalError(CompileMessage::NextVarDoesNotMatchForsVar);
+                return nullptr;
+            }
+        }
+        StatementPtr next;
+        if (block->isEach) {
+            next = std::make_unique<NextEachStatement>(block->counter, block->endSlot, block->stepSlot, block->index + 1);
+            static_cast<ForEachStatement*>(block->opener)->SetExitTarget(index + 1);
+        } else {
+            next = std::make_unique<NextStatement>(block->counter, block->endSlot, block->stepSlot, block->index + 1);
+            static_cast<ForStatement*>(block->opener)->SetExitTarget(index + 1);
+        }
+        next->SetKeyword(TokenNumber(Token::Next));
+        next->SetOwner(m_code);
+        CloseBlock(*block, index);
+        m_blocks.pop_back();
+        if (++count == 1) {
+            single = std::move(next);
+        } else {
+            if (single)
+                list->Add(std::move(single));
+            list->Add(std::move(next));
+        }
+    } while (m_lexer.Accept(Token::Comma));
+    if (count == 1)
+        return single;
+    list->SetKeyword(TokenNumber(Token::Next));
+    return list;
+}
+
+BodyParser::StatementPtr BodyParser::ParseDo()
+{
+    m_lexer.NextToken();
+    Block block{BlockKind::Do};
+    block.index = CurrentIndex();
+    StatementPtr statement;
+    if (m_lexer.Kind() == Token::While || m_lexer.Kind() == Token::Until) {
+        const bool isWhile = m_lexer.Kind() == Token::While;
+        m_lexer.NextToken();
+        Expression condition;
+        if (!ParseExpression(condition))
+            return nullptr;
+        auto test = std::make_unique<ConditionalJumpStatement>(std::move(condition), !isWhile);
+        block.opener = test.get();
+        block.doHasCondition = true;
+        statement = std::move(test);
+    } else {
+        statement = std::make_unique<NoOperationStatement>();
+    }
+    statement->SetKeyword(TokenNumber(Token::Do));
+    m_blocks.push_back(block);
+    return statement;
+}
+
+BodyParser::StatementPtr BodyParser::ParseLoop()
+{
+    Block* block = Innermost(BlockKind::Do);
+    if (!block) {
+        m_lexer.SignalError(CompileMessage::UnexpectedText, "Loop");
+        return nullptr;
+    }
+    m_lexer.NextToken();
+    const int index = CurrentIndex();
+    StatementPtr statement;
+    if (m_lexer.Kind() == Token::While || m_lexer.Kind() == Token::Until) {
+        const bool isWhile = m_lexer.Kind() == Token::While;
+        m_lexer.NextToken();
+        Expression condition;
+        if (!ParseExpression(condition))
+            return nullptr;
+        auto test = std::make_unique<ConditionalJumpStatement>(std::move(condition), isWhile);
+        test->SetTarget(block->doHasCondition ? block->index : block->index + 1);
+        statement = std::move(test);
+    } else {
+        auto jump = std::make_unique<JumpStatement>();
+        jump->SetTarget(block->index);
+        statement = std::move(jump);
+    }
+    if (block->doHasCondition)
+        static_cast<ConditionalJumpStatement*>(block->opener)->SetTarget(index + 1);
+    CloseBlock(*block, index);
+    m_blocks.pop_back();
+    statement->SetKeyword(TokenNumber(Token::Loop));
+    return statement;
+}
+
+BodyParser::StatementPtr BodyParser::ParseWhile()
+{
+    m_lexer.NextToken();
+    Expression condition;
+    if (!ParseExpression(condition))
+        return nullptr;
+    auto test = std::make_unique<ConditionalJumpStatement>(std::move(condition), false);
+    test->SetKeyword(TokenNumber(Token::While));
+    Block block{BlockKind::While};
+    block.index = CurrentIndex();
+    block.opener = test.get();
+    m_blocks.push_back(block);
+    return test;
+}
+
+BodyParser::StatementPtr BodyParser::ParseWend()
+{
+    Block* block = Innermost(BlockKind::While);
+    if (!block) {
+        m_lexer.SignalError(CompileMessage::UnexpectedText, "Wend");
+        return nullptr;
+    }
+    m_lexer.NextToken();
+    const int index = CurrentIndex();
+    static_cast<ConditionalJumpStatement*>(block->opener)->SetTarget(index + 1);
+    auto jump = std::make_unique<JumpStatement>();
+    jump->SetTarget(block->index);
+    jump->SetKeyword(TokenNumber(Token::Wend));
+    CloseBlock(*block, index);
+    m_blocks.pop_back();
+    return jump;
+}
+
+BodyParser::StatementPtr BodyParser::ParseWith()
+{
+    m_lexer.NextToken();
+    Expression value;
+    if (!ParseExpression(value))
+        return nullptr;
+    const int slot = m_code->AddSlot(TypeCode(TypeCode::kVariant));
+    auto statement = std::make_unique<KeepValueStatement>(std::move(value), slot);
+    statement->SetKeyword(TokenNumber(Token::With));
+    Block block{BlockKind::With};
+    block.index = CurrentIndex();
+    block.opener = statement.get();
+    m_blocks.push_back(block);
+    return statement;
+}
+
+BodyParser::StatementPtr BodyParser::ParseGoTo()
+{
+    m_lexer.NextToken();
+    if (!IsNameToken(m_lexer.Kind())) {
+        m_lexer.SignalError(CompileMessage::InvalidLabelIdentifier);
+        return nullptr;
+    }
+    auto jump = std::make_unique<JumpStatement>();
+    jump->SetKeyword(TokenNumber(Token::GoTo));
+    m_gotos.push_back(PendingGoTo{jump.get(), std::string(m_lexer.Text()), m_lexer.TokenStart()});
+    m_lexer.NextToken();
+    return jump;
+}
+
+BodyParser::StatementPtr BodyParser::ParseExit()
+{
+    m_lexer.NextToken();
+    const Token word = m_lexer.Kind();
+    auto jump = std::make_unique<JumpStatement>();
+    jump->SetKeyword(TokenNumber(Token::Exit));
+    if (word == Token::All) {
+        m_lexer.NextToken();
+        return std::make_unique<EndStatement>(InterpreterHost::kActionEndAll);
+    }
+    if (word == Token::For || word == Token::Do) {
+        const BlockKind kind = word == Token::For ? BlockKind::For : BlockKind::Do;
+        for (auto block = m_blocks.rbegin(); block != m_blocks.rend(); ++block) {
+            if (block->kind == kind) {
+                block->exits.push_back(jump.get());
+                m_lexer.NextToken();
+                return jump;
+            }
+        }
+        m_lexer.SignalError(CompileMessage::UnexpectedText, KeywordText(word));
+        return nullptr;
+    }
+    Token expected = Token::Sub;
+    if (m_procedure.kind == ProcedureKind::Function)
+        expected = Token::Function;
+    else if (m_procedure.kind != ProcedureKind::Sub)
+        expected = Token::Property;
+    if (!m_lexer.ExpectToken(expected))
+        return nullptr;
+    auto exit = std::make_unique<ExitProcedureStatement>(m_exitIndex);
+    exit->SetKeyword(TokenNumber(Token::Exit));
+    return exit;
+}
+
+} // namespace brannoc::body

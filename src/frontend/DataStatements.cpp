@@ -1,0 +1,342 @@
+#include "frontend/BodyParser.h"
+
+#include "frontend/CharClasses.h"
+#include "exec/InterpreterHost.h"
+#include "values/Conversion.h"
+#include "values/ValueCell.h"
+#include "values/ValueError.h"
+
+#include <windows.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <optional>
+
+namespace brannoc::body {
+
+BodyParser::StatementPtr BodyParser::ParseReDim()
+{
+    m_lexer.NextToken();
+    const bool preserve = m_lexer.Accept(Token::Preserve);
+    VariableRef target;
+    if (!ReadExistingVariable(target, CompileMessage::ExpectingADynamicArrayVar))
+        return nullptr;
+    if (!(target.type.IsVariant() && !target.type.IsArray()) && target.type.Rank() != TypeCode::kDynamicRank) {
+        m_lexer.SignalError(CompileMessage::ExpectingADynamicArrayVar);
+        return nullptr;
+    }
+    if (!m_lexer.ExpectToken(Token::LeftParen))
+        return nullptr;
+    Expression bounds;
+    int dimensions = 0;
+    do {
+        Expression first;
+        if (!ParseExpression(first))
+            return nullptr;
+        if (m_lexer.Accept(Token::To)) {
+            bounds.Append(first);
+            if (!ParseExpression(bounds))
+                return nullptr;
+        } else {
+            Variant base;
+            base.SetLong(m_module.OptionBase());
+            AppendConstant(bounds, std::move(base));
+            bounds.Append(first);
+        }
+        if (++dimensions > TypeCode::kMaxRank) {
+            m_lexer.SignalError(CompileMessage::TooManyDimensions);
+            return nullptr;
+        }
+    } while (m_lexer.Accept(Token::Comma));
+    if (!m_lexer.ExpectToken(Token::RightParen))
+        return nullptr;
+    const int rank = target.type.Rank();
+    if (target.type.IsArray() && rank != TypeCode::kDynamicRank && rank != dimensions) {
+        m_lexer.SignalError(CompileMessage::CantChangeTheNumberOfIndexes);
+        return nullptr;
+    }
+    auto statement = std::make_unique<ReDimStatement>(std::move(bounds), target, dimensions, preserve);
+    statement->SetKeyword(TokenNumber(Token::ReDim));
+    return statement;
+}
+
+BodyParser::StatementPtr BodyParser::ParseMid()
+{
+    m_lexer.NextToken();
+    if (!m_lexer.ExpectToken(Token::LeftParen))
+        return nullptr;
+    VariableRef target;
+    if (!ReadExistingVariable(target, CompileMessage::ExpectingASimpleVarExpression))
+        return nullptr;
+    if (target.type.IsArray() || !(target.type.IsString() || target.type.IsFixedString() || target.type.IsVariant()) ||
+        m_lexer.Kind() != Token::Comma) {
+        m_lexer.SignalError(CompileMessage::ExpectingASimpleVarExpression);
+        return nullptr;
+    }
+    m_lexer.NextToken();
+    Expression code;
+    if (!ParseExpression(code))
+        return nullptr;
+    const ExprOp& start = code.ops.back();
+    if (code.ops.size() == 1 && start.code == ExprOpCode::kConstant) {
+        Variant position(m_code->ConstantAt(start.index));
+        const RaiseFn previous = SetRaiseHandler(nullptr);
+        const bool converted = ChangeType(position, VT_I4);
+        (void)SetRaiseHandler(previous);
+        if (converted && position.Long() < 1) {
+            m_lexer.SignalError(CompileMessage::StringIndexMustBeGreaterThanOrEqualToOne);
+            return nullptr;
+        }
+    }
+    bool hasLength = false;
+    if (m_lexer.Accept(Token::Comma)) {
+        hasLength = true;
+        if (!ParseExpression(code))
+            return nullptr;
+    }
+    if (!m_lexer.ExpectToken(Token::RightParen) || !m_lexer.ExpectToken(Token::Equal) || !ParseExpression(code))
+        return nullptr;
+    auto statement = std::make_unique<MidStatement>(std::move(code), target, hasLength);
+    statement->SetKeyword(TokenNumber(Token::Mid));
+    return statement;
+}
+
+BodyParser::StatementPtr BodyParser::ParseErase()
+{
+    m_lexer.NextToken();
+    auto list = std::make_unique<StatementList>();
+    do {
+        VariableRef target;
+        if (!ReadExistingVariable(target, CompileMessage::ExpectingAnArrayVar))
+            return nullptr;
+        if (!target.type.IsArray() && !target.type.IsVariant()) {
+            m_lexer.SignalError(CompileMessage::ExpectingAnArrayVar);
+            return nullptr;
+        }
+        const bool fixed = target.type.IsArray() && target.type.Rank() != TypeCode::kDynamicRank;
+        auto erase = std::make_unique<EraseStatement>(target, fixed);
+        erase->SetOwner(m_code);
+        list->Add(std::move(erase));
+    } while (m_lexer.Accept(Token::Comma));
+    list->SetKeyword(TokenNumber(Token::Erase));
+    return list;
+}
+
+BodyParser::StatementPtr BodyParser::ParseAlign(bool right)
+{
+    m_lexer.NextToken();
+    VariableRef target;
+    if (!ReadExistingVariable(target, CompileMessage::ExpectingAStringOrUserTypeVar))
+        return nullptr;
+    if (target.type.IsArray() || !(target.type.IsString() || target.type.IsFixedString() || target.type.IsVariant())) {
+        m_lexer.SignalError(target.type.IsUserType() ? CompileMessage::ThisVarCantBeUsedWithLSet
+                                                     : CompileMessage::ExpectingAStringOrUserTypeVar);
+        return nullptr;
+    }
+    Expression value;
+    if (!m_lexer.ExpectToken(Token::Equal) || !ParseExpression(value))
+        return nullptr;
+    auto statement = std::make_unique<AlignStatement>(std::move(value), target, right);
+    statement->SetKeyword(TokenNumber(right ? Token::RSet : Token::LSet));
+    return statement;
+}
+
+BodyParser::StatementPtr BodyParser::ParseDebug()
+{
+    m_lexer.NextToken();
+    if (!m_lexer.ExpectToken(Token::Dot) || !m_lexer.ExpectToken(Token::Print))
+        return nullptr;
+    Expression items;
+    int count = 0;
+    bool newLine = true;
+    while (!IsStatementEnd(m_lexer.Kind())) {
+        newLine = true;
+        Expression item;
+        if (!ParseExpression(item))
+            return nullptr;
+        if (item.type.IsArray() || item.type.IsUserType()) {
+            m_lexer.SignalError(CompileMessage::ExpectingASimpleExpression);
+            return nullptr;
+        }
+        items.Append(item);
+        ++count;
+        if (!m_lexer.Accept(Token::Semicolon))
+            break;
+        newLine = false;
+    }
+    if (!IsStatementEnd(m_lexer.Kind())) {
+        // Items are separated by ";" only.
+        (void)m_lexer.ExpectToken(Token::Semicolon);
+        return nullptr;
+    }
+    auto statement = std::make_unique<DebugPrintStatement>(std::move(items), count, newLine);
+    statement->SetKeyword(TokenNumber(Token::Debug));
+    return statement;
+}
+
+bool BodyParser::ReadType(TypeCode& type, const Module** classModule)
+{
+    const Token word = m_lexer.Kind();
+    TypeCode code = TypeOfWord(word);
+    if (code == TypeCode()) {
+        if (word == Token::Object || IsNameToken(word)) {
+            type = TypeCode(TypeCode::kObject);
+            if (classModule && word != Token::Object)
+                *classModule = FindClassModule(m_lexer.Text());
+            m_lexer.NextToken();
+            return true;
+        }
+        m_lexer.SignalError(CompileMessage::ExpectingAValidDataTypeEgInteger);
+        return false;
+    }
+    m_lexer.NextToken();
+    if (code == TypeCode(TypeCode::kString) && m_lexer.Accept(Token::Star)) {
+        ConstantReader reader(m_lexer, &m_state);
+        long long length = 0;
+        if (!reader.ReadInteger(length))
+            return false;
+        if (!TypeCode::IsValidFixedLength(length)) {
+            m_lexer.SignalError(CompileMessage::FixedStringSize);
+            return false;
+        }
+        code = TypeCode::FixedString(static_cast<int>(length));
+    }
+    type = code;
+    return true;
+}
+
+// After "(": lower and upper bounds (constant whole numbers) up to ")"; none for a dynamic array.
+bool BodyParser::ReadBounds(std::vector<std::pair<long, long>>& bounds)
+{
+    if (m_lexer.Accept(Token::RightParen))
+        return true;
+    ConstantReader reader(m_lexer, &m_state);
+    do {
+        long long first = 0;
+        if (!reader.ReadInteger(first))
+            return false;
+        std::pair<long, long> dimension{m_module.OptionBase(), static_cast<long>(first)};
+        if (m_lexer.Accept(Token::To)) {
+            long long upper = 0;
+            if (!reader.ReadInteger(upper))
+                return false;
+            dimension = {static_cast<long>(first), static_cast<long>(upper)};
+        }
+        if (dimension.first > dimension.second) {
+            m_lexer.SignalError(CompileMessage::LowerBoundIsLargerThanUpperBound);
+            return false;
+        }
+        if (bounds.size() == TypeCode::kMaxRank) {
+            m_lexer.SignalError(CompileMessage::TooManyDimensions);
+            return false;
+        }
+        bounds.push_back(dimension);
+    } while (m_lexer.Accept(Token::Comma));
+    return m_lexer.ExpectToken(Token::RightParen);
+}
+
+BodyParser::StatementPtr BodyParser::ParseDim(bool isStatic)
+{
+    m_lexer.NextToken();
+    do {
+        if (!IsNameToken(m_lexer.Kind())) {
+            m_lexer.SignalError(CompileMessage::ExpectingAVarName);
+            return nullptr;
+        }
+        const std::string name = ReadName();
+        TypeCode type = ReadSuffix();
+        std::vector<std::pair<long, long>> bounds;
+        bool isArray = false;
+        bool autoNew = false;
+        const Module* classModule = nullptr;
+        if (m_lexer.Accept(Token::LeftParen)) {
+            isArray = true;
+            if (!ReadBounds(bounds))
+                return nullptr;
+        }
+        if (m_lexer.Accept(Token::As)) {
+            if (type != TypeCode()) {
+                m_lexer.SignalError(CompileMessage::VarIsAlreadyDefinedAsADifferentType, name);
+                return nullptr;
+            }
+            autoNew = m_lexer.Accept(Token::New);
+            if (!ReadType(type, &classModule))
+                return nullptr;
+        }
+        if (type == TypeCode())
+            type = m_module.DefaultTypeFor(name);
+        const std::string key = UpperName(name);
+        if (m_locals.count(key) != 0) {
+            m_lexer.SignalError(CompileMessage::IdentifierIsAlreadyInUse, name);
+            return nullptr;
+        }
+        LocalSymbol symbol;
+        if (isArray) {
+            if (type.IsUserType()) {
+                m_lexer.SignalError(CompileMessage::ArrayOfStringNOrUserDefinedTypeNotAllowed);
+                return nullptr;
+            }
+            type = type.WithRank(bounds.empty() ? TypeCode::kDynamicRank : static_cast<int>(bounds.size()));
+            int index = 0;
+            if (!isStatic)
+                symbol.ref = VariableRef{StorageScope::Local, m_code->AddArraySlot(type, bounds), type};
+            else if (m_code->AddStaticArray(type, bounds, index))
+                symbol.ref = VariableRef{StorageScope::Static, index, type};
+            else {
+                m_lexer.SignalError(CompileMessage::ArrayHasTooManyElements);
+                return nullptr;
+            }
+        } else if (isStatic) {
+            symbol.ref = VariableRef{StorageScope::Static, m_code->AddStatic(type), type};
+        } else {
+            symbol.ref = VariableRef{StorageScope::Local, m_code->AddSlot(type), type};
+        }
+        if (!isArray) {
+            symbol.classModule = classModule;
+            symbol.autoNew = autoNew && classModule;
+        }
+        m_locals[key] = symbol;
+    } while (m_lexer.Accept(Token::Comma));
+    return Declaration();
+}
+
+BodyParser::StatementPtr BodyParser::ParseConst()
+{
+    m_lexer.NextToken();
+    do {
+        if (!IsNameToken(m_lexer.Kind())) {
+            m_lexer.SignalError(CompileMessage::ExpectingAConstantName);
+            return nullptr;
+        }
+        const std::string name = ReadName();
+        TypeCode type = ReadSuffix();
+        if (m_lexer.Accept(Token::As) && !ReadType(type))
+            return nullptr;
+        if (!m_lexer.ExpectToken(Token::Equal))
+            return nullptr;
+        Expression value;
+        if (!ParseExpression(value))
+            return nullptr;
+        Variant constant;
+        if (!EvaluateConstant(value, constant)) {
+            m_lexer.SignalError(CompileMessage::ExpectingAConstantOrFunctionName);
+            return nullptr;
+        }
+        int index = m_code->AddConstant(std::move(constant));
+        if (type != TypeCode() && !type.IsVariant()) {
+            Variant converted(m_code->ConstantAt(index));
+            if (!ChangeType(converted, static_cast<VARTYPE>(type.ValueTag()))) {
+                m_lexer.SignalError(CompileMessage::TypeMismatch);
+                return nullptr;
+            }
+            index = m_code->AddConstant(std::move(converted));
+        }
+        LocalSymbol symbol;
+        symbol.kind = LocalKind::Constant;
+        symbol.constant = index;
+        m_locals[UpperName(name)] = symbol;
+    } while (m_lexer.Accept(Token::Comma));
+    return Declaration();
+}
+
+} // namespace brannoc::body

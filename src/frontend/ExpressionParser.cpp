@@ -1,0 +1,539 @@
+#include "frontend/BodyParser.h"
+
+#include "frontend/CharClasses.h"
+#include "exec/InterpreterHost.h"
+#include "values/Conversion.h"
+#include "values/ValueCell.h"
+#include "values/ValueError.h"
+
+#include <windows.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <optional>
+
+namespace brannoc::body {
+
+// Operator precedence with an explicit operator stack; every binary operator is left-associative.
+bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
+{
+    struct Pending {
+        OperationId op;
+        int precedence;
+        bool unary;
+    };
+    Pending stack[64];
+    int depth = 0;
+    bool first = true;
+    bool simple = false;
+    const std::size_t start = out.ops.size();
+    auto popTo = [&](int precedence) {
+        while (depth > 0 && stack[depth - 1].precedence >= precedence) {
+            const Pending& top = stack[--depth];
+            if (top.unary) {
+                ExprOp op{ExprOpCode::kUnary};
+                op.op = top.op;
+                out.ops.push_back(op);
+            } else {
+                AppendBinary(out, top.op);
+            }
+        }
+    };
+    for (;;) {
+        const Token word = m_lexer.Kind();
+        if (word == Token::EndOfLine || word == Token::Apostrophe || word == Token::Else || word == Token::Colon ||
+            word == Token::RightParen || word == Token::Equal || word == Token::Comma) {
+            if (!first) {
+                m_lexer.SignalError(CompileMessage::ExpectingAFactor);
+                return false;
+            }
+            if (out.ops.size() == start) {
+                m_lexer.SignalError(CompileMessage::ExpectingAnExpression);
+                return false;
+            }
+            break;
+        }
+        while (m_lexer.Kind() == Token::Plus || m_lexer.Kind() == Token::Minus || m_lexer.Kind() == Token::Not) {
+            if (depth >= 64) {
+                m_lexer.SignalError(CompileMessage::ExpectingASimpleExpression);
+                return false;
+            }
+            const Token unary = m_lexer.Kind();
+            m_lexer.NextToken();
+            if (unary == Token::Plus)
+                continue;
+            stack[depth++] = Pending{unary == Token::Minus ? OperationId::kNegate : OperationId::kNot,
+                                     unary == Token::Minus ? 900 : 190, true};
+            first = false;
+        }
+        if (!ParseFactor(out, &simple))
+            return false;
+        const BinaryOperator* binary = FindBinary(m_lexer.Kind());
+        if (!binary && first) {
+            if (simpleVariable)
+                *simpleVariable = simple;
+            return TypeCheck(out, start);
+        }
+        first = false;
+        popTo(binary ? binary->precedence : -1);
+        if (!binary)
+            break;
+        if (depth >= 64) {
+            m_lexer.SignalError(CompileMessage::ExpectingASimpleExpression);
+            return false;
+        }
+        stack[depth++] = Pending{binary->op, binary->precedence, false};
+        m_lexer.NextToken();
+        const Token next = m_lexer.Kind();
+        if (next == Token::EndOfLine || next == Token::Apostrophe || next == Token::Colon ||
+            next == Token::RightParen || next == Token::Comma || next == Token::Else) {
+            m_lexer.SignalError(CompileMessage::ExpectingAFactor);
+            return false;
+        }
+    }
+    popTo(-1);
+    if (simpleVariable)
+        *simpleVariable = false;
+    return TypeCheck(out, start);
+}
+
+bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
+{
+    std::vector<TypeCode> types;
+    TypeCode pendingResult;
+    const TypeCode variant(TypeCode::kVariant);
+    auto refuses = [](TypeCode type) { return type.IsArray() || type.IsUserType(); };
+    for (std::size_t i = start; i < expression.ops.size(); ++i) {
+        const ExprOp& op = expression.ops[i];
+        switch (op.code) {
+        case ExprOpCode::kConstant:
+        case ExprOpCode::kLoad:
+        case ExprOpCode::kLoadRef: types.push_back(op.type); break;
+        case ExprOpCode::kMissing:
+        case ExprOpCode::kEmpty: types.push_back(variant); break;
+        case ExprOpCode::kCall:
+        case ExprOpCode::kMemberCall: pendingResult = op.type; break;
+        case ExprOpCode::kNew: types.push_back(op.type); break;
+        case ExprOpCode::kPop:
+            types.resize(types.size() >= static_cast<std::size_t>(op.count) ? types.size() - op.count : 0);
+            if (!types.empty() && pendingResult != TypeCode())
+                types.back() = pendingResult;
+            pendingResult = TypeCode();
+            break;
+        case ExprOpCode::kPack:
+            types.resize(types.size() >= static_cast<std::size_t>(op.count) ? types.size() - op.count : 0);
+            types.push_back(variant.WithRank(1));
+            break;
+        case ExprOpCode::kElement:
+        case ExprOpCode::kLowerBound:
+        case ExprOpCode::kUpperBound:
+            types.resize(types.size() >= static_cast<std::size_t>(op.count) ? types.size() - op.count : 0);
+            types.push_back(op.type);
+            break;
+        case ExprOpCode::kUnary:
+            if (types.empty() || refuses(types.back())) {
+                m_lexer.SignalError(CompileMessage::OperandOperatorTypeMismatch);
+                return false;
+            }
+            break;
+        case ExprOpCode::kBinary: {
+            if (types.size() < 2) {
+                m_lexer.SignalError(CompileMessage::OperandOperatorTypeMismatch);
+                return false;
+            }
+            const TypeCode right = types.back();
+            types.pop_back();
+            const TypeCode left = types.back();
+            bool refused = refuses(left) || refuses(right);
+            if (op.op == OperationId::kIs)
+                refused = refused || !(left.IsObject() || left.IsVariant()) || !(right.IsObject() || right.IsVariant());
+            if (refused) {
+                m_lexer.SignalError(CompileMessage::OperandOperatorTypeMismatch);
+                return false;
+            }
+            if (IsComparison(op.op) || op.op == OperationId::kLike || op.op == OperationId::kIs)
+                types.back() = TypeCode(TypeCode::kBoolean);
+            else if (op.op == OperationId::kConcatenate)
+                types.back() = TypeCode(TypeCode::kString);
+            else
+                types.back() = left == right ? left : variant;
+            break;
+        }
+        }
+    }
+    expression.type = types.size() == 1 ? types.back() : variant;
+    return true;
+}
+
+void BodyParser::AppendConstant(Expression& out, Variant value)
+{
+    ExprOp op{ExprOpCode::kConstant};
+    op.type = TypeOfValue(value);
+    op.index = m_code->AddConstant(std::move(value));
+    out.ops.push_back(op);
+    out.type = op.type;
+}
+
+bool BodyParser::EvaluateConstant(const Expression& code, Variant& result)
+{
+    std::vector<Variant> stack;
+    const RaiseFn previous = SetRaiseHandler(nullptr);
+    bool ok = true;
+    for (const ExprOp& op : code.ops) {
+        if (op.code == ExprOpCode::kConstant) {
+            stack.push_back(m_code->ConstantAt(op.index));
+        } else if (op.code == ExprOpCode::kUnary && !stack.empty()) {
+            ok = ApplyUnary(op.op, stack.back());
+        } else if (op.code == ExprOpCode::kBinary && stack.size() >= 2) {
+            ok = ApplyBinary(op.op, stack[stack.size() - 2], stack.back());
+            stack.pop_back();
+        } else {
+            ok = false;
+        }
+        if (!ok)
+            break;
+    }
+    (void)SetRaiseHandler(previous);
+    if (!ok || stack.size() != 1)
+        return false;
+    result = std::move(stack.back());
+    return true;
+}
+
+// Appends a binary operator, folding it at once when both operands are constants.
+void BodyParser::AppendBinary(Expression& out, OperationId op)
+{
+    const std::size_t size = out.ops.size();
+    if (size >= 2 && out.ops[size - 2].code == ExprOpCode::kConstant && out.ops[size - 1].code == ExprOpCode::kConstant) {
+        Variant left(m_code->ConstantAt(out.ops[size - 2].index));
+        const Variant& right = m_code->ConstantAt(out.ops[size - 1].index);
+        // Folding errors are left to run time, where they raise with the statement's location.
+        const RaiseFn previous = SetRaiseHandler(nullptr);
+        const bool folded = ApplyBinary(op, left, right);
+        (void)SetRaiseHandler(previous);
+        if (folded) {
+            out.ops.resize(size - 2);
+            AppendConstant(out, std::move(left));
+            return;
+        }
+    }
+    ExprOp entry{ExprOpCode::kBinary};
+    entry.op = op;
+    out.ops.push_back(entry);
+    out.type = TypeCode(TypeCode::kVariant);
+}
+
+bool BodyParser::ParseNumber(Expression& out)
+{
+    const std::string text(m_lexer.Text());
+    const char following = m_lexer.FollowingChar();
+    const char* end = m_lexer.TokenEnd();
+    Variant value;
+    if (!text.empty() && text[0] == '&') {
+        if (!value.SetString(Widen(text)) || !StringToNumber(value)) {
+            m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
+            return false;
+        }
+    } else if (text.find_first_of(".EeDd") != std::string::npos) {
+        std::string normal = text;
+        for (char& c : normal) {
+            if (c == 'D' || c == 'd')
+                c = 'E';
+        }
+        value.SetDouble(std::strtod(normal.c_str(), nullptr));
+    } else {
+        const long long number = std::strtoll(text.c_str(), nullptr, 10);
+        if (number <= 32767)
+            value.SetInteger(static_cast<SHORT>(number));
+        else if (number <= 2147483647LL)
+            value.SetLong(static_cast<LONG>(number));
+        else
+            value.SetDouble(static_cast<double>(number));
+    }
+    m_lexer.NextToken();
+    const TypeCode suffix = TypeOfSuffix(following);
+    if (suffix != TypeCode() && m_lexer.TokenStart() == end) {
+        m_lexer.NextToken();
+        if (suffix.IsString() || !ChangeType(value, static_cast<VARTYPE>(suffix.ValueTag()))) {
+            m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
+            return false;
+        }
+    }
+    AppendConstant(out, std::move(value));
+    return true;
+}
+
+bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
+{
+    *simpleVariable = false;
+    const Token word = m_lexer.Kind();
+    switch (word) {
+    case Token::LeftParen: {
+        m_lexer.NextToken();
+        if (!ParseExpression(out))
+            return false;
+        return m_lexer.ExpectToken(Token::RightParen);
+    }
+    case Token::LiteralNumber: return ParseNumber(out);
+    case Token::Hash:
+    case Token::LiteralDate: {
+        if (word == Token::Hash && !m_lexer.ScanDateLiteral()) {
+            m_lexer.SignalError(CompileMessage::ExpectingAFactor);
+            return false;
+        }
+        // The text between the marks, read as a date in the engine's locale.
+        Variant value;
+        const RaiseFn previous = SetRaiseHandler(nullptr);
+        const bool read = value.SetString(Widen(m_lexer.Text())) && ChangeType(value, VT_DATE);
+        (void)SetRaiseHandler(previous);
+        if (!read) {
+            m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
+            return false;
+        }
+        m_lexer.NextToken();
+        AppendConstant(out, std::move(value));
+        return true;
+    }
+    case Token::LiteralString: {
+        Variant value;
+        if (!value.SetString(Widen(m_lexer.Text()))) {
+            m_lexer.SignalError(CompileMessage::OutOfMemory);
+            return false;
+        }
+        m_lexer.NextToken();
+        AppendConstant(out, std::move(value));
+        return true;
+    }
+    case Token::True:
+    case Token::False: {
+        Variant value;
+        value.SetBoolean(word == Token::True);
+        m_lexer.NextToken();
+        AppendConstant(out, std::move(value));
+        return true;
+    }
+    case Token::Empty:
+    case Token::Null: {
+        Variant value;
+        if (word == Token::Null)
+            value.SetNull();
+        m_lexer.NextToken();
+        AppendConstant(out, std::move(value));
+        return true;
+    }
+    case Token::Nothing: {
+        Variant value;
+        value.SetObject(nullptr, false);
+        m_lexer.NextToken();
+        AppendConstant(out, std::move(value));
+        return true;
+    }
+    case Token::Abs:
+    case Token::Int:
+    case Token::Fix: {
+        m_lexer.NextToken();
+        if (!m_lexer.ExpectToken(Token::LeftParen) || !ParseExpression(out) || !m_lexer.ExpectToken(Token::RightParen))
+            return false;
+        ExprOp op{ExprOpCode::kUnary};
+        op.op = word == Token::Abs ? OperationId::kAbs : word == Token::Int ? OperationId::kInt : OperationId::kFix;
+        out.ops.push_back(op);
+        return true;
+    }
+    case Token::LBound:
+    case Token::UBound: return ParseBound(out, word == Token::UBound);
+    case Token::New: {
+        m_lexer.NextToken();
+        if (!IsNameToken(m_lexer.Kind())) {
+            m_lexer.SignalError(CompileMessage::ExpectingAValidDataTypeEgInteger);
+            return false;
+        }
+        const Module* classModule = FindClassModule(m_lexer.Text());
+        if (!classModule) {
+            m_lexer.SignalError(CompileMessage::ExpectingAValidDataTypeEgInteger);
+            return false;
+        }
+        m_lexer.NextToken();
+        ExprOp made{ExprOpCode::kNew};
+        made.module = classModule;
+        made.type = TypeCode(TypeCode::kObject);
+        out.ops.push_back(made);
+        out.type = made.type;
+        return true;
+    }
+    case Token::Dot:
+        m_lexer.SignalError(m_blocks.empty() || [&] {
+            for (const Block& block : m_blocks) {
+                if (block.kind == BlockKind::With)
+                    return false;
+            }
+            return true;
+        }() ? CompileMessage::NotInAWithBlock
+            : CompileMessage::MethodOrPropertyNotFound);
+        return false;
+    default: break;
+    }
+    if (!IsNameToken(word)) {
+        m_lexer.SignalError(CompileMessage::ExpectingAFactor);
+        return false;
+    }
+    return ParseName(out, simpleVariable);
+}
+
+bool BodyParser::ParseName(Expression& out, bool* simpleVariable)
+{
+    const std::string name = ReadName();
+    const std::string key = UpperName(name);
+    const TypeCode suffix = ReadSuffix();
+    const LocalSymbol* local = FindLocal(key);
+    if (local && local->kind == LocalKind::Constant) {
+        AppendConstant(out, m_code->ConstantAt(local->constant));
+        return true;
+    }
+    if (LocalSymbol object; m_lexer.Kind() == Token::Dot && FindClassVariable(key, object)) {
+        m_lexer.NextToken();
+        return ParseMemberCall(object, out, false);
+    }
+    // Inside a Function its own name is the result variable unless arguments follow.
+    Procedure* callee = nullptr;
+    if (!local || (&m_procedure == FindProcedure(key) && m_lexer.Kind() == Token::LeftParen))
+        callee = FindProcedure(key);
+    if (callee) {
+        if (callee->kind == ProcedureKind::Sub) {
+            m_lexer.SignalError(CompileMessage::SubsCantBeUsedInExpressions, name);
+            return false;
+        }
+        if (suffix != TypeCode() && suffix != callee->result.code) {
+            m_lexer.SignalError(CompileMessage::FunctionIsDefinedWithADifferentValueType, name);
+            return false;
+        }
+        const bool parenthesised = m_lexer.Accept(Token::LeftParen);
+        if (!parenthesised && !callee->parameters.empty() &&
+            !(callee->parameters[0].optional || callee->parameters[0].paramArray)) {
+            m_lexer.SignalError(CompileMessage::MissingParameter, callee->parameters[0].name);
+            return false;
+        }
+        if (!parenthesised) {
+            // No argument list: every parameter is optional.
+            Expression code;
+            for (const Parameter& parameter : callee->parameters) {
+                if (parameter.paramArray) {
+                    code.ops.push_back(ExprOp{ExprOpCode::kPack});
+                } else {
+                    code.ops.push_back(ExprOp{ExprOpCode::kMissing});
+                }
+            }
+            out.ops.push_back(ExprOp{ExprOpCode::kEmpty});
+            out.Append(code);
+            ExprOp call{ExprOpCode::kCall};
+            call.index = m_code->AddCallee(callee, ModuleOf(*callee));
+            call.count = static_cast<int>(callee->parameters.size());
+            call.type = callee->result.code;
+            out.ops.push_back(call);
+            if (call.count > 0) {
+                ExprOp pop{ExprOpCode::kPop};
+                pop.count = call.count;
+                out.ops.push_back(pop);
+            }
+            out.type = callee->result.code;
+            return true;
+        }
+        return ParseCallArguments(*callee, out, true);
+    }
+    if (!local) {
+        auto found = m_state.names.find(key);
+        if (found != m_state.names.end()) {
+            if (found->second.kind == SymbolKind::Constant) {
+                AppendConstant(out, FromConstant(m_state.constants[found->second.index]->value));
+                return true;
+            }
+            if (found->second.kind == SymbolKind::EnumMember) {
+                AppendConstant(out, FromConstant(
+                                        m_state.enums[found->second.index]->members[found->second.member].value));
+                return true;
+            }
+        }
+    }
+    VariableRef ref;
+    bool found = false;
+    if (!ResolveVariable(name, suffix, ref, found))
+        return false;
+    if (m_lexer.Kind() == Token::LeftParen) {
+        if (!found || (!ref.type.IsArray() && !ref.type.IsVariant())) {
+            m_lexer.SignalError(CompileMessage::ExpectingAnAlreadyDimensionedArray);
+            return false;
+        }
+        m_lexer.NextToken();
+        int count = 0;
+        if (!ParseIndexes(out, count))
+            return false;
+        ExprOp element{ExprOpCode::kElement};
+        element.scope = ref.scope;
+        element.index = ref.index;
+        element.module = ref.module;
+        element.count = count;
+        element.type = ref.type.IsArray() ? ref.type.Scalar() : TypeCode(TypeCode::kVariant);
+        // The checker sees the indexes replaced by one value of the element's type.
+        out.ops.push_back(element);
+        return true;
+    }
+    ExprOp op{ExprOpCode::kLoad};
+    op.scope = ref.scope;
+    op.index = ref.index;
+    op.type = ref.type;
+    op.module = ref.module;
+    out.ops.push_back(op);
+    out.type = ref.type;
+    *simpleVariable = true;
+    return true;
+}
+
+bool BodyParser::ParseIndexes(Expression& out, int& count)
+{
+    count = 0;
+    do {
+        if (!ParseExpression(out))
+            return false;
+        ++count;
+    } while (m_lexer.Accept(Token::Comma));
+    if (count > TypeCode::kMaxRank) {
+        m_lexer.SignalError(CompileMessage::TooManyDimensions);
+        return false;
+    }
+    return m_lexer.ExpectToken(Token::RightParen);
+}
+
+// LBound(array [, dimension]) and UBound(array [, dimension]).
+bool BodyParser::ParseBound(Expression& out, bool upper)
+{
+    m_lexer.NextToken();
+    if (!m_lexer.ExpectToken(Token::LeftParen))
+        return false;
+    if (!IsNameToken(m_lexer.Kind())) {
+        m_lexer.SignalError(CompileMessage::ExpectingAnArrayVar);
+        return false;
+    }
+    const std::string name = ReadName();
+    const TypeCode suffix = ReadSuffix();
+    VariableRef ref;
+    bool found = false;
+    if (!ResolveVariable(name, suffix, ref, found))
+        return false;
+    if (!ref.type.IsArray() && !ref.type.IsVariant()) {
+        m_lexer.SignalError(CompileMessage::ExpectingAnArrayVar);
+        return false;
+    }
+    ExprOp bound{upper ? ExprOpCode::kUpperBound : ExprOpCode::kLowerBound};
+    bound.scope = ref.scope;
+    bound.index = ref.index;
+    bound.module = ref.module;
+    bound.type = TypeCode(TypeCode::kLong);
+    if (m_lexer.Accept(Token::Comma)) {
+        if (!ParseExpression(out))
+            return false;
+        bound.count = 1;
+    }
+    out.ops.push_back(bound);
+    return m_lexer.ExpectToken(Token::RightParen);
+}
+
+} // namespace brannoc::body
