@@ -1,0 +1,250 @@
+#pragma once
+// The console host shared by the command-line tools: a host callback that writes Debug.Print output to
+// stdout, reads macros from disk (names in '#Uses relative to the using file) and records the first
+// error the engine reports, and the loader of the engine library next to the program.
+#include "brannoc.h"
+
+#include <windows.h>
+
+#include <cstdio>
+#include <string>
+
+namespace console {
+
+inline std::string Ansi(const std::wstring& text)
+{
+    if (text.empty())
+        return {};
+    int size = WideCharToMultiByte(CP_ACP, 0, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr, nullptr);
+    std::string result(static_cast<std::size_t>(size), '\0');
+    WideCharToMultiByte(CP_ACP, 0, text.data(), static_cast<int>(text.size()), result.data(), size, nullptr, nullptr);
+    return result;
+}
+
+inline std::wstring Wide(const std::string& text)
+{
+    if (text.empty())
+        return {};
+    int size = MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
+    std::wstring result(static_cast<std::size_t>(size), L'\0');
+    MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), result.data(), size);
+    return result;
+}
+
+inline std::wstring TakeText(BSTR text)
+{
+    std::wstring result = text ? std::wstring(text, SysStringLen(text)) : std::wstring();
+    SysFreeString(text);
+    return result;
+}
+
+inline void WriteOut(FILE* stream, const std::string& text)
+{
+    fwrite(text.data(), 1, text.size(), stream);
+    fflush(stream);
+}
+
+// Writes a text with each CR LF turned into LF.
+inline void WriteLines(FILE* stream, const std::wstring& text)
+{
+    std::string out = Ansi(text);
+    std::string converted;
+    converted.reserve(out.size());
+    for (std::size_t i = 0; i < out.size(); ++i) {
+        if (out[i] == '\r' && i + 1 < out.size() && out[i + 1] == '\n')
+            continue;
+        converted.push_back(out[i]);
+    }
+    WriteOut(stream, converted);
+}
+
+inline bool ReadFileBytes(const std::wstring& path, std::string& text)
+{
+    HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return false;
+    DWORD size = GetFileSize(file, nullptr);
+    DWORD read = 0;
+    bool ok = size != INVALID_FILE_SIZE;
+    if (ok) {
+        text.resize(size);
+        ok = size == 0 || (ReadFile(file, text.data(), size, &read, nullptr) && read == size);
+    }
+    CloseHandle(file);
+    return ok;
+}
+
+inline bool IsAbsolute(const std::wstring& path)
+{
+    return (!path.empty() && (path[0] == L'/' || path[0] == L'\\')) || (path.size() > 1 && path[1] == L':');
+}
+
+// The first error the engine reports (compile error or untrapped run-time error).
+struct FirstError {
+    bool seen = false;
+    long number = 0;
+    std::wstring description;
+    std::wstring macroName;
+    std::wstring lineText;
+    short line = 0;
+    short offset = 0;
+};
+
+// The host callback: Debug.Print to stdout, macros from disk, '#Uses names relative to the using file,
+// errors recorded for the final report.
+class ConsoleCallBack final : public IDispatch {
+public:
+    enum Member : DISPID { kDebugPrint = 1, kNotify, kReadMacro, kMapMacroName, kDoEvents };
+
+    FirstError error;
+
+    HRESULT __stdcall QueryInterface(REFIID id, void** object) override
+    {
+        if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch)) {
+            *object = static_cast<IDispatch*>(this);
+            AddRef();
+            return S_OK;
+        }
+        *object = nullptr;
+        return E_NOINTERFACE;
+    }
+    // Lives on main's stack; the engine's references do not own it.
+    ULONG __stdcall AddRef() override { return 2; }
+    ULONG __stdcall Release() override { return 1; }
+    HRESULT __stdcall GetTypeInfoCount(UINT* count) override
+    {
+        *count = 0;
+        return S_OK;
+    }
+    HRESULT __stdcall GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+
+    HRESULT __stdcall GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override
+    {
+        static const struct {
+            const wchar_t* name;
+            DISPID id;
+        } s_members[] = {{L"DebugPrint", kDebugPrint}, {L"Notify", kNotify}, {L"ReadMacro", kReadMacro},
+                         {L"MapMacroName", kMapMacroName}, {L"DoEvents", kDoEvents}};
+        HRESULT hr = S_OK;
+        for (UINT i = 0; i < count; ++i) {
+            ids[i] = DISPID_UNKNOWN;
+            for (const auto& member : s_members)
+                if (i == 0 && lstrcmpiW(names[i], member.name) == 0)
+                    ids[i] = member.id;
+            if (ids[i] == DISPID_UNKNOWN)
+                hr = DISP_E_UNKNOWNNAME;
+        }
+        return hr;
+    }
+
+    HRESULT __stdcall Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT* result,
+                             EXCEPINFO*, UINT*) override
+    {
+        // Arguments arrive last first; the engine object is always the first one.
+        auto argument = [&](UINT index) -> VARIANT* {
+            return index < parameters->cArgs ? &parameters->rgvarg[parameters->cArgs - 1 - index] : nullptr;
+        };
+        auto text = [&](UINT index) -> std::wstring {
+            VARIANT* value = argument(index);
+            if (!value || value->vt != VT_BSTR || !value->bstrVal)
+                return {};
+            return std::wstring(value->bstrVal, SysStringLen(value->bstrVal));
+        };
+        switch (member) {
+        case kDebugPrint:
+            WriteLines(stdout, text(1));
+            return S_OK;
+        case kNotify: {
+            VARIANT* code = argument(1);
+            if (code && code->vt == VT_I2 && code->iVal == 0)
+                RecordError(argument(0));
+            return S_OK;
+        }
+        case kReadMacro: {
+            std::string bytes;
+            if (!ReadFileBytes(text(1), bytes))
+                bytes.clear();
+            return Answer(result, Wide(bytes));
+        }
+        case kMapMacroName: {
+            std::wstring name = text(1);
+            std::wstring base = text(2);
+            std::size_t slash = base.find_last_of(L"/\\");
+            if (!IsAbsolute(name) && slash != std::wstring::npos)
+                name = base.substr(0, slash + 1) + name;
+            return Answer(result, name);
+        }
+        case kDoEvents:
+            return S_OK;
+        default:
+            return DISP_E_MEMBERNOTFOUND;
+        }
+    }
+
+private:
+    static HRESULT Answer(VARIANT* result, const std::wstring& text)
+    {
+        if (!result)
+            return S_OK;
+        VariantInit(result);
+        result->vt = VT_BSTR;
+        result->bstrVal = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
+        return S_OK;
+    }
+
+    void RecordError(VARIANT* engineArgument)
+    {
+        if (error.seen || !engineArgument || engineArgument->vt != VT_DISPATCH || !engineArgument->pdispVal)
+            return;
+        _CodeUnit* engine = nullptr;
+        if (FAILED(engineArgument->pdispVal->QueryInterface(IID__CodeUnit, reinterpret_cast<void**>(&engine))))
+            return;
+        error.seen = true;
+        BSTR value = nullptr;
+        engine->get_ErrorNumber(&error.number);
+        if (SUCCEEDED(engine->get_ErrorDesc(&value)))
+            error.description = TakeText(value);
+        if (SUCCEEDED(engine->get_ErrorMacroName(&value)))
+            error.macroName = TakeText(value);
+        if (SUCCEEDED(engine->get_ErrorLine(&value)))
+            error.lineText = TakeText(value);
+        engine->get_ErrorLineNum(&error.line);
+        engine->get_ErrorOffset(&error.offset);
+        engine->Release();
+    }
+};
+
+// An engine object from the engine library next to this program, or null when the library or its
+// creation export is missing. The caller owns the returned reference.
+inline _CodeUnit* CreateEngine()
+{
+    using CreateFunction = void*(__stdcall*)();
+    wchar_t path[MAX_PATH];
+    DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
+    std::wstring folder(path, length);
+    std::size_t slash = folder.find_last_of(L"\\/");
+    folder = slash == std::wstring::npos ? std::wstring() : folder.substr(0, slash + 1);
+    HMODULE library = LoadLibraryW((folder + L"brannoc.dll").c_str());
+    auto create = library ? reinterpret_cast<CreateFunction>(
+                                reinterpret_cast<void*>(GetProcAddress(library, "CU_CreateCodeUnit")))
+                          : nullptr;
+    return create ? static_cast<_CodeUnit*>(create()) : nullptr;
+}
+
+// The request text that starts the macro file with an optional command text.
+inline std::wstring StartRequest(const std::wstring& file, const std::wstring& command)
+{
+    return L"\"" + file + L"\"" + (command.empty() ? L"" : L" " + command);
+}
+
+// Writes an error as "FILE:LINE:COL: error NUMBER: DESCRIPTION" and the line text to stderr.
+inline void WriteErrorReport(const FirstError& error, const std::wstring& file)
+{
+    const std::wstring where = error.macroName.empty() ? file : error.macroName;
+    const int column = error.line > 0 && error.offset >= 0 ? error.offset + 1 : 0;
+    WriteOut(stderr, Ansi(where) + ":" + std::to_string(error.line) + ":" + std::to_string(column) + ": error " +
+                         std::to_string(error.number) + ": " + Ansi(error.description) + "\n");
+    WriteOut(stderr, Ansi(error.lineText) + "\n");
+}
+
+} // namespace console
