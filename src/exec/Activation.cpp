@@ -1,6 +1,7 @@
 #include "exec/Activation.h"
 
 #include "exec/Interpreter.h"
+#include "exec/ModuleInstance.h"
 #include "exec/ProcedureCode.h"
 
 namespace brannoc {
@@ -24,9 +25,13 @@ void Activation::End()
         m_locals = nullptr;
     }
     SetAuxiliary(nullptr);
-    // FIXME: the module instance's use count falls here once module instances exist.
     if (interpreter.m_current == this)
         interpreter.m_current = m_caller;
+    // Last: an abandoned instance whose last use this was goes now.
+    if (ModuleInstance* instance = m_instance) {
+        m_instance = nullptr;
+        instance->EndUse();
+    }
 }
 
 void Activation::SetAuxiliary(Node* object) noexcept

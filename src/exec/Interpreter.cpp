@@ -1,6 +1,7 @@
 #include "exec/Interpreter.h"
 
 #include "exec/CallEndMarker.h"
+#include "exec/ModuleInstance.h"
 #include "exec/ProcedureCode.h"
 #include "values/ValueError.h"
 
@@ -12,18 +13,23 @@ Interpreter::Interpreter(InterpreterHost& host) : m_host(host) {}
 
 Interpreter::~Interpreter()
 {
-    {
-        // Releasing entries calls back through the current interpreter (the call-end marker).
-        InterpreterScope scope(*this);
-        m_tearingDown = true;
-        UnwindAll();
-        HaltFlags::Clear(HaltFlags::kError | HaltFlags::kAction | HaltFlags::kEvaluationError);
-    }
+    TearDown();
     while (m_freeActivations) {
         Activation* next = m_freeActivations->m_nextFree;
         delete m_freeActivations;
         m_freeActivations = next;
     }
+}
+
+void Interpreter::TearDown()
+{
+    // Releasing entries calls back through the current interpreter (the call-end marker).
+    InterpreterScope scope(*this);
+    m_tearingDown = true;
+    UnwindAll();
+    HaltFlags::Clear(HaltFlags::kError | HaltFlags::kAction | HaltFlags::kEvaluationError);
+    m_tearingDown = false;
+    m_runLevel = 0;
 }
 
 // ---- Running ----
@@ -176,6 +182,8 @@ bool Interpreter::CallProcedure(ProcedureCode& procedure, ActivationKind kind, M
     activation->m_procedure = &procedure;
     activation->m_caller = m_current;
     activation->m_instance = instance;
+    if (instance)
+        instance->AddUse();
     activation->m_kind = kind;
     activation->m_valueStackBase = m_values.Size();
     m_current = activation;

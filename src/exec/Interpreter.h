@@ -36,6 +36,9 @@ public:
     Interpreter& operator=(const Interpreter&) = delete;
     // Releases whatever is still on the stacks without notifying the host.
     ~Interpreter();
+    // The same while the owner still exists: pops and releases every entry without telling the host
+    // that the run ended. Code that runs afterwards (terminators) starts runs of its own.
+    void TearDown();
 
     // The interpreter of the engine context that is current on this thread, or null.
     static Interpreter* Current() noexcept { return s_current; }

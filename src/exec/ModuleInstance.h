@@ -33,15 +33,36 @@ public:
     void Link(ModuleInstance& other);
     ModuleInstance* Find(const Module& module) noexcept;
 
+    // Uses: one per activation that runs in the instance (and holds by the engine object).
     int UseCount() const noexcept { return m_useCount; }
     void AddUse() noexcept { ++m_useCount; }
     int ReleaseUse() noexcept { return --m_useCount; }
+    // Ends one use of an activation; an abandoned heap instance goes with its last use.
+    void EndUse() noexcept
+    {
+        if (ReleaseUse() == 0 && m_abandoned)
+            delete this;
+    }
+    // The owner of a heap instance gives it up: it goes now, or with the last use of the activations
+    // that still run in it.
+    void Abandon() noexcept
+    {
+        m_abandoned = true;
+        if (m_useCount <= 0)
+            delete this;
+    }
+
+    // Set once the terminate procedure has run (or was found unneeded), so that it runs only once.
+    bool IsTerminated() const noexcept { return m_terminated; }
+    void MarkTerminated() noexcept { m_terminated = true; }
 
 private:
     Module* m_module = nullptr;
     std::unique_ptr<VARIANT[]> m_slots;
     std::size_t m_count = 0;
     int m_useCount = 0;
+    bool m_abandoned = false;
+    bool m_terminated = false;
     std::vector<ModuleInstance*> m_linked;
     // Every live instance, oldest first (all engine code runs under the engine lock).
     static inline std::vector<ModuleInstance*> s_live;

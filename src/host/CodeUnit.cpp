@@ -175,6 +175,9 @@ ULONG __stdcall CodeUnit::Release()
 {
     ULONG remaining = --m_references;
     if (remaining == 0) {
+        // Terminators that run while the engine goes may pass this object to the host, which may take
+        // and drop references; the count stays above zero so that none of that deletes it again.
+        m_references = 1;
         EngineLock::Acquire();
         delete this;
         EngineLock::Release();

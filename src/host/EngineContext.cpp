@@ -3,6 +3,7 @@
 #include "exec/ModuleInstance.h"
 #include "host/ClassObject.h"
 #include "host/CodeUnit.h"
+#include "host/EntryGuard.h"
 #include "host/HostCallBack.h"
 #include "host/MemoryReserve.h"
 #include "host/ThisModule.h"
@@ -18,7 +19,14 @@ EngineContext::EngineContext(CodeUnit& owner) : m_owner(owner), m_modules(*this)
     m_modules.SetBodyCompiler(&m_bodyCompiler);
 }
 
-EngineContext::~EngineContext() = default;
+// Everything that can run macro code goes while the interpreter still exists: the frames of a run in
+// progress, then the loaded modules, whose variables may hold class instances with terminators.
+EngineContext::~EngineContext()
+{
+    EntryGuard guard(*this);
+    m_interpreter.TearDown();
+    m_modules.UnloadAll();
+}
 
 void EngineContext::SetCallBack(IDispatch* callBack)
 {

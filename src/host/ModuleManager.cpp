@@ -140,9 +140,25 @@ bool ModuleManager::IsActive(const std::string& name)
 
 void ModuleManager::Discard(const std::string& name)
 {
-    m_loaded.erase(std::remove_if(m_loaded.begin(), m_loaded.end(),
-                                  [&](const std::unique_ptr<Loaded>& loaded) { return SameName(loaded->name, name); }),
-                   m_loaded.end());
+    // The module leaves the list before it is released: terminators that run while its instances go
+    // see a consistent list.
+    for (auto position = m_loaded.begin(); position != m_loaded.end(); ++position) {
+        if (!SameName((*position)->name, name))
+            continue;
+        std::unique_ptr<Loaded> released = std::move(*position);
+        m_loaded.erase(position);
+        released.reset();
+        return;
+    }
+}
+
+void ModuleManager::UnloadAll()
+{
+    while (!m_loaded.empty()) {
+        std::unique_ptr<Loaded> released = std::move(m_loaded.back());
+        m_loaded.pop_back();
+        released.reset();
+    }
 }
 
 // Each top-level module is compiled by a compiler of its own, so that unloading it releases it with the
@@ -289,6 +305,8 @@ bool ModuleManager::RunNested(ProcedureCode& code, ModuleInstance& instance)
 std::unique_ptr<ModuleInstance> ModuleManager::CreateInstance(Module& module)
 {
     auto instance = std::make_unique<ModuleInstance>(module);
+    // The creator's hold: the initializer's own activation never leaves the instance without uses.
+    instance->AddUse();
     const CompiledModule* compiled = module.Compiled();
     ProcedureCode* entry = compiled && compiled->entry ? compiled->entry->code.get() : nullptr;
     if (entry && !RunNested(*entry, *instance)) {
@@ -298,14 +316,26 @@ std::unique_ptr<ModuleInstance> ModuleManager::CreateInstance(Module& module)
     return instance;
 }
 
+void ModuleManager::TerminateInstance(ModuleInstance& instance)
+{
+    if (instance.IsTerminated())
+        return;
+    instance.MarkTerminated();
+    const CompiledModule* compiled = instance.OwnModule().Compiled();
+    ProcedureCode* terminate = compiled && compiled->terminate ? compiled->terminate->code.get() : nullptr;
+    if (terminate && !instance.OwnModule().IsMacro())
+        (void)RunNested(*terminate, instance);
+}
+
 void ModuleManager::DestroyInstance(std::unique_ptr<ModuleInstance> instance)
 {
     if (!instance)
         return;
-    const CompiledModule* compiled = instance->OwnModule().Compiled();
-    ProcedureCode* terminate = compiled && compiled->terminate ? compiled->terminate->code.get() : nullptr;
-    if (terminate && !instance->OwnModule().IsMacro())
-        (void)RunNested(*terminate, *instance);
+    TerminateInstance(*instance);
+    // The creator's hold ends; activations still running in the instance keep it until they end.
+    ModuleInstance* released = instance.release();
+    (void)released->ReleaseUse();
+    released->Abandon();
 }
 
 namespace {

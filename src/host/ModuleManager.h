@@ -74,12 +74,18 @@ public:
     // its module was started or after it was unloaded.
     ModuleInstance* DefaultInstance(const Module& module) const;
     // A new instance of a class or object module: its storage is made and its initializer
-    // (Class_Initialize, Form_Initialize) runs to its end as a nested call. Null when the initializer
-    // failed; the instance has then been terminated and freed.
+    // (Class_Initialize, Form_Initialize) runs to its end as a nested call. The instance keeps one use
+    // for its creator until DestroyInstance. Null when the initializer failed; the instance has then
+    // been terminated and freed.
     std::unique_ptr<ModuleInstance> CreateInstance(Module& module);
     // Runs the instance's terminate procedure (Class_Terminate, Form_Terminate) as a nested call, then
-    // frees the instance.
+    // gives the instance up: it is freed now, or when the last activation running in it ends.
     void DestroyInstance(std::unique_ptr<ModuleInstance> instance);
+    // Runs the terminate procedure once; later calls do nothing.
+    void TerminateInstance(ModuleInstance& instance);
+    // Unloads every module, newest first: their default instances go and with them the objects that
+    // their variables hold. Called while the interpreter still exists (engine teardown).
+    void UnloadAll();
 
     // Fills the module name, line number and line text of statement index of the procedure whose
     // executable form is code. False when no loaded module has that procedure.

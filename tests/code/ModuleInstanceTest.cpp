@@ -1,6 +1,7 @@
 #include "exec/ModuleInstance.h"
 
 #include "ProgramRunner.h"
+#include "exec/ExecFakes.h"
 
 #include <gtest/gtest.h>
 
@@ -99,6 +100,40 @@ TEST_F(ModuleInstanceTest, UseCountFollowsAddAndRelease)
     instance.AddUse();
     instance.AddUse();
     EXPECT_EQ(instance.ReleaseUse(), 1);
+}
+
+// An activation holds a use of its instance; an instance given up by its owner while a procedure still
+// runs in it lives until that activation ends.
+TEST_F(ModuleInstanceTest, AnAbandonedInstanceLivesUntilItsLastActivationEnds)
+{
+    Module* module = Compile({"Dim a As Integer"});
+    Module* other = Compile({"Dim b As Integer"}, "Other");
+    ASSERT_NE(module, nullptr);
+    ASSERT_NE(other, nullptr);
+    ModuleInstance probe(*other);
+    auto* instance = new ModuleInstance(*module);
+    instance->AddUse();
+    testing::FakeHost host;
+    Interpreter interpreter(host);
+    host.interpreter = &interpreter;
+    InterpreterScope scope(interpreter);
+    std::vector<int> seenUses;
+    std::vector<bool> seenLive;
+    testing::TestProcedure procedure;
+    procedure.Add([&] {
+        seenUses.push_back(instance->UseCount());
+        (void)instance->ReleaseUse();
+        instance->Abandon();
+        return true;
+    });
+    procedure.Add([&] {
+        seenLive.push_back(probe.Find(*module) == instance);
+        return true;
+    });
+    ASSERT_TRUE(interpreter.RunHostCall(procedure, instance));
+    EXPECT_EQ(seenUses, std::vector<int>{2});
+    EXPECT_EQ(seenLive, std::vector<bool>{true});
+    EXPECT_EQ(probe.Find(*module), nullptr) << "the abandoned instance went with the activation";
 }
 
 TEST(TypedSlots, ArrayElementKinds)

@@ -618,3 +618,25 @@ TEST_F(ModuleManagerTest, AClassObjectLeadsToItsInstanceAndItsLastReleaseRunsThe
     }
     EXPECT_FALSE(Run());
 }
+
+// With the statement compiler: releasing the engine while a module-level variable of a loaded macro
+// still holds a class instance runs its terminator through the callback, before the engine is gone.
+TEST(EngineRelease, InstancesHeldByModuleVariablesEndBeforeTheEngine)
+{
+    FakeCallBack callBack;
+    callBack.macros[L"main"] = L"'#Uses \"counter\"\r\nDim held As Counter\r\nSub Main\r\n"
+                               L"    Set held = New Counter\r\n    Debug.Print \"set\"\r\nEnd Sub\r\n";
+    callBack.macros[L"counter"] = L"VERSION 1.0 CLASS\r\nAttribute VB_Name = \"Counter\"\r\n"
+                                  L"Private Sub Class_Terminate()\r\n    Debug.Print \"terminated\"\r\nEnd Sub\r\n";
+    auto* unit = static_cast<CodeUnit*>(static_cast<_CodeUnit*>(KZ_CreateCodeUnit()));
+    ASSERT_NE(nullptr, unit);
+    unit->SetCallBack(&callBack);
+    VARIANT_BOOL result = VARIANT_FALSE;
+    ASSERT_EQ(S_OK, unit->Start(TestText(L"main"), &result));
+    ASSERT_EQ(VARIANT_TRUE, result);
+    ASSERT_EQ(S_OK, unit->Run(0, &result));
+    ASSERT_EQ((std::vector<std::wstring>{L"\"set\"\r\n"}), callBack.printed);
+    unit->Release();
+    EXPECT_EQ((std::vector<std::wstring>{L"\"set\"\r\n", L"\"terminated\"\r\n"}), callBack.printed);
+    EXPECT_EQ(0, callBack.badCalls);
+}

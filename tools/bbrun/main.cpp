@@ -1,6 +1,8 @@
 // bbrun: runs a macro file from the command line.
 //   bbrun FILE [command text]
-// Debug.Print output goes to stdout; a compile error or untrapped run-time error is written to stderr as
+// Debug.Print output goes to stdout (also that of terminators of class instances that module-level
+// variables hold when the macro is unloaded after its run); a compile error or untrapped run-time error
+// is written to stderr as
 // "FILE:LINE:COL: error NUMBER: DESCRIPTION" followed by the offending line, and the exit code is 1.
 // Bad arguments or a missing file exit with 2.
 #include "../common/ConsoleCallBack.h"
@@ -54,6 +56,12 @@ int wmain(int argc, wchar_t** argv)
     }
     VARIANT_BOOL idle = VARIANT_FALSE;
     engine->HaltAll(&idle);
+    // Unloading ends the macro's module-level variables while the callback is still set, so that the
+    // terminators of class instances they hold print to stdout.
+    BSTR unloadName = SysAllocString(file.c_str());
+    VARIANT_BOOL unloaded = VARIANT_FALSE;
+    engine->Unload(unloadName, &unloaded);
+    SysFreeString(unloadName);
     engine->SetCallBack(nullptr);
     engine->Release();
 

@@ -58,6 +58,19 @@ inline void WriteLines(FILE* stream, const std::wstring& text)
     WriteOut(stream, converted);
 }
 
+// The engine reads lines ended by CR or CR LF; files written with bare LF line ends get a CR before each.
+inline std::string WithCarriageReturns(const std::string& text)
+{
+    std::string result;
+    result.reserve(text.size() + text.size() / 16);
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\n' && (i == 0 || text[i - 1] != '\r'))
+            result.push_back('\r');
+        result.push_back(text[i]);
+    }
+    return result;
+}
+
 inline bool ReadFileBytes(const std::wstring& path, std::string& text)
 {
     HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
@@ -164,7 +177,7 @@ public:
             std::string bytes;
             if (!ReadFileBytes(text(1), bytes))
                 bytes.clear();
-            return Answer(result, Wide(bytes));
+            return Answer(result, Wide(WithCarriageReturns(bytes)));
         }
         case kMapMacroName: {
             std::wstring name = text(1);
