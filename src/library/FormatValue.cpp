@@ -1,10 +1,8 @@
 #include "library/FormatValue.h"
 
-#include "library/DateFormatter.h"
 #include "library/FormatPattern.h"
 #include "library/LocaleText.h"
 #include "library/NamedFormats.h"
-#include "library/NumberFormatter.h"
 #include "library/OwnFormatter.h"
 #include "library/PlatformFormatter.h"
 #include "library/QuietRaise.h"
@@ -96,62 +94,30 @@ bool HasUnquotedLetter(std::wstring_view pattern, wchar_t upper)
     return false;
 }
 
-// The engine's own text of a date pattern, read quietly; false when the pattern fails.
-bool QuietOwnText(const Variant& value, const PatternSections& pattern, PatternCategory category,
-                  const WeekRules& rules, std::wstring& text)
+PlatformDefect CategoryDefect(PatternCategory category)
 {
-    QuietRaise quiet;
-    return FormatByOwnRules(value, pattern, category, rules, text);
+    switch (category) {
+    case PatternCategory::kString: return PlatformDefect::kStringPatterns;
+    case PatternCategory::kDate: return PlatformDefect::kDatePatterns;
+    case PatternCategory::kNumber:
+    default: return PlatformDefect::kNumberPatterns;
+    }
 }
 
-bool DateNeedsEngine(const PlatformFormatter& platform, const Variant& value, const PatternSections& pattern,
-                     const WeekRules& rules)
+// Whether the platform's text for this pattern and value might come near its buffer's end: measured
+// by the engine's own text, or by its digits and the pattern for a number.
+bool MayOverrunPlatform(const Variant& value, std::wstring_view patternText, const PatternSections& pattern,
+                        PatternCategory category, const WeekRules& rules)
 {
-    DatePicture picture;
-    {
+    if (category != PatternCategory::kNumber) {
+        std::wstring text;
         QuietRaise quiet;
-        if (!ParseDatePicture(pattern.At(0), PictureSyntax::kUserPattern, picture))
-            return true;
+        return !FormatByOwnRules(value, pattern, category, rules, text) ||
+               text.size() + patternText.size() > kPlatformTextLimit;
     }
-    if (platform.HasDefect(PlatformDefect::kWeekCodes) &&
-        (picture.Uses(DateCode::kWeekday) || picture.Uses(DateCode::kWeekOfYear)))
-        return true;
-    if (platform.HasDefect(PlatformDefect::kTwelveHourMarkers) && picture.twelveHour)
-        return true;
-    std::wstring text;
-    return !QuietOwnText(value, pattern, PatternCategory::kDate, rules, text) || text.size() > kPlatformTextLimit;
-}
-
-bool NumberNeedsEngine(const PlatformFormatter& platform, const Variant& value, const PatternSections& pattern,
-                       std::wstring_view patternText)
-{
-    if (value.Tag() == VT_NULL)
-        return platform.HasDefect(PlatformDefect::kNullSection);
-    if (value.Tag() == VT_DATE && platform.HasDefect(PlatformDefect::kDateAsNumber))
-        return true;
-    if (value.Tag() == VT_EMPTY && platform.HasDefect(PlatformDefect::kEmptyAsZero))
-        return true;
-    NumberSection first;
-    bool scaling = false;
-    {
-        QuietRaise quiet;
-        for (int i = 0; i < pattern.count; ++i) {
-            NumberSection section;
-            if (!ParseNumberSection(pattern.At(i), section))
-                return true;
-            scaling = scaling || section.scalingCommas > 0;
-            if (i == 0)
-                first = std::move(section);
-        }
-    }
-    if (platform.HasDefect(PlatformDefect::kScalingCommas) && scaling)
-        return true;
     double number = 0;
     if (!ReadsAsNumber(value, number))
         return value.Tag() == VT_BSTR && value.StringView().size() + patternText.size() > kPlatformTextLimit;
-    if (platform.HasDefect(PlatformDefect::kSignPlacement) && number < 0 && pattern.At(1).empty() &&
-        first.HasLeadingText())
-        return true;
     // Whole digits, widened by "%" codes, each possibly followed by a grouping separator.
     double magnitude = std::fabs(number);
     size_t digits = magnitude >= 1 ? static_cast<size_t>(std::log10(magnitude)) + 1 : 1;
@@ -164,25 +130,11 @@ bool NumberNeedsEngine(const PlatformFormatter& platform, const Variant& value, 
 bool NeedsEngine(const PlatformFormatter& platform, const Variant& value, std::wstring_view patternText,
                  const PatternSections& pattern, PatternCategory category, const WeekRules& rules)
 {
-    if (patternText.size() > kPlatformPatternLimit)
+    if (patternText.size() > kPlatformPatternLimit || platform.HasDefect(CategoryDefect(category)))
         return true;
-    if (platform.HasDefect(PlatformDefect::kGeneralDateCode) && HasUnquotedLetter(patternText, L'C'))
+    if (platform.HasDefect(PlatformDefect::kGeneralDateOverrun) && HasUnquotedLetter(patternText, L'C'))
         return true;
-    switch (category) {
-    case PatternCategory::kString: {
-        if (platform.HasDefect(PlatformDefect::kStringPatterns))
-            return true;
-        Bstr text;
-        QuietRaise quiet;
-        bool ok = value.Tag() == VT_NULL || ToText(value, TextMode::kLocale, text);
-        return !ok || text.Length() + patternText.size() > kPlatformTextLimit;
-    }
-    case PatternCategory::kDate:
-        return DateNeedsEngine(platform, value, pattern, rules);
-    case PatternCategory::kNumber:
-    default:
-        return NumberNeedsEngine(platform, value, pattern, patternText);
-    }
+    return MayOverrunPlatform(value, patternText, pattern, category, rules);
 }
 
 bool FormatByPattern(const Variant& value, std::wstring_view patternText, int firstDay, int firstWeek, Bstr& result)

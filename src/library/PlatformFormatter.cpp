@@ -14,6 +14,7 @@ namespace brannoc {
 namespace {
 
 std::atomic<bool> s_enabled{true};
+std::atomic<int> s_defectsOverride{-1};
 
 constexpr LCID kPatternLocale = 1033;
 constexpr int kTokenBufferSize = 1024;
@@ -48,24 +49,45 @@ Variant MakeDateValue(DATE date)
     return value;
 }
 
-constexpr DATE kSundaySecondOfJanuary2000 = 36527.0;
+Variant MakeNull()
+{
+    Variant value;
+    value.SetNull();
+    return value;
+}
 
-// The "c" probe keeps five characters after the code inside the pattern, so a platform that skips
-// them still reads only the pattern's own text.
+constexpr DATE kSundaySecondOfJanuary2000 = 36527.0;
+constexpr DATE kFirstOfJanuary2000 = 36526.0;
+constexpr DATE kOneInTheAfternoon = kFirstOfJanuary2000 + 13.0 / 24;
+
+// Each probe is a rule of the language that the platform's routines are known to be able to get
+// wrong. The "c" probe keeps five characters after the code inside the pattern, so a platform that
+// skips them still reads only the pattern's own text.
 const ProbeCase kProbes[] = {
+    // Text keeps its case without "<" or ">"; "!" fills from the left.
     {PlatformDefect::kStringPatterns, [] { return MakeText(L"AbC"); }, L"@@@@", 1, 1},
     {PlatformDefect::kStringPatterns, [] { return MakeText(L"abcd"); }, L"!@@", 1, 1},
-    {PlatformDefect::kWeekCodes, [] { return MakeDateValue(kSundaySecondOfJanuary2000); }, L"ww", 1, 1},
-    {PlatformDefect::kWeekCodes, [] { return MakeDateValue(kSundaySecondOfJanuary2000); }, L"w", 2, 1},
-    {PlatformDefect::kWeekCodes, [] { return MakeDateValue(kSundaySecondOfJanuary2000); }, L"ww", 2, 2},
-    {PlatformDefect::kGeneralDateCode, [] { return MakeDateValue(36526.5); }, L"c-----", 1, 1},
-    {PlatformDefect::kTwelveHourMarkers, [] { return MakeDateValue(36526.5 + 1.0 / 24); }, L"h AM/PM", 1, 1},
-    {PlatformDefect::kTwelveHourMarkers, [] { return MakeDateValue(36526.5 + 1.0 / 24); }, L"A/P h", 1, 1},
-    {PlatformDefect::kScalingCommas, [] { return MakeNumber(1234567); }, L"0,", 1, 1},
-    {PlatformDefect::kNullSection, [] { Variant v; v.SetNull(); return v; }, L"0;0;0;\"n\"", 1, 1},
-    {PlatformDefect::kSignPlacement, [] { return MakeNumber(-5); }, L"\\$0", 1, 1},
-    {PlatformDefect::kDateAsNumber, [] { return MakeDateValue(36526.5); }, L"0.00", 1, 1},
-    {PlatformDefect::kEmptyAsZero, [] { return Variant(); }, L"0.00", 1, 1},
+    // Week codes follow the first day of week and first week of year.
+    {PlatformDefect::kDatePatterns, [] { return MakeDateValue(kSundaySecondOfJanuary2000); }, L"ww", 1, 1},
+    {PlatformDefect::kDatePatterns, [] { return MakeDateValue(kSundaySecondOfJanuary2000); }, L"w", 2, 1},
+    {PlatformDefect::kDatePatterns, [] { return MakeDateValue(kSundaySecondOfJanuary2000); }, L"ww", 2, 2},
+    // Any AM/PM code puts every hour code of the section on the 12-hour clock.
+    {PlatformDefect::kDatePatterns, [] { return MakeDateValue(kOneInTheAfternoon); }, L"h AM/PM", 1, 1},
+    {PlatformDefect::kDatePatterns, [] { return MakeDateValue(kOneInTheAfternoon); }, L"A/P h", 1, 1},
+    // The time picture is written for midnight too.
+    {PlatformDefect::kDatePatterns, [] { return MakeDateValue(kFirstOfJanuary2000); }, L"ttttt", 1, 1},
+    {PlatformDefect::kGeneralDateOverrun, [] { return MakeDateValue(kFirstOfJanuary2000 + 0.5); }, L"c-----", 1, 1},
+    // Number sections: scaling commas, the Null section, the sign in front of leading text, Date and
+    // Empty values as numbers, rounding up to a new leading digit, a section without whole digit
+    // codes, "#" codes of an exponent.
+    {PlatformDefect::kNumberPatterns, [] { return MakeNumber(1234567); }, L"0,", 1, 1},
+    {PlatformDefect::kNumberPatterns, MakeNull, L"0;0;0;\"n\"", 1, 1},
+    {PlatformDefect::kNumberPatterns, [] { return MakeNumber(-5); }, L"\\$0", 1, 1},
+    {PlatformDefect::kNumberPatterns, [] { return MakeDateValue(kFirstOfJanuary2000 + 0.5); }, L"0.00", 1, 1},
+    {PlatformDefect::kNumberPatterns, [] { return Variant(); }, L"0.00", 1, 1},
+    {PlatformDefect::kNumberPatterns, [] { return MakeNumber(0.5); }, L"0", 1, 1},
+    {PlatformDefect::kNumberPatterns, [] { return MakeNumber(12.5); }, L".00", 1, 1},
+    {PlatformDefect::kNumberPatterns, [] { return MakeNumber(1); }, L"0E+#", 1, 1},
 };
 
 bool OwnText(const Variant& value, const wchar_t* patternText, int firstDay, int firstWeek, std::wstring& out)
@@ -80,6 +102,14 @@ bool OwnText(const Variant& value, const wchar_t* patternText, int firstDay, int
 } // namespace
 
 void SetPlatformFormatterEnabled(bool enabled) { s_enabled = enabled; }
+
+void SetPlatformDefectsOverride(int mask) { s_defectsOverride = mask; }
+
+unsigned PlatformFormatter::Defects() const
+{
+    int mask = s_defectsOverride;
+    return mask >= 0 ? static_cast<unsigned>(mask) : m_defects;
+}
 
 const PlatformFormatter* PlatformFormatter::Find()
 {

@@ -1,8 +1,8 @@
 #pragma once
 // Format through the OLE Automation library's routines VarTokenizeFormatString and
-// VarFormatFromTokens, looked up at run time in the loaded library. On first use a few small probes
-// compare the routines with the engine's own formatter; a feature the platform is found to format
-// differently is then left to the engine (see FormatValue).
+// VarFormatFromTokens, looked up at run time in the loaded library. On first use small probes compare
+// the routines with the engine's own formatter, category by category (string, number and date
+// patterns); a category the platform formats differently is then left to the engine (FormatValue).
 #include "values/Variant.h"
 
 #include <string>
@@ -10,17 +10,14 @@
 
 namespace brannoc {
 
-// Features a platform may format differently from the language's rules.
+// What the probes found: a category of patterns whose probes the platform fails is formatted by the
+// engine. The general-date overrun is a safety finding: the platform's tokeniser skips characters
+// after the "c" code and may read past the end of the pattern, so such patterns never reach it.
 enum class PlatformDefect : unsigned {
-    kStringPatterns = 1u << 0,    // text folded to lower case without "<", or "!" ignored
-    kWeekCodes = 1u << 1,         // "w" and "ww" ignore the first day of week and first week rules
-    kGeneralDateCode = 1u << 2,   // "c" swallows the characters after it
-    kTwelveHourMarkers = 1u << 3, // an AM/PM code leaves the hours on the 24-hour clock
-    kScalingCommas = 1u << 4,     // a "," after the digit codes does not divide by 1,000
-    kNullSection = 1u << 5,       // Null does not use the fourth section
-    kSignPlacement = 1u << 6,     // the "-" of a negative value goes after leading text
-    kDateAsNumber = 1u << 7,      // a Date value is not written as its number by number patterns
-    kEmptyAsZero = 1u << 8,       // Empty is not written as the number 0 by number patterns
+    kStringPatterns = 1u << 0,
+    kNumberPatterns = 1u << 1,
+    kDatePatterns = 1u << 2,
+    kGeneralDateOverrun = 1u << 3,
 };
 
 class PlatformFormatter final {
@@ -28,8 +25,9 @@ public:
     // The loaded library's routines, or null when they are missing or turned off.
     static const PlatformFormatter* Find();
 
-    bool HasDefect(PlatformDefect defect) const { return (m_defects & static_cast<unsigned>(defect)) != 0; }
-    unsigned Defects() const { return m_defects; }
+    bool HasDefect(PlatformDefect defect) const { return (Defects() & static_cast<unsigned>(defect)) != 0; }
+    // What the probes found (or what a test made them find).
+    unsigned Defects() const;
 
     // Tokenises pattern (US-English conventions, the given first day of week and first week of year)
     // and formats value with the engine's locale. Raises 10080 when the platform reports a type
@@ -52,7 +50,9 @@ private:
     unsigned m_defects = 0;
 };
 
-// Test hook: when off, Find answers null and the engine's own formatter does all the work.
+// Test hooks: when off, Find answers null and the engine's own formatter does all the work; an
+// override (a PlatformDefect mask, or -1 for none) replaces what the probes found.
 void SetPlatformFormatterEnabled(bool enabled);
+void SetPlatformDefectsOverride(int mask);
 
 } // namespace brannoc
