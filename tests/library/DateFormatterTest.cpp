@@ -1,7 +1,7 @@
 #include "library/DateFormatter.h"
 
 #include "DateTestSupport.h"
-#include "RaiseRecorder.h"
+#include "values/RaiseRecorder.h"
 
 #include <gtest/gtest.h>
 

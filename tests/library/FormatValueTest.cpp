@@ -3,7 +3,7 @@
 #include "library/PlatformFormatter.h"
 
 #include "DateTestSupport.h"
-#include "RaiseRecorder.h"
+#include "values/RaiseRecorder.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 #include "library/FormatValue.h"
 
 #include "DateTestSupport.h"
-#include "RaiseRecorder.h"
+#include "values/RaiseRecorder.h"
 
 #include <gtest/gtest.h>
 
