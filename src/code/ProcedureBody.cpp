@@ -1,5 +1,6 @@
 #include "code/ProcedureBody.h"
 
+#include "code/ErrorStatements.h"
 #include "exec/Activation.h"
 #include "exec/HaltFlags.h"
 #include "exec/Interpreter.h"
@@ -263,6 +264,10 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
                 return EvalStatus::kFailed;
             return EvalStatus::kYield;
         }
+        case ExprOpCode::kErrProperty:
+            if (!PushErrProperty(context, static_cast<ErrMember>(op.index)))
+                return EvalStatus::kFailed;
+            break;
         case ExprOpCode::kPop:
             values.CutBack(values.Size() - static_cast<std::size_t>(op.count));
             break;

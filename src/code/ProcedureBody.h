@@ -58,6 +58,7 @@ enum class ExprOpCode : std::uint8_t {
     kNew,        // push a new instance of class module `module`
     kMemberCall, // as kCall, on the instance of the object held by variable `variable` (scope, module);
                  // `autoNew` makes the instance first when the variable holds Nothing
+    kErrProperty, // push property `index` (an ErrMember) of the Err object
 };
 
 struct ExprOp {

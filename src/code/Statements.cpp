@@ -411,7 +411,7 @@ bool ExitProcedureStatement::Execute()
     Activation* activation = interpreter->CurrentActivation();
     activation->SetIndexes(m_exitIndex);
     activation->SetResumeIndex(Activation::kNoResume);
-    interpreter->ClearError();
+    interpreter->ClearErr();
     return true;
 }
 

@@ -2,6 +2,7 @@
 // One procedure call in progress. It is itself the executor on the execution stack: its Step runs the
 // procedure's statements one after another until one of them yields, and its Release ends the call.
 #include "code/Node.h"
+#include "exec/ErrorHandler.h"
 
 #include <cstddef>
 
@@ -41,8 +42,10 @@ public:
     bool IsHostCallBoundary() const noexcept { return m_hostCallBoundary; }
     void SetHostCallBoundary(bool on) noexcept { m_hostCallBoundary = on; }
     // The On Error statement in force, or null.
-    Node* ActiveHandler() const noexcept { return m_activeHandler; }
-    void SetActiveHandler(Node* handler) noexcept { m_activeHandler = handler; }
+    const ErrorHandler* ActiveHandler() const noexcept { return m_activeHandler; }
+    void SetActiveHandler(const ErrorHandler* handler) noexcept { m_activeHandler = handler; }
+    // True while an error handler of this activation runs (between the trap and Resume or the exit).
+    bool IsRunningHandler() const noexcept { return m_resumeIndex != kNoResume; }
     // One owned object, destroyed with the activation (replacing it destroys the previous one).
     void SetAuxiliary(Node* object) noexcept;
 
@@ -70,7 +73,7 @@ private:
     std::size_t m_valueStackBase = 0;
     int m_withDepth = 0;
     bool m_hostCallBoundary = false;
-    Node* m_activeHandler = nullptr;
+    const ErrorHandler* m_activeHandler = nullptr;
     Node* m_auxiliary = nullptr;
     void* m_locals = nullptr;
     std::size_t m_localSize = 0;

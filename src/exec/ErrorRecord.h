@@ -1,5 +1,5 @@
 #pragma once
-// The number and description of the run-time error raised last (what the language's Err shows).
+// The engine's error object: the run-time error raised last, as the language's Err shows it.
 #include <string>
 
 namespace brannoc {
@@ -7,11 +7,19 @@ namespace brannoc {
 struct ErrorRecord {
     long number = 0;
     std::wstring description;
+    std::wstring source;
+    long helpContext = 0;
+    std::wstring helpFile;
+    // Set by Declare calls; Clear leaves it alone, as the language's Err.Clear does.
+    long lastDllError = 0;
 
     void Clear()
     {
         number = 0;
         description.clear();
+        source.clear();
+        helpFile.clear();
+        helpContext = 0;
     }
 };
 

@@ -151,7 +151,7 @@ bool Interpreter::BreakTestStops()
 
 void Interpreter::BeginRun()
 {
-    ClearError();
+    ClearErr();
     m_runLevel = 1;
     m_stepCounter = 1;
     m_yieldRequest = m_yieldSetting;
@@ -164,7 +164,7 @@ void Interpreter::EndRun()
 {
     m_runLevel = 0;
     m_yieldRequest = m_yieldSetting;
-    ClearError();
+    ClearErr();
     // FIXME: the per-run lists (queued starts, dialogs) are emptied here once they exist.
     if (!m_tearingDown)
         m_host.Notify(InterpreterHost::kNotifyRunEnded);
@@ -363,36 +363,76 @@ bool Interpreter::RequestAction(int action, long argument)
     return true;
 }
 
-void Interpreter::RecordError(long number, std::wstring_view argument)
+void Interpreter::AssignText(std::wstring& field, std::wstring_view text)
 {
-    m_error.number = number;
     try {
-        m_error.description = MessageFor(number);
-        if (!argument.empty()) {
-            m_error.description += L" '";
-            m_error.description += argument;
-            m_error.description += L"'";
-        }
+        field.assign(text);
     } catch (const std::bad_alloc&) {
-        m_error.description.clear();
+        field.clear();
         HaltFlags::Set(HaltFlags::kOutOfMemory);
     }
+}
+
+void Interpreter::SetErr(long number, std::wstring_view description, std::wstring_view source,
+                         std::wstring_view helpFile, long helpContext)
+{
+    if (number == 0) {
+        ClearErr();
+        return;
+    }
+    m_error.number = number;
+    if (description.empty()) {
+        try {
+            m_error.description = DefaultDescription(number);
+        } catch (const std::bad_alloc&) {
+            m_error.description.clear();
+            HaltFlags::Set(HaltFlags::kOutOfMemory);
+        }
+    } else {
+        AssignText(m_error.description, description);
+    }
+    AssignText(m_error.source, source);
+    AssignText(m_error.helpFile, helpFile);
+    m_error.helpContext = helpContext;
+}
+
+void Interpreter::SetDescription(std::wstring_view description) { AssignText(m_error.description, description); }
+void Interpreter::SetSource(std::wstring_view source) { AssignText(m_error.source, source); }
+void Interpreter::SetHelpFile(std::wstring_view helpFile) { AssignText(m_error.helpFile, helpFile); }
+
+std::uint8_t Interpreter::PendingErrorMask() const noexcept
+{
+    // Inside a host evaluation an error of the run (bit 1) also blocks a new one.
+    return m_evaluating ? HaltFlags::kStopMask : static_cast<std::uint8_t>(HaltFlags::kError);
 }
 
 bool Interpreter::SignalError(long number) { return SignalError(number, {}); }
 
 bool Interpreter::SignalError(long number, std::wstring_view argument)
 {
-    if (m_evaluating) {
-        if (!HaltFlags::Has(HaltFlags::kStopMask)) {
-            RecordError(number, argument);
-            HaltFlags::Set(HaltFlags::kEvaluationError);
-        }
-    } else if (!HaltFlags::Has(HaltFlags::kError)) {
-        RecordError(number, argument);
-        HaltFlags::Set(HaltFlags::kError);
+    // Nothing is composed while an error is pending: the second one is dropped anyway.
+    if (HaltFlags::Has(PendingErrorMask()))
+        return false;
+    try {
+        return RaiseRuntimeError(number, WithArgument(MessageFor(number), argument));
+    } catch (const std::bad_alloc&) {
+        HaltFlags::Set(HaltFlags::kOutOfMemory);
+        return RaiseRuntimeError(number, {});
     }
+}
+
+bool Interpreter::RaiseRuntimeError(long number, std::wstring_view description, std::wstring_view source,
+                                    std::wstring_view helpFile, long helpContext)
+{
     // A second error before the first is dispatched is dropped: the first one stands.
+    if (HaltFlags::Has(PendingErrorMask()))
+        return false;
+    SetErr(number, description, source, helpFile.empty() ? std::wstring_view(LanguageHelpFile()) : helpFile,
+           helpContext);
+    if (number != 0)
+        HaltFlags::Set(m_evaluating ? HaltFlags::kEvaluationError : HaltFlags::kError);
+    // FIXME: an evaluation error raised while no statement executes is to be reported at once; host
+    // evaluations do not exist yet.
     return false;
 }
 
@@ -430,8 +470,9 @@ void Interpreter::RunHaltHandler()
 
     bool stopped = false;
     if ((copy & HaltFlags::kStopMask) && m_runLevel != 0) {
-        // FIXME: search the activations for an active On Error handler before reporting.
-        if (copy & HaltFlags::kEvaluationError) {
+        if (Activation* trapping = FindErrorHandler()) {
+            TrapError(*trapping);
+        } else if (copy & HaltFlags::kEvaluationError) {
             m_host.ReportEvaluationError(m_error);
         } else {
             m_host.ReportUntrappedError(m_error);
@@ -441,6 +482,32 @@ void Interpreter::RunHaltHandler()
     }
     if (!stopped && (copy & (HaltFlags::kOutOfMemory | HaltFlags::kEvaluationError)))
         m_host.PerformControlAction(InterpreterHost::kActionStop, 0);
+}
+
+Activation* Interpreter::FindErrorHandler() const noexcept
+{
+    for (Activation* activation = m_current; activation; activation = activation->Caller()) {
+        if (activation->ActiveHandler() && !activation->IsRunningHandler())
+            return activation;
+        // A host call's own error handling takes over at its boundary.
+        if (activation->IsHostCallBoundary())
+            return nullptr;
+    }
+    return nullptr;
+}
+
+void Interpreter::TrapError(Activation& activation)
+{
+    HaltFlags::Clear(HaltFlags::kEvaluationError);
+    UnwindTo(activation);
+    // What the failing statement left on the value stack goes; the With objects stay.
+    m_values.CutBack(activation.ValueStackBase() + static_cast<std::size_t>(activation.WithDepth()));
+    const int target = activation.ActiveHandler()->HandlerTarget();
+    if (target == ErrorHandler::kResumeNext)
+        return;
+    // The statement after the failing one, or after the call that led to it.
+    activation.SetResumeIndex(activation.NextIndex());
+    activation.SetIndexes(target);
 }
 
 // ---- Current interpreter ----

@@ -78,12 +78,16 @@ public:
     // only actions 5 and 7 are accepted; others raise "Invalid instruction." and answer false.
     [[nodiscard]] bool RequestAction(int action, long argument);
 
-    // Raises a run-time error: records the number and its message (with " 'argument'" when given)
-    // unless an error is already pending, and sets halt bit 1 (8 inside a host evaluation). Always
-    // answers false.
+    // Raises a run-time error with the message of its number (followed by " 'argument'" when one is
+    // given; see RaiseRuntimeError). Always answers false.
     [[nodiscard]] bool SignalError(long number);
     [[nodiscard]] bool SignalError(long number, std::wstring_view argument);
     [[nodiscard]] bool SignalError(ErrorId id) { return SignalError(ToNumber(id)); }
+    // Raises a run-time error: unless an error is already pending, fills the error object (SetErr)
+    // and sets halt bit 1 (8 inside a host evaluation); a second error before the first is dispatched
+    // is dropped. Always answers false, for the raiser to return.
+    [[nodiscard]] bool RaiseRuntimeError(long number, std::wstring_view description, std::wstring_view source = {},
+                                         std::wstring_view helpFile = {}, long helpContext = 0);
     // Sets the sticky out-of-memory bit and raises "Out of memory.". Always answers false.
     [[nodiscard]] bool RaiseOutOfMemory();
     // The raise routine installed for the value layer: raises on the current interpreter.
@@ -103,8 +107,21 @@ public:
     // runDepth (0: never), and the statement at which the run resumes is not stopped at.
     void PrepareRun(int runDepth) noexcept;
 
+    // The error object (the language's Err).
     const ErrorRecord& Error() const noexcept { return m_error; }
-    void ClearError() { m_error.Clear(); }
+    // Number 0 clears the object. Otherwise the fields are stored; an empty description becomes the
+    // number's default description (DefaultDescription).
+    void SetErr(long number, std::wstring_view description, std::wstring_view source, std::wstring_view helpFile,
+                long helpContext);
+    // Number 0, empty texts, help context 0.
+    void ClearErr() { m_error.Clear(); }
+    void SetDescription(std::wstring_view description);
+    void SetSource(std::wstring_view source);
+    void SetHelpFile(std::wstring_view helpFile);
+    void SetHelpContext(long helpContext) noexcept { m_error.helpContext = helpContext; }
+    void SetLastDllError(long code) noexcept { m_error.lastDllError = code; }
+    // Replaces the whole error object (a host evaluation saves and restores it).
+    void RestoreErr(ErrorRecord record) { m_error = std::move(record); }
 
     int RunLevel() const noexcept { return m_runLevel; }
     void SetRunLevel(int level) noexcept { m_runLevel = level; }
@@ -148,7 +165,15 @@ private:
     // Moves the pending entries above base onto the execution stack, first pushed ending on top.
     void MovePending(std::size_t base);
     void PopAndRelease();
-    void RecordError(long number, std::wstring_view argument);
+    // Error dispatch: the activation whose On Error handler traps the pending error, or null when the
+    // search reaches a host-call boundary or the outermost caller.
+    Activation* FindErrorHandler() const noexcept;
+    // Unwinds to the trapping activation and moves its execution point as its handler says.
+    void TrapError(Activation& activation);
+    // Assigns one text field of the error object; an allocation failure sets the out-of-memory bit.
+    void AssignText(std::wstring& field, std::wstring_view text);
+    // The halt bits that mean an error is already pending (a new one is then dropped).
+    std::uint8_t PendingErrorMask() const noexcept;
 
     [[nodiscard]] Activation* NewActivation();
     void FreeActivation(Activation& activation) noexcept;

@@ -91,10 +91,15 @@ bool BodyParser::Compile()
         auto found = m_labels.find(UpperName(pending.name));
         if (found == m_labels.end() || found->second.index < 0) {
             m_lexer.ClearStatementError();
-            m_lexer.SignalErrorAt(CompileMessage::GoToLabelHasNotBeenDefined, pending.name, pending.position);
+            if (pending.isGoTo) {
+                m_lexer.SignalErrorAt(CompileMessage::GoToLabelHasNotBeenDefined, pending.name, pending.position);
+            } else {
+                m_lexer.SeekLine(endLine);
+                m_lexer.SignalError(CompileMessage::LabelIsNotDefined);
+            }
             continue;
         }
-        pending.jump->SetTarget(found->second.index);
+        pending.bind(found->second.index);
     }
 
     if (m_lexer.ErrorCount() != errorsBefore)
@@ -270,6 +275,8 @@ BodyParser::StatementPtr BodyParser::ParseSimple()
     switch (word) {
     case Token::If: statement = ParseIf(false); break;
     case Token::GoTo: statement = ParseGoTo(); break;
+    case Token::On: statement = ParseOnError(); break;
+    case Token::Resume: statement = ParseResume(); break;
     case Token::Exit: statement = ParseExit(); break;
     case Token::Debug: statement = ParseDebug(); break;
     case Token::Call: statement = ParseCallStatement(); break;

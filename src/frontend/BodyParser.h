@@ -6,7 +6,9 @@
 #include "frontend/ConstantReader.h"
 #include "code/Statements.h"
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -53,10 +55,14 @@ struct Label {
     int index = -1;
 };
 
+// A label reference resolved at the end of the body: GoTo, On Error GoTo and Resume label.
 struct PendingGoTo {
-    JumpStatement* jump;
+    std::function<void(int)> bind;
     std::string name;
     const char* position;
+    // GoTo reports an undefined label with its name where it was written; On Error GoTo and Resume
+    // report "Label is not defined." at the end of the procedure.
+    bool isGoTo = true;
 };
 
 enum class BlockKind { If, Select, For, Do, While, With };
@@ -135,6 +141,16 @@ private:
     StatementPtr ParseWend();
     StatementPtr ParseWith();
     StatementPtr ParseGoTo();
+    // Error handling (ErrorSyntax.cpp).
+    StatementPtr ParseOnError();
+    StatementPtr ParseResume();
+    // True when "Err" at the current token names the Err object (no variable of that name is in scope).
+    bool AtErrObject() const;
+    // Err or Err.property in an expression.
+    [[nodiscard]] bool ParseErrObject(Expression& out);
+    // A statement that begins with Err: Err.Raise, Err.Clear, Err[.property] = value.
+    StatementPtr ParseErrStatement();
+    [[nodiscard]] bool ParseRaiseArguments(Expression& out);
     StatementPtr ParseExit();
     StatementPtr ParseDebug();
     StatementPtr ParseDim(bool isStatic);

@@ -39,6 +39,8 @@ BodyParser::StatementPtr BodyParser::ParseCallStatement()
 
 BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(bool requireAssignment)
 {
+    if (AtErrObject())
+        return ParseErrStatement();
     const Token word = m_lexer.Kind();
     if (!IsNameToken(word)) {
         if (requireAssignment)

@@ -465,7 +465,9 @@ BodyParser::StatementPtr BodyParser::ParseGoTo()
     }
     auto jump = std::make_unique<JumpStatement>();
     jump->SetKeyword(TokenNumber(Token::GoTo));
-    m_gotos.push_back(PendingGoTo{jump.get(), std::string(m_lexer.Text()), m_lexer.TokenStart()});
+    JumpStatement* target = jump.get();
+    m_gotos.push_back(PendingGoTo{[target](int index) { target->SetTarget(index); }, std::string(m_lexer.Text()),
+                                  m_lexer.TokenStart()});
     m_lexer.NextToken();
     return jump;
 }

@@ -113,7 +113,8 @@ bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
         case ExprOpCode::kEmpty: types.push_back(variant); break;
         case ExprOpCode::kCall:
         case ExprOpCode::kMemberCall: pendingResult = op.type; break;
-        case ExprOpCode::kNew: types.push_back(op.type); break;
+        case ExprOpCode::kNew:
+        case ExprOpCode::kErrProperty: types.push_back(op.type); break;
         case ExprOpCode::kPop:
             types.resize(types.size() >= static_cast<std::size_t>(op.count) ? types.size() - op.count : 0);
             if (!types.empty() && pendingResult != TypeCode())
@@ -376,6 +377,8 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
         m_lexer.SignalError(CompileMessage::ExpectingAFactor);
         return false;
     }
+    if (AtErrObject())
+        return ParseErrObject(out);
     return ParseName(out, simpleVariable);
 }
 

@@ -1,4 +1,6 @@
 #include "host/CodeUnit.h"
+
+#include "exec/ErrorMessages.h"
 #include "host/AnsiText.h"
 #include "host/EntryGuard.h"
 #include "host/LibraryLifetime.h"
@@ -29,20 +31,6 @@ HRESULT Out(BSTR* result, const std::wstring& text)
         return E_OUTOFMEMORY;
     *result = value.Detach();
     return S_OK;
-}
-
-// The library file's path with its extension replaced by "HLP" ("?.HLP" when it has none).
-std::wstring HelpFilePath()
-{
-    static const std::wstring s_path = [] {
-        std::wstring path = ThisModulePath();
-        size_t dot = path.find_last_of(L'.');
-        size_t slash = path.find_last_of(L"\\/");
-        if (dot == std::wstring::npos || (slash != std::wstring::npos && dot < slash))
-            return std::wstring(L"?.HLP");
-        return path.substr(0, dot + 1) + L"HLP";
-    }();
-    return s_path;
 }
 
 // The version resource, then " - " and the library file's last-write date in the user's locale.
@@ -367,7 +355,7 @@ HRESULT __stdcall CodeUnit::get_Version(BSTR* result) { return Out(result, Versi
 
 HRESULT __stdcall CodeUnit::get_HelpFile(BSTR* result)
 {
-    return Entered([&] { return Out(result, HelpFilePath()); });
+    return Entered([&] { return Out(result, LanguageHelpFile()); });
 }
 
 HRESULT __stdcall CodeUnit::get_CallBack(IDispatch** result)
@@ -406,7 +394,7 @@ HRESULT __stdcall CodeUnit::put_ErrorDesc(BSTR description)
         if (!text.empty()) {
             error.description = text;
             error.helpContext = 5;
-            error.helpFile = HelpFilePath();
+            error.helpFile = LanguageHelpFile();
             m_context->SendNotification(5);
             m_context->SendNotification(0);
         }

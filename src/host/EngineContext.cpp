@@ -256,11 +256,11 @@ void EngineContext::DefaultNotify(short code)
     const ErrorLocation& error = m_errorReport;
     std::wstring line = error.lineText;
     if (error.offset >= 0 && static_cast<size_t>(error.offset) <= line.size())
-        line.insert(static_cast<size_t>(error.offset), L"<here>");
+        line.insert(static_cast<size_t>(error.offset), FixedText(ErrorId::HereMarker, L"<here>"));
     std::wstring text = L"[" + error.macroName + L"#" + std::to_wstring(error.lineNumber) + L"] " + line + L"\n" +
                         error.description;
-    std::wstring caption = LoadResourceString(11103);
-    MessageBoxW(nullptr, text.c_str(), caption.empty() ? L"Error" : caption.c_str(), MB_TASKMODAL | MB_OK);
+    const std::wstring caption = FixedText(ErrorId::ErrorCaption, L"Error");
+    MessageBoxW(nullptr, text.c_str(), caption.c_str(), MB_TASKMODAL | MB_OK);
 }
 
 // A pending action from the scheduler; a start queued meanwhile is carried out after it.
@@ -293,6 +293,9 @@ void EngineContext::ReportUntrappedError(const ErrorRecord& error)
     m_errorReport.Clear();
     m_errorReport.number = error.number;
     m_errorReport.description = error.description;
+    m_errorReport.source = error.source;
+    m_errorReport.helpFile = error.helpFile;
+    m_errorReport.helpContext = error.helpContext;
     // Where: the statement of the innermost activation; run-time errors have no column.
     m_errorReport.offset = -1;
     if (const Activation* current = m_interpreter.CurrentActivation()) {

@@ -371,7 +371,18 @@ bool ModuleManager::Locate(const ProcedureCode& code, int index, std::wstring& m
                 continue;
             line = procedure->firstLine + (index < 0 ? 0 : index);
             moduleName = WideFromAnsi(module->Name());
-            lineText = WideFromAnsi(LineOf(module->Text(), line));
+            // The statement's listing after the line's indentation: a statement continued over several
+            // lines reads as one.
+            const std::string source = LineOf(module->Text(), line);
+            std::string listing;
+            if (index >= 0 && index <= code.LastStatementIndex())
+                code.StatementAt(index)->Print(listing);
+            if (listing.empty()) {
+                lineText = WideFromAnsi(source);
+            } else {
+                const std::size_t indent = source.find_first_not_of(" \t");
+                lineText = WideFromAnsi(source.substr(0, indent == std::string::npos ? 0 : indent) + listing);
+            }
             return true;
         }
         return false;

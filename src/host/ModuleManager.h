@@ -87,8 +87,8 @@ public:
     // their variables hold. Called while the interpreter still exists (engine teardown).
     void UnloadAll();
 
-    // Fills the module name, line number and line text of statement index of the procedure whose
-    // executable form is code. False when no loaded module has that procedure.
+    // Fills the module name, line number and line text (the statement's listing) of statement index
+    // of the procedure whose executable form is code. False when no loaded module has that procedure.
     bool Locate(const ProcedureCode& code, int index, std::wstring& moduleName, int& line,
                 std::wstring& lineText) const;
     // The run has ended: the started module is idle again.

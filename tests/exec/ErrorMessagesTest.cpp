@@ -44,5 +44,34 @@ TEST(ErrorMessagesTest, MessageForGivesTheTableTextOrTheFallback)
     }
 }
 
+TEST(ErrorMessagesTest, DefaultDescriptionNamesPlatformCodesInHexadecimal)
+{
+    const MessageCase rows[] = {
+        {0, L""},
+        {10061, L"Divide by zero."},
+        {65535, L"Application specific error."},
+        {65536, L"Exception 10000"},
+        {-1, L"Exception FFFFFFFF"},
+        {static_cast<long>(0x80004005UL), L"Exception 80004005"},
+    };
+    for (const MessageCase& row : rows)
+        EXPECT_EQ(DefaultDescription(row.number), row.text) << "number " << row.number;
+}
+
+TEST(ErrorMessagesTest, WithArgumentAddsOneBlankAndQuotes)
+{
+    EXPECT_EQ(WithArgument(L"Divide by zero.", L"x"), L"Divide by zero. 'x'");
+    EXPECT_EQ(WithArgument(L"Expecting ", L"Then"), L"Expecting 'Then'");
+    EXPECT_EQ(WithArgument(L"Overflow.", L""), L"Overflow.");
+    EXPECT_EQ(WithArgument(L"", L"a"), L" 'a'");
+}
+
+TEST(ErrorMessagesTest, LanguageHelpFileReplacesTheLibraryExtension)
+{
+    const std::wstring& file = LanguageHelpFile();
+    ASSERT_GE(file.size(), 4u);
+    EXPECT_EQ(file.substr(file.size() - 4), L".HLP");
+}
+
 } // namespace
 } // namespace brannoc

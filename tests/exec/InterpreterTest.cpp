@@ -242,7 +242,7 @@ TEST_F(InterpreterTest, RequestsOtherThanStopAndQueryAreRefusedDuringAHostCall)
         EXPECT_EQ(interpreter.Error().number, row.accepted ? 0 : ToNumber(ErrorId::InvalidInstruction))
             << "action " << row.action;
         HaltFlags::Clear(0xFF);
-        interpreter.ClearError();
+        interpreter.ClearErr();
     }
 }
 

@@ -1,0 +1,255 @@
+// Run-time errors as the host sees them: the engine object's error record after an untrapped error,
+// the notifications, trapped errors that are never reported, and the default error message box.
+#include "brannoc.h"
+#include "host/CodeUnit.h"
+#include "support/MessageBoxCapture.h"
+#include <gtest/gtest.h>
+#include <map>
+#include <string>
+#include <vector>
+
+using namespace brannoc;
+
+namespace {
+
+// Serves macro texts from memory and records notifications, reading the error record at each
+// notification 0 (the host's moment to look at it).
+class RecordingCallBack final : public IDispatch {
+public:
+    enum Member : DISPID { kDebugPrint = 1, kNotify, kReadMacro };
+
+    std::map<std::wstring, std::wstring> macros;
+    std::vector<short> notifications;
+    std::vector<long> reportedNumbers;
+    std::wstring printed;
+
+    HRESULT __stdcall QueryInterface(REFIID id, void** object) override
+    {
+        if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch)) {
+            *object = static_cast<IDispatch*>(this);
+            AddRef();
+            return S_OK;
+        }
+        *object = nullptr;
+        return E_NOINTERFACE;
+    }
+    ULONG __stdcall AddRef() override { return 2; }
+    ULONG __stdcall Release() override { return 1; }
+    HRESULT __stdcall GetTypeInfoCount(UINT* count) override
+    {
+        *count = 0;
+        return S_OK;
+    }
+    HRESULT __stdcall GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    HRESULT __stdcall GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override
+    {
+        const std::wstring name = names[0];
+        ids[0] = name == L"DebugPrint" ? kDebugPrint : name == L"Notify" ? kNotify
+               : name == L"ReadMacro"  ? kReadMacro
+                                       : DISPID_UNKNOWN;
+        return count == 1 && ids[0] != DISPID_UNKNOWN ? S_OK : DISP_E_UNKNOWNNAME;
+    }
+    HRESULT __stdcall Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT* result,
+                             EXCEPINFO*, UINT*) override
+    {
+        VARIANT& argument = parameters->rgvarg[0];
+        switch (member) {
+        case kDebugPrint:
+            printed.append(argument.bstrVal, SysStringLen(argument.bstrVal));
+            return S_OK;
+        case kNotify:
+            notifications.push_back(argument.iVal);
+            if (argument.iVal == 0) {
+                _CodeUnit* engine = nullptr;
+                if (SUCCEEDED(parameters->rgvarg[1].pdispVal->QueryInterface(IID__CodeUnit,
+                                                                             reinterpret_cast<void**>(&engine)))) {
+                    long number = 0;
+                    engine->get_ErrorNumber(&number);
+                    reportedNumbers.push_back(number);
+                    engine->Release();
+                }
+            }
+            return S_OK;
+        case kReadMacro: {
+            const std::wstring name(argument.bstrVal, SysStringLen(argument.bstrVal));
+            auto found = macros.find(name);
+            VariantInit(result);
+            result->vt = VT_BSTR;
+            result->bstrVal = found == macros.end() ? nullptr : SysAllocString(found->second.c_str());
+            return S_OK;
+        }
+        default:
+            return DISP_E_MEMBERNOTFOUND;
+        }
+    }
+};
+
+std::wstring TakeText(BSTR text)
+{
+    std::wstring result = text ? std::wstring(text, SysStringLen(text)) : std::wstring();
+    SysFreeString(text);
+    return result;
+}
+
+class ErrorReportTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_NE(nullptr, unit);
+        unit->SetCallBack(&callBack);
+    }
+    void TearDown() override
+    {
+        if (!unit)
+            return;
+        VARIANT_BOOL ignored;
+        unit->HaltAll(&ignored);
+        unit->SetCallBack(nullptr);
+        unit->Release();
+    }
+    // Starts the macro and runs it to its end or its stop.
+    void StartAndRun(const wchar_t* name)
+    {
+        BSTR text = SysAllocString(name);
+        VARIANT_BOOL started = VARIANT_FALSE;
+        EXPECT_EQ(S_OK, unit->Start(text, &started));
+        SysFreeString(text);
+        ASSERT_EQ(VARIANT_TRUE, started);
+        VARIANT_BOOL active = VARIANT_TRUE;
+        EXPECT_EQ(S_OK, unit->Run(0, &active));
+    }
+    std::wstring Text(HRESULT (__stdcall CodeUnit::*member)(BSTR*))
+    {
+        BSTR text = nullptr;
+        EXPECT_EQ(S_OK, (unit->*member)(&text));
+        return TakeText(text);
+    }
+    long Number()
+    {
+        long number = 0;
+        EXPECT_EQ(S_OK, unit->get_ErrorNumber(&number));
+        return number;
+    }
+    short LineNumber()
+    {
+        short line = 0;
+        EXPECT_EQ(S_OK, unit->get_ErrorLineNum(&line));
+        return line;
+    }
+    short Offset()
+    {
+        short offset = 0;
+        EXPECT_EQ(S_OK, unit->get_ErrorOffset(&offset));
+        return offset;
+    }
+    long HelpContext()
+    {
+        long context = 0;
+        EXPECT_EQ(S_OK, unit->get_ErrorHelpContext(&context));
+        return context;
+    }
+
+    CodeUnit* unit = static_cast<CodeUnit*>(static_cast<_CodeUnit*>(KZ_CreateCodeUnit()));
+    RecordingCallBack callBack;
+};
+
+} // namespace
+
+TEST_F(ErrorReportTest, AnUntrappedErrorFillsEveryFieldOfTheRecord)
+{
+    callBack.macros[L"calc"] = L"Sub Main\r\n"
+                               L"    Dim a As Integer\r\n"
+                               L"    a = 2\r\n"
+                               L"    Err.Raise 1234, \"Src\", \"Own message.\", \"own.hlp\", 77\r\n"
+                               L"    a = 3\r\n"
+                               L"End Sub\r\n";
+    StartAndRun(L"calc");
+    EXPECT_EQ((std::vector<long>{1234}), callBack.reportedNumbers);
+    EXPECT_EQ(1234, Number());
+    EXPECT_EQ(L"Own message.", Text(&CodeUnit::get_ErrorDesc));
+    EXPECT_EQ(L"Src", Text(&CodeUnit::get_ErrorSource));
+    EXPECT_EQ(L"own.hlp", Text(&CodeUnit::get_ErrorHelpFile));
+    EXPECT_EQ(77, HelpContext());
+    EXPECT_EQ(L"calc", Text(&CodeUnit::get_ErrorMacroName));
+    EXPECT_EQ(L"    Err.Raise 1234, \"Src\", \"Own message.\", \"own.hlp\", 77", Text(&CodeUnit::get_ErrorLine));
+    EXPECT_EQ(4, LineNumber());
+    EXPECT_EQ(-1, Offset()) << "run-time errors have no column";
+    // The error report (19) comes before the error notification (0), each once.
+    const std::vector<short>& seen = callBack.notifications;
+    auto report = std::find(seen.begin(), seen.end(), 19);
+    auto error = std::find(seen.begin(), seen.end(), 0);
+    ASSERT_NE(seen.end(), report);
+    ASSERT_NE(seen.end(), error);
+    EXPECT_LT(report, error);
+    EXPECT_EQ(1, std::count(seen.begin(), seen.end(), 0));
+}
+
+TEST_F(ErrorReportTest, TheInnermostStatementIsReportedAndAContinuedOneAtItsFirstLine)
+{
+    callBack.macros[L"deep"] = L"Sub Inner(d As Integer)\r\n"
+                               L"    Dim q As Integer\r\n"
+                               L"    q = 1 + _\r\n"
+                               L"        10 \\ d\r\n"
+                               L"End Sub\r\n"
+                               L"Sub Main\r\n"
+                               L"    Inner 0\r\n"
+                               L"End Sub\r\n";
+    StartAndRun(L"deep");
+    EXPECT_EQ(10061, Number());
+    EXPECT_EQ(L"Divide by zero.", Text(&CodeUnit::get_ErrorDesc));
+    EXPECT_EQ(3, LineNumber());
+    EXPECT_EQ(L"    q = 1 + 10 \\ d", Text(&CodeUnit::get_ErrorLine));
+    EXPECT_EQ(L"", Text(&CodeUnit::get_ErrorSource));
+}
+
+TEST_F(ErrorReportTest, TrappedErrorsAreNeverReported)
+{
+    callBack.macros[L"quiet"] = L"Sub Main\r\n"
+                                L"    On Error Resume Next\r\n"
+                                L"    Err.Raise 5\r\n"
+                                L"    Debug.Print Err.Number\r\n"
+                                L"End Sub\r\n";
+    StartAndRun(L"quiet");
+    EXPECT_TRUE(callBack.reportedNumbers.empty());
+    EXPECT_EQ(0, std::count(callBack.notifications.begin(), callBack.notifications.end(), 19));
+    EXPECT_EQ(L"5&\r\n", callBack.printed);
+    EXPECT_EQ(0, Number()) << "the record belongs to untrapped errors only";
+}
+
+TEST(DefaultErrorBox, AnUntrappedErrorShowsTheLocationAndDescription)
+{
+    CodeUnit* unit = static_cast<CodeUnit*>(static_cast<_CodeUnit*>(KZ_CreateCodeUnit()));
+    ASSERT_NE(nullptr, unit);
+    wchar_t folder[MAX_PATH];
+    wchar_t path[MAX_PATH];
+    ASSERT_NE(0u, GetTempPathW(MAX_PATH, folder));
+    ASSERT_NE(0u, GetTempFileNameW(folder, L"bbe", 0, path));
+    const char text[] = "Sub Main\r\n    Dim x As Integer\r\n    x = 1 \\ 0\r\nEnd Sub\r\n";
+    HANDLE file = CreateFileW(path, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    ASSERT_NE(INVALID_HANDLE_VALUE, file);
+    DWORD written = 0;
+    WriteFile(file, text, sizeof text - 1, &written, nullptr);
+    CloseHandle(file);
+    {
+        brannoc::test::MessageBoxCapture capture;
+        BSTR name = SysAllocString(path);
+        VARIANT_BOOL result = VARIANT_FALSE;
+        EXPECT_EQ(S_OK, unit->Start(name, &result));
+        EXPECT_EQ(VARIANT_TRUE, result);
+        EXPECT_EQ(S_OK, unit->Run(0, &result));
+        SysFreeString(name);
+        BSTR macro = nullptr;
+        EXPECT_EQ(S_OK, unit->get_ErrorMacroName(&macro));
+        const std::wstring macroName = TakeText(macro);
+        EXPECT_FALSE(macroName.empty());
+        std::vector<brannoc::test::CapturedMessageBox> boxes = capture.Boxes();
+        ASSERT_EQ(1u, boxes.size());
+        EXPECT_EQ(L"Error", boxes[0].caption);
+        EXPECT_EQ(L"[" + macroName + L"#3]     x = 1 \\ 0\nDivide by zero.", boxes[0].text);
+        EXPECT_EQ(static_cast<UINT>(MB_OK), boxes[0].buttons);
+        VARIANT_BOOL idle = VARIANT_FALSE;
+        unit->HaltAll(&idle);
+    }
+    DeleteFileW(path);
+    unit->Release();
+}
