@@ -1,5 +1,6 @@
 #include "code/ProcedureBody.h"
 
+#include "code/BuiltinCall.h"
 #include "code/ErrorStatements.h"
 #include "exec/Activation.h"
 #include "exec/HaltFlags.h"
@@ -268,6 +269,13 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             if (!PushErrProperty(context, static_cast<ErrMember>(op.index)))
                 return EvalStatus::kFailed;
             break;
+        case ExprOpCode::kBuiltin:
+            if (!RunBuiltinCall(context, context.procedure->BuiltinCallAt(op.index), pc))
+                return EvalStatus::kFailed;
+            break;
+        case ExprOpCode::kJump:
+            pc += op.count;
+            break;
         case ExprOpCode::kPop:
             values.CutBack(values.Size() - static_cast<std::size_t>(op.count));
             break;
@@ -289,34 +297,6 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             if (!slot)
                 return (void)context.interpreter->RaiseOutOfMemory(), EvalStatus::kFailed;
             *slot = std::move(value);
-            break;
-        }
-        case ExprOpCode::kLowerBound:
-        case ExprOpCode::kUpperBound: {
-            VARIANT* storage = StorageOf(context, op.scope, op.index, op.module);
-            if (!storage)
-                return EvalStatus::kFailed;
-            SAFEARRAY* array = ArrayOf(storage);
-            if (!array)
-                return (void)context.interpreter->SignalError(10022), EvalStatus::kFailed;
-            LONG dimension = 1;
-            if (op.count == 1) {
-                Variant& number = values.Top();
-                if (number.Tag() != VT_I4 && !ChangeType(number, VT_I4))
-                    return EvalStatus::kFailed;
-                dimension = number.Long();
-                values.Pop();
-            }
-            LONG bound = 0;
-            const HRESULT status = op.code == ExprOpCode::kLowerBound
-                                       ? SafeArrayGetLBound(array, static_cast<UINT>(dimension), &bound)
-                                       : SafeArrayGetUBound(array, static_cast<UINT>(dimension), &bound);
-            if (dimension < 1 || FAILED(status))
-                return (void)context.interpreter->SignalError(10023), EvalStatus::kFailed;
-            Variant* slot = values.Push();
-            if (!slot)
-                return (void)context.interpreter->RaiseOutOfMemory(), EvalStatus::kFailed;
-            slot->SetLong(bound);
             break;
         }
         }
@@ -433,6 +413,8 @@ Statement& EmptyStatement()
     } s_empty;
     return s_empty;
 }
+
+CompiledProcedure::CompiledProcedure(Procedure& procedure) : m_procedure(&procedure) {}
 
 CompiledProcedure::~CompiledProcedure()
 {
@@ -573,6 +555,12 @@ int CompiledProcedure::AddConstant(Variant value)
 {
     m_constants.push_back(std::move(value));
     return static_cast<int>(m_constants.size()) - 1;
+}
+
+int CompiledProcedure::AddBuiltinCall(std::unique_ptr<BuiltinCall> call)
+{
+    m_builtinCalls.push_back(std::move(call));
+    return static_cast<int>(m_builtinCalls.size()) - 1;
 }
 
 int CompiledProcedure::AddCallee(Procedure* procedure, const Module* module)

@@ -25,6 +25,7 @@ namespace brannoc {
 constexpr SCODE kResultSlotStatus = static_cast<SCODE>(0x8004FFFE);
 
 class Activation;
+struct BuiltinCall;
 class CompiledProcedure;
 class Interpreter;
 class Module;
@@ -53,12 +54,13 @@ enum class ExprOpCode : std::uint8_t {
     kPop,        // drop `count` values
     kPack,       // pack the top `count` values into a Variant array (ParamArray)
     kElement,    // replace the top `count` indexes by the element of an array variable
-    kLowerBound, // LBound/UBound of an array variable; `count` 1 when a dimension number is on the stack
-    kUpperBound,
     kNew,        // push a new instance of class module `module`
     kMemberCall, // as kCall, on the instance of the object held by variable `variable` (scope, module);
                  // `autoNew` makes the instance first when the variable holds Nothing
     kErrProperty, // push property `index` (an ErrMember) of the Err object
+    kBuiltin,    // call built-in call `index` of the procedure; `count` of its arguments were computed
+                 // onto the stack before it, and `variable` ops of deferred argument code follow it
+    kJump,       // skip `count` ops (the end of a deferred argument's code)
 };
 
 struct ExprOp {
@@ -147,7 +149,7 @@ struct ParameterInfo {
 
 class CompiledProcedure final : public ProcedureCode {
 public:
-    explicit CompiledProcedure(Procedure& procedure) : m_procedure(&procedure) {}
+    explicit CompiledProcedure(Procedure& procedure);
     ~CompiledProcedure() override;
 
     // The interpreter calls the procedure; it is owned by its Procedure and never destroyed on release.
@@ -183,6 +185,8 @@ public:
     int AddConstant(Variant value);
     // A procedure this one calls; module is the callee's when it belongs to another module.
     int AddCallee(Procedure* procedure, const Module* module = nullptr);
+    // A compiled built-in call; the procedure owns it.
+    int AddBuiltinCall(std::unique_ptr<BuiltinCall> call);
     void AddParameter(ParameterInfo parameter) { m_parameters.push_back(std::move(parameter)); }
     void SetResultSlot(int slot) { m_resultSlot = slot; }
     // Takes ownership of statement and appends it to the statement vector.
@@ -198,6 +202,8 @@ public:
     const Variant& ConstantAt(int index) const { return m_constants[static_cast<std::size_t>(index)]; }
     Procedure* CalleeAt(int index) const { return m_callees[static_cast<std::size_t>(index)]; }
     const Module* CalleeModuleAt(int index) const { return m_calleeModules[static_cast<std::size_t>(index)]; }
+    const BuiltinCall& BuiltinCallAt(int index) const { return *m_builtinCalls[static_cast<std::size_t>(index)]; }
+    int BuiltinCallCount() const { return static_cast<int>(m_builtinCalls.size()); }
     VARIANT& StaticAt(int index) { return m_statics[static_cast<std::size_t>(index)]; }
     TypeCode SlotType(int index) const { return m_slotTypes[static_cast<std::size_t>(index)]; }
 
@@ -213,6 +219,7 @@ private:
     std::vector<Variant> m_constants;
     std::vector<Procedure*> m_callees;
     std::vector<const Module*> m_calleeModules;
+    std::vector<std::unique_ptr<BuiltinCall>> m_builtinCalls;
     int m_resultSlot = -1;
 };
 

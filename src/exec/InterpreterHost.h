@@ -63,6 +63,8 @@ public:
         (void)result;
         return false;
     }
+    // The command text of the current run (what the language's Command gives).
+    virtual std::wstring CommandText() const { return {}; }
     // The module instance behind an object value made by NewInstance, else null.
     virtual ModuleInstance* InstanceOf(IUnknown* object) { (void)object; return nullptr; }
 

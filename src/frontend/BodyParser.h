@@ -5,6 +5,7 @@
 #include "frontend/BodyCompiler.h"
 #include "frontend/ConstantReader.h"
 #include "code/Statements.h"
+#include "library/BuiltinTable.h"
 
 #include <functional>
 #include <memory>
@@ -198,7 +199,24 @@ private:
     [[nodiscard]] bool ReadBounds(std::vector<std::pair<long, long>>& bounds);
     // After "(" of an element reference: the indexes up to ")"; count receives their number.
     [[nodiscard]] bool ParseIndexes(Expression& out, int& count);
-    [[nodiscard]] bool ParseBound(Expression& out, bool upper);
+
+    // Built-in calls (BuiltinCalls.cpp).
+    // The built-in that word stands for when the program declares nothing of that name, or null.
+    const BuiltinRecord* BuiltinFor(Token word, const std::string& upperName) const;
+    // After a built-in's name and suffix: the arguments and the call. In a statement a function's result
+    // is dropped; only there may an instruction be called.
+    [[nodiscard]] bool ParseBuiltinCall(const BuiltinRecord& record, TypeCode suffix, Expression& out, bool statement);
+    [[nodiscard]] bool ParseBuiltinArguments(const BuiltinRecord& record, bool parenthesised,
+                                             std::vector<std::optional<Expression>>& arguments);
+    [[nodiscard]] bool CheckBuiltinArgument(const BuiltinRecord& record, int index, const Expression& argument);
+    // Len and LenB of a variable of a user-defined type: the size of its record.
+    [[nodiscard]] bool ParseRecordLength(const BuiltinRecord& record, const Expression& argument, Expression& out);
+    // Appends the value of a pure call with constant arguments; false when it cannot be folded.
+    [[nodiscard]] bool FoldBuiltinCall(const BuiltinRecord& record,
+                                       const std::vector<std::optional<Expression>>& arguments, bool stringResult,
+                                       Expression& out);
+    void EmitBuiltinCall(const BuiltinRecord& record, std::vector<std::optional<Expression>>& arguments,
+                         bool stringResult, Expression& out);
     StatementPtr ParseForEach();
     StatementPtr ParseReDim();
     StatementPtr ParseMid();

@@ -56,6 +56,16 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(bool requireAssignmen
     const TypeCode suffix = ReadSuffix();
 
     const LocalSymbol* local = FindLocal(key);
+    if (const BuiltinRecord* record = BuiltinFor(word, key); record && m_lexer.Kind() != Token::Equal) {
+        if (requireAssignment) {
+            m_lexer.SignalError(CompileMessage::InvalidLetSyntax);
+            return nullptr;
+        }
+        Expression code;
+        if (!ParseBuiltinCall(*record, suffix, code, true))
+            return nullptr;
+        return std::make_unique<EvaluateStatement>(std::move(code));
+    }
     if (LocalSymbol object; m_lexer.Kind() == Token::Dot && FindClassVariable(key, object)) {
         m_lexer.NextToken();
         Expression code;

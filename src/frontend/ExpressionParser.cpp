@@ -125,9 +125,15 @@ bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
             types.resize(types.size() >= static_cast<std::size_t>(op.count) ? types.size() - op.count : 0);
             types.push_back(variant.WithRank(1));
             break;
+        case ExprOpCode::kBuiltin:
+            types.resize(types.size() >= static_cast<std::size_t>(op.count) ? types.size() - op.count : 0);
+            if (op.type != TypeCode())
+                types.push_back(op.type);
+            // The deferred arguments' code after the call was checked when it was compiled.
+            i += static_cast<std::size_t>(op.variable);
+            break;
+        case ExprOpCode::kJump: break;
         case ExprOpCode::kElement:
-        case ExprOpCode::kLowerBound:
-        case ExprOpCode::kUpperBound:
             types.resize(types.size() >= static_cast<std::size_t>(op.count) ? types.size() - op.count : 0);
             types.push_back(op.type);
             break;
@@ -329,19 +335,6 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
         AppendConstant(out, std::move(value));
         return true;
     }
-    case Token::Abs:
-    case Token::Int:
-    case Token::Fix: {
-        m_lexer.NextToken();
-        if (!m_lexer.ExpectToken(Token::LeftParen) || !ParseExpression(out) || !m_lexer.ExpectToken(Token::RightParen))
-            return false;
-        ExprOp op{ExprOpCode::kUnary};
-        op.op = word == Token::Abs ? OperationId::kAbs : word == Token::Int ? OperationId::kInt : OperationId::kFix;
-        out.ops.push_back(op);
-        return true;
-    }
-    case Token::LBound:
-    case Token::UBound: return ParseBound(out, word == Token::UBound);
     case Token::New: {
         m_lexer.NextToken();
         if (!IsNameToken(m_lexer.Kind())) {
@@ -374,6 +367,12 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
     default: break;
     }
     if (!IsNameToken(word)) {
+        // Reserved words that name built-ins (Abs, CInt, Len, String ...).
+        if (const BuiltinRecord* record = FindBuiltin(word)) {
+            m_lexer.NextToken();
+            const TypeCode suffix = ReadSuffix();
+            return ParseBuiltinCall(*record, suffix, out, false);
+        }
         m_lexer.SignalError(CompileMessage::ExpectingAFactor);
         return false;
     }
@@ -384,6 +383,7 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
 
 bool BodyParser::ParseName(Expression& out, bool* simpleVariable)
 {
+    const Token word = m_lexer.Kind();
     const std::string name = ReadName();
     const std::string key = UpperName(name);
     const TypeCode suffix = ReadSuffix();
@@ -456,6 +456,8 @@ bool BodyParser::ParseName(Expression& out, bool* simpleVariable)
             }
         }
     }
+    if (const BuiltinRecord* record = BuiltinFor(word, key))
+        return ParseBuiltinCall(*record, suffix, out, false);
     VariableRef ref;
     bool found = false;
     if (!ResolveVariable(name, suffix, ref, found))
@@ -502,40 +504,6 @@ bool BodyParser::ParseIndexes(Expression& out, int& count)
         m_lexer.SignalError(CompileMessage::TooManyDimensions);
         return false;
     }
-    return m_lexer.ExpectToken(Token::RightParen);
-}
-
-// LBound(array [, dimension]) and UBound(array [, dimension]).
-bool BodyParser::ParseBound(Expression& out, bool upper)
-{
-    m_lexer.NextToken();
-    if (!m_lexer.ExpectToken(Token::LeftParen))
-        return false;
-    if (!IsNameToken(m_lexer.Kind())) {
-        m_lexer.SignalError(CompileMessage::ExpectingAnArrayVar);
-        return false;
-    }
-    const std::string name = ReadName();
-    const TypeCode suffix = ReadSuffix();
-    VariableRef ref;
-    bool found = false;
-    if (!ResolveVariable(name, suffix, ref, found))
-        return false;
-    if (!ref.type.IsArray() && !ref.type.IsVariant()) {
-        m_lexer.SignalError(CompileMessage::ExpectingAnArrayVar);
-        return false;
-    }
-    ExprOp bound{upper ? ExprOpCode::kUpperBound : ExprOpCode::kLowerBound};
-    bound.scope = ref.scope;
-    bound.index = ref.index;
-    bound.module = ref.module;
-    bound.type = TypeCode(TypeCode::kLong);
-    if (m_lexer.Accept(Token::Comma)) {
-        if (!ParseExpression(out))
-            return false;
-        bound.count = 1;
-    }
-    out.ops.push_back(bound);
     return m_lexer.ExpectToken(Token::RightParen);
 }
 

@@ -1,6 +1,7 @@
 #include "host/EngineContext.h"
 
 #include "exec/ModuleInstance.h"
+#include "host/AnsiText.h"
 #include "host/ClassObject.h"
 #include "host/CodeUnit.h"
 #include "host/EntryGuard.h"
@@ -335,6 +336,11 @@ bool EngineContext::NewInstance(const Module& module, Variant& result)
 ModuleInstance* EngineContext::InstanceOf(IUnknown* object)
 {
     return ClassObject::InstanceOf(object);
+}
+
+std::wstring EngineContext::CommandText() const
+{
+    return WideFromAnsi(m_modules.CommandText());
 }
 
 void EngineContext::ReleaseMemoryReserve()

@@ -92,6 +92,7 @@ public:
     void DebugPrint(const std::wstring& text) override;
     [[nodiscard]] bool NewInstance(const Module& module, Variant& result) override;
     ModuleInstance* InstanceOf(IUnknown* object) override;
+    std::wstring CommandText() const override;
 
 private:
     RunState Run(long depth);

@@ -1,6 +1,7 @@
 // The content of the engine's type library: the engine object's dual interface, the callback, handler
 // collection, Err object and language object interfaces, and the language's constant enumerations.
 #include "EngineTypes.h"
+#include "BuiltinMembers.h"
 #include "../../include/brannoc.h"
 
 namespace mktypelib {
@@ -162,13 +163,16 @@ std::vector<Member> ErrObjectMembers()
     };
 }
 
-// The language object's members; the built-in functions join this interface as the library grows.
+// The language object's members: the about box and the built-in functions and instructions.
 std::vector<Member> BasicObjectMembers()
 {
-    return {
+    std::vector<Member> members = {
         {L"AboutBrannocBasic", K::Method, 1, {{L"Timeout", T::Variant, true}}, T::Void,
          L"Show the about box"},
     };
+    for (Member& member : BuiltinMembers())
+        members.push_back(std::move(member));
+    return members;
 }
 
 bool WriteEnums(TypeLibraryWriter& writer)

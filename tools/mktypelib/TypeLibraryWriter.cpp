@@ -8,7 +8,10 @@ namespace {
 TYPEDESC s_leaf[] = {
     {{nullptr}, VT_VOID}, {{nullptr}, VT_BOOL}, {{nullptr}, VT_I2}, {{nullptr}, VT_I4}, {{nullptr}, VT_R8},
     {{nullptr}, VT_BSTR}, {{nullptr}, VT_DISPATCH}, {{nullptr}, VT_UNKNOWN}, {{nullptr}, VT_VARIANT},
+    {{nullptr}, VT_R4}, {{nullptr}, VT_CY}, {{nullptr}, VT_DATE}, {{nullptr}, VT_UI1},
 };
+// SAFEARRAY(VARIANT), pointed to by VariantArray parameters.
+TYPEDESC s_variantArray = {{&s_leaf[8]}, VT_SAFEARRAY};
 
 TYPEDESC* Leaf(VARTYPE vt)
 {
@@ -30,18 +33,23 @@ VARTYPE LeafType(Type type)
     case Type::Dispatch: return VT_DISPATCH;
     case Type::Unknown: return VT_UNKNOWN;
     case Type::Variant: case Type::VariantPtr: return VT_VARIANT;
+    case Type::Float: return VT_R4;
+    case Type::Currency: return VT_CY;
+    case Type::Date: return VT_DATE;
+    case Type::Byte: return VT_UI1;
+    case Type::VariantArray: return VT_SAFEARRAY;
     }
     return VT_VOID;
 }
 
-bool IsPointer(Type type) { return type == Type::VariantPtr || type == Type::LongPtr; }
+bool IsPointer(Type type) { return type == Type::VariantPtr || type == Type::LongPtr || type == Type::VariantArray; }
 
 // A TYPEDESC that is either the leaf itself or a pointer to it.
 struct TypeDescHolder {
     TYPEDESC desc{};
     void Set(Type type, bool extraPointer)
     {
-        TYPEDESC* leaf = Leaf(LeafType(type));
+        TYPEDESC* leaf = type == Type::VariantArray ? &s_variantArray : Leaf(LeafType(type));
         if (IsPointer(type) || extraPointer) {
             desc.vt = VT_PTR;
             desc.lptdesc = leaf;
@@ -135,6 +143,8 @@ bool TypeLibraryWriter::AddFunctions(ICreateTypeInfo* info, const std::vector<Me
                                                   : INVOKE_FUNC;
         desc.callconv = CC_STDCALL;
         desc.cParams = static_cast<SHORT>(total);
+        if (member.varArgs)
+            desc.cParamsOpt = -1;
         desc.lprgelemdescParam = total ? elems.data() : nullptr;
         TypeDescHolder resultType;
         if (dispatchOnly)

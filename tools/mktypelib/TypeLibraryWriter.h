@@ -8,7 +8,11 @@
 namespace mktypelib {
 
 // Automation types a member can use. Ptr* are by-reference (pointer) forms.
-enum class Type { Void, Bool, Short, Long, Double, Bstr, Dispatch, Unknown, Variant, VariantPtr, LongPtr };
+// VariantArray is a SAFEARRAY of VARIANTs passed by pointer (the last parameter of a vararg member).
+enum class Type {
+    Void, Bool, Short, Long, Double, Bstr, Dispatch, Unknown, Variant, VariantPtr, LongPtr,
+    Float, Currency, Date, Byte, VariantArray,
+};
 
 enum class Kind { Method, Get, Put };
 
@@ -26,6 +30,8 @@ struct Member {
     Type result = Type::Void;    // out-parameter (retval) of a get or method
     const wchar_t* help = nullptr;
     bool restricted = false;
+    // The last parameter takes any number of arguments (a VariantArray).
+    bool varArgs = false;
 };
 
 struct Constant {

@@ -1,0 +1,113 @@
+#include "code/BuiltinCall.h"
+
+#include "exec/HaltFlags.h"
+#include "exec/Interpreter.h"
+#include "library/BuiltinArguments.h"
+#include "values/ValueError.h"
+
+namespace brannoc {
+
+namespace {
+
+using State = BuiltinArguments::State;
+
+// Arguments of a running call: lazy ones run their code on the value stack when asked for.
+class RuntimeArguments final : public BuiltinArguments {
+public:
+    RuntimeArguments(const RunContext& context, const BuiltinCall& call, Variant* values, State* states, int count)
+        : BuiltinArguments(*call.record, values, states, count), m_context(context), m_call(call)
+    {
+    }
+
+protected:
+    bool EvaluateInto(int index, Variant& target) override
+    {
+        ValueStack& values = m_context.interpreter->Values();
+        const std::size_t height = values.Size();
+        int pc = 0;
+        const EvalStatus status = RunExpression(m_context, m_call.arguments[static_cast<std::size_t>(index)].code, pc);
+        if (status != EvalStatus::kDone || values.Size() != height + 1) {
+            values.CutBack(height);
+            // Lazy code never calls procedures; a yield here would be a compiler fault.
+            return status == EvalStatus::kFailed || RaiseValueError(kErrorInvalidArgument);
+        }
+        target = std::move(values.Top());
+        values.Pop();
+        return true;
+    }
+
+private:
+    const RunContext& m_context;
+    const BuiltinCall& m_call;
+};
+
+// Argument storage on the machine stack for the usual calls; calls with many arguments use the heap.
+constexpr int kInlineArguments = 10;
+
+} // namespace
+
+bool RunBuiltinCall(const RunContext& context, const BuiltinCall& call, int& pc)
+{
+    const BuiltinRecord& record = *call.record;
+    ValueStack& values = context.interpreter->Values();
+    const int count = static_cast<int>(call.arguments.size());
+    Variant inlineValues[kInlineArguments];
+    State inlineStates[kInlineArguments];
+    std::vector<Variant> moreValues;
+    std::vector<State> moreStates;
+    Variant* argumentValues = inlineValues;
+    State* states = inlineStates;
+    if (count > kInlineArguments) {
+        moreValues.resize(static_cast<std::size_t>(count));
+        moreStates.resize(static_cast<std::size_t>(count));
+        argumentValues = moreValues.data();
+        states = moreStates.data();
+    }
+    const std::size_t base = values.Size() - static_cast<std::size_t>(call.stackedCount);
+    for (int i = 0; i < count; ++i) {
+        const BuiltinArgumentCode& argument = call.arguments[static_cast<std::size_t>(i)];
+        switch (argument.mode) {
+        case BuiltinArgumentCode::Mode::kMissing: states[i] = State::kMissing; break;
+        case BuiltinArgumentCode::Mode::kLazy: states[i] = State::kPending; break;
+        case BuiltinArgumentCode::Mode::kDeferred: states[i] = State::kDeferred; break;
+        case BuiltinArgumentCode::Mode::kStacked:
+            argumentValues[i] = std::move(values.At(base + static_cast<std::size_t>(argument.position)));
+            states[i] = State::kReady;
+            break;
+        }
+    }
+    values.CutBack(base);
+
+    RuntimeArguments arguments(context, call, argumentValues, states, count);
+    Variant result;
+    int chosen = -1;
+    if (!InvokeBuiltin(record, arguments, result, chosen)) {
+        // An implementation fails only after raising; make sure the statement never ends silently.
+        return HaltFlags::MustStop() || RaiseValueError(kErrorInvalidArgument);
+    }
+    if (chosen >= 0) {
+        pc += call.arguments[static_cast<std::size_t>(chosen)].position;
+        return true;
+    }
+    pc += call.deferredLength;
+    if (record.IsInstruction())
+        return true;
+    if (call.stringResult && result.Tag() == VT_NULL)
+        return RaiseValueError(kErrorNullUse);
+    Variant* slot = values.Push();
+    if (!slot)
+        return context.interpreter->RaiseOutOfMemory();
+    *slot = std::move(result);
+    return true;
+}
+
+bool CodeMayYield(const Expression& code)
+{
+    for (const ExprOp& op : code.ops) {
+        if (op.code == ExprOpCode::kCall || op.code == ExprOpCode::kMemberCall)
+            return true;
+    }
+    return false;
+}
+
+} // namespace brannoc

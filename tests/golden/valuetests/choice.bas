@@ -1,0 +1,14 @@
+' IIf and Choose evaluate only the argument they return, also when it calls a function.
+Function Note(text)
+    Debug.Print "ran "; text
+    Note = text
+End Function
+
+Sub Main
+    Debug.Print IIf(True, 1, 1 / 0); IIf(False, 1 / 0, "b"); IIf(Null, 1, 2)
+    Debug.Print IIf(1 > 2, Note("yes"), Note("no"))
+    Debug.Print Choose(2, Note("one"), Note("two"), Note("three"))
+    Debug.Print Choose(4, "a", "b"); Choose(0, "a"); Choose(1.6, "a", "b")
+    Debug.Print Len(IIf(Note("x") = "x", "four", Note("never")))
+    Debug.Print "done"
+End Sub
