@@ -22,10 +22,16 @@ public:
 protected:
     bool EvaluateInto(int index, Variant& target) override
     {
+        const Expression& code = m_call.arguments[static_cast<std::size_t>(index)].code;
+        if (code.ops.size() == 1 && code.ops[0].code == ExprOpCode::kConstant) {
+            // A constant is read where it is: the implementation copies what it changes.
+            target.SetByRef(VT_VARIANT, const_cast<VARIANT*>(&m_context.procedure->ConstantAt(code.ops[0].index).Raw()));
+            return true;
+        }
         ValueStack& values = m_context.interpreter->Values();
         const std::size_t height = values.Size();
         int pc = 0;
-        const EvalStatus status = RunExpression(m_context, m_call.arguments[static_cast<std::size_t>(index)].code, pc);
+        const EvalStatus status = RunExpression(m_context, code, pc);
         if (status != EvalStatus::kDone || values.Size() != height + 1) {
             values.CutBack(height);
             // Lazy code never calls procedures; a yield here would be a compiler fault.
