@@ -5,6 +5,9 @@
 #include "library/BuiltinArguments.h"
 #include "values/ValueError.h"
 
+#include <new>
+#include <vector>
+
 namespace brannoc {
 
 namespace {
@@ -47,8 +50,46 @@ private:
     const BuiltinCall& m_call;
 };
 
-// Argument storage on the machine stack for the usual calls; calls with many arguments use the heap.
-constexpr int kInlineArguments = 10;
+// The values and states of a call's arguments: on the machine stack for the usual calls (only as many
+// values as there are arguments are made), on the heap for calls with many arguments.
+class ArgumentStorage final {
+public:
+    explicit ArgumentStorage(int count) : m_count(count)
+    {
+        if (count > kInline) {
+            m_more.resize(static_cast<std::size_t>(count));
+            m_moreStates.resize(static_cast<std::size_t>(count));
+            m_values = m_more.data();
+            m_states = m_moreStates.data();
+            return;
+        }
+        m_values = reinterpret_cast<Variant*>(m_inline);
+        m_states = m_inlineStates;
+        for (int i = 0; i < count; ++i)
+            new (&m_values[i]) Variant();
+    }
+    ArgumentStorage(const ArgumentStorage&) = delete;
+    ArgumentStorage& operator=(const ArgumentStorage&) = delete;
+    ~ArgumentStorage()
+    {
+        if (m_count <= kInline) {
+            for (int i = 0; i < m_count; ++i)
+                m_values[i].~Variant();
+        }
+    }
+    Variant* Values() const { return m_values; }
+    State* States() const { return m_states; }
+
+private:
+    static constexpr int kInline = 10;
+    int m_count;
+    Variant* m_values = nullptr;
+    State* m_states = nullptr;
+    alignas(Variant) unsigned char m_inline[kInline * sizeof(Variant)];
+    State m_inlineStates[kInline];
+    std::vector<Variant> m_more;
+    std::vector<State> m_moreStates;
+};
 
 } // namespace
 
@@ -57,18 +98,9 @@ bool RunBuiltinCall(const RunContext& context, const BuiltinCall& call, int& pc)
     const BuiltinRecord& record = *call.record;
     ValueStack& values = context.interpreter->Values();
     const int count = static_cast<int>(call.arguments.size());
-    Variant inlineValues[kInlineArguments];
-    State inlineStates[kInlineArguments];
-    std::vector<Variant> moreValues;
-    std::vector<State> moreStates;
-    Variant* argumentValues = inlineValues;
-    State* states = inlineStates;
-    if (count > kInlineArguments) {
-        moreValues.resize(static_cast<std::size_t>(count));
-        moreStates.resize(static_cast<std::size_t>(count));
-        argumentValues = moreValues.data();
-        states = moreStates.data();
-    }
+    ArgumentStorage storage(count);
+    Variant* argumentValues = storage.Values();
+    State* states = storage.States();
     const std::size_t base = values.Size() - static_cast<std::size_t>(call.stackedCount);
     for (int i = 0; i < count; ++i) {
         const BuiltinArgumentCode& argument = call.arguments[static_cast<std::size_t>(i)];

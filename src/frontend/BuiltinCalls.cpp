@@ -262,13 +262,19 @@ void BodyParser::EmitBuiltinCall(const BuiltinRecord& record, std::vector<std::o
     call->record = &record;
     call->stringResult = stringResult;
     call->arguments.resize(arguments.size());
+    // When an argument calls a procedure, every argument is computed before the call, in order, so that
+    // the procedure cannot change a variable that an earlier argument reads (a chosen-argument
+    // built-in keeps its choices apart).
+    bool computeAll = false;
+    for (std::size_t i = 0; i < arguments.size() && !record.ChoosesArgument(); ++i)
+        computeAll = computeAll || (arguments[i] && CodeMayYield(*arguments[i]));
     std::vector<std::size_t> deferred;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         BuiltinArgumentCode& argument = call->arguments[i];
         if (!arguments[i])
             continue;
         Expression& code = *arguments[i];
-        if (CodeMayYield(code)) {
+        if (computeAll || CodeMayYield(code)) {
             if (record.ChoosesArgument() && i > 0) {
                 deferred.push_back(i);
                 continue;
