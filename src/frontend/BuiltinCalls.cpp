@@ -7,6 +7,8 @@
 #include "frontend/CharClasses.h"
 #include "library/BuiltinArguments.h"
 #include "library/BuiltinGroups.h"
+#include "values/Conversion.h"
+#include "values/ValueError.h"
 
 #include <optional>
 
@@ -62,6 +64,38 @@ TypeCode TypeOfResultKind(ResultKind kind)
 }
 
 bool IsConstantCode(const Expression& code) { return code.ops.size() == 1 && code.ops[0].code == ExprOpCode::kConstant; }
+
+// The value kind of a parameter kind that fixes one, else VT_EMPTY.
+VARTYPE TagOfKind(char kind)
+{
+    switch (kind) {
+    case parameter_kind::kString: return VT_BSTR;
+    case parameter_kind::kInteger: return VT_I2;
+    case parameter_kind::kLong: return VT_I4;
+    case parameter_kind::kSingle: return VT_R4;
+    case parameter_kind::kDouble: return VT_R8;
+    case parameter_kind::kBoolean: return VT_BOOL;
+    default: return VT_EMPTY;
+    }
+}
+
+// A constant argument of a parameter with a fixed kind is converted to that kind once, here; one that
+// does not convert stays as written and raises when the call runs.
+void ConvertConstantArgument(CompiledProcedure& code, char kind, Expression& argument)
+{
+    const VARTYPE tag = TagOfKind(kind);
+    const Variant& constant = code.ConstantAt(argument.ops[0].index);
+    if (tag == VT_EMPTY || constant.Tag() == tag)
+        return;
+    Variant converted(constant);
+    const RaiseFn previous = SetRaiseHandler(nullptr);
+    const bool changed = ChangeType(converted, tag);
+    (void)SetRaiseHandler(previous);
+    if (!changed)
+        return;
+    argument.ops[0].type = TypeOfValue(converted);
+    argument.ops[0].index = code.AddConstant(std::move(converted));
+}
 
 } // namespace
 
@@ -287,6 +321,8 @@ void BodyParser::EmitBuiltinCall(const BuiltinRecord& record, std::vector<std::o
         // A variable is handed over by reference, so reading it never copies its string or array.
         if (code.ops.size() == 1 && code.ops[0].code == ExprOpCode::kLoad)
             code.ops[0].code = ExprOpCode::kLoadRef;
+        if (IsConstantCode(code))
+            ConvertConstantArgument(*m_code, record.KindOf(static_cast<int>(i)), code);
         argument.mode = BuiltinArgumentCode::Mode::kLazy;
         argument.code = std::move(code);
     }

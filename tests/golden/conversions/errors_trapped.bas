@@ -45,6 +45,10 @@ Sub Main
     Try "Error 5"
     Error 10061
     Try "Error 10061"
+    Error
+    Try "Error without a number"
+    Error 70000
+    Try "Error 70000"
     v = Space(-1)
     Try "Space -1"
     Debug.Print "done"
