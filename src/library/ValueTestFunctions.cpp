@@ -53,32 +53,19 @@ std::wstring ModuleNameOf(const Module& module)
     return std::wstring(name.begin(), name.end());
 }
 
-std::wstring ObjectName(IUnknown* object)
+// Module instances are named after their module.
+bool EngineObjectName(IUnknown* object, std::wstring& name)
 {
-    if (!object)
-        return L"Nothing";
-    if (Interpreter* interpreter = Interpreter::Current()) {
-        if (ModuleInstance* instance = interpreter->Host().InstanceOf(object))
-            return ModuleNameOf(instance->OwnModule());
-    }
-    std::wstring name = L"Object";
-    IDispatch* dispatch = nullptr;
-    if (FAILED(object->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(&dispatch))) || !dispatch)
-        return name;
-    ITypeInfo* info = nullptr;
-    if (SUCCEEDED(dispatch->GetTypeInfo(0, EngineLocale(), &info)) && info) {
-        Bstr text;
-        if (SUCCEEDED(info->GetDocumentation(MEMBERID_NIL, text.Out(), nullptr, nullptr, nullptr)) && text.Length()) {
-            std::wstring_view typeName = text.View();
-            if (typeName.size() > 1 && typeName[0] == L'_')
-                typeName.remove_prefix(1);
-            name.assign(typeName);
-        }
-        info->Release();
-    }
-    dispatch->Release();
-    return name;
+    Interpreter* interpreter = Interpreter::Current();
+    ModuleInstance* instance = interpreter ? interpreter->Host().InstanceOf(object) : nullptr;
+    if (!instance)
+        return false;
+    name = ModuleNameOf(instance->OwnModule());
+    return true;
 }
+
+// The debugging display and TypeName name the engine's objects alike.
+const ObjectNamer s_installedNamer = SetObjectNamer(&EngineObjectName);
 
 // The name a record description gives; 10090 when it cannot be read.
 bool RecordName(IRecordInfo* info, std::wstring& name)
@@ -120,7 +107,7 @@ bool TypeName(BuiltinArguments& arguments, BuiltinResult& result)
         name += L"()";
     } else if (tag == VT_DISPATCH || tag == VT_UNKNOWN) {
         IUnknown* object = byReference ? (raw.ppunkVal ? *raw.ppunkVal : nullptr) : raw.punkVal;
-        name = tag == VT_UNKNOWN ? std::wstring(L"Unknown") : ObjectName(object);
+        name = tag == VT_UNKNOWN ? std::wstring(L"Unknown") : ObjectTypeName(object);
     } else if (tag == VT_RECORD) {
         if (!RecordName(raw.pRecInfo, name))
             return false;

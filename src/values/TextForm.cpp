@@ -42,19 +42,6 @@ wchar_t TypeCharacter(VARTYPE tag)
     }
 }
 
-std::wstring ObjectTypeName(IDispatch* object)
-{
-    ITypeInfo* info = nullptr;
-    std::wstring name = L"Object";
-    if (SUCCEEDED(object->GetTypeInfo(0, EngineLocale(), &info)) && info) {
-        Bstr text;
-        if (SUCCEEDED(info->GetDocumentation(MEMBERID_NIL, text.Out(), nullptr, nullptr, nullptr)) && text.Length())
-            name.assign(text.View());
-        info->Release();
-    }
-    return name;
-}
-
 std::wstring RecordTypeName(IRecordInfo* info)
 {
     Bstr text;
@@ -254,6 +241,43 @@ void WriteQuoted(std::wstring& out, std::wstring_view text)
         }
         i = j;
     }
+}
+
+namespace {
+ObjectNamer s_objectNamer = nullptr;
+} // namespace
+
+ObjectNamer SetObjectNamer(ObjectNamer namer)
+{
+    const ObjectNamer previous = s_objectNamer;
+    s_objectNamer = namer;
+    return previous;
+}
+
+std::wstring ObjectTypeName(IUnknown* object)
+{
+    std::wstring name;
+    if (!object)
+        return L"Nothing";
+    if (s_objectNamer && s_objectNamer(object, name))
+        return name;
+    name = L"Object";
+    IDispatch* dispatch = nullptr;
+    if (FAILED(object->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(&dispatch))) || !dispatch)
+        return name;
+    ITypeInfo* info = nullptr;
+    if (SUCCEEDED(dispatch->GetTypeInfo(0, EngineLocale(), &info)) && info) {
+        Bstr text;
+        if (SUCCEEDED(info->GetDocumentation(MEMBERID_NIL, text.Out(), nullptr, nullptr, nullptr)) && text.Length()) {
+            std::wstring_view typeName = text.View();
+            if (typeName.size() > 1 && typeName[0] == L'_')
+                typeName.remove_prefix(1);
+            name.assign(typeName);
+        }
+        info->Release();
+    }
+    dispatch->Release();
+    return name;
 }
 
 std::wstring_view KindName(VARTYPE tag)

@@ -12,6 +12,14 @@ namespace brannoc {
 [[nodiscard]] bool WriteDebug(std::wstring& out, const Variant& value);
 void WriteQuoted(std::wstring& out, std::wstring_view text);
 
+// The name TypeName gives an object reference: "Nothing" for the null reference, the name the installed
+// namer gives the engine's own objects, else the name of the type its type information describes with
+// one leading "_" removed, or "Object" when it has none.
+std::wstring ObjectTypeName(IUnknown* object);
+// Names the engine's own objects (module instances); false for other objects. Returns the previous one.
+using ObjectNamer = bool (*)(IUnknown* object, std::wstring& name);
+ObjectNamer SetObjectNamer(ObjectNamer namer);
+
 // The language's name of a value kind ("Integer", "Variant", ...), as array displays show it.
 std::wstring_view KindName(VARTYPE tag);
 

@@ -2,6 +2,7 @@
 #include "brannoc.h"
 #include "library/BuiltinArguments.h"
 #include "support/EngineLibrary.h"
+#include "values/TextForm.h"
 
 #include <gtest/gtest.h>
 
@@ -105,6 +106,12 @@ TEST(TypeName, ObjectsAreNamedByTheirTypeInformation)
     EXPECT_EQ(TypeNameOf(&described), L"BasicObject");
     EXPECT_EQ(TypeNameOf(&bare), L"Object");
     EXPECT_EQ(TypeNameOf(nullptr), L"Nothing");
+    // The debugging display uses the same name.
+    Variant value;
+    value.SetObject(&described);
+    std::wstring shown;
+    ASSERT_TRUE(WriteDebug(shown, value));
+    EXPECT_EQ(shown.substr(0, 15), L"[BasicObject@0x");
     info->Release();
     types->Release();
 }
