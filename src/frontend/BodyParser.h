@@ -208,6 +208,10 @@ private:
     [[nodiscard]] bool ParseBuiltinCall(const BuiltinRecord& record, TypeCode suffix, Expression& out, bool statement);
     [[nodiscard]] bool ParseBuiltinArguments(const BuiltinRecord& record, bool parenthesised,
                                              std::vector<std::optional<Expression>>& arguments);
+    // Every required parameter has an argument and every argument suits its parameter's kind; false after
+    // reporting.
+    [[nodiscard]] bool CheckBuiltinArguments(const BuiltinRecord& record,
+                                             const std::vector<std::optional<Expression>>& arguments);
     [[nodiscard]] bool CheckBuiltinArgument(const BuiltinRecord& record, int index, const Expression& argument);
     // Len and LenB of a variable of a user-defined type: the size of its record.
     [[nodiscard]] bool ParseRecordLength(const BuiltinRecord& record, const Expression& argument, Expression& out);

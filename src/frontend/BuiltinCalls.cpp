@@ -143,20 +143,11 @@ bool BodyParser::ParseBuiltinCall(const BuiltinRecord& called, TypeCode suffix, 
     const std::size_t fixed = static_cast<std::size_t>(record.ParameterCount() - (record.TakesAnyCount() ? 1 : 0));
     if (arguments.size() < fixed)
         arguments.resize(fixed);
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const int index = static_cast<int>(i);
-        if (!arguments[i]) {
-            if (index < record.ParameterCount() && !record.IsOptional(index)) {
-                m_lexer.SignalError(CompileMessage::MissingParameter, record.ParameterName(index));
-                return false;
-            }
-            continue;
-        }
-        if ((record.keyword == Token::Len || record.keyword == Token::LenB) && arguments[i]->type.IsUserType())
-            return ParseRecordLength(record, *arguments[i], out);
-        if (!CheckBuiltinArgument(record, index, *arguments[i]))
-            return false;
-    }
+    if ((record.keyword == Token::Len || record.keyword == Token::LenB) && arguments[0] &&
+        arguments[0]->type.IsUserType())
+        return ParseRecordLength(record, *arguments[0], out);
+    if (!CheckBuiltinArguments(record, arguments))
+        return false;
     const std::size_t start = out.ops.size();
     if (!FoldBuiltinCall(record, arguments, stringResult, out))
         EmitBuiltinCall(record, arguments, stringResult, out);
@@ -228,6 +219,22 @@ bool BodyParser::ParseBuiltinArguments(const BuiltinRecord& record, bool parenth
     if (!named && count > 1 && position == count - 1 && record.IsOptional(0) && !record.TakesAnyCount()) {
         arguments.insert(arguments.begin(), std::nullopt);
         arguments.pop_back();
+    }
+    return true;
+}
+
+bool BodyParser::CheckBuiltinArguments(const BuiltinRecord& record,
+                                       const std::vector<std::optional<Expression>>& arguments)
+{
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const int index = static_cast<int>(i);
+        if (arguments[i]) {
+            if (!CheckBuiltinArgument(record, index, *arguments[i]))
+                return false;
+        } else if (index < record.ParameterCount() && !record.IsOptional(index)) {
+            m_lexer.SignalError(CompileMessage::MissingParameter, record.ParameterName(index));
+            return false;
+        }
     }
     return true;
 }
