@@ -16,7 +16,8 @@
     X(ValueTestFunctions)         \
     X(ArrayFunctions)             \
     X(ColorFunctions)             \
-    X(ProgramFunctions)
+    X(ProgramFunctions)           \
+    X(DateFunctions)
 
 namespace brannoc {
 

@@ -213,6 +213,12 @@ std::wstring WrittenMarker(const DateItem& item, bool evening)
     return evening ? item.text.substr(3, 2) : item.text.substr(0, 2);
 }
 
+// The locale's morning or evening string.
+std::wstring LocaleMarker(bool evening)
+{
+    return LocaleItem(evening ? LOCALE_S2359 : LOCALE_S1159, evening ? L"PM" : L"AM");
+}
+
 bool WriteLocalePicture(LCTYPE type, std::wstring_view fallback, DATE value, const WeekRules& rules,
                         std::wstring& out)
 {
@@ -269,12 +275,8 @@ bool WriteItem(const DateItem& item, const DateParts& parts, bool twelveHour, DA
     case DateCode::kSecond2: AppendNumber(out, parts.second, 2); return true;
     case DateCode::kMarkerAmPm:
     case DateCode::kMarkerAP: out += WrittenMarker(item, evening); return true;
-    case DateCode::kLocaleMarker: out += LocaleItem(evening ? LOCALE_S2359 : LOCALE_S1159, evening ? L"PM" : L"AM"); return true;
-    case DateCode::kLocaleMarkerLetter: {
-        std::wstring marker = LocaleItem(evening ? LOCALE_S2359 : LOCALE_S1159, evening ? L"PM" : L"AM");
-        out += marker.substr(0, 1);
-        return true;
-    }
+    case DateCode::kLocaleMarker: out += LocaleMarker(evening); return true;
+    case DateCode::kLocaleMarkerLetter: out += LocaleMarker(evening).substr(0, 1); return true;
     }
     return true;
 }

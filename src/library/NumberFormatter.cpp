@@ -260,7 +260,9 @@ bool ParseNumberSection(std::wstring_view section, NumberSection& result)
         wchar_t c = section[pos];
         wchar_t next = pos + 1 < section.size() ? section[pos + 1] : L'\0';
         ++pos;
-        NumberPart part = result.exponent ? NumberPart::kExponent : sawDecimal ? NumberPart::kFraction : NumberPart::kWhole;
+        NumberPart part = result.exponent ? NumberPart::kExponent
+                          : sawDecimal    ? NumberPart::kFraction
+                                          : NumberPart::kWhole;
         if (c == L'0' || c == L'#') {
             NumberItem item;
             item.kind = NumberItem::Kind::kDigit;

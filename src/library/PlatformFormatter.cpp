@@ -125,8 +125,10 @@ const PlatformFormatter* PlatformFormatter::Load()
     if (!library)
         return nullptr;
     // GetProcAddress answers a generic function pointer; the void* step states the conversion.
-    auto tokenize = reinterpret_cast<TokenizeFn>(reinterpret_cast<void*>(GetProcAddress(library, "VarTokenizeFormatString")));
-    auto format = reinterpret_cast<FormatFn>(reinterpret_cast<void*>(GetProcAddress(library, "VarFormatFromTokens")));
+    void* tokenizeAddress = reinterpret_cast<void*>(GetProcAddress(library, "VarTokenizeFormatString"));
+    void* formatAddress = reinterpret_cast<void*>(GetProcAddress(library, "VarFormatFromTokens"));
+    auto tokenize = reinterpret_cast<TokenizeFn>(tokenizeAddress);
+    auto format = reinterpret_cast<FormatFn>(formatAddress);
     if (!tokenize || !format)
         return nullptr;
     static PlatformFormatter s_formatter(tokenize, format);
@@ -159,7 +161,8 @@ HRESULT PlatformFormatter::FormatText(const Variant& value, std::wstring_view pa
         return E_OUTOFMEMORY;
     BYTE tokens[kTokenBufferSize] = {};
     int used = 0;
-    HRESULT status = m_tokenize(patternText.Get(), tokens, kTokenBufferSize, firstDay, firstWeek, kPatternLocale, &used);
+    HRESULT status =
+        m_tokenize(patternText.Get(), tokens, kTokenBufferSize, firstDay, firstWeek, kPatternLocale, &used);
     if (FAILED(status))
         return status;
     Variant input;
