@@ -64,7 +64,7 @@ bool ErrStatement::Step(ExecEntry& entry)
     }
     if (!done)
         return Fail(context, entry);
-    values.CutBack(context.activation->ValueStackBase());
+    values.CutBack(context.activation->StatementBase());
     entry.state = ExecEntry::kFinished;
     return true;
 }

@@ -2,6 +2,7 @@
 
 #include "code/BuiltinCall.h"
 #include "code/ErrorStatements.h"
+#include "code/MemberCall.h"
 #include "exec/Activation.h"
 #include "exec/HaltFlags.h"
 #include "exec/Interpreter.h"
@@ -47,7 +48,9 @@ void MakeReference(Variant& target, VARIANT* storage, TypeCode type)
         target.SetByRef(tag, reinterpret_cast<char*>(storage) + kPayloadOffset);
 }
 
-[[nodiscard]] bool PackArray(ValueStack& values, int count)
+} // namespace
+
+bool PackValues(ValueStack& values, int count)
 {
     SafeArray array(SafeArrayCreateVector(VT_VARIANT, 0, static_cast<ULONG>(count)));
     if (!array.Get())
@@ -70,6 +73,8 @@ void MakeReference(Variant& target, VARIANT* storage, TypeCode type)
     slot->SetArray(array.Detach(), VT_VARIANT);
     return true;
 }
+
+namespace {
 
 // Bytes of the payload of an array element of kind tag.
 std::size_t PayloadSize(VARTYPE tag)
@@ -116,9 +121,14 @@ bool StoreVariable(const RunContext& context, const VariableRef& target, const V
     VARIANT* storage = StorageOf(context, target.scope, target.index, target.module);
     if (!storage)
         return false;
-    if (target.type.IsFixedString() && !target.type.IsArray())
-        return FixedStringCell(static_cast<UINT>(target.type.FixedLength())).Store(*storage, value);
-    return StorageCell(StorageTag(target.type)).Store(*storage, value);
+    return StoreTyped(*storage, target.type, value);
+}
+
+bool StoreTyped(VARIANT& storage, TypeCode type, const Variant& value)
+{
+    if (type.IsFixedString() && !type.IsArray())
+        return FixedStringCell(static_cast<UINT>(type.FixedLength())).Store(storage, value);
+    return StorageCell(StorageTag(type)).Store(storage, value);
 }
 
 bool ConditionIsTrue(Variant& value, bool& result)
@@ -235,36 +245,27 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             *slot = std::move(made);
             break;
         }
+        case ExprOpCode::kLoadNew:
+            if (!LoadAutoNew(context, op))
+                return EvalStatus::kFailed;
+            break;
+        case ExprOpCode::kMe:
+            if (!PushMe(context))
+                return EvalStatus::kFailed;
+            break;
+        case ExprOpCode::kWithObject:
+            if (!PushWithObject(context, op.index))
+                return EvalStatus::kFailed;
+            break;
         case ExprOpCode::kMemberCall: {
-            Procedure* callee = context.procedure->CalleeAt(op.index);
-            if (!callee->code)
-                return (void)context.interpreter->SignalError(10018), EvalStatus::kFailed;
-            VARIANT* storage = StorageOf(context, op.scope, op.variable, op.module);
-            if (!storage)
-                return EvalStatus::kFailed;
-            if (storage->vt == VT_DISPATCH && !storage->pdispVal && op.autoNew) {
-                Variant made;
-                const Module* type = context.procedure->CalleeModuleAt(op.index);
-                if (!type || !context.interpreter->Host().NewInstance(*type, made)) {
-                    if (!HaltFlags::MustStop())
-                        (void)context.interpreter->SignalError(10092);
-                    return EvalStatus::kFailed;
-                }
-                ClearSlot(*storage);
-                made.Detach(*storage);
-            }
-            if (storage->vt != VT_DISPATCH && storage->vt != VT_UNKNOWN)
-                return (void)context.interpreter->SignalError(10080), EvalStatus::kFailed;
-            if (!storage->punkVal)
-                return (void)context.interpreter->SignalError(10094), EvalStatus::kFailed;
-            ModuleInstance* instance = context.interpreter->Host().InstanceOf(storage->punkVal);
-            if (!instance)
-                return (void)context.interpreter->SignalError(10091), EvalStatus::kFailed;
-            (void)context.interpreter->CallProcedure(*callee->code, ActivationKind::Call, instance);
-            if (HaltFlags::MustStop())
-                return EvalStatus::kFailed;
-            return EvalStatus::kYield;
+            const EvalStatus status = RunMemberCall(context, op);
+            if (status != EvalStatus::kDone)
+                return status;
+            break;
         }
+        case ExprOpCode::kMemberEnd:
+            EndMemberCall(context);
+            break;
         case ExprOpCode::kErrProperty:
             if (!PushErrProperty(context, static_cast<ErrMember>(op.index)))
                 return EvalStatus::kFailed;
@@ -280,7 +281,7 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             values.CutBack(values.Size() - static_cast<std::size_t>(op.count));
             break;
         case ExprOpCode::kPack:
-            if (!PackArray(values, op.count))
+            if (!PackValues(values, op.count))
                 return EvalStatus::kFailed;
             break;
         case ExprOpCode::kElement: {
@@ -400,7 +401,7 @@ RunContext Statement::Context() const
 
 bool Statement::Fail(const RunContext& context, ExecEntry& entry)
 {
-    context.interpreter->Values().CutBack(context.activation->ValueStackBase());
+    context.interpreter->Values().CutBack(context.activation->StatementBase());
     entry.state = ExecEntry::kFinished;
     return true;
 }
@@ -561,6 +562,12 @@ int CompiledProcedure::AddBuiltinCall(std::unique_ptr<BuiltinCall> call)
 {
     m_builtinCalls.push_back(std::move(call));
     return static_cast<int>(m_builtinCalls.size()) - 1;
+}
+
+int CompiledProcedure::AddMemberSite(MemberSite site)
+{
+    m_memberSites.push_back(std::move(site));
+    return static_cast<int>(m_memberSites.size()) - 1;
 }
 
 int CompiledProcedure::AddCallee(Procedure* procedure, const Module* module)

@@ -7,6 +7,7 @@
 // VT_BYREF | VT_VARIANT pointing at the caller's storage. A Function's caller pushes an Empty result slot
 // (an Error value of status kResultSlotStatus) below the arguments; the result is moved there when the
 // activation ends. Hosts that call a Function directly push the same slot.
+#include "code/MemberSite.h"
 #include "code/Node.h"
 #include "exec/ProcedureCode.h"
 #include "frontend/TypeCode.h"
@@ -27,6 +28,7 @@ constexpr SCODE kResultSlotStatus = static_cast<SCODE>(0x8004FFFE);
 class Activation;
 struct BuiltinCall;
 class CompiledProcedure;
+class ValueStack;
 class Interpreter;
 class Module;
 struct Procedure;
@@ -55,8 +57,13 @@ enum class ExprOpCode : std::uint8_t {
     kPack,       // pack the top `count` values into a Variant array (ParamArray)
     kElement,    // replace the top `count` indexes by the element of an array variable
     kNew,        // push a new instance of class module `module`
-    kMemberCall, // as kCall, on the instance of the object held by variable `variable` (scope, module);
-                 // `autoNew` makes the instance first when the variable holds Nothing
+    kLoadNew,    // as kLoad for an "As New" variable: a new instance of `classModule` first when it holds
+                 // Nothing
+    kMe,         // push the object of the current module instance
+    kWithObject, // push the object of the With block at nesting level `index` of the procedure
+    kMemberCall, // member site `index` on the object below the result slot and `count` arguments; a
+                 // procedure member yields, other members finish at once; leaves object and result
+    kMemberEnd,  // replaces the object below the top by the result on top (an unfilled slot is Empty)
     kErrProperty, // push property `index` (an ErrMember) of the Err object
     kBuiltin,    // call built-in call `index` of the procedure; `count` of its arguments were computed
                  // onto the stack before it, and `variable` ops of deferred argument code follow it
@@ -71,8 +78,10 @@ struct ExprOp {
     int count = 0;
     TypeCode type;
     const Module* module = nullptr;
+    // kBuiltin: the number of ops of deferred argument code that follow it.
     int variable = 0;
-    bool autoNew = false;
+    // kLoadNew: the class module whose instance the variable gets when it holds Nothing.
+    const Module* classModule = nullptr;
 };
 
 // A postfix list; running it leaves its values on the value stack.
@@ -98,6 +107,10 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
 VARIANT* StorageOf(const RunContext& context, StorageScope scope, int index, const Module* module = nullptr);
 // Stores value into the variable with its declared type's conversion.
 [[nodiscard]] bool StoreVariable(const RunContext& context, const VariableRef& target, const Variant& value);
+// Stores value into storage declared as type (the same conversion).
+[[nodiscard]] bool StoreTyped(VARIANT& storage, TypeCode type, const Variant& value);
+// Replaces the top `count` values by one Variant array holding copies of them (ParamArray).
+[[nodiscard]] bool PackValues(ValueStack& values, int count);
 // The element of the array held by storage at the `count` indexes on top of the value stack (left to
 // right); null after raising an error. tag receives the element kind.
 void* ElementOf(const RunContext& context, VARIANT* storage, int count, VARTYPE& tag);
@@ -183,6 +196,7 @@ public:
     int AddArraySlot(TypeCode type, std::vector<std::pair<long, long>> bounds);
     [[nodiscard]] bool AddStaticArray(TypeCode type, const std::vector<std::pair<long, long>>& bounds, int& index);
     int AddConstant(Variant value);
+    int AddMemberSite(MemberSite site);
     // A procedure this one calls; module is the callee's when it belongs to another module.
     int AddCallee(Procedure* procedure, const Module* module = nullptr);
     // A compiled built-in call; the procedure owns it.
@@ -204,6 +218,7 @@ public:
     const Module* CalleeModuleAt(int index) const { return m_calleeModules[static_cast<std::size_t>(index)]; }
     const BuiltinCall& BuiltinCallAt(int index) const { return *m_builtinCalls[static_cast<std::size_t>(index)]; }
     int BuiltinCallCount() const { return static_cast<int>(m_builtinCalls.size()); }
+    MemberSite& MemberSiteAt(int index) { return m_memberSites[static_cast<std::size_t>(index)]; }
     VARIANT& StaticAt(int index) { return m_statics[static_cast<std::size_t>(index)]; }
     TypeCode SlotType(int index) const { return m_slotTypes[static_cast<std::size_t>(index)]; }
 
@@ -220,6 +235,7 @@ private:
     std::vector<Procedure*> m_callees;
     std::vector<const Module*> m_calleeModules;
     std::vector<std::unique_ptr<BuiltinCall>> m_builtinCalls;
+    std::vector<MemberSite> m_memberSites;
     int m_resultSlot = -1;
 };
 

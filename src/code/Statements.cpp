@@ -1,5 +1,6 @@
 #include "code/Statements.h"
 
+#include "code/ObjectStatements.h"
 #include "exec/Activation.h"
 #include "exec/HaltFlags.h"
 #include "exec/Interpreter.h"
@@ -370,7 +371,7 @@ bool EvaluateStatement::Step(ExecEntry& entry)
     case EvalStatus::kFailed: return Fail(context, entry);
     case EvalStatus::kDone: break;
     }
-    context.interpreter->Values().CutBack(context.activation->ValueStackBase());
+    context.interpreter->Values().CutBack(context.activation->StatementBase());
     return Finish(entry);
 }
 
@@ -401,7 +402,12 @@ bool DebugPrintStatement::Step(ExecEntry& entry)
 
 bool JumpStatement::Execute()
 {
-    Interpreter::Current()->CurrentActivation()->SetIndexes(m_target);
+    const RunContext context = Context();
+    if (m_intoWith)
+        return context.interpreter->SignalError(10035);
+    if (m_withRelease > 0)
+        LeaveWithBlocks(context, m_withRelease);
+    context.activation->SetIndexes(m_target);
     return true;
 }
 

@@ -170,9 +170,15 @@ public:
     [[nodiscard]] bool Execute() override;
     void SetTarget(int index) { m_target = index; }
     int Target() const { return m_target; }
+    // A jump out of With blocks drops their objects; a GoTo into a With block from outside is refused
+    // when it runs.
+    void SetWithRelease(int count) { m_withRelease = count; }
+    void SetIntoWith() { m_intoWith = true; }
 
 private:
     int m_target = 0;
+    int m_withRelease = 0;
+    bool m_intoWith = false;
 };
 
 // Exit Sub / Function / Property: moves to the procedure-exit statement, ends handler mode and clears

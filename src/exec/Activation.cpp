@@ -24,6 +24,10 @@ void Activation::End()
         interpreter.m_frames.Free(m_locals);
         m_locals = nullptr;
     }
+    if (m_popArguments) {
+        const auto count = static_cast<std::size_t>(m_procedure->ParameterCount());
+        interpreter.m_values.CutBack(m_valueStackBase >= count ? m_valueStackBase - count : 0);
+    }
     SetAuxiliary(nullptr);
     if (interpreter.m_current == this)
         interpreter.m_current = m_caller;

@@ -39,6 +39,8 @@ public:
     std::size_t ValueStackBase() const noexcept { return m_valueStackBase; }
     int WithDepth() const noexcept { return m_withDepth; }
     void SetWithDepth(int depth) noexcept { m_withDepth = depth; }
+    // Where each statement starts and ends on the value stack: above the base, the With objects.
+    std::size_t StatementBase() const noexcept { return m_valueStackBase + static_cast<std::size_t>(m_withDepth); }
     bool IsHostCallBoundary() const noexcept { return m_hostCallBoundary; }
     void SetHostCallBoundary(bool on) noexcept { m_hostCallBoundary = on; }
     // The On Error statement in force, or null.
@@ -72,6 +74,7 @@ private:
     int m_resumeIndex = kNoResume;
     std::size_t m_valueStackBase = 0;
     int m_withDepth = 0;
+    bool m_popArguments = false;
     bool m_hostCallBoundary = false;
     const ErrorHandler* m_activeHandler = nullptr;
     Node* m_auxiliary = nullptr;

@@ -170,7 +170,8 @@ void Interpreter::EndRun()
         m_host.Notify(InterpreterHost::kNotifyRunEnded);
 }
 
-bool Interpreter::CallProcedure(ProcedureCode& procedure, ActivationKind kind, ModuleInstance* instance)
+bool Interpreter::CallProcedure(ProcedureCode& procedure, ActivationKind kind, ModuleInstance* instance,
+                                bool popArguments)
 {
     if (m_exec.IsEmpty())
         BeginRun();
@@ -185,6 +186,7 @@ bool Interpreter::CallProcedure(ProcedureCode& procedure, ActivationKind kind, M
     if (instance)
         instance->AddUse();
     activation->m_kind = kind;
+    activation->m_popArguments = popArguments;
     activation->m_valueStackBase = m_values.Size();
     m_current = activation;
     if (kind == ActivationKind::Entry) {
@@ -285,6 +287,7 @@ void Interpreter::FreeActivation(Activation& activation) noexcept
     activation.m_resumeIndex = Activation::kNoResume;
     activation.m_valueStackBase = 0;
     activation.m_withDepth = 0;
+    activation.m_popArguments = false;
     activation.m_hostCallBoundary = false;
     activation.m_activeHandler = nullptr;
     activation.m_localSize = 0;

@@ -52,9 +52,11 @@ public:
     [[nodiscard]] bool Schedule(Node& executor);
 
     // Makes an activation of procedure and pushes it, with the call-end marker below it, on the
-    // pending stack. The arguments are the top ParameterCount() entries of the value stack. Always
-    // answers false, so that the calling statement yields.
-    [[nodiscard]] bool CallProcedure(ProcedureCode& procedure, ActivationKind kind, ModuleInstance* instance);
+    // pending stack. The arguments are the top ParameterCount() entries of the value stack; with
+    // popArguments the activation removes them when it ends (after a Function's result reached its
+    // slot below them). Always answers false, so that the calling statement yields.
+    [[nodiscard]] bool CallProcedure(ProcedureCode& procedure, ActivationKind kind, ModuleInstance* instance,
+                                     bool popArguments = false);
 
     // Schedules a module's entry procedure (variant A) onto the execution stack; no statement runs.
     // False when an error was raised.

@@ -52,6 +52,10 @@ public:
             delete this;
     }
 
+    // The object value that stands for a class instance (Me), not held; null for default instances.
+    IDispatch* Object() const noexcept { return m_object; }
+    void SetObject(IDispatch* object) noexcept { m_object = object; }
+
     // Set once the terminate procedure has run (or was found unneeded), so that it runs only once.
     bool IsTerminated() const noexcept { return m_terminated; }
     void MarkTerminated() noexcept { m_terminated = true; }
@@ -61,6 +65,7 @@ private:
     std::unique_ptr<VARIANT[]> m_slots;
     std::size_t m_count = 0;
     int m_useCount = 0;
+    IDispatch* m_object = nullptr;
     bool m_abandoned = false;
     bool m_terminated = false;
     std::vector<ModuleInstance*> m_linked;

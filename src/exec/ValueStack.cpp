@@ -17,6 +17,13 @@ void ValueStack::CutBack(std::size_t size)
         Pop();
 }
 
+void ValueStack::Swap(ValueStack& other) noexcept
+{
+    std::swap(m_slots, other.m_slots);
+    std::swap(m_size, other.m_size);
+    std::swap(m_capacity, other.m_capacity);
+}
+
 bool ValueStack::Grow()
 {
     std::size_t capacity = m_capacity ? m_capacity * 2 : kInitialCapacity;

@@ -23,13 +23,18 @@ public:
             return nullptr;
         return &m_slots[m_size++];
     }
-    // Clears the top slot and removes it; the stack must not be empty.
+    // Clears the top slot and removes it; the stack must not be empty. The value leaves the slot before
+    // it is released: releasing an object can run code (a terminator) that pushes onto this stack.
     void Pop()
     {
-        m_slots[--m_size].Clear();
+        Variant leaving(std::move(m_slots[--m_size]));
     }
     // Clears and removes every slot above size.
     void CutBack(std::size_t size);
+
+    // Exchanges the contents with other (a nested run gets a stack of its own, so that references into
+    // this one held by the code that started it stay valid).
+    void Swap(ValueStack& other) noexcept;
 
     Variant& Top() noexcept { return m_slots[m_size - 1]; }
     Variant& At(std::size_t index) noexcept { return m_slots[index]; }

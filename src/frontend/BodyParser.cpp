@@ -1,5 +1,6 @@
 #include "frontend/BodyParser.h"
 
+#include "code/ObjectStatements.h"
 #include "frontend/CharClasses.h"
 #include "exec/InterpreterHost.h"
 #include "values/Conversion.h"
@@ -8,6 +9,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <optional>
@@ -33,8 +35,7 @@ bool BodyParser::Compile()
         m_code->AddParameter(std::move(info));
         LocalSymbol symbol;
         symbol.ref = VariableRef{StorageScope::Local, slot, parameter.type.code};
-        if (!parameter.type.className.empty() && !parameter.type.code.IsArray())
-            symbol.classModule = FindClassModule(parameter.type.className);
+        symbol.classModule = ClassOfType(parameter.type);
         m_locals[UpperName(parameter.name)] = symbol;
     }
     if (m_procedure.kind == ProcedureKind::Function || m_procedure.kind == ProcedureKind::PropertyGet) {
@@ -42,6 +43,7 @@ bool BodyParser::Compile()
         m_code->SetResultSlot(slot);
         LocalSymbol symbol;
         symbol.ref = VariableRef{StorageScope::Local, slot, m_procedure.result.code};
+        symbol.classModule = ClassOfType(m_procedure.result);
         m_locals[UpperName(m_procedure.name)] = symbol;
     }
 
@@ -100,6 +102,16 @@ bool BodyParser::Compile()
             continue;
         }
         pending.bind(found->second.index);
+        if (!pending.jump)
+            continue;
+        // A GoTo may leave With blocks (their objects are dropped) but not enter one.
+        const std::vector<int>& labelChain = found->second.withChain;
+        const bool inside = labelChain.size() <= pending.withChain.size() &&
+                            std::equal(labelChain.begin(), labelChain.end(), pending.withChain.begin());
+        if (inside)
+            pending.jump->SetWithRelease(static_cast<int>(pending.withChain.size() - labelChain.size()));
+        else
+            pending.jump->SetIntoWith();
     }
 
     if (m_lexer.ErrorCount() != errorsBefore)
@@ -131,7 +143,8 @@ void BodyParser::CloseBlock(Block& block, int endIndex)
 BodyParser::StatementPtr BodyParser::ParseLine()
 {
     Token word = m_lexer.Kind();
-    if (word == Token::EndOfLine || word == Token::Apostrophe || word == Token::Rem)
+    // Attribute lines inside a procedure (a member's attributes) are read with the declarations.
+    if (word == Token::EndOfLine || word == Token::Apostrophe || word == Token::Rem || word == Token::Attribute)
         return nullptr;
 
     // A Select Case block takes only Case lines before its first Case.
@@ -145,8 +158,10 @@ BodyParser::StatementPtr BodyParser::ParseLine()
         const char* after = SkipBlanks(m_lexer.TokenEnd());
         if (after[0] == ':' && after[1] != '=' && FindProcedure(UpperName(m_lexer.Text())) == nullptr) {
             Label& label = m_labels[UpperName(m_lexer.Text())];
-            if (label.index < 0)
+            if (label.index < 0) {
                 label.index = CurrentIndex();
+                label.withChain = WithChain();
+            }
             m_lexer.NextToken();
             m_lexer.NextToken();
             word = m_lexer.Kind();
@@ -209,9 +224,14 @@ BodyParser::StatementPtr BodyParser::ParseEnd()
         if (!block->hasElse)
             branch->SetElseTarget(index + 1);
     }
+    const bool endsWith = block->kind == BlockKind::With;
     CloseBlock(*block, index);
     m_blocks.pop_back();
-    auto statement = std::make_unique<NoOperationStatement>();
+    StatementPtr statement;
+    if (endsWith)
+        statement = std::make_unique<EndWithStatement>();
+    else
+        statement = std::make_unique<NoOperationStatement>();
     statement->SetKeyword(TokenNumber(Token::End));
     return statement;
 }
@@ -295,20 +315,20 @@ BodyParser::StatementPtr BodyParser::ParseSimple()
             statement = ParseMid();
             break;
         }
-        statement = ParseAssignmentOrCall(false);
+        statement = ParseAssignmentOrCall(AssignKind::Implicit);
         break;
     case Token::Erase: statement = ParseErase(); break;
     case Token::LSet:
     case Token::RSet: statement = ParseAlign(word == Token::RSet); break;
     case Token::Let:
         m_lexer.NextToken();
-        statement = ParseAssignmentOrCall(true);
+        statement = ParseAssignmentOrCall(AssignKind::Let);
         break;
     case Token::Set:
         m_lexer.NextToken();
-        statement = ParseAssignmentOrCall(true);
+        statement = ParseAssignmentOrCall(AssignKind::Set);
         break;
-    default: statement = ParseAssignmentOrCall(false); break;
+    default: statement = ParseAssignmentOrCall(AssignKind::Implicit); break;
     }
     if (statement && statement->KeywordToken() == 0 && IsReservedWord(word))
         statement->SetKeyword(TokenNumber(word));

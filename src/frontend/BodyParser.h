@@ -54,6 +54,8 @@ struct LocalSymbol {
 
 struct Label {
     int index = -1;
+    // The With blocks open at the label (their numbers, outermost first).
+    std::vector<int> withChain;
 };
 
 // A label reference resolved at the end of the body: GoTo, On Error GoTo and Resume label.
@@ -64,9 +66,31 @@ struct PendingGoTo {
     // GoTo reports an undefined label with its name where it was written; On Error GoTo and Resume
     // report "Label is not defined." at the end of the procedure.
     bool isGoTo = true;
+    // A GoTo's jump and the With blocks open at it (a GoTo may leave With blocks, not enter one).
+    JumpStatement* jump = nullptr;
+    std::vector<int> withChain;
 };
 
 enum class BlockKind { If, Select, For, Do, While, With };
+
+// How a call's arguments are written: none, in parentheses, or to the end of the statement.
+enum class ArgumentList { None, Parenthesised, ToStatementEnd };
+
+// Arguments read for a procedure: one per parameter (none when left out), and a ParamArray's items.
+struct ParsedArguments {
+    std::vector<std::optional<Expression>> byParameter;
+    std::vector<Expression> extra;
+};
+
+// The keyword an assignment statement was written with.
+enum class AssignKind { Implicit, Let, Set };
+
+// What the compiler knows of a variable as an object: the class module it was declared as (members
+// bind early) and whether "As New" makes the instance on first use.
+struct ObjectVariable {
+    const Module* classModule = nullptr;
+    bool autoNew = false;
+};
 
 struct Block {
     BlockKind kind;
@@ -87,6 +111,13 @@ struct Block {
     // Select Case: the mark slot and the Case lines that carry statements.
     int markSlot = -1;
     std::vector<CaseLineStatement*> caseLines;
+    // With: the class of its object when known, its nesting level among the procedure's open With blocks
+    // and its number (each With block of the procedure has its own).
+    const Module* classModule = nullptr;
+    int withLevel = 0;
+    int withNumber = 0;
+    // Exit jumps that leave With blocks release their objects: the With depth at the Exit.
+    std::vector<int> exitWithDepths;
 };
 
 // Source text (in the engine code page) as a wide string.
@@ -156,7 +187,10 @@ private:
     StatementPtr ParseDebug();
     StatementPtr ParseDim(bool isStatic);
     StatementPtr ParseConst();
-    StatementPtr ParseAssignmentOrCall(bool requireAssignment);
+    StatementPtr ParseAssignmentOrCall(AssignKind kind);
+    // A statement that begins with an object: ".member" (With), "Me.", or a name followed by members.
+    bool StartsObjectStatement() const;
+    StatementPtr ParseObjectStatement(AssignKind kind, bool callOnly);
     StatementPtr ParseCallStatement();
     StatementPtr Declaration();
     Block* Innermost(BlockKind kind);
@@ -168,7 +202,11 @@ private:
     [[nodiscard]] bool ParseFactor(Expression& out, bool* simpleVariable);
     [[nodiscard]] bool ParseNumber(Expression& out);
     [[nodiscard]] bool ParseName(Expression& out, bool* simpleVariable);
-    [[nodiscard]] bool ParseCallArguments(Procedure& callee, Expression& out, bool parenthesised);
+    // A name's value without the member selections that may follow it (m_factorClass: its class).
+    [[nodiscard]] bool ParseNameValue(Expression& out, bool* simpleVariable);
+    [[nodiscard]] bool ParseCallArguments(Procedure& callee, Expression& out, ArgumentList list);
+    [[nodiscard]] bool ParseArguments(Procedure& callee, ArgumentList list, std::size_t limit, ParsedArguments& parsed);
+    [[nodiscard]] bool AppendArguments(Procedure& callee, const ParsedArguments& parsed, Expression& out);
     void AppendBinary(Expression& out, OperationId op);
     // Walks the postfix code with a stack of operand types; the first operator that refuses its operands
     // reports "Operand/operator type mismatch.". Sets the expression's result type.
@@ -188,14 +226,44 @@ private:
     [[nodiscard]] bool ReadType(TypeCode& type, const Module** classModule = nullptr);
     // The class module of that name among the modules this one uses, or null.
     const Module* FindClassModule(std::string_view name) const;
-    // A member procedure of a class module: Property Let (assignment) or any other kind otherwise.
-    Procedure* FindMember(const Module& classModule, const std::string& upperName, bool assignment) const;
-    // After "variable.": the member name, its procedure and the call; out receives the code and the
-    // call is bound to the object held by the variable.
-    [[nodiscard]] bool ParseMemberCall(const LocalSymbol& object, Expression& out, bool statement);
-    // The object variable of that name declared as a class module (a local, a parameter or a variable
-    // of this module), or false.
-    bool FindClassVariable(const std::string& upperName, LocalSymbol& out) const;
+    // The class module a declared type names, or null (not a class, or an array).
+    const Module* ClassOfType(const TypeSpec& type) const;
+    // What the variable of that name is as an object (a local, a parameter, a variable of this module
+    // or a public one of a used module).
+    ObjectVariable ClassOfVariable(const std::string& upperName) const;
+    // Loads a variable's value ("As New" variables get their instance first).
+    void AppendLoad(Expression& out, const VariableRef& ref, const ObjectVariable& object);
+
+    // Members of objects (MemberAccess.cpp).
+    // After an object value (its code in out, its class when known, written at start): the
+    // ".name [(arguments)]" selections that follow, each a Get; the class of the last value goes to
+    // m_factorClass.
+    [[nodiscard]] bool ParseMemberChain(Expression& out, const Module* classModule, const char* start);
+    // One member at the current token (its name), applied to the object on top of out. classModule is
+    // the object's class on entry (null: late-bound) and the result's class on return.
+    [[nodiscard]] bool ParseMember(Expression& out, const Module*& classModule, MemberAccess access);
+    // A statement that starts with an object value in code (written at start): its selections, the last
+    // of which is called or assigned (Let, Set).
+    StatementPtr ParseMemberStatement(Expression code, const Module* classModule, AssignKind kind, bool callOnly,
+                                      const char* start);
+    // The arguments of an early-bound member procedure (and the assigned value of a Let or Set).
+    [[nodiscard]] bool ParseMemberArguments(Procedure& member, MemberAccess access, Expression& out, int& count);
+    // The arguments of a late-bound member, in the order written (named ones after the positional ones).
+    [[nodiscard]] bool ParseLateArguments(MemberAccess access, MemberSite& site, Expression& out, int& count);
+    // Appends the member access and its end to out; the result's type.
+    void AppendMemberCall(Expression& out, MemberSite site, int count, TypeCode result);
+    // A default member used as obj(arguments) on an early-bound object (its name written at position).
+    [[nodiscard]] bool ParseDefaultMember(Expression& out, const Module*& classModule, MemberAccess access,
+                                          const char* position);
+    // "." at the start of a factor or statement: the innermost With block's object.
+    [[nodiscard]] bool AppendWithObject(Expression& out, const Module*& classModule);
+    // "Me": the current instance's object (class modules only).
+    [[nodiscard]] bool AppendMe(Expression& out, const Module*& classModule);
+    // At a member name: true when a "." follows it (after its parenthesised arguments); assignment
+    // tells whether "=" follows instead.
+    bool MemberContinues(bool& assignment) const;
+    int WithLevel() const;
+    std::vector<int> WithChain() const;
     [[nodiscard]] bool ReadBounds(std::vector<std::pair<long, long>>& bounds);
     // After "(" of an element reference: the indexes up to ")"; count receives their number.
     [[nodiscard]] bool ParseIndexes(Expression& out, int& count);
@@ -241,6 +309,9 @@ private:
     std::vector<PendingGoTo> m_gotos;
     std::vector<Block> m_blocks;
     int m_exitIndex = 0;
+    int m_withCount = 0;
+    // The class module of the factor parsed last, when it is an object whose class is known.
+    const Module* m_factorClass = nullptr;
 };
 
 } // namespace brannoc::body

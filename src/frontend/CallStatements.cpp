@@ -1,5 +1,6 @@
 #include "frontend/BodyParser.h"
 
+#include "code/ObjectStatements.h"
 #include "frontend/CharClasses.h"
 #include "exec/InterpreterHost.h"
 #include "values/Conversion.h"
@@ -17,6 +18,8 @@ namespace brannoc::body {
 BodyParser::StatementPtr BodyParser::ParseCallStatement()
 {
     m_lexer.NextToken();
+    if (StartsObjectStatement())
+        return ParseObjectStatement(AssignKind::Implicit, true);
     if (!IsNameToken(m_lexer.Kind())) {
         m_lexer.SignalError(CompileMessage::ExpectingSubFunctionPropertyName);
         return nullptr;
@@ -32,15 +35,46 @@ BodyParser::StatementPtr BodyParser::ParseCallStatement()
     const bool parenthesised = m_lexer.Kind() == Token::LeftParen;
     if (parenthesised)
         m_lexer.NextToken();
-    if (!ParseCallArguments(*callee, code, parenthesised))
+    if (!ParseCallArguments(*callee, code, parenthesised ? ArgumentList::Parenthesised : ArgumentList::ToStatementEnd))
         return nullptr;
     return std::make_unique<EvaluateStatement>(std::move(code));
 }
 
-BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(bool requireAssignment)
+bool BodyParser::StartsObjectStatement() const
 {
+    const Token word = m_lexer.Kind();
+    bool assignment = false;
+    return word == Token::Dot || word == Token::Me || (IsNameToken(word) && MemberContinues(assignment));
+}
+
+BodyParser::StatementPtr BodyParser::ParseObjectStatement(AssignKind kind, bool callOnly)
+{
+    Expression code;
+    const Module* classModule = nullptr;
+    const Token word = m_lexer.Kind();
+    const char* start = m_lexer.TokenStart();
+    if (word == Token::Dot) {
+        if (!AppendWithObject(code, classModule))
+            return nullptr;
+    } else if (word == Token::Me) {
+        if (!AppendMe(code, classModule))
+            return nullptr;
+    } else {
+        bool simple = false;
+        if (!ParseNameValue(code, &simple))
+            return nullptr;
+        classModule = m_factorClass;
+    }
+    return ParseMemberStatement(std::move(code), classModule, kind, callOnly, start);
+}
+
+BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(AssignKind kind)
+{
+    const bool requireAssignment = kind != AssignKind::Implicit;
     if (AtErrObject())
         return ParseErrStatement();
+    if (StartsObjectStatement())
+        return ParseObjectStatement(kind, false);
     const Token word = m_lexer.Kind();
     if (!IsNameToken(word)) {
         if (requireAssignment)
@@ -51,6 +85,7 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(bool requireAssignmen
             m_lexer.SignalError(CompileMessage::UnexpectedText, m_lexer.Text());
         return nullptr;
     }
+    const char* namePosition = m_lexer.TokenStart();
     const std::string name = ReadName();
     const std::string key = UpperName(name);
     const TypeCode suffix = ReadSuffix();
@@ -66,13 +101,6 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(bool requireAssignmen
             return nullptr;
         return std::make_unique<EvaluateStatement>(std::move(code));
     }
-    if (LocalSymbol object; m_lexer.Kind() == Token::Dot && FindClassVariable(key, object)) {
-        m_lexer.NextToken();
-        Expression code;
-        if (!ParseMemberCall(object, code, true))
-            return nullptr;
-        return std::make_unique<EvaluateStatement>(std::move(code));
-    }
     Procedure* callee = local ? nullptr : FindProcedure(key);
     if (callee && !(m_lexer.Kind() == Token::Equal && callee == &m_procedure)) {
         if (requireAssignment) {
@@ -85,21 +113,22 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(bool requireAssignmen
             parenthesised = true;
             m_lexer.NextToken();
         }
-        if (!ParseCallArguments(*callee, code, parenthesised))
+        if (!ParseCallArguments(*callee, code, parenthesised ? ArgumentList::Parenthesised : ArgumentList::ToStatementEnd))
             return nullptr;
         return std::make_unique<EvaluateStatement>(std::move(code));
     }
     if (local && local->kind == LocalKind::Constant) {
-        m_lexer.SignalError(CompileMessage::CantAssignAValueToAConstant);
+        m_lexer.SignalErrorAt(CompileMessage::CantAssignAValueToAConstant, {}, namePosition);
         return nullptr;
     }
     if (!local) {
         auto found = m_state.names.find(key);
         if (found != m_state.names.end() && found->second.kind != SymbolKind::Variable) {
-            m_lexer.SignalError(found->second.kind == SymbolKind::Constant ||
-                                        found->second.kind == SymbolKind::EnumMember
-                                    ? CompileMessage::CantAssignAValueToAConstant
-                                    : CompileMessage::ExpectingAVarName);
+            m_lexer.SignalErrorAt(found->second.kind == SymbolKind::Constant ||
+                                          found->second.kind == SymbolKind::EnumMember
+                                      ? CompileMessage::CantAssignAValueToAConstant
+                                      : CompileMessage::ExpectingAVarName,
+                                  {}, namePosition);
             return nullptr;
         }
     }
@@ -107,6 +136,21 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(bool requireAssignmen
     bool found = false;
     if (!ResolveVariable(name, suffix, target, found))
         return nullptr;
+    const ObjectVariable object = ClassOfVariable(key);
+    if (object.classModule && (kind != AssignKind::Set || m_lexer.Kind() == Token::LeftParen)) {
+        // An object declared as a class is assigned (or indexed) through its default member.
+        Expression code;
+        AppendLoad(code, target, object);
+        const Module* classModule = object.classModule;
+        if (m_lexer.Kind() != Token::LeftParen && m_lexer.Kind() != Token::Equal) {
+            m_lexer.SignalErrorAt(CompileMessage::DefaultPropertyUsageIsInvalid, {}, namePosition);
+            return nullptr;
+        }
+        if (!ParseDefaultMember(code, classModule, kind == AssignKind::Set ? MemberAccess::Set : MemberAccess::Let,
+                                namePosition))
+            return nullptr;
+        return std::make_unique<EvaluateStatement>(std::move(code));
+    }
     if (m_lexer.Kind() == Token::LeftParen) {
         if (!found || (!target.type.IsArray() && !target.type.IsVariant())) {
             m_lexer.SignalError(CompileMessage::ExpectingAnAlreadyDimensionedArray);
@@ -123,8 +167,13 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(bool requireAssignmen
         m_lexer.SignalError(CompileMessage::NotExpectingAnArrayVar);
         return nullptr;
     }
+    if (kind == AssignKind::Set && (target.type.IsArray() || !(target.type.IsObject() || target.type.IsVariant()))) {
+        m_lexer.SignalErrorAt(CompileMessage::ExpectingAnObjectExpression, {}, namePosition);
+        return nullptr;
+    }
     if (!m_lexer.ExpectToken(Token::Equal))
         return nullptr;
+    const char* valuePosition = m_lexer.TokenStart();
     Expression value;
     if (!ParseExpression(value))
         return nullptr;
@@ -132,22 +181,60 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(bool requireAssignmen
         m_lexer.SignalError(CompileMessage::ExpectingAnExpression);
         return nullptr;
     }
+    if (kind == AssignKind::Set) {
+        if (!value.type.IsObject() && !value.type.IsVariant()) {
+            m_lexer.SignalErrorAt(CompileMessage::ExpectingAnObjectExpression, {}, valuePosition);
+            return nullptr;
+        }
+        return std::make_unique<SetStatement>(std::move(value), target);
+    }
     return std::make_unique<AssignStatement>(std::move(value), target);
 }
 
 // Arguments of a call: positional and named, matched to the callee's parameters; the call and the
 // removal of the arguments follow them (a Function's result stays on the stack).
-bool BodyParser::ParseCallArguments(Procedure& callee, Expression& out, bool parenthesised)
+bool BodyParser::ParseCallArguments(Procedure& callee, Expression& out, ArgumentList list)
 {
-    const std::size_t count = callee.parameters.size();
-    std::vector<std::optional<Expression>> arguments(count);
-    std::vector<Expression> extra;
-    const bool hasParamArray = count > 0 && callee.parameters.back().paramArray;
+    ParsedArguments parsed;
+    if (!ParseArguments(callee, list, callee.parameters.size(), parsed))
+        return false;
     const bool isFunction = callee.kind == ProcedureKind::Function || callee.kind == ProcedureKind::PropertyGet;
+    if (isFunction)
+        out.ops.push_back(ExprOp{ExprOpCode::kEmpty});
+    if (!AppendArguments(callee, parsed, out))
+        return false;
+    const std::size_t count = callee.parameters.size();
+    ExprOp call{ExprOpCode::kCall};
+    call.index = m_code->AddCallee(&callee, ModuleOf(callee));
+    call.count = static_cast<int>(count);
+    call.type = isFunction ? callee.result.code : TypeCode();
+    out.ops.push_back(call);
+    if (count > 0) {
+        ExprOp pop{ExprOpCode::kPop};
+        pop.count = static_cast<int>(count);
+        out.ops.push_back(pop);
+    }
+    out.type = isFunction ? callee.result.code : TypeCode();
+    return true;
+}
+
+// Reads the arguments written for callee; the first `limit` parameters take them (a Property Let's
+// assigned value comes separately).
+bool BodyParser::ParseArguments(Procedure& callee, ArgumentList list, std::size_t limit, ParsedArguments& parsed)
+{
+    const std::size_t count = limit;
+    parsed.byParameter.assign(callee.parameters.size(), std::nullopt);
+    parsed.extra.clear();
+    const bool hasParamArray = count > 0 && callee.parameters[count - 1].paramArray;
     std::size_t position = 0;
     bool named = false;
     auto atEnd = [&] {
-        return parenthesised ? m_lexer.Kind() == Token::RightParen : IsStatementEnd(m_lexer.Kind());
+        switch (list) {
+        case ArgumentList::None: return true;
+        case ArgumentList::Parenthesised: return m_lexer.Kind() == Token::RightParen;
+        case ArgumentList::ToStatementEnd: break;
+        }
+        return IsStatementEnd(m_lexer.Kind());
     };
     if (!atEnd()) {
         do {
@@ -163,7 +250,7 @@ bool BodyParser::ParseCallArguments(Procedure& callee, Expression& out, bool par
                 }
                 m_lexer.NextToken();
                 m_lexer.NextToken();
-                if (arguments[index]) {
+                if (parsed.byParameter[index]) {
                     m_lexer.SignalError(CompileMessage::ParameterAlreadyHasAValue, name);
                     return false;
                 }
@@ -173,7 +260,7 @@ bool BodyParser::ParseCallArguments(Procedure& callee, Expression& out, bool par
                     return false;
                 if (simple && !callee.parameters[index].byVal)
                     argument.ops.back().code = ExprOpCode::kLoadRef;
-                arguments[index] = std::move(argument);
+                parsed.byParameter[index] = std::move(argument);
                 continue;
             }
             if (named) {
@@ -188,26 +275,34 @@ bool BodyParser::ParseCallArguments(Procedure& callee, Expression& out, bool par
             if (hasParamArray && position + 1 >= count) {
                 if (empty)
                     argument.ops.push_back(ExprOp{ExprOpCode::kMissing});
-                extra.push_back(std::move(argument));
+                parsed.extra.push_back(std::move(argument));
             } else if (position >= count) {
                 m_lexer.SignalError(kWrongNumberOfParameters);
                 return false;
             } else if (!empty) {
                 if (simple && !callee.parameters[position].byVal)
                     argument.ops.back().code = ExprOpCode::kLoadRef;
-                arguments[position] = std::move(argument);
+                parsed.byParameter[position] = std::move(argument);
             }
             ++position;
         } while (m_lexer.Accept(Token::Comma));
     }
-    if (parenthesised && !m_lexer.ExpectToken(Token::RightParen))
+    if (list == ArgumentList::Parenthesised && !m_lexer.ExpectToken(Token::RightParen))
         return false;
+    return true;
+}
+
+// Appends the arguments in parameter order: left-out optional ones as missing values, the ParamArray's
+// items packed into one array.
+bool BodyParser::AppendArguments(Procedure& callee, const ParsedArguments& parsed, Expression& out)
+{
+    const std::size_t count = callee.parameters.size();
     // Arrays go only to array parameters (or Variants), and array parameters take only arrays.
     for (std::size_t i = 0; i < count; ++i) {
-        if (!arguments[i] || callee.parameters[i].paramArray)
+        if (!parsed.byParameter[i] || callee.parameters[i].paramArray)
             continue;
         const TypeCode parameter = callee.parameters[i].type.code;
-        const TypeCode argument = arguments[i]->type;
+        const TypeCode argument = parsed.byParameter[i]->type;
         const bool mismatch = parameter.IsArray() ? !(argument.IsArray() || argument.IsVariant())
                                                   : argument.IsArray() && !parameter.IsVariant();
         if (mismatch) {
@@ -215,20 +310,18 @@ bool BodyParser::ParseCallArguments(Procedure& callee, Expression& out, bool par
             return false;
         }
     }
-    if (isFunction)
-        out.ops.push_back(ExprOp{ExprOpCode::kEmpty});
     for (std::size_t i = 0; i < count; ++i) {
         const Parameter& parameter = callee.parameters[i];
         if (parameter.paramArray) {
-            for (const Expression& item : extra)
+            for (const Expression& item : parsed.extra)
                 out.Append(item);
             ExprOp pack{ExprOpCode::kPack};
-            pack.count = static_cast<int>(extra.size());
+            pack.count = static_cast<int>(parsed.extra.size());
             out.ops.push_back(pack);
             continue;
         }
-        if (arguments[i]) {
-            out.Append(*arguments[i]);
+        if (parsed.byParameter[i]) {
+            out.Append(*parsed.byParameter[i]);
         } else if (parameter.optional) {
             out.ops.push_back(ExprOp{ExprOpCode::kMissing});
         } else {
@@ -236,17 +329,6 @@ bool BodyParser::ParseCallArguments(Procedure& callee, Expression& out, bool par
             return false;
         }
     }
-    ExprOp call{ExprOpCode::kCall};
-    call.index = m_code->AddCallee(&callee, ModuleOf(callee));
-    call.count = static_cast<int>(count);
-    call.type = isFunction ? callee.result.code : TypeCode();
-    out.ops.push_back(call);
-    if (count > 0) {
-        ExprOp pop{ExprOpCode::kPop};
-        pop.count = static_cast<int>(count);
-        out.ops.push_back(pop);
-    }
-    out.type = isFunction ? callee.result.code : TypeCode();
     return true;
 }
 

@@ -1,5 +1,6 @@
 #include "frontend/BodyParser.h"
 
+#include "code/ObjectStatements.h"
 #include "frontend/CharClasses.h"
 #include "exec/InterpreterHost.h"
 #include "values/Conversion.h"
@@ -443,15 +444,25 @@ BodyParser::StatementPtr BodyParser::ParseWend()
 BodyParser::StatementPtr BodyParser::ParseWith()
 {
     m_lexer.NextToken();
+    const char* position = m_lexer.TokenStart();
     Expression value;
     if (!ParseExpression(value))
         return nullptr;
-    const int slot = m_code->AddSlot(TypeCode(TypeCode::kVariant));
-    auto statement = std::make_unique<KeepValueStatement>(std::move(value), slot);
+    const Module* classModule = m_factorClass;
+    // FIXME: a record variable is kept by reference, and ".element" reaches its elements, once records
+    // have their element syntax.
+    if (value.type.IsArray() || !(value.type.IsObject() || value.type.IsVariant())) {
+        m_lexer.SignalErrorAt(CompileMessage::ExpectingAnObjectExpression, {}, position);
+        return nullptr;
+    }
+    auto statement = std::make_unique<WithStatement>(std::move(value));
     statement->SetKeyword(TokenNumber(Token::With));
     Block block{BlockKind::With};
     block.index = CurrentIndex();
     block.opener = statement.get();
+    block.classModule = classModule;
+    block.withLevel = WithLevel();
+    block.withNumber = ++m_withCount;
     m_blocks.push_back(block);
     return statement;
 }
@@ -466,8 +477,11 @@ BodyParser::StatementPtr BodyParser::ParseGoTo()
     auto jump = std::make_unique<JumpStatement>();
     jump->SetKeyword(TokenNumber(Token::GoTo));
     JumpStatement* target = jump.get();
-    m_gotos.push_back(PendingGoTo{[target](int index) { target->SetTarget(index); }, std::string(m_lexer.Text()),
-                                  m_lexer.TokenStart()});
+    PendingGoTo pending{[target](int index) { target->SetTarget(index); }, std::string(m_lexer.Text()),
+                        m_lexer.TokenStart()};
+    pending.jump = target;
+    pending.withChain = WithChain();
+    m_gotos.push_back(std::move(pending));
     m_lexer.NextToken();
     return jump;
 }
@@ -484,12 +498,16 @@ BodyParser::StatementPtr BodyParser::ParseExit()
     }
     if (word == Token::For || word == Token::Do) {
         const BlockKind kind = word == Token::For ? BlockKind::For : BlockKind::Do;
+        int leftWith = 0;
         for (auto block = m_blocks.rbegin(); block != m_blocks.rend(); ++block) {
             if (block->kind == kind) {
+                // Leaving the loop leaves the With blocks opened inside it.
+                jump->SetWithRelease(leftWith);
                 block->exits.push_back(jump.get());
                 m_lexer.NextToken();
                 return jump;
             }
+            leftWith += block->kind == BlockKind::With ? 1 : 0;
         }
         m_lexer.SignalError(CompileMessage::UnexpectedText, KeywordText(word));
         return nullptr;

@@ -94,6 +94,7 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
     popTo(-1);
     if (simpleVariable)
         *simpleVariable = false;
+    m_factorClass = nullptr;
     return TypeCheck(out, start);
 }
 
@@ -112,9 +113,29 @@ bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
         case ExprOpCode::kMissing:
         case ExprOpCode::kEmpty: types.push_back(variant); break;
         case ExprOpCode::kCall:
-        case ExprOpCode::kMemberCall: pendingResult = op.type; break;
+            pendingResult = op.type;
+            // Without arguments no kPop follows: the result slot takes the result's type at once.
+            if (op.count == 0 && op.type != TypeCode() && !types.empty()) {
+                types.back() = op.type;
+                pendingResult = TypeCode();
+            }
+            break;
         case ExprOpCode::kNew:
-        case ExprOpCode::kErrProperty: types.push_back(op.type); break;
+        case ExprOpCode::kErrProperty:
+        case ExprOpCode::kLoadNew:
+        case ExprOpCode::kMe:
+        case ExprOpCode::kWithObject: types.push_back(op.type); break;
+        case ExprOpCode::kMemberCall:
+            // The arguments and the result slot give way to the result; the object stays below it.
+            types.resize(types.size() > static_cast<std::size_t>(op.count) ? types.size() - op.count - 1 : 0);
+            types.push_back(op.type);
+            break;
+        case ExprOpCode::kMemberEnd:
+            if (types.size() >= 2) {
+                types[types.size() - 2] = types.back();
+                types.pop_back();
+            }
+            break;
         case ExprOpCode::kPop:
             types.resize(types.size() >= static_cast<std::size_t>(op.count) ? types.size() - op.count : 0);
             if (!types.empty() && pendingResult != TypeCode())
@@ -273,6 +294,7 @@ bool BodyParser::ParseNumber(Expression& out)
 bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
 {
     *simpleVariable = false;
+    m_factorClass = nullptr;
     const Token word = m_lexer.Kind();
     switch (word) {
     case Token::LeftParen: {
@@ -352,18 +374,20 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
         made.type = TypeCode(TypeCode::kObject);
         out.ops.push_back(made);
         out.type = made.type;
+        m_factorClass = classModule;
         return true;
     }
-    case Token::Dot:
-        m_lexer.SignalError(m_blocks.empty() || [&] {
-            for (const Block& block : m_blocks) {
-                if (block.kind == BlockKind::With)
-                    return false;
-            }
-            return true;
-        }() ? CompileMessage::NotInAWithBlock
-            : CompileMessage::MethodOrPropertyNotFound);
-        return false;
+    case Token::Dot: {
+        // .member: the innermost With block's object.
+        const Module* classModule = nullptr;
+        const char* start = m_lexer.TokenStart();
+        return AppendWithObject(out, classModule) && ParseMemberChain(out, classModule, start);
+    }
+    case Token::Me: {
+        const Module* classModule = nullptr;
+        const char* start = m_lexer.TokenStart();
+        return AppendMe(out, classModule) && ParseMemberChain(out, classModule, start);
+    }
     default: break;
     }
     if (!IsNameToken(word)) {
@@ -383,7 +407,19 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
 
 bool BodyParser::ParseName(Expression& out, bool* simpleVariable)
 {
+    const char* start = m_lexer.TokenStart();
+    if (!ParseNameValue(out, simpleVariable))
+        return false;
+    if (m_lexer.Kind() != Token::Dot)
+        return true;
+    *simpleVariable = false;
+    return ParseMemberChain(out, m_factorClass, start);
+}
+
+bool BodyParser::ParseNameValue(Expression& out, bool* simpleVariable)
+{
     const Token word = m_lexer.Kind();
+    const char* namePosition = m_lexer.TokenStart();
     const std::string name = ReadName();
     const std::string key = UpperName(name);
     const TypeCode suffix = ReadSuffix();
@@ -391,10 +427,6 @@ bool BodyParser::ParseName(Expression& out, bool* simpleVariable)
     if (local && local->kind == LocalKind::Constant) {
         AppendConstant(out, m_code->ConstantAt(local->constant));
         return true;
-    }
-    if (LocalSymbol object; m_lexer.Kind() == Token::Dot && FindClassVariable(key, object)) {
-        m_lexer.NextToken();
-        return ParseMemberCall(object, out, false);
     }
     // Inside a Function its own name is the result variable unless arguments follow.
     Procedure* callee = nullptr;
@@ -415,32 +447,10 @@ bool BodyParser::ParseName(Expression& out, bool* simpleVariable)
             m_lexer.SignalError(CompileMessage::MissingParameter, callee->parameters[0].name);
             return false;
         }
-        if (!parenthesised) {
-            // No argument list: every parameter is optional.
-            Expression code;
-            for (const Parameter& parameter : callee->parameters) {
-                if (parameter.paramArray) {
-                    code.ops.push_back(ExprOp{ExprOpCode::kPack});
-                } else {
-                    code.ops.push_back(ExprOp{ExprOpCode::kMissing});
-                }
-            }
-            out.ops.push_back(ExprOp{ExprOpCode::kEmpty});
-            out.Append(code);
-            ExprOp call{ExprOpCode::kCall};
-            call.index = m_code->AddCallee(callee, ModuleOf(*callee));
-            call.count = static_cast<int>(callee->parameters.size());
-            call.type = callee->result.code;
-            out.ops.push_back(call);
-            if (call.count > 0) {
-                ExprOp pop{ExprOpCode::kPop};
-                pop.count = call.count;
-                out.ops.push_back(pop);
-            }
-            out.type = callee->result.code;
-            return true;
-        }
-        return ParseCallArguments(*callee, out, true);
+        if (!ParseCallArguments(*callee, out, parenthesised ? ArgumentList::Parenthesised : ArgumentList::None))
+            return false;
+        m_factorClass = ClassOfType(callee->result);
+        return true;
     }
     if (!local) {
         auto found = m_state.names.find(key);
@@ -462,7 +472,17 @@ bool BodyParser::ParseName(Expression& out, bool* simpleVariable)
     bool found = false;
     if (!ResolveVariable(name, suffix, ref, found))
         return false;
+    const ObjectVariable object = ClassOfVariable(key);
     if (m_lexer.Kind() == Token::LeftParen) {
+        if (object.classModule) {
+            // object(arguments): the class's default member.
+            AppendLoad(out, ref, object);
+            const Module* classModule = object.classModule;
+            if (!ParseDefaultMember(out, classModule, MemberAccess::Get, namePosition))
+                return false;
+            m_factorClass = classModule;
+            return true;
+        }
         if (!found || (!ref.type.IsArray() && !ref.type.IsVariant())) {
             m_lexer.SignalError(CompileMessage::ExpectingAnAlreadyDimensionedArray);
             return false;
@@ -479,16 +499,12 @@ bool BodyParser::ParseName(Expression& out, bool* simpleVariable)
         element.type = ref.type.IsArray() ? ref.type.Scalar() : TypeCode(TypeCode::kVariant);
         // The checker sees the indexes replaced by one value of the element's type.
         out.ops.push_back(element);
+        out.type = element.type;
         return true;
     }
-    ExprOp op{ExprOpCode::kLoad};
-    op.scope = ref.scope;
-    op.index = ref.index;
-    op.type = ref.type;
-    op.module = ref.module;
-    out.ops.push_back(op);
-    out.type = ref.type;
-    *simpleVariable = true;
+    AppendLoad(out, ref, object);
+    *simpleVariable = !object.autoNew;
+    m_factorClass = object.classModule;
     return true;
 }
 

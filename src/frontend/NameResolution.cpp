@@ -60,9 +60,24 @@ Procedure* BodyParser::FindProcedure(const std::string& upperName) const
     return nullptr;
 }
 
+// Class modules are found among the modules this one uses, directly or through the modules they use.
 const Module* BodyParser::FindClassModule(std::string_view name) const
 {
-    for (const Module* used : m_module.UsedModules()) {
+    // A class module may name its own class.
+    if (m_module.Kind() != ModuleKind::Plain && SameName(name, m_module.RecordName()))
+        return &m_module;
+    std::vector<const Module*> pending(m_module.UsedModules().begin(), m_module.UsedModules().end());
+    for (std::size_t i = 0; i < pending.size(); ++i) {
+        const Module* used = pending[i];
+        for (std::size_t j = 0; j < i; ++j) {
+            if (pending[j] == used) {
+                used = nullptr;
+                break;
+            }
+        }
+        if (!used)
+            continue;
+        pending.insert(pending.end(), used->UsedModules().begin(), used->UsedModules().end());
         if (used->Kind() == ModuleKind::Plain)
             continue;
         std::string_view own = used->Name();
@@ -72,133 +87,67 @@ const Module* BodyParser::FindClassModule(std::string_view name) const
         const std::size_t dot = own.rfind('.');
         if (dot != std::string_view::npos)
             own = own.substr(0, dot);
-        if (UpperName(std::string(name)) == UpperName(used->RecordName()) || UpperName(std::string(name)) == UpperName(std::string(own)))
+        if (SameName(name, used->RecordName()) || SameName(name, own))
             return used;
     }
     return nullptr;
 }
 
-bool BodyParser::FindClassVariable(const std::string& upperName, LocalSymbol& out) const
+const Module* BodyParser::ClassOfType(const TypeSpec& type) const
 {
+    if (type.className.empty() || type.code.IsArray())
+        return nullptr;
+    return FindClassModule(type.className);
+}
+
+ObjectVariable BodyParser::ClassOfVariable(const std::string& upperName) const
+{
+    ObjectVariable object;
     if (const LocalSymbol* local = FindLocal(upperName)) {
-        if (local->kind != LocalKind::Variable || !local->classModule)
-            return false;
-        out = *local;
-        return true;
+        if (local->kind == LocalKind::Variable) {
+            object.classModule = local->classModule;
+            object.autoNew = local->autoNew && local->classModule;
+        }
+        return object;
     }
+    const Variable* variable = nullptr;
     auto global = m_state.names.find(upperName);
-    if (global == m_state.names.end() || global->second.kind != SymbolKind::Variable)
-        return false;
-    const Variable& variable = *m_state.variables[global->second.index];
-    if (variable.type.className.empty() || variable.type.code.IsArray() || !variable.bounds.empty())
-        return false;
-    out.ref = VariableRef{StorageScope::Module, static_cast<int>(global->second.index), variable.type.code};
-    out.classModule = FindClassModule(variable.type.className);
-    out.autoNew = variable.createsNew;
-    return out.classModule != nullptr;
-}
-
-Procedure* BodyParser::FindMember(const Module& classModule, const std::string& upperName, bool assignment) const
-{
-    auto& module = const_cast<Module&>(classModule);
-    const auto& procedures = module.State() ? module.State()->procedures : module.Compiled()->procedures;
-    for (const auto& procedure : procedures) {
-        if (procedure->visibility == Visibility::Private || procedure->kind == ProcedureKind::External ||
-            UpperName(procedure->name) != upperName)
-            continue;
-        if ((procedure->kind == ProcedureKind::PropertyLet) == assignment)
-            return procedure.get();
-    }
-    return nullptr;
-}
-
-bool BodyParser::ParseMemberCall(const LocalSymbol& object, Expression& out, bool statement)
-{
-    const std::string member(m_lexer.Text());
-    if (member.empty() || !CharClasses::Get().IsIdentifierChar(member[0]) || (member[0] >= '0' && member[0] <= '9')) {
-        m_lexer.SignalError(CompileMessage::MethodOrPropertyNotFound);
-        return false;
-    }
-    m_lexer.NextToken();
-    const std::string key = UpperName(member);
-    const std::size_t start = out.ops.size();
-    const bool assignment = statement && m_lexer.Kind() == Token::Equal;
-    Procedure* callee = FindMember(*object.classModule, key, assignment);
-    if (!callee) {
-        m_lexer.SignalError(CompileMessage::MethodOrPropertyNotFound);
-        return false;
-    }
-    const bool returnsValue = callee->kind == ProcedureKind::Function || callee->kind == ProcedureKind::PropertyGet;
-    if (assignment) {
-        // object.property = value: the value is the Property Let's only argument.
-        m_lexer.NextToken();
-        if (callee->parameters.size() != 1) {
-            m_lexer.SignalError(CompileMessage::MethodOrPropertyNotFound);
-            return false;
-        }
-        Expression value;
-        if (!ParseExpression(value))
-            return false;
-        if (value.IsEmpty()) {
-            m_lexer.SignalError(CompileMessage::ExpectingAnExpression);
-            return false;
-        }
-        out.Append(value);
-        ExprOp call{ExprOpCode::kCall};
-        call.index = m_code->AddCallee(callee, object.classModule);
-        call.count = 1;
-        out.ops.push_back(call);
-        ExprOp pop{ExprOpCode::kPop};
-        pop.count = 1;
-        out.ops.push_back(pop);
-    } else if (!statement && !returnsValue) {
-        m_lexer.SignalError(CompileMessage::SubsCantBeUsedInExpressions, member);
-        return false;
+    if (global != m_state.names.end()) {
+        if (global->second.kind == SymbolKind::Variable)
+            variable = m_state.variables[global->second.index].get();
     } else {
-        bool parenthesised = false;
-        if (m_lexer.Kind() == Token::LeftParen && (!statement || ParenthesisedToEnd())) {
-            parenthesised = true;
-            m_lexer.NextToken();
-        }
-        if (!statement && !parenthesised) {
-            // No argument list in an expression: every parameter is left out.
-            for (const Parameter& parameter : callee->parameters) {
-                if (!parameter.optional && !parameter.paramArray) {
-                    m_lexer.SignalError(CompileMessage::MissingParameter, parameter.name);
-                    return false;
+        for (Module* used : m_module.UsedModules()) {
+            if (used->Kind() != ModuleKind::Plain)
+                continue;
+            const auto& variables = used->State() ? used->State()->variables : used->Compiled()->variables;
+            for (const auto& candidate : variables) {
+                if ((candidate->visibility == Visibility::Public || candidate->visibility == Visibility::Friend) &&
+                    UpperName(candidate->name) == upperName) {
+                    variable = candidate.get();
+                    break;
                 }
             }
-            out.ops.push_back(ExprOp{ExprOpCode::kEmpty});
-            for (const Parameter& parameter : callee->parameters)
-                out.ops.push_back(ExprOp{parameter.paramArray ? ExprOpCode::kPack : ExprOpCode::kMissing});
-            ExprOp call{ExprOpCode::kCall};
-            call.index = m_code->AddCallee(callee, object.classModule);
-            call.count = static_cast<int>(callee->parameters.size());
-            call.type = callee->result.code;
-            out.ops.push_back(call);
-            if (call.count > 0) {
-                ExprOp pop{ExprOpCode::kPop};
-                pop.count = call.count;
-                out.ops.push_back(pop);
-            }
-            out.type = callee->result.code;
-        } else if (!ParseCallArguments(*callee, out, parenthesised)) {
-            return false;
+            if (variable)
+                break;
         }
     }
-    // The call just added (the last one: calls inside the arguments come before it) goes to the object.
-    for (std::size_t i = out.ops.size(); i-- > start;) {
-        ExprOp& op = out.ops[i];
-        if (op.code != ExprOpCode::kCall)
-            continue;
-        op.code = ExprOpCode::kMemberCall;
-        op.scope = object.ref.scope;
-        op.variable = object.ref.index;
-        op.module = object.ref.module;
-        op.autoNew = object.autoNew;
-        break;
+    if (variable && variable->bounds.empty()) {
+        object.classModule = ClassOfType(variable->type);
+        object.autoNew = variable->createsNew && object.classModule;
     }
-    return true;
+    return object;
+}
+
+void BodyParser::AppendLoad(Expression& out, const VariableRef& ref, const ObjectVariable& object)
+{
+    ExprOp op{object.autoNew ? ExprOpCode::kLoadNew : ExprOpCode::kLoad};
+    op.scope = ref.scope;
+    op.index = ref.index;
+    op.type = ref.type;
+    op.module = ref.module;
+    op.classModule = object.autoNew ? object.classModule : nullptr;
+    out.ops.push_back(op);
+    out.type = ref.type;
 }
 
 const Module* BodyParser::ModuleOf(const Procedure& procedure) const

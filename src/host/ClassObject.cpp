@@ -15,6 +15,7 @@ constexpr IID kClassObjectIid = {0x6b1f4e2a, 0x93c5, 0x4d07, {0xa8, 0x41, 0x2e, 
 ClassObject::ClassObject(ModuleManager& manager, std::unique_ptr<ModuleInstance> instance) noexcept
     : m_manager(manager), m_instance(std::move(instance))
 {
+    m_instance->SetObject(this);
 }
 
 ClassObject::~ClassObject() = default;
@@ -57,8 +58,14 @@ ULONG STDMETHODCALLTYPE ClassObject::Release()
     const ULONG left = --m_references;
     if (left != 0)
         return left;
-    // The terminate procedure may copy and drop references to this object; keep it alive meanwhile.
+    // The terminate procedure may copy and drop references to this object (Me); keep it alive meanwhile.
     m_references = 1;
+    m_manager.TerminateInstance(*m_instance);
+    if (m_references > 1) {
+        // The terminator kept a reference: the object lives on, its instance terminated.
+        return --m_references;
+    }
+    m_instance->SetObject(nullptr);
     m_manager.DestroyInstance(std::move(m_instance));
     delete this;
     return 0;
@@ -77,18 +84,6 @@ HRESULT STDMETHODCALLTYPE ClassObject::GetTypeInfo(UINT, LCID, ITypeInfo** info)
     if (info)
         *info = nullptr;
     return E_NOTIMPL;
-}
-
-HRESULT STDMETHODCALLTYPE ClassObject::GetIDsOfNames(REFIID, LPOLESTR*, UINT count, LCID, DISPID* ids)
-{
-    for (UINT i = 0; ids && i < count; ++i)
-        ids[i] = DISPID_UNKNOWN;
-    return DISP_E_UNKNOWNNAME;
-}
-
-HRESULT STDMETHODCALLTYPE ClassObject::Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*)
-{
-    return DISP_E_MEMBERNOTFOUND;
 }
 
 } // namespace brannoc

@@ -1,8 +1,9 @@
 #pragma once
 // An instance of a class module as an object value: the language holds it through its IDispatch like any
 // other object, and the last Release ends the instance (its terminate procedure runs as a nested call).
-// Member calls from the language reach the module instance directly through InstanceOf; calls by name
-// through Invoke from other clients are not offered.
+// Member calls from the language reach the module instance directly through InstanceOf; other clients
+// (and conversions that ask an object for its value) call its public members by name through Invoke,
+// each call a nested run of the member (ClassObjectDispatch.cpp).
 #include <oaidl.h>
 
 #include <memory>

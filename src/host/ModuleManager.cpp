@@ -292,13 +292,36 @@ bool ModuleManager::InitializeUsedModules(Loaded& loaded)
     return true;
 }
 
-bool ModuleManager::RunNested(ProcedureCode& code, ModuleInstance& instance)
+bool ModuleManager::RunNested(ProcedureCode& code, ModuleInstance& instance, const NestedArguments& push,
+                              Variant* result)
 {
     Interpreter& machine = m_context.Machine();
+    ValueStack& values = machine.Values();
+    // The nested run gets a value stack of its own: the code that started it (a release in the middle
+    // of a store, a conversion asking an object for its value) may hold references into the current one.
+    if (m_nestedDepth >= m_spareStacks.size())
+        m_spareStacks.push_back(std::make_unique<ValueStack>());
+    ValueStack& outer = *m_spareStacks[m_nestedDepth++];
+    values.Swap(outer);
+    struct Restore {
+        ValueStack& values;
+        ValueStack& outer;
+        std::size_t& depth;
+        ~Restore()
+        {
+            values.CutBack(0);
+            values.Swap(outer);
+            --depth;
+        }
+    } restore{values, outer, m_nestedDepth};
+    if (push && !push(values))
+        return false;
     // The steps of the call leave their own marker; the caller's state comes back afterwards.
     const int marker = machine.ExecutionMarker();
     const bool finished = machine.RunHostCall(code, &instance);
     machine.SetExecutionMarker(marker);
+    if (result && values.Size() > 0)
+        *result = std::move(values.At(0));
     return finished;
 }
 

@@ -5,6 +5,7 @@
 #include "frontend/Compiler.h"
 #include "frontend/ModuleSource.h"
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -15,6 +16,8 @@ namespace brannoc {
 class EngineContext;
 class ModuleInstance;
 class ProcedureCode;
+class ValueStack;
+class Variant;
 
 // Status of a module request.
 enum class ModuleStatus : int {
@@ -126,8 +129,17 @@ private:
     [[nodiscard]] bool MakeDefaultInstances(Loaded& loaded);
     // Runs the entry procedures of the used modules' default instances, each to its end.
     [[nodiscard]] bool InitializeUsedModules(Loaded& loaded);
-    // Runs an entry or terminate procedure of an instance to its end; the execution marker is kept.
-    [[nodiscard]] bool RunNested(ProcedureCode& code, ModuleInstance& instance);
+public:
+    // Pushes the values of a nested call (a result slot, then the arguments); false after raising.
+    using NestedArguments = std::function<bool(ValueStack&)>;
+    // Runs a procedure of an instance to its end as a nested call, on a value stack of its own; push
+    // (when given) puts the call's values on it first, and result (when given) receives what the bottom
+    // slot holds afterwards (a Function's result). The execution marker is kept.
+    [[nodiscard]] bool RunNested(ProcedureCode& code, ModuleInstance& instance, const NestedArguments& push = {},
+                                 Variant* result = nullptr);
+    EngineContext& Context() const { return m_context; }
+
+private:
 
     EngineContext& m_context;
     ProcedureBodyCompiler* m_bodyCompiler = nullptr;
@@ -136,6 +148,9 @@ private:
     std::string m_running;
     std::string m_command;
     bool m_queued = false;
+    // Value stacks of nested runs, one per nesting level, kept for reuse.
+    std::vector<std::unique_ptr<ValueStack>> m_spareStacks;
+    std::size_t m_nestedDepth = 0;
     std::string m_queuedName;
     std::string m_queuedCommand;
 };

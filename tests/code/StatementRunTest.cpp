@@ -229,7 +229,7 @@ const RunCase kRunCases[] = {
     {"ModuleConstant",
      {"Const Base = 100", "Sub Main", "  Const Step2 = 2", "  Debug.Print Base + Step2", "End Sub"}, L"102%\r\n"},
     {"WithBlockRunsBody",
-     {"Sub Main", "  With 5", "    Debug.Print 1", "  End With", "End Sub"}, L"1%\r\n"},
+     {"Sub Main", "  Dim o As Object", "  With o", "    Debug.Print 1", "  End With", "End Sub"}, L"1%\r\n"},
     {"ImplicitVariable", {"Sub Main", "  x = 3", "  Debug.Print x * 2", "End Sub"}, L"6%\r\n"},
 };
 

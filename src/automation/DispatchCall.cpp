@@ -1,0 +1,321 @@
+#include "automation/DispatchCall.h"
+
+#include "host/ComRef.h"
+#include "host/EntryGuard.h"
+#include "values/ValueError.h"
+
+#include <memory>
+
+namespace brannoc::automation {
+namespace {
+
+constexpr LCID kLocale = 0x409;
+
+enum ErrorNumber : long {
+    kOverflow = 10062,
+    kTypeMismatch = 10080,
+    kAutomationError = 10090,
+    kNoSuchMember = 10091,
+    kObjectIsNothing = 10094,
+    kWrongParameterCount = 10097,
+    kBadIndex = 10098,
+    kNoSuchNamedParameter = 10099,
+};
+
+// Normal accesses raise their errors; silent ones (probes of the default-member fallback) only fail.
+enum class Mode { Normal, Silent };
+
+WORD FlagsOf(MemberAccess access)
+{
+    switch (access) {
+    case MemberAccess::Call: return DISPATCH_METHOD;
+    case MemberAccess::Get: return DISPATCH_METHOD | DISPATCH_PROPERTYGET;
+    case MemberAccess::Let: return DISPATCH_PROPERTYPUT;
+    case MemberAccess::Set: return DISPATCH_PROPERTYPUTREF;
+    }
+    return DISPATCH_METHOD;
+}
+
+bool IsAssignment(MemberAccess access) { return access == MemberAccess::Let || access == MemberAccess::Set; }
+
+// Gives the engine lock up for a call out of the engine and takes it back afterwards.
+class OutsideCall final {
+public:
+    OutsideCall() : m_depth(EngineLock::Suspend()) {}
+    ~OutsideCall() { EngineLock::Resume(m_depth); }
+    OutsideCall(const OutsideCall&) = delete;
+    OutsideCall& operator=(const OutsideCall&) = delete;
+
+private:
+    int m_depth;
+};
+
+// The strings of an exception record, freed with the record.
+class ExceptionRecord final {
+public:
+    ExceptionRecord() { m_info = EXCEPINFO{}; }
+    ~ExceptionRecord()
+    {
+        SysFreeString(m_info.bstrSource);
+        SysFreeString(m_info.bstrDescription);
+        SysFreeString(m_info.bstrHelpFile);
+    }
+    ExceptionRecord(const ExceptionRecord&) = delete;
+    ExceptionRecord& operator=(const ExceptionRecord&) = delete;
+    EXCEPINFO* Get() { return &m_info; }
+    // The status the record stands for, after its deferred fill-in ran.
+    SCODE Status()
+    {
+        if (m_info.pfnDeferredFillIn) {
+            m_info.pfnDeferredFillIn(&m_info);
+            m_info.pfnDeferredFillIn = nullptr;
+        }
+        return m_info.scode != 0 ? m_info.scode : static_cast<SCODE>(m_info.wCode);
+    }
+    long Number() const { return m_info.wCode != 0 ? static_cast<long>(m_info.wCode) : static_cast<long>(m_info.scode); }
+
+private:
+    EXCEPINFO m_info;
+};
+
+// One access with its arguments laid out for Invoke.
+struct Access {
+    IDispatch* object = nullptr;
+    DISPID member = DISPID_VALUE;
+    MemberAccess kind = MemberAccess::Get;
+    DispatchArguments arguments;
+    // Identifiers of the named arguments (same order as their names).
+    const DISPID* namedIds = nullptr;
+    int namedCount = 0;
+
+    int PositionalCount() const { return arguments.count - namedCount - (IsAssignment(kind) ? 1 : 0); }
+};
+
+// Invoke with the arguments in IDispatch order: the assigned value first (named DISPID_PROPERTYPUT),
+// then the named arguments, then the positional ones last first.
+HRESULT CallInvoke(const Access& access, Variant& result, UINT& argumentError, ExceptionRecord& exception)
+{
+    const int count = access.arguments.count;
+    const bool assignment = IsAssignment(access.kind);
+    const int positional = access.PositionalCount();
+    // Copies of the VARIANT structures (not of what they own): the engine's value stack may move while
+    // the object calls back into the engine.
+    VARIANT inlineValues[8];
+    DISPID inlineIds[8];
+    std::unique_ptr<VARIANT[]> moreValues;
+    std::unique_ptr<DISPID[]> moreIds;
+    VARIANT* values = inlineValues;
+    DISPID* ids = inlineIds;
+    if (count > 8) {
+        moreValues.reset(new (std::nothrow) VARIANT[static_cast<std::size_t>(count)]);
+        moreIds.reset(new (std::nothrow) DISPID[static_cast<std::size_t>(count)]);
+        if (!moreValues || !moreIds)
+            return E_OUTOFMEMORY;
+        values = moreValues.get();
+        ids = moreIds.get();
+    }
+    int slot = 0;
+    int namedSlots = 0;
+    if (assignment) {
+        values[slot++] = access.arguments.values[count - 1];
+        ids[namedSlots++] = DISPID_PROPERTYPUT;
+    }
+    for (int i = 0; i < access.namedCount; ++i) {
+        values[slot++] = access.arguments.values[positional + i];
+        ids[namedSlots++] = access.namedIds[i];
+    }
+    for (int i = positional - 1; i >= 0; --i)
+        values[slot++] = access.arguments.values[i];
+    DISPPARAMS parameters{values, namedSlots > 0 ? ids : nullptr, static_cast<UINT>(count),
+                          static_cast<UINT>(namedSlots)};
+    result.Clear();
+    argumentError = static_cast<UINT>(-1);
+    OutsideCall outside;
+    return access.object->Invoke(access.member, IID_NULL, kLocale, FlagsOf(access.kind), &parameters,
+                                 assignment ? nullptr : &result.Raw(), exception.Get(), &argumentError);
+}
+
+bool Fail(Mode mode, long number)
+{
+    if (mode == Mode::Normal)
+        (void)RaiseValueError(number);
+    return false;
+}
+
+// Element of a value array at the given indexes (Get), or the value stored into it (Let).
+bool AccessElement(Variant& array, const VARIANT* indexes, int count, MemberAccess kind, const VARIANT* value,
+                   Variant& result)
+{
+    SAFEARRAY* data = (array.Tag() & VT_BYREF) ? *array.Raw().pparray : array.Array();
+    if (!data || static_cast<int>(SafeArrayGetDim(data)) != count)
+        return RaiseValueError(kBadIndex);
+    LONG positions[8] = {};
+    for (int i = 0; i < count && i < 8; ++i) {
+        Variant index;
+        if (!index.CopyIndirectFrom(indexes[i]) || FAILED(VariantChangeType(&index.Raw(), &index.Raw(), 0, VT_I4)))
+            return RaiseValueError(kTypeMismatch);
+        positions[i] = index.Long();
+    }
+    VARTYPE element = VT_EMPTY;
+    if (FAILED(SafeArrayGetVartype(data, &element)))
+        return RaiseValueError(kAutomationError);
+    if (kind == MemberAccess::Get) {
+        result.Clear();
+        VARIANT& raw = result.Raw();
+        // The element's payload lands where a VARIANT of its kind keeps it.
+        void* target = element == VT_VARIANT ? static_cast<void*>(&raw) : static_cast<void*>(&raw.lVal);
+        const HRESULT status = SafeArrayGetElement(data, positions, target);
+        if (FAILED(status))
+            return RaiseValueError(status == DISP_E_BADINDEX ? kBadIndex : kAutomationError);
+        if (element != VT_VARIANT)
+            raw.vt = element;
+        return true;
+    }
+    Variant converted;
+    if (!converted.CopyIndirectFrom(*value))
+        return RaiseValueError(kAutomationError);
+    if (element != VT_VARIANT && FAILED(VariantChangeType(&converted.Raw(), &converted.Raw(), 0, element)))
+        return RaiseValueError(kTypeMismatch);
+    VARIANT& raw = converted.Raw();
+    void* source = element == VT_VARIANT ? static_cast<void*>(&raw)
+                   : (element == VT_BSTR || element == VT_DISPATCH || element == VT_UNKNOWN) ? raw.byref
+                                                                                              : static_cast<void*>(&raw.lVal);
+    const HRESULT status = SafeArrayPutElement(data, positions, source);
+    if (FAILED(status))
+        return RaiseValueError(status == DISP_E_BADINDEX ? kBadIndex : kAutomationError);
+    return true;
+}
+
+bool Perform(const Access& access, Variant& result, Mode mode);
+
+// The member exists but not with these arguments: get its value without arguments and index that (an
+// array) or apply the arguments to its default member (an object).
+bool DefaultMemberFallback(const Access& access, HRESULT status, Variant& result, bool& applied)
+{
+    applied = false;
+    const int positional = access.PositionalCount();
+    if (access.kind != MemberAccess::Get && access.kind != MemberAccess::Let)
+        return false;
+    if (positional < 1 || access.member == DISPID_VALUE)
+        return false;
+    Access probe;
+    probe.object = access.object;
+    probe.member = access.member;
+    probe.kind = MemberAccess::Get;
+    Variant value;
+    if (!Perform(probe, value, Mode::Silent))
+        return false;
+    applied = true;
+    VARIANT* inner = FollowByRefChain(&value.Raw());
+    if (inner->vt != VT_DISPATCH) {
+        if ((inner->vt & VT_ARRAY) != 0 && access.namedCount == 0) {
+            Variant array;
+            if (!array.CopyFrom(*inner))
+                return RaiseValueError(kAutomationError);
+            const VARIANT* assigned = access.kind == MemberAccess::Let ? &access.arguments.values[access.arguments.count - 1]
+                                                                        : nullptr;
+            return AccessElement(array, access.arguments.values, positional, access.kind, assigned, result);
+        }
+        return RaiseValueError(status == DISP_E_MEMBERNOTFOUND ? kNoSuchMember : kWrongParameterCount);
+    }
+    if (!inner->pdispVal)
+        return RaiseValueError(kObjectIsNothing);
+    Access onDefault = access;
+    onDefault.object = inner->pdispVal;
+    onDefault.member = DISPID_VALUE;
+    return Perform(onDefault, result, Mode::Normal);
+}
+
+// Turns the status of Invoke into the language's error (nothing for success).
+bool MapStatus(const Access& access, HRESULT status, UINT argumentError, Variant& result, Mode mode)
+{
+    switch (status) {
+    case S_OK: return true;
+    case DISP_E_BADINDEX: return Fail(mode, kBadIndex);
+    case DISP_E_TYPEMISMATCH: {
+        const long parameter = static_cast<long>(access.PositionalCount()) - static_cast<long>(argumentError);
+        return Fail(mode, parameter >= 1 && parameter <= 9 ? kTypeMismatch + parameter : kTypeMismatch);
+    }
+    case DISP_E_OVERFLOW: return Fail(mode, kOverflow);
+    case DISP_E_MEMBERNOTFOUND:
+    case DISP_E_BADPARAMCOUNT:
+    case DISP_E_PARAMNOTOPTIONAL:
+    case DISP_E_NOTACOLLECTION: {
+        if (mode == Mode::Normal) {
+            bool applied = false;
+            const bool done = DefaultMemberFallback(access, status, result, applied);
+            if (applied)
+                return done;
+        }
+        return Fail(mode, status == DISP_E_MEMBERNOTFOUND ? kNoSuchMember : kWrongParameterCount);
+    }
+    case DISP_E_UNKNOWNNAME: return Fail(mode, kNoSuchNamedParameter);
+    default: return Fail(mode, kAutomationError);
+    }
+}
+
+bool Perform(const Access& access, Variant& result, Mode mode)
+{
+    if (!access.object)
+        return Fail(mode, kObjectIsNothing);
+    if (access.member == DISPID_UNKNOWN)
+        return Fail(mode, kNoSuchMember);
+    if (access.member == DISPID_VALUE && access.kind == MemberAccess::Get && access.arguments.count == 0) {
+        // The object's own value: nothing to call.
+        result.SetObject(access.object);
+        return true;
+    }
+    UINT argumentError = 0;
+    ExceptionRecord exception;
+    HRESULT status = CallInvoke(access, result, argumentError, exception);
+    if (status == DISP_E_EXCEPTION) {
+        const SCODE inner = exception.Status();
+        const bool mapped = inner == DISP_E_MEMBERNOTFOUND || inner == DISP_E_TYPEMISMATCH || inner == DISP_E_OVERFLOW ||
+                            inner == DISP_E_BADINDEX || inner == DISP_E_BADPARAMCOUNT || inner == DISP_E_PARAMNOTOPTIONAL;
+        if (!mapped || mode == Mode::Silent) {
+            // FIXME: the server's description, source and help go to the error record once it keeps them.
+            return Fail(mode, exception.Number());
+        }
+        status = inner;
+    }
+    return MapStatus(access, status, argumentError, result, mode);
+}
+
+} // namespace
+
+bool InvokeMember(IDispatch* object, const std::wstring& name, MemberAccess access,
+                  const DispatchArguments& arguments, Variant& result)
+{
+    if (!object)
+        return RaiseValueError(kObjectIsNothing);
+    static const std::vector<std::wstring> s_none;
+    const std::vector<std::wstring>& named = arguments.namedArguments ? *arguments.namedArguments : s_none;
+    // One look-up for the member and its named arguments; the names are looked up at every access.
+    std::vector<LPOLESTR> names;
+    names.reserve(named.size() + 1);
+    names.push_back(const_cast<LPOLESTR>(name.c_str()));
+    for (const std::wstring& argument : named)
+        names.push_back(const_cast<LPOLESTR>(argument.c_str()));
+    std::vector<DISPID> ids(names.size(), DISPID_UNKNOWN);
+    Access call;
+    call.object = object;
+    call.kind = access;
+    call.arguments = arguments;
+    call.namedCount = static_cast<int>(named.size());
+    if (name.empty()) {
+        call.member = DISPID_VALUE;
+    } else {
+        HRESULT status = S_OK;
+        {
+            OutsideCall outside;
+            status = object->GetIDsOfNames(IID_NULL, names.data(), static_cast<UINT>(names.size()), kLocale, ids.data());
+        }
+        call.member = ids[0];
+        if (FAILED(status) && ids[0] != DISPID_UNKNOWN)
+            return RaiseValueError(kNoSuchNamedParameter);
+    }
+    call.namedIds = ids.data() + 1;
+    return Perform(call, result, Mode::Normal);
+}
+
+} // namespace brannoc::automation

@@ -1,0 +1,319 @@
+#include "code/MemberCall.h"
+
+#include "automation/DispatchCall.h"
+#include "exec/Activation.h"
+#include "host/ComRef.h"
+#include "exec/HaltFlags.h"
+#include "exec/Interpreter.h"
+#include "exec/ModuleInstance.h"
+#include "frontend/CharClasses.h"
+#include "frontend/Module.h"
+#include "values/Conversion.h"
+
+namespace brannoc {
+namespace {
+
+enum ErrorNumber : long {
+    kSubOrFunctionMissing = 10018,
+    kWrongNumberOfParameters = 10019,
+    kTypeMismatch = 10080,
+    kNoSuchMember = 10091,
+    kObjectIsNothing = 10094,
+    kWrongParameterCount = 10097,
+    kNoSuchNamedParameter = 10099,
+    kWrongWith = 10035,
+};
+
+EvalStatus Raise(const RunContext& context, long number)
+{
+    (void)context.interpreter->SignalError(number);
+    return EvalStatus::kFailed;
+}
+
+bool IsAssignment(MemberAccess access) { return access == MemberAccess::Let || access == MemberAccess::Set; }
+
+bool IsObjectValue(const VARIANT& value) { return value.vt == VT_DISPATCH || value.vt == VT_UNKNOWN; }
+
+bool KindFits(ProcedureKind kind, MemberAccess access)
+{
+    switch (access) {
+    case MemberAccess::Get: return kind == ProcedureKind::Function || kind == ProcedureKind::PropertyGet;
+    case MemberAccess::Call:
+        return kind == ProcedureKind::Sub || kind == ProcedureKind::Function || kind == ProcedureKind::PropertyGet;
+    case MemberAccess::Let: return kind == ProcedureKind::PropertyLet;
+    case MemberAccess::Set: return kind == ProcedureKind::PropertySet;
+    }
+    return false;
+}
+
+// Arranges the arguments of a call found by name into the procedure's parameter order: positional ones
+// first, named ones by name, the assigned value of a Let or Set into the last parameter, left-out
+// optional ones as missing and extra ones into the ParamArray.
+bool ArrangeArguments(const RunContext& context, std::size_t first, int count, const MemberSite& site,
+                      const Procedure& procedure)
+{
+    ValueStack& values = context.interpreter->Values();
+    const auto& parameters = procedure.parameters;
+    const int total = static_cast<int>(parameters.size());
+    const int named = static_cast<int>(site.namedArguments.size());
+    const bool assignment = IsAssignment(site.access);
+    const int positional = count - named - (assignment ? 1 : 0);
+    const bool hasParamArray = total > 0 && parameters.back().paramArray && !assignment;
+    const int fixed = hasParamArray ? total - 1 : (assignment ? total - 1 : total);
+    if (named == 0 && !hasParamArray && positional == fixed && fixed >= 0)
+        return true;
+    if (fixed < 0)
+        return context.interpreter->SignalError(kWrongNumberOfParameters);
+    std::vector<Variant> arranged(static_cast<std::size_t>(total));
+    std::vector<bool> given(static_cast<std::size_t>(total), false);
+    std::vector<Variant> extras;
+    for (int i = 0; i < positional; ++i) {
+        Variant& argument = values.At(first + static_cast<std::size_t>(i));
+        if (i < fixed) {
+            arranged[static_cast<std::size_t>(i)] = std::move(argument);
+            given[static_cast<std::size_t>(i)] = true;
+        } else if (hasParamArray) {
+            extras.push_back(std::move(argument));
+        } else {
+            return context.interpreter->SignalError(kWrongNumberOfParameters);
+        }
+    }
+    for (int j = 0; j < named; ++j) {
+        const std::wstring& name = site.namedArguments[static_cast<std::size_t>(j)];
+        int index = 0;
+        while (index < fixed && !SameName(std::string(name.begin(), name.end()),
+                                          parameters[static_cast<std::size_t>(index)].name))
+            ++index;
+        if (index == fixed)
+            return context.interpreter->SignalError(kNoSuchNamedParameter);
+        if (given[static_cast<std::size_t>(index)])
+            return context.interpreter->SignalError(kWrongNumberOfParameters);
+        arranged[static_cast<std::size_t>(index)] = std::move(values.At(first + static_cast<std::size_t>(positional + j)));
+        given[static_cast<std::size_t>(index)] = true;
+    }
+    if (assignment) {
+        arranged[static_cast<std::size_t>(total - 1)] = std::move(values.At(first + static_cast<std::size_t>(count - 1)));
+        given[static_cast<std::size_t>(total - 1)] = true;
+    }
+    for (int i = 0; i < fixed; ++i) {
+        if (given[static_cast<std::size_t>(i)])
+            continue;
+        if (!parameters[static_cast<std::size_t>(i)].optional)
+            return context.interpreter->SignalError(kWrongNumberOfParameters);
+        arranged[static_cast<std::size_t>(i)].SetError(kMissingArgumentStatus);
+    }
+    values.CutBack(first);
+    const int pushed = hasParamArray ? total - 1 : total;
+    for (int i = 0; i < pushed; ++i) {
+        Variant* slot = values.Push();
+        if (!slot)
+            return context.interpreter->RaiseOutOfMemory();
+        *slot = std::move(arranged[static_cast<std::size_t>(i)]);
+    }
+    if (hasParamArray) {
+        for (Variant& extra : extras) {
+            Variant* slot = values.Push();
+            if (!slot)
+                return context.interpreter->RaiseOutOfMemory();
+            *slot = std::move(extra);
+        }
+        return PackValues(values, static_cast<int>(extras.size()));
+    }
+    return true;
+}
+
+// A public module-level variable of the instance read or assigned as a property.
+EvalStatus AccessVariable(const RunContext& context, const MemberSite& site, ModuleInstance& instance, int variable,
+                          std::size_t first, int count)
+{
+    ValueStack& values = context.interpreter->Values();
+    const CompiledModule* compiled = instance.OwnModule().Compiled();
+    if (!compiled || static_cast<std::size_t>(variable) >= instance.VariableCount())
+        return Raise(context, kNoSuchMember);
+    VARIANT& storage = instance.Slot(static_cast<std::size_t>(variable));
+    if (site.access == MemberAccess::Call)
+        return Raise(context, kNoSuchMember);
+    if (!IsAssignment(site.access)) {
+        if (count != 0)
+            return Raise(context, kWrongParameterCount);
+        if (!values.At(first - 1).CopyIndirectFrom(storage))
+            return Raise(context, 10090);
+        return EvalStatus::kDone;
+    }
+    if (count != 1)
+        return Raise(context, kWrongParameterCount);
+    const Variant& value = values.Top();
+    if (site.access == MemberAccess::Set && !IsObjectValue(*FollowByRefChain(&value.Raw())))
+        return Raise(context, kTypeMismatch);
+    if (!StoreTyped(storage, compiled->variables[static_cast<std::size_t>(variable)]->type.code, value))
+        return EvalStatus::kFailed;
+    values.CutBack(first);
+    return EvalStatus::kDone;
+}
+
+// A member of a class module instance: the compiler's member when the instance is of the class it saw,
+// else the member of that name in the instance's module.
+EvalStatus CallInstanceMember(const RunContext& context, MemberSite& site, ModuleInstance& instance,
+                              std::size_t first, int count)
+{
+    const Module& module = instance.OwnModule();
+    Procedure* procedure = nullptr;
+    int variable = -1;
+    const bool early = site.classModule == &module;
+    if (early) {
+        procedure = site.procedure;
+        variable = site.variable;
+    } else if (site.cachedModule == &module) {
+        procedure = site.cachedProcedure;
+        variable = site.cachedVariable;
+    } else {
+        if (!FindClassMember(module, site.name, site.access, procedure, variable))
+            return Raise(context, kNoSuchMember);
+        site.cachedModule = &module;
+        site.cachedProcedure = procedure;
+        site.cachedVariable = variable;
+    }
+    if (variable >= 0)
+        return AccessVariable(context, site, instance, variable, first, count);
+    if (!procedure)
+        return Raise(context, kNoSuchMember);
+    if (!procedure->code)
+        return Raise(context, kSubOrFunctionMissing);
+    if (!early && !ArrangeArguments(context, first, count, site, *procedure))
+        return EvalStatus::kFailed;
+    (void)context.interpreter->CallProcedure(*procedure->code, ActivationKind::Call, &instance, true);
+    return HaltFlags::MustStop() ? EvalStatus::kFailed : EvalStatus::kYield;
+}
+
+} // namespace
+
+bool FindClassMember(const Module& module, std::string_view name, MemberAccess access, Procedure*& procedure,
+                     int& variable)
+{
+    procedure = nullptr;
+    variable = -1;
+    auto& source = const_cast<Module&>(module);
+    const auto& procedures = source.State() ? source.State()->procedures : source.Compiled()->procedures;
+    const auto& variables = source.State() ? source.State()->variables : source.Compiled()->variables;
+    Procedure* sub = nullptr;
+    for (const auto& candidate : procedures) {
+        if (candidate->visibility == Visibility::Private || candidate->kind == ProcedureKind::External ||
+            !SameName(candidate->name, name))
+            continue;
+        if (KindFits(candidate->kind, access)) {
+            procedure = candidate.get();
+            return true;
+        }
+        if (candidate->kind == ProcedureKind::Sub)
+            sub = candidate.get();
+    }
+    for (std::size_t i = 0; i < variables.size(); ++i) {
+        const Variable& candidate = *variables[i];
+        if ((candidate.visibility == Visibility::Public || candidate.visibility == Visibility::Friend) &&
+            SameName(candidate.name, name) && !candidate.type.code.IsArray()) {
+            variable = static_cast<int>(i);
+            return true;
+        }
+    }
+    // A Sub read as a value gives Empty.
+    if (access == MemberAccess::Get && sub) {
+        procedure = sub;
+        return true;
+    }
+    return false;
+}
+
+EvalStatus RunMemberCall(const RunContext& context, const ExprOp& op)
+{
+    Interpreter& interpreter = *context.interpreter;
+    ValueStack& values = interpreter.Values();
+    MemberSite& site = context.procedure->MemberSiteAt(op.index);
+    const std::size_t first = values.Size() - static_cast<std::size_t>(op.count);
+    VARIANT* object = FollowByRefChain(&values.At(first - 2).Raw());
+    if (!IsObjectValue(*object))
+        return Raise(context, object->vt == VT_EMPTY ? kObjectIsNothing : kTypeMismatch);
+    if (!object->punkVal)
+        return Raise(context, kObjectIsNothing);
+    if (ModuleInstance* instance = interpreter.Host().InstanceOf(object->punkVal))
+        return CallInstanceMember(context, site, *instance, first, op.count);
+
+    ComRef<IDispatch> dispatch;
+    if (object->vt == VT_DISPATCH)
+        dispatch = ComRef<IDispatch>::Share(object->pdispVal);
+    else if (FAILED(object->punkVal->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(dispatch.Out()))))
+        return Raise(context, 10090);
+    automation::DispatchArguments arguments;
+    arguments.values = op.count > 0 ? &values.At(first).Raw() : nullptr;
+    arguments.count = op.count;
+    arguments.namedArguments = &site.namedArguments;
+    Variant result;
+    if (!automation::InvokeMember(dispatch.Get(), site.wideName, site.access, arguments, result))
+        return EvalStatus::kFailed;
+    values.CutBack(first);
+    values.Top() = std::move(result);
+    return HaltFlags::MustStop() ? EvalStatus::kFailed : EvalStatus::kDone;
+}
+
+void EndMemberCall(const RunContext& context)
+{
+    ValueStack& values = context.interpreter->Values();
+    Variant& result = values.Top();
+    if (result.Tag() == VT_ERROR && result.Error() == kResultSlotStatus)
+        result.Clear();
+    values.At(values.Size() - 2) = std::move(result);
+    values.Pop();
+}
+
+bool PushWithObject(const RunContext& context, int level)
+{
+    Activation& activation = *context.activation;
+    if (activation.WithDepth() <= level)
+        return context.interpreter->SignalError(kWrongWith);
+    ValueStack& values = context.interpreter->Values();
+    const std::size_t position = activation.ValueStackBase() + static_cast<std::size_t>(level);
+    Variant* slot = values.Push();
+    if (!slot)
+        return context.interpreter->RaiseOutOfMemory();
+    // Pushing may have moved the stack: the kept object is read after it.
+    if (!values.Top().CopyFrom(values.At(position).Raw()))
+        return context.interpreter->SignalError(10090);
+    return true;
+}
+
+bool PushMe(const RunContext& context)
+{
+    ModuleInstance* instance = context.activation->Instance();
+    if (!instance || !instance->Object())
+        return context.interpreter->SignalError(kObjectIsNothing);
+    Variant* slot = context.interpreter->Values().Push();
+    if (!slot)
+        return context.interpreter->RaiseOutOfMemory();
+    slot->SetObject(instance->Object());
+    return true;
+}
+
+bool LoadAutoNew(const RunContext& context, const ExprOp& op)
+{
+    VARIANT* storage = StorageOf(context, op.scope, op.index, op.module);
+    if (!storage)
+        return false;
+    storage = FollowByRefChain(storage);
+    if (storage->vt == VT_DISPATCH && !storage->pdispVal && op.classModule) {
+        Variant made;
+        if (!context.interpreter->Host().NewInstance(*op.classModule, made)) {
+            if (!HaltFlags::MustStop())
+                (void)context.interpreter->SignalError(10092);
+            return false;
+        }
+        ClearSlot(*storage);
+        made.Detach(*storage);
+    }
+    Variant* slot = context.interpreter->Values().Push();
+    if (!slot)
+        return context.interpreter->RaiseOutOfMemory();
+    if (!slot->CopyFrom(*storage))
+        return context.interpreter->SignalError(10090);
+    return true;
+}
+
+} // namespace brannoc

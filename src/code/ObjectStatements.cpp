@@ -1,0 +1,73 @@
+#include "code/ObjectStatements.h"
+
+#include "exec/Activation.h"
+#include "exec/Interpreter.h"
+
+namespace brannoc {
+namespace {
+
+constexpr long kTypeMismatch = 10080;
+constexpr long kWrongWith = 10035;
+
+bool Finish(ExecEntry& entry)
+{
+    entry.state = ExecEntry::kFinished;
+    return true;
+}
+
+} // namespace
+
+bool SetStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    int pc = entry.state;
+    switch (RunExpression(context, m_value, pc)) {
+    case EvalStatus::kYield: entry.state = pc; return false;
+    case EvalStatus::kFailed: return Fail(context, entry);
+    case EvalStatus::kDone: break;
+    }
+    ValueStack& values = context.interpreter->Values();
+    const VARIANT* value = FollowByRefChain(&values.Top().Raw());
+    if (value->vt != VT_DISPATCH && value->vt != VT_UNKNOWN) {
+        (void)context.interpreter->SignalError(kTypeMismatch);
+        return Fail(context, entry);
+    }
+    const bool stored = StoreVariable(context, m_target, values.Top());
+    values.Pop();
+    if (!stored)
+        return Fail(context, entry);
+    return Finish(entry);
+}
+
+bool WithStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    int pc = entry.state;
+    switch (RunExpression(context, m_value, pc)) {
+    case EvalStatus::kYield: entry.state = pc; return false;
+    case EvalStatus::kFailed: return Fail(context, entry);
+    case EvalStatus::kDone: break;
+    }
+    // The value stays where the statement left it: right above the With objects already kept.
+    context.activation->SetWithDepth(context.activation->WithDepth() + 1);
+    return Finish(entry);
+}
+
+bool EndWithStatement::Execute()
+{
+    const RunContext context = Context();
+    if (context.activation->WithDepth() < 1)
+        return context.interpreter->SignalError(kWrongWith);
+    LeaveWithBlocks(context, 1);
+    return true;
+}
+
+void LeaveWithBlocks(const RunContext& context, int count)
+{
+    Activation& activation = *context.activation;
+    const int depth = activation.WithDepth() - count;
+    activation.SetWithDepth(depth < 0 ? 0 : depth);
+    context.interpreter->Values().CutBack(activation.StatementBase());
+}
+
+} // namespace brannoc
