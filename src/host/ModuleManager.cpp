@@ -420,6 +420,15 @@ bool ModuleManager::Locate(const ProcedureCode& code, int index, std::wstring& m
     return false;
 }
 
+Module* ModuleManager::FindLoadedModule(const std::string& name) const
+{
+    for (const auto& loaded : m_loaded) {
+        if (Module* module = loaded->compiler ? loaded->compiler->FindModule(name) : nullptr)
+            return module;
+    }
+    return nullptr;
+}
+
 ModuleInstance* ModuleManager::DefaultInstance(const Module& module) const
 {
     for (const auto& loaded : m_loaded)

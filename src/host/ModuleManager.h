@@ -73,6 +73,8 @@ public:
     const std::string& RunningName() const { return m_running; }
     // The command text of the current run (what the language's Command gives).
     const std::string& CommandText() const { return m_command; }
+    // A loaded module (top-level or used) by its resolved name, or null.
+    Module* FindLoadedModule(const std::string& name) const;
     // The default instance of a loaded module (a started module or one that it uses), or null before
     // its module was started or after it was unloaded.
     ModuleInstance* DefaultInstance(const Module& module) const;

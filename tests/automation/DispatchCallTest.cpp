@@ -1,6 +1,7 @@
 // Late-bound member access on an automation object: what reaches Invoke (member, flags, locale, argument
 // order, named arguments, the assigned value) and how its failures become the language's errors.
 #include "automation/DispatchCall.h"
+#include "automation/FakeObject.h"
 #include "values/RaiseRecorder.h"
 
 #include <gtest/gtest.h>
@@ -13,138 +14,7 @@ namespace {
 
 using automation::DispatchArguments;
 using automation::InvokeMember;
-
-// Members: Value (property get/let/set), Add(a, b) (method), Items (no parameters: an array of three
-// Longs), Inner (no parameters: another object whose default member takes an index), Fail (raises an
-// exception), Picky (refuses its argument's type).
-class FakeObject final : public IDispatch {
-public:
-    enum Id : DISPID { kValue = 1, kAdd, kItems, kInner, kFail, kPicky, kParamA = 100, kParamB };
-
-    struct Call {
-        DISPID member;
-        WORD flags;
-        LCID locale;
-        std::vector<VARIANT> arguments;   // in IDispatch order, shallow copies
-        std::vector<DISPID> named;
-    };
-    std::vector<Call> calls;
-    std::vector<LCID> nameLocales;
-    long value = 7;
-    FakeObject* inner = nullptr;
-    std::vector<long> innerIndexes;
-
-    HRESULT __stdcall QueryInterface(REFIID id, void** object) override
-    {
-        if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch)) {
-            *object = static_cast<IDispatch*>(this);
-            AddRef();
-            return S_OK;
-        }
-        *object = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG __stdcall AddRef() override { return ++m_references; }
-    ULONG __stdcall Release() override { return --m_references; }
-    HRESULT __stdcall GetTypeInfoCount(UINT* count) override
-    {
-        *count = 0;
-        return S_OK;
-    }
-    HRESULT __stdcall GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    HRESULT __stdcall GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID locale, DISPID* ids) override
-    {
-        nameLocales.push_back(locale);
-        static const struct {
-            const wchar_t* name;
-            DISPID id;
-        } s_names[] = {{L"Value", kValue}, {L"Add", kAdd},   {L"Items", kItems}, {L"Inner", kInner},
-                       {L"Fail", kFail},   {L"Picky", kPicky}, {L"a", kParamA},   {L"b", kParamB}};
-        HRESULT status = S_OK;
-        for (UINT i = 0; i < count; ++i) {
-            ids[i] = DISPID_UNKNOWN;
-            for (const auto& entry : s_names) {
-                if (lstrcmpiW(entry.name, names[i]) == 0)
-                    ids[i] = entry.id;
-            }
-            if (ids[i] == DISPID_UNKNOWN)
-                status = DISP_E_UNKNOWNNAME;
-        }
-        return status;
-    }
-    HRESULT __stdcall Invoke(DISPID member, REFIID, LCID locale, WORD flags, DISPPARAMS* parameters, VARIANT* result,
-                             EXCEPINFO* exception, UINT* argumentError) override
-    {
-        Call call{member, flags, locale, {}, {}};
-        for (UINT i = 0; i < parameters->cArgs; ++i)
-            call.arguments.push_back(parameters->rgvarg[i]);
-        for (UINT i = 0; i < parameters->cNamedArgs; ++i)
-            call.named.push_back(parameters->rgdispidNamedArgs[i]);
-        calls.push_back(call);
-        auto longAt = [&](UINT i) {
-            VARIANT copy;
-            VariantInit(&copy);
-            VariantChangeType(&copy, &parameters->rgvarg[i], 0, VT_I4);
-            return copy.lVal;
-        };
-        switch (member) {
-        case kValue:
-            if (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) {
-                value = longAt(0);
-                return S_OK;
-            }
-            if (parameters->cArgs != 0)
-                return DISP_E_BADPARAMCOUNT;
-            result->vt = VT_I4;
-            result->lVal = value;
-            return S_OK;
-        case kAdd:
-            if (parameters->cArgs != 2)
-                return DISP_E_BADPARAMCOUNT;
-            result->vt = VT_I4;
-            // Named a = 100 and b = 101 may come in any order; positional ones arrive last first.
-            result->lVal = longAt(0) * 10 + longAt(1);
-            return S_OK;
-        case kItems: {
-            if (parameters->cArgs != 0)
-                return DISP_E_BADPARAMCOUNT;
-            SAFEARRAY* array = SafeArrayCreateVector(VT_I4, 0, 3);
-            for (LONG i = 0; i < 3; ++i) {
-                LONG item = 10 * (i + 1);
-                SafeArrayPutElement(array, &i, &item);
-            }
-            result->vt = VT_ARRAY | VT_I4;
-            result->parray = array;
-            return S_OK;
-        }
-        case kInner:
-            if (parameters->cArgs != 0)
-                return DISP_E_BADPARAMCOUNT;
-            result->vt = VT_DISPATCH;
-            result->pdispVal = inner;
-            inner->AddRef();
-            return S_OK;
-        case DISPID_VALUE:
-            innerIndexes.push_back(longAt(0));
-            result->vt = VT_I4;
-            result->lVal = 1000 + longAt(0);
-            return S_OK;
-        case kFail:
-            *exception = EXCEPINFO{};
-            exception->scode = static_cast<SCODE>(0x80040123);
-            exception->bstrDescription = SysAllocString(L"server failed");
-            return DISP_E_EXCEPTION;
-        case kPicky:
-            *argumentError = 0;
-            return DISP_E_TYPEMISMATCH;
-        default:
-            return DISP_E_MEMBERNOTFOUND;
-        }
-    }
-
-private:
-    ULONG m_references = 1;
-};
+using testing::FakeObject;
 
 VARIANT LongValue(long number)
 {

@@ -6,6 +6,7 @@
 #include "frontend/BodyCompiler.h"
 #include "frontend/Compiler.h"
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -63,8 +64,10 @@ inline std::string JoinLines(const std::vector<std::string>& lines)
 }
 
 // Other modules (name, text) that the program names in '#Uses get default instances linked to Main's.
+// prepare (when given) sees the macro's instance before Main runs (to put values into its variables).
 inline ProgramResult RunProgram(const std::string& text, const std::map<std::string, std::string>& others = {},
-                                int stepLimit = 2000000)
+                                int stepLimit = 2000000,
+                                const std::function<void(ModuleInstance&)>& prepare = {})
 {
     ProgramResult result;
     MemorySource source;
@@ -92,6 +95,8 @@ inline ProgramResult RunProgram(const std::string& text, const std::map<std::str
         used.push_back(std::make_unique<ModuleInstance>(*usedModule));
         instance.Link(*used.back());
     }
+    if (prepare)
+        prepare(instance);
     if (!interpreter.StartEntry(*module->Compiled()->entry->code, &instance))
         return result;
     interpreter.PrepareRun(0);

@@ -640,3 +640,69 @@ TEST(EngineRelease, InstancesHeldByModuleVariablesEndBeforeTheEngine)
     EXPECT_EQ((std::vector<std::wstring>{L"\"set\"\r\n", L"\"terminated\"\r\n"}), callBack.printed);
     EXPECT_EQ(0, callBack.badCalls);
 }
+
+// Hosts (and other clients) call the public members of a class instance by name through IDispatch.
+TEST(ClassObjectDispatch, PublicMembersAreCalledByName)
+{
+    FakeCallBack callBack;
+    callBack.macros[L"main"] = L"'#Uses \"counter\"\r\nSub Main\r\nEnd Sub\r\n";
+    callBack.macros[L"counter"] =
+        L"VERSION 1.0 CLASS\r\nAttribute VB_Name = \"Counter\"\r\nPublic Total As Long\r\n"
+        L"Public Function Add(ByVal a As Long, Optional ByVal b As Long = 1) As Long\r\n"
+        L"    Total = Total + a * b\r\n    Add = Total\r\nEnd Function\r\n"
+        L"Public Property Get Value() As Long\r\nAttribute Value.VB_UserMemId = 0\r\n    Value = Total\r\nEnd Property\r\n"
+        L"Private Sub Hidden()\r\nEnd Sub\r\n";
+    auto* unit = static_cast<CodeUnit*>(static_cast<_CodeUnit*>(KZ_CreateCodeUnit()));
+    ASSERT_NE(nullptr, unit);
+    unit->SetCallBack(&callBack);
+    ASSERT_TRUE(unit->Context().Modules().Load("main") == ModuleStatus::Idle);
+    Module* counter = unit->Context().Modules().FindLoadedModule("counter");
+    ASSERT_NE(nullptr, counter);
+    Variant object;
+    {
+        EntryGuard guard(unit->Context());
+        ASSERT_TRUE(unit->Context().NewInstance(*counter, object));
+    }
+    IDispatch* dispatch = object.Object();
+
+    auto idOf = [&](std::vector<const wchar_t*> names, std::vector<DISPID>& ids) {
+        ids.assign(names.size(), 0);
+        return dispatch->GetIDsOfNames(IID_NULL, const_cast<LPOLESTR*>(names.data()), static_cast<UINT>(names.size()),
+                                       0x409, ids.data());
+    };
+    std::vector<DISPID> ids;
+    ASSERT_EQ(S_OK, idOf({L"add", L"b"}, ids));
+    const DISPID add = ids[0];
+    EXPECT_EQ(1, ids[1]) << "b is Add's second parameter";
+    EXPECT_EQ(DISP_E_UNKNOWNNAME, idOf({L"Hidden"}, ids)) << "private members are not offered";
+
+    auto invoke = [&](DISPID id, WORD flags, std::vector<VARIANT> arguments, std::vector<DISPID> named, Variant& result) {
+        DISPPARAMS parameters{arguments.empty() ? nullptr : arguments.data(), named.empty() ? nullptr : named.data(),
+                              static_cast<UINT>(arguments.size()), static_cast<UINT>(named.size())};
+        return dispatch->Invoke(id, IID_NULL, 0x409, flags, &parameters, &result.Raw(), nullptr, nullptr);
+    };
+    auto longValue = [](long number) {
+        VARIANT value;
+        VariantInit(&value);
+        value.vt = VT_I4;
+        value.lVal = number;
+        return value;
+    };
+    Variant result;
+    ASSERT_EQ(S_OK, invoke(add, DISPATCH_METHOD, {longValue(2)}, {}, result));
+    EXPECT_EQ(2, result.Long());
+    // Add a:=5, b:=3 with the named arguments first in IDispatch order.
+    ASSERT_EQ(S_OK, invoke(add, DISPATCH_METHOD, {longValue(3), longValue(5)}, {1, 0}, result));
+    EXPECT_EQ(17, result.Long());
+    EXPECT_EQ(DISP_E_PARAMNOTOPTIONAL, invoke(add, DISPATCH_METHOD, {}, {}, result));
+
+    ASSERT_EQ(S_OK, idOf({L"Total"}, ids));
+    ASSERT_EQ(S_OK, invoke(ids[0], DISPATCH_PROPERTYGET, {}, {}, result));
+    EXPECT_EQ(17, result.Long());
+    ASSERT_EQ(S_OK, invoke(ids[0], DISPATCH_PROPERTYPUT, {longValue(100)}, {DISPID_PROPERTYPUT}, result));
+    ASSERT_EQ(S_OK, invoke(DISPID_VALUE, DISPATCH_PROPERTYGET, {}, {}, result));
+    EXPECT_EQ(100, result.Long()) << "the default member";
+    object = Variant();
+    unit->Release();
+    EXPECT_EQ(0, callBack.badCalls);
+}
