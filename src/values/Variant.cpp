@@ -82,34 +82,54 @@ Variant& Variant::operator=(const Variant& other)
     return *this;
 }
 
-Variant& Variant::operator=(Variant&& other) noexcept
+void Variant::ReleaseOwned() noexcept
 {
-    if (this != &other) {
-        VariantClear(&m_value);
-        m_value = other.m_value;
-        VariantInit(&other.m_value);
-    }
-    return *this;
+    VariantClear(&m_value);
+    m_value.vt = VT_EMPTY;
 }
-
-Variant::~Variant() { VariantClear(&m_value); }
 
 void Variant::Attach(VARIANT& value)
 {
     if (&value == &m_value)
         return;
-    VariantClear(&m_value);
+    Clear();
     m_value = value;
-    VariantInit(&value);
+    value.vt = VT_EMPTY;
 }
 
 void Variant::Detach(VARIANT& target) noexcept
 {
     target = m_value;
-    VariantInit(&m_value);
+    m_value.vt = VT_EMPTY;
 }
 
-bool Variant::CopyFrom(const VARIANT& source)
+namespace {
+
+// The value that a by-reference value of a number, date, Boolean or error kind points at, read without
+// the platform; false for every other kind.
+bool CopyPlainReferent(const VARIANT& reference, VARIANT& out) noexcept
+{
+    if ((reference.vt & (VT_BYREF | VT_ARRAY)) != VT_BYREF || !reference.byref)
+        return false;
+    const VARTYPE kind = static_cast<VARTYPE>(reference.vt & ~VT_BYREF);
+    out.vt = kind;
+    switch (kind) {
+    case VT_I2: out.iVal = *reference.piVal; return true;
+    case VT_I4: out.lVal = *reference.plVal; return true;
+    case VT_R4: out.fltVal = *reference.pfltVal; return true;
+    case VT_R8: out.dblVal = *reference.pdblVal; return true;
+    case VT_CY: out.cyVal = *reference.pcyVal; return true;
+    case VT_DATE: out.date = *reference.pdate; return true;
+    case VT_BOOL: out.boolVal = *reference.pboolVal; return true;
+    case VT_ERROR: out.scode = *reference.pscode; return true;
+    case VT_UI1: out.bVal = *reference.pbVal; return true;
+    default: return false;
+    }
+}
+
+} // namespace
+
+bool Variant::CopyOwnedFrom(const VARIANT& source)
 {
     if (&source == &m_value)
         return true;
@@ -125,6 +145,18 @@ bool Variant::CopyFrom(const VARIANT& source)
 bool Variant::CopyIndirectFrom(const VARIANT& source)
 {
     const VARIANT* end = FollowByRefChain(&source);
+    if (!(end->vt & VT_BYREF) && OwnsNothing(end->vt)) {
+        if (end != &m_value) {
+            Clear();
+            m_value = *end;
+        }
+        return true;
+    }
+    if (VARIANT plain; CopyPlainReferent(*end, plain)) {
+        Clear();
+        m_value = plain;
+        return true;
+    }
     VARIANT fresh;
     VariantInit(&fresh);
     if (FAILED(VariantCopyInd(&fresh, const_cast<VARIANT*>(end))))
@@ -132,12 +164,6 @@ bool Variant::CopyIndirectFrom(const VARIANT& source)
     VariantClear(&m_value);
     m_value = fresh;
     return true;
-}
-
-void Variant::Clear()
-{
-    VariantClear(&m_value);
-    m_value.vt = VT_EMPTY;
 }
 
 void Variant::SetNull()
@@ -270,18 +296,6 @@ void Variant::SetByRef(VARTYPE tag, void* storage)
     Clear();
     m_value.vt = static_cast<VARTYPE>(VT_BYREF | tag);
     m_value.byref = storage;
-}
-
-const VARIANT* FollowByRefChain(const VARIANT* value) noexcept
-{
-    while (value && value->vt == (VT_BYREF | VT_VARIANT) && value->pvarVal)
-        value = value->pvarVal;
-    return value;
-}
-
-VARIANT* FollowByRefChain(VARIANT* value) noexcept
-{
-    return const_cast<VARIANT*>(FollowByRefChain(static_cast<const VARIANT*>(value)));
 }
 
 // ---- SafeArray ----

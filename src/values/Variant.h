@@ -40,26 +40,71 @@ private:
     BSTR m_text = nullptr;
 };
 
+// True for values that own nothing (numbers, dates, Booleans, error codes, Empty, Null, and every
+// by-reference value): clearing one only resets the tag and copying one copies its sixteen bytes, which
+// is what VariantClear and VariantCopy do for them. Tags the platform might refuse are left to it.
+constexpr bool OwnsNothing(VARTYPE tag) noexcept
+{
+    if (tag & VT_BYREF)
+        return true;
+    switch (tag) {
+    case VT_EMPTY: case VT_NULL: case VT_I2: case VT_I4: case VT_R4: case VT_R8: case VT_CY: case VT_DATE:
+    case VT_ERROR: case VT_BOOL: case VT_DECIMAL: case VT_I1: case VT_UI1: case VT_UI2: case VT_UI4: case VT_I8:
+    case VT_UI8: case VT_INT: case VT_UINT:
+        return true;
+    default:
+        return false;
+    }
+}
+
 // Owns one VARIANT: cleared on destruction, copied through VariantCopy, moved by stealing the bits.
+// Values that own nothing are cleared and copied inline, without a call into the platform.
 class Variant final {
 public:
-    Variant() noexcept { VariantInit(&m_value); }
+    Variant() noexcept { m_value.vt = VT_EMPTY; }
     Variant(const Variant& other);
-    Variant(Variant&& other) noexcept : m_value(other.m_value) { VariantInit(&other.m_value); }
+    Variant(Variant&& other) noexcept : m_value(other.m_value) { other.m_value.vt = VT_EMPTY; }
     Variant& operator=(const Variant& other);
-    Variant& operator=(Variant&& other) noexcept;
-    ~Variant();
+    Variant& operator=(Variant&& other) noexcept
+    {
+        if (this != &other) {
+            Clear();
+            m_value = other.m_value;
+            other.m_value.vt = VT_EMPTY;
+        }
+        return *this;
+    }
+    ~Variant()
+    {
+        if (!OwnsNothing(m_value.vt))
+            ReleaseOwned();
+    }
 
     // Adopts the contents of value (ownership moves in; value becomes Empty).
     void Attach(VARIANT& value);
     // Moves the contents out into target, which must not hold anything owned; this becomes Empty.
     void Detach(VARIANT& target) noexcept;
     // Copies source through VariantCopy. False when the platform refused (out of memory and so on).
-    [[nodiscard]] bool CopyFrom(const VARIANT& source);
+    [[nodiscard]] bool CopyFrom(const VARIANT& source)
+    {
+        if (!OwnsNothing(source.vt))
+            return CopyOwnedFrom(source);
+        if (&source != &m_value) {
+            Clear();
+            m_value = source;
+        }
+        return true;
+    }
     // Copies what a by-reference source points at (VariantCopyInd). False on failure.
     [[nodiscard]] bool CopyIndirectFrom(const VARIANT& source);
 
-    void Clear();
+    void Clear()
+    {
+        if (OwnsNothing(m_value.vt))
+            m_value.vt = VT_EMPTY;
+        else
+            ReleaseOwned();
+    }
     VARIANT& Raw() noexcept { return m_value; }
     const VARIANT& Raw() const noexcept { return m_value; }
     VARTYPE Tag() const noexcept { return m_value.vt; }
@@ -114,6 +159,10 @@ public:
     SAFEARRAY* Array() const noexcept { return m_value.parray; }
 
 private:
+    // The platform paths: VariantClear of a value that owns something, VariantCopy of one.
+    void ReleaseOwned() noexcept;
+    [[nodiscard]] bool CopyOwnedFrom(const VARIANT& source);
+
     VARIANT m_value;
 };
 
@@ -121,8 +170,16 @@ static_assert(sizeof(Variant) == 16, "Variant must keep the VARIANT layout");
 
 // Follows a chain of by-reference Variants (tag VT_BYREF | VT_VARIANT) to the last VARIANT, which is
 // either a plain value or a by-reference value of a fixed kind. Never returns null for a non-null input.
-const VARIANT* FollowByRefChain(const VARIANT* value) noexcept;
-VARIANT* FollowByRefChain(VARIANT* value) noexcept;
+inline const VARIANT* FollowByRefChain(const VARIANT* value) noexcept
+{
+    while (value && value->vt == (VT_BYREF | VT_VARIANT) && value->pvarVal)
+        value = value->pvarVal;
+    return value;
+}
+inline VARIANT* FollowByRefChain(VARIANT* value) noexcept
+{
+    return const_cast<VARIANT*>(FollowByRefChain(static_cast<const VARIANT*>(value)));
+}
 
 // Owns one SAFEARRAY (destroyed with SafeArrayDestroy).
 class SafeArray final {
