@@ -44,109 +44,30 @@ bool ValueCell::WriteWrite(std::wstring& out, const Variant& value) const { retu
 bool ValueCell::WriteDebug(std::wstring& out, const Variant& value) const { return brannoc::WriteDebug(out, value); }
 
 namespace {
+bool IsWholeNumber(VARTYPE tag) { return tag == VT_I2 || tag == VT_I4; }
+} // namespace
 
-// Same-kind comparison of two ordered numbers into left as a Boolean.
-template <typename T>
-void StoreComparison(OperationId op, T a, T b, VARIANT& left)
+bool WholeNumberCell::Binary(OperationId op, Variant& left, const Variant& right) const
 {
-    bool result = false;
-    switch (op) {
-    case OperationId::kEqual: result = a == b; break;
-    case OperationId::kNotEqual: result = a != b; break;
-    case OperationId::kLess: result = a < b; break;
-    case OperationId::kLessEqual: result = a <= b; break;
-    case OperationId::kGreater: result = a > b; break;
-    default: result = a >= b; break;
-    }
-    // Numbers own nothing, so the tag can be replaced without clearing.
-    left.vt = VT_BOOL;
-    left.boolVal = result ? VARIANT_TRUE : VARIANT_FALSE;
+    return (IsWholeNumber(left.Tag()) && TryBinary(op, left.Raw(), right.Raw())) || BinaryOperation(op, left, right);
 }
 
-class IntegerCell final : public ValueCell {
-public:
-    VARTYPE Kind() const override { return VT_I2; }
-    bool Binary(OperationId op, Variant& left, const Variant& right) const override
-    {
-        if (right.Tag() == VT_I2 && left.Tag() == VT_I2) {
-            LONG a = left.Integer(), b = right.Integer(), r = 0;
-            switch (op) {
-            case OperationId::kAdd: r = a + b; break;
-            case OperationId::kSubtract: r = a - b; break;
-            case OperationId::kMultiply: r = a * b; break;
-            default:
-                if (IsComparison(op)) {
-                    StoreComparison(op, a, b, left.Raw());
-                    return true;
-                }
-                return BinaryOperation(op, left, right);
-            }
-            if (r >= SHRT_MIN && r <= SHRT_MAX) {
-                left.Raw().iVal = static_cast<SHORT>(r);
-                return true;
-            }
-        }
-        return BinaryOperation(op, left, right);
-    }
-};
+bool WholeNumberCell::Unary(OperationId op, Variant& value) const
+{
+    return (IsWholeNumber(value.Tag()) && TryUnary(op, value.Raw())) || UnaryOperation(op, value);
+}
 
-class LongCell final : public ValueCell {
-public:
-    VARTYPE Kind() const override { return VT_I4; }
-    bool Binary(OperationId op, Variant& left, const Variant& right) const override
-    {
-        if (right.Tag() == VT_I4 && left.Tag() == VT_I4) {
-            LONG a = left.Long(), b = right.Long(), r = 0;
-            bool overflow = false;
-            switch (op) {
-            case OperationId::kAdd: overflow = __builtin_add_overflow(a, b, &r); break;
-            case OperationId::kSubtract: overflow = __builtin_sub_overflow(a, b, &r); break;
-            case OperationId::kMultiply: overflow = __builtin_mul_overflow(a, b, &r); break;
-            default:
-                if (IsComparison(op)) {
-                    StoreComparison(op, a, b, left.Raw());
-                    return true;
-                }
-                return BinaryOperation(op, left, right);
-            }
-            if (!overflow) {
-                left.Raw().lVal = r;
-                return true;
-            }
-        }
-        return BinaryOperation(op, left, right);
-    }
-};
+bool DoubleCell::Binary(OperationId op, Variant& left, const Variant& right) const
+{
+    return (left.Tag() == VT_R8 && TryBinary(op, left.Raw(), right.Raw())) || BinaryOperation(op, left, right);
+}
 
-class DoubleCell final : public ValueCell {
-public:
-    VARTYPE Kind() const override { return VT_R8; }
-    bool Binary(OperationId op, Variant& left, const Variant& right) const override
-    {
-        if (right.Tag() == VT_R8 && left.Tag() == VT_R8) {
-            double a = left.Double(), b = right.Double(), r = 0;
-            switch (op) {
-            case OperationId::kAdd: r = a + b; break;
-            case OperationId::kSubtract: r = a - b; break;
-            case OperationId::kMultiply: r = a * b; break;
-            default:
-                if (IsComparison(op)) {
-                    StoreComparison(op, a, b, left.Raw());
-                    return true;
-                }
-                return BinaryOperation(op, left, right);
-            }
-            // Only a normal result, or an exact zero from a zero factor or equal terms, skips the
-            // status check; everything else is recomputed by the generic routine.
-            bool exactZero = r == 0 && (op == OperationId::kMultiply ? (a == 0 || b == 0) : true);
-            if (std::isnormal(r) || exactZero) {
-                left.Raw().dblVal = r;
-                return true;
-            }
-        }
-        return BinaryOperation(op, left, right);
-    }
-};
+bool DoubleCell::Unary(OperationId op, Variant& value) const
+{
+    return (value.Tag() == VT_R8 && TryUnary(op, value.Raw())) || UnaryOperation(op, value);
+}
+
+namespace {
 
 // Kinds whose operations all take the generic routines: only the tag differs.
 template <VARTYPE kTag>

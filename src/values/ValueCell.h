@@ -56,14 +56,8 @@ private:
 // The cell of an array variable whose elements have kind elementTag.
 const ValueCell& ArrayCell(VARTYPE elementTag);
 
-// Shortcuts used by expression nodes.
-[[nodiscard]] inline bool ApplyBinary(OperationId op, Variant& left, const Variant& right)
-{
-    return CellFor(left.Tag()).Binary(op, left, right);
-}
-[[nodiscard]] inline bool ApplyUnary(OperationId op, Variant& value)
-{
-    return CellFor(value.Tag()).Unary(op, value);
-}
-
 } // namespace brannoc
+
+// The shortcuts that expression nodes use (ApplyBinary, ApplyUnary) try the numeric cells' inline fast
+// paths first; they live with those cells.
+#include "values/NumericCells.h"
