@@ -12,6 +12,7 @@
 #include "values/ValueCell.h"
 #include "values/ValueError.h"
 
+#include <climits>
 #include <cstddef>
 #include <cstring>
 
@@ -116,9 +117,59 @@ VARIANT* StorageOf(const RunContext& context, StorageScope scope, int index, con
     return nullptr;
 }
 
+namespace {
+
+// Stores value into storage of kind without the conversion routine when reading it in that kind cannot
+// change it: the same kind, an Integer into a Long, an Integer or Long into a Double, a Long that fits
+// into an Integer, and into a Variant any value that owns nothing. False (nothing stored) otherwise.
+bool StorePlain(VARIANT& storage, VARTYPE kind, const VARIANT& value)
+{
+    if ((value.vt & VT_BYREF) || !OwnsNothing(value.vt))
+        return false;
+    VARIANT result = value;
+    if (kind != VT_VARIANT && value.vt != kind) {
+        if (kind == VT_I4 && value.vt == VT_I2) {
+            result.vt = VT_I4;
+            result.lVal = value.iVal;
+        } else if (kind == VT_R8 && (value.vt == VT_I2 || value.vt == VT_I4)) {
+            result.vt = VT_R8;
+            result.dblVal = value.vt == VT_I2 ? value.iVal : value.lVal;
+        } else if (kind == VT_I2 && value.vt == VT_I4 && value.lVal >= SHRT_MIN && value.lVal <= SHRT_MAX) {
+            result.vt = VT_I2;
+            result.iVal = static_cast<SHORT>(value.lVal);
+        } else {
+            return false;
+        }
+    }
+    // Storage reached by reference may be a caller's Variant holding anything.
+    if (!OwnsNothing(storage.vt))
+        ClearSlot(storage);
+    storage = result;
+    return true;
+}
+
+// A String value given to a String or Variant variable: the string moves into the storage and the old
+// contents move into value, which the caller discards.
+bool StoreStringTaking(VARIANT& storage, VARTYPE kind, Variant& value)
+{
+    if (value.Tag() != VT_BSTR || (kind != VT_BSTR && kind != VT_VARIANT))
+        return false;
+    VARIANT previous = storage;
+    storage = value.Raw();
+    value.Raw() = previous;
+    return true;
+}
+
+VARIANT* StorageForStore(const RunContext& context, const VariableRef& target)
+{
+    return StorageOf(context, target.scope, target.index, target.module);
+}
+
+} // namespace
+
 bool StoreVariable(const RunContext& context, const VariableRef& target, const Variant& value)
 {
-    VARIANT* storage = StorageOf(context, target.scope, target.index, target.module);
+    VARIANT* storage = StorageForStore(context, target);
     if (!storage)
         return false;
     return StoreTyped(*storage, target.type, value);
@@ -128,7 +179,20 @@ bool StoreTyped(VARIANT& storage, TypeCode type, const Variant& value)
 {
     if (type.IsFixedString() && !type.IsArray())
         return FixedStringCell(static_cast<UINT>(type.FixedLength())).Store(storage, value);
-    return StorageCell(StorageTag(type)).Store(storage, value);
+    const VARTYPE kind = StorageTag(type);
+    return StorePlain(storage, kind, value.Raw()) || StorageCell(kind).Store(storage, value);
+}
+
+bool StoreVariableTaking(const RunContext& context, const VariableRef& target, Variant& value)
+{
+    VARIANT* storage = StorageForStore(context, target);
+    if (!storage)
+        return false;
+    if (target.type.IsFixedString() && !target.type.IsArray())
+        return FixedStringCell(static_cast<UINT>(target.type.FixedLength())).Store(*storage, value);
+    const VARTYPE kind = StorageTag(target.type);
+    return StorePlain(*storage, kind, value.Raw()) || StoreStringTaking(*storage, kind, value) ||
+           StorageCell(kind).Store(*storage, value);
 }
 
 bool ConditionIsTrue(Variant& value, bool& result)

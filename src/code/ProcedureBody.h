@@ -111,6 +111,9 @@ VARIANT* StorageOf(const RunContext& context, StorageScope scope, int index, con
 [[nodiscard]] bool StoreTyped(VARIANT& storage, TypeCode type, const Variant& value);
 // Replaces the top `count` values by one Variant array holding copies of them (ParamArray).
 [[nodiscard]] bool PackValues(ValueStack& values, int count);
+// The same for a value that is discarded afterwards: a String moves into the variable instead of being
+// copied, and value may be left holding the variable's previous contents.
+[[nodiscard]] bool StoreVariableTaking(const RunContext& context, const VariableRef& target, Variant& value);
 // The element of the array held by storage at the `count` indexes on top of the value stack (left to
 // right); null after raising an error. tag receives the element kind.
 void* ElementOf(const RunContext& context, VARIANT* storage, int count, VARTYPE& tag);

@@ -66,7 +66,7 @@ bool AssignStatement::Step(ExecEntry& entry)
     case EvalStatus::kDone: break;
     }
     ValueStack& values = context.interpreter->Values();
-    const bool stored = StoreVariable(context, m_target, values.Top());
+    const bool stored = StoreVariableTaking(context, m_target, values.Top());
     values.Pop();
     if (!stored)
         return Fail(context, entry);
@@ -551,6 +551,34 @@ bool ForStatement::Step(ExecEntry& entry)
     return Finish(entry);
 }
 
+namespace {
+
+// counter = counter + step and the test against end, for counters, steps and ends that the numeric cells'
+// fast paths take (Integer, Long, Double): answers whether it was done and, if so, whether the loop goes
+// on. Declined (nothing changed) in every other case, which the general Next handles.
+bool AdvanceCounterFast(VARIANT& counter, VARTYPE declared, const VARIANT& step, const VARIANT& end, bool& goOn)
+{
+    VARIANT sum = counter;
+    if (!TryFastBinary(OperationId::kAdd, sum, step) || (declared != VT_VARIANT && sum.vt != declared))
+        return false;
+    bool negative = false;
+    switch (step.vt) {
+    case VT_I2: negative = step.iVal < 0; break;
+    case VT_I4: negative = step.lVal < 0; break;
+    case VT_R8: negative = step.dblVal < 0; break;
+    default: return false;
+    }
+    VARIANT past = sum;
+    if (!TryFastBinary(negative ? OperationId::kLess : OperationId::kGreater, past, end))
+        return false;
+    // The counter held a number (the sum was taken), so overwriting it releases nothing.
+    counter = sum;
+    goOn = past.boolVal == VARIANT_FALSE;
+    return true;
+}
+
+} // namespace
+
 bool NextStatement::Execute()
 {
     RunContext context = Context();
@@ -561,6 +589,11 @@ bool NextStatement::Execute()
         return Fail(context, entry);
     VARIANT& endSlot = HiddenSlot(context, m_endSlot);
     VARIANT& stepSlot = HiddenSlot(context, m_stepSlot);
+    if (bool goOn = false; AdvanceCounterFast(*storage, m_counterKind, stepSlot, endSlot, goOn)) {
+        if (goOn)
+            JumpTo(context, m_loopStart);
+        return true;
+    }
     Variant* counter = values.Push();
     if (!counter)
         return context.interpreter->RaiseOutOfMemory();

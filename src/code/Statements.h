@@ -294,13 +294,15 @@ private:
 class NextStatement final : public Statement {
 public:
     NextStatement(VariableRef counter, int endSlot, int stepSlot, int loopStart)
-        : m_counter(counter), m_endSlot(endSlot), m_stepSlot(stepSlot), m_loopStart(loopStart)
+        : m_counter(counter), m_counterKind(static_cast<VARTYPE>(counter.type.ValueTag())), m_endSlot(endSlot),
+          m_stepSlot(stepSlot), m_loopStart(loopStart)
     {
     }
     [[nodiscard]] bool Execute() override;
 
 private:
     VariableRef m_counter;
+    VARTYPE m_counterKind; // VT_VARIANT for a Variant counter
     int m_endSlot;
     int m_stepSlot;
     int m_loopStart;
