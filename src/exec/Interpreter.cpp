@@ -105,10 +105,8 @@ void Interpreter::PopAndRelease()
     entry.executor->Release();
 }
 
-bool Interpreter::YieldDue()
+bool Interpreter::TimeSliceOver()
 {
-    if (m_yieldSetting == 0)
-        return false;
     const DWORD tick = m_tick();
     // Unsigned difference: correct across the wrap of the 32-bit millisecond counter.
     if (tick - m_lastYieldTick < kTimeSliceMs)
@@ -130,7 +128,7 @@ void Interpreter::PrepareRun(int runDepth) noexcept
     m_stepCounter = 1;
 }
 
-bool Interpreter::BreakTestStops()
+bool Interpreter::BreakTestSlow()
 {
     if (m_stepCounter <= 2) {
         ++m_stepCounter;

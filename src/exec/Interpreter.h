@@ -97,7 +97,7 @@ public:
 
     // The time-slice test: true at most every 100 ms while yielding is on, and then a yield is asked
     // for; never true (and the tick counter is not read) while it is off.
-    [[nodiscard]] bool YieldDue();
+    [[nodiscard]] bool YieldDue() { return m_yieldSetting != 0 && TimeSliceOver(); }
 
     // Pushes an entry on the pending stack (Node::Execute's default). False after raising out of memory.
     [[nodiscard]] bool PushPending(const ExecEntry& entry);
@@ -162,8 +162,12 @@ private:
     void BeginRun();
     void EndRun();
     void RunHaltHandler();
-    // The break test before a non-empty statement: true when the run must pause before it.
-    [[nodiscard]] bool BreakTestStops();
+    // The break test before a non-empty statement: true when the run must pause before it. Past the
+    // first statements of a run and at or below the run depth there is nothing to test.
+    [[nodiscard]] bool BreakTestStops() { return (m_stepCounter <= 2 || m_callDepth < m_runDepth) && BreakTestSlow(); }
+    [[nodiscard]] bool BreakTestSlow();
+    // Reads the tick counter: true (and a yield asked for) when the time slice is over.
+    [[nodiscard]] bool TimeSliceOver();
     // Moves the pending entries above base onto the execution stack, first pushed ending on top.
     void MovePending(std::size_t base);
     void PopAndRelease();
