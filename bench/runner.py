@@ -52,23 +52,28 @@ def measure_child(command, cwd, timeout):
 
     GNU time reports the peak: Linux carries the resident high-water mark of the process that forks over
     into the program it executes, so the measuring process must be a small one."""
-    with tempfile.NamedTemporaryFile(prefix="brannoc-bench-peak-") as report:
-        full = ["/usr/bin/time", "-q", "-f", "%M", "-o", report.name] + [str(part) for part in command]
-        start = time.perf_counter()
-        process = subprocess.Popen(full, cwd=cwd, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-                                   start_new_session=True)
-        try:
-            out, err = process.communicate(timeout=timeout)
-        except subprocess.TimeoutExpired:
-            # The program leads its own process group: whatever it started goes too.
-            os.killpg(process.pid, 9)
-            process.communicate()
-            raise Failure(f"{' '.join(map(str, command))}: no end after {timeout} s")
-        wall = time.perf_counter() - start
+    # Output goes to files, not pipes: Wine's service processes, started by the first program of a Wine
+    # session, inherit the handles and would hold a pipe open long after the program ended.
+    with tempfile.TemporaryDirectory(prefix="brannoc-bench-run-") as folder:
+        report, out_path, err_path = (pathlib.Path(folder) / name for name in ("peak", "out", "err"))
+        full = ["/usr/bin/time", "-q", "-f", "%M", "-o", report] + [str(part) for part in command]
+        with open(out_path, "wb") as out_file, open(err_path, "wb") as err_file:
+            start = time.perf_counter()
+            process = subprocess.Popen(full, cwd=cwd, stdin=subprocess.DEVNULL, stdout=out_file, stderr=err_file,
+                                       start_new_session=True)
+            try:
+                process.wait(timeout=timeout)
+            except subprocess.TimeoutExpired:
+                # The program leads its own process group: whatever it started goes too.
+                os.killpg(process.pid, 9)
+                process.wait()
+                raise Failure(f"{' '.join(map(str, command))}: no end after {timeout} s")
+            wall = time.perf_counter() - start
+        out, err = out_path.read_bytes(), err_path.read_bytes()
         if process.returncode != 0:
             raise Failure(f"{' '.join(map(str, command))}: exit {process.returncode}\n"
                           f"{out.decode(errors='replace')}{err.decode(errors='replace')}")
-        lines = pathlib.Path(report.name).read_text().split()
+        lines = report.read_text().split()
     return wall, int(lines[-1]) if lines else 0, out, err
 
 
@@ -168,7 +173,9 @@ class VBScript(Implementation):
         self.build = build
 
     def prepare(self, program, source):
-        return [self.build / "wine-run", "cscript.exe", "//nologo", source]
+        # Wine's cscript reads an argument that starts with "/" as a switch, so the script is named
+        # relative to the folder it runs in (the folder of the source).
+        return [self.build / "wine-run", "cscript.exe", "//nologo", source.name]
 
     def write_empty(self):
         path = self.work / "empty.vbs"
