@@ -8,6 +8,7 @@
 #include "exec/Interpreter.h"
 #include "exec/ModuleInstance.h"
 #include "frontend/Symbols.h"
+#include "values/ArrayStorage.h"
 #include "values/Conversion.h"
 #include "values/ValueCell.h"
 #include "values/ValueError.h"
@@ -398,12 +399,16 @@ void* ElementOf(const RunContext& context, VARIANT* storage, int count, VARTYPE&
     const std::size_t first = values.Size() - static_cast<std::size_t>(count);
     for (int i = 0; i < count && i < 8; ++i) {
         Variant& index = values.At(first + static_cast<std::size_t>(i));
+        if (index.Tag() == VT_I2) {
+            indexes[i] = index.Integer();
+            continue;
+        }
         if (index.Tag() != VT_I4 && !ChangeType(index, VT_I4))
             return nullptr;
         indexes[i] = index.Long();
     }
-    void* element = nullptr;
-    if (FAILED(SafeArrayPtrOfIndex(array, indexes, &element))) {
+    void* element = ElementAddress(array, indexes);
+    if (!element) {
         (void)context.interpreter->SignalError(10023);
         return nullptr;
     }
@@ -411,8 +416,37 @@ void* ElementOf(const RunContext& context, VARIANT* storage, int count, VARTYPE&
     return element;
 }
 
+namespace {
+
+// Kinds whose elements are plain bits: loading and storing copies the payload.
+bool IsPlainKind(VARTYPE tag)
+{
+    switch (tag) {
+    case VT_UI1:
+    case VT_I2:
+    case VT_BOOL:
+    case VT_I4:
+    case VT_R4:
+    case VT_R8:
+    case VT_CY:
+    case VT_DATE:
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
 bool LoadElement(const void* element, VARTYPE tag, Variant& target)
 {
+    if (IsPlainKind(tag)) {
+        target.Clear();
+        VARIANT& raw = target.Raw();
+        std::memcpy(reinterpret_cast<char*>(&raw) + kPayloadOffset, element, PayloadSize(tag));
+        raw.vt = tag;
+        return true;
+    }
     if (tag == VT_VARIANT)
         return target.CopyIndirectFrom(*static_cast<const VARIANT*>(element)) || RaiseValueError(10090);
     VARIANT view;
@@ -427,6 +461,10 @@ bool LoadElement(const void* element, VARTYPE tag, Variant& target)
 
 bool StoreElement(void* element, VARTYPE tag, const Variant& value)
 {
+    if (value.Tag() == tag && IsPlainKind(tag)) {
+        std::memcpy(element, reinterpret_cast<const char*>(&value.Raw()) + kPayloadOffset, PayloadSize(tag));
+        return true;
+    }
     if (tag == VT_VARIANT)
         return StorageCell(VT_VARIANT).Store(*static_cast<VARIANT*>(element), value);
     // Typed storage: a VARIANT of the element's kind around the element's payload.
@@ -445,6 +483,21 @@ bool StoreElement(void* element, VARTYPE tag, const Variant& value)
     } else {
         std::memcpy(element, reinterpret_cast<char*>(&slot) + kPayloadOffset, PayloadSize(tag));
     }
+    return true;
+}
+
+bool StoreTypedElement(void* element, VARTYPE tag, TypeCode arrayType, const Variant& value)
+{
+    const TypeCode scalar = arrayType.Scalar();
+    if (tag != VT_BSTR || !scalar.IsFixedString())
+        return StoreElement(element, tag, value);
+    VARIANT slot;
+    VariantInit(&slot);
+    slot.vt = VT_BSTR;
+    slot.bstrVal = *static_cast<BSTR*>(element);
+    if (!FixedStringCell(static_cast<UINT>(scalar.FixedLength())).Store(slot, value))
+        return false;
+    *static_cast<BSTR*>(element) = slot.bstrVal;
     return true;
 }
 

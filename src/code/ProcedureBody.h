@@ -120,6 +120,9 @@ void* ElementOf(const RunContext& context, VARIANT* storage, int count, VARTYPE&
 // Copies an element of kind tag into target; stores value into an element of kind tag.
 [[nodiscard]] bool LoadElement(const void* element, VARTYPE tag, Variant& target);
 [[nodiscard]] bool StoreElement(void* element, VARTYPE tag, const Variant& value);
+// As StoreElement for an element of a declared array type (fixed-length String elements keep their
+// length).
+[[nodiscard]] bool StoreTypedElement(void* element, VARTYPE tag, TypeCode arrayType, const Variant& value);
 // The array held by a variable's storage (by-reference values followed), or null.
 SAFEARRAY* ArrayOf(VARIANT* storage);
 

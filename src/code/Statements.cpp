@@ -5,6 +5,7 @@
 #include "exec/HaltFlags.h"
 #include "exec/Interpreter.h"
 #include "exec/ModuleInstance.h"
+#include "values/ArrayStorage.h"
 #include "values/Conversion.h"
 #include "values/TextForm.h"
 #include "values/ValueCell.h"
@@ -89,7 +90,7 @@ bool AssignElementStatement::Step(ExecEntry& entry)
     VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
     VARTYPE tag = VT_EMPTY;
     void* element = storage ? ElementOf(context, storage, m_count, tag) : nullptr;
-    if (!element || !StoreElement(element, tag, value))
+    if (!element || !StoreTypedElement(element, tag, m_target.type, value))
         return Fail(context, entry);
     values.CutBack(values.Size() - static_cast<std::size_t>(m_count));
     return Finish(entry);
@@ -103,16 +104,15 @@ bool AssignEachElement(const RunContext& context, const VariableRef& variable, i
                        bool& error)
 {
     error = false;
-    VARIANT& kept = HiddenSlot(context, arraySlot);
-    SAFEARRAY* array = ArrayOf(&kept);
+    // The kept value is the array itself or a reference to the array variable being walked.
+    VARIANT* kept = FollowByRefChain(&HiddenSlot(context, arraySlot));
+    SAFEARRAY* array = ArrayOf(kept);
     if (!array)
         return false;
-    ULONG total = array->cDims > 0 ? 1 : 0;
-    for (USHORT d = 0; d < array->cDims; ++d)
-        total *= array->rgsabound[d].cElements;
+    const ULONG total = ElementCount(array);
     if (position < 0 || static_cast<ULONG>(position) >= total)
         return false;
-    const VARTYPE tag = static_cast<VARTYPE>(kept.vt & VT_TYPEMASK);
+    const VARTYPE tag = static_cast<VARTYPE>(kept->vt & VT_TYPEMASK);
     const void* element = static_cast<const char*>(array->pvData) + static_cast<std::size_t>(position) * array->cbElements;
     Variant value;
     if (!LoadElement(element, tag, value) || !StoreVariable(context, variable, value)) {
@@ -134,7 +134,7 @@ bool ForEachStatement::Step(ExecEntry& entry)
     case EvalStatus::kDone: break;
     }
     ValueStack& values = context.interpreter->Values();
-    if (!values.Top().IsArray()) {
+    if ((FollowByRefChain(&values.Top().Raw())->vt & VT_ARRAY) == 0) {
         (void)context.interpreter->SignalError(10080);
         return Fail(context, entry);
     }
@@ -172,113 +172,6 @@ bool NextEachStatement::Execute()
     }
     // The loop is over: the kept array goes.
     ClearSlot(HiddenSlot(context, m_arraySlot));
-    return true;
-}
-
-bool ReDimStatement::Step(ExecEntry& entry)
-{
-    const RunContext context = Context();
-    int pc = entry.state;
-    switch (RunExpression(context, m_bounds, pc)) {
-    case EvalStatus::kYield: entry.state = pc; return false;
-    case EvalStatus::kFailed: return Fail(context, entry);
-    case EvalStatus::kDone: break;
-    }
-    ValueStack& values = context.interpreter->Values();
-    const std::size_t first = values.Size() - static_cast<std::size_t>(2 * m_dimensions);
-    long lower[8] = {};
-    long upper[8] = {};
-    for (int d = 0; d < m_dimensions; ++d) {
-        for (int part = 0; part < 2; ++part) {
-            Variant& bound = values.At(first + static_cast<std::size_t>(2 * d + part));
-            if (bound.Tag() != VT_I4 && !ChangeType(bound, VT_I4))
-                return Fail(context, entry);
-            (part == 0 ? lower : upper)[d] = bound.Long();
-        }
-        if (lower[d] > upper[d]) {
-            (void)context.interpreter->SignalError(10024);
-            return Fail(context, entry);
-        }
-    }
-    values.CutBack(first);
-    VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
-    if (!storage)
-        return Fail(context, entry);
-    SAFEARRAY* existing = ArrayOf(storage);
-    if (m_preserve && existing) {
-        if (static_cast<int>(SafeArrayGetDim(existing)) != m_dimensions) {
-            (void)context.interpreter->SignalError(10024);
-            return Fail(context, entry);
-        }
-        for (int d = 0; d < m_dimensions; ++d) {
-            LONG oldLower = 0;
-            LONG oldUpper = 0;
-            (void)SafeArrayGetLBound(existing, static_cast<UINT>(d + 1), &oldLower);
-            (void)SafeArrayGetUBound(existing, static_cast<UINT>(d + 1), &oldUpper);
-            const bool last = d == m_dimensions - 1;
-            if (oldLower != lower[d]) {
-                (void)context.interpreter->SignalError(last ? 10023 : 10024);
-                return Fail(context, entry);
-            }
-            if (!last && oldUpper != upper[d]) {
-                (void)context.interpreter->SignalError(10024);
-                return Fail(context, entry);
-            }
-        }
-        SAFEARRAYBOUND bound{static_cast<ULONG>(upper[m_dimensions - 1] - lower[m_dimensions - 1] + 1),
-                             lower[m_dimensions - 1]};
-        if (FAILED(SafeArrayRedim(existing, &bound))) {
-            (void)context.interpreter->SignalError(10021);
-            return Fail(context, entry);
-        }
-        return Finish(entry);
-    }
-    const unsigned short code =
-        m_target.type.IsArray() ? m_target.type.Code() : TypeCode(TypeCode::kVariant).WithRank(1).Code();
-    VARIANT fresh;
-    if (!InitializeArraySlot(fresh, code, lower, upper, static_cast<std::size_t>(m_dimensions)) ||
-        fresh.vt == VT_EMPTY) {
-        (void)context.interpreter->SignalError(10021);
-        return Fail(context, entry);
-    }
-    VARIANT* target = FollowByRefChain(storage);
-    ClearSlot(*target);
-    *target = fresh;
-    return Finish(entry);
-}
-
-bool EraseStatement::Execute()
-{
-    const RunContext context = Context();
-    ExecEntry entry{this, 0};
-    VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
-    if (!storage)
-        return Fail(context, entry);
-    VARIANT* target = FollowByRefChain(storage);
-    SAFEARRAY* array = ArrayOf(target);
-    if (!m_fixed || !array) {
-        ClearSlot(*target);
-        return true;
-    }
-    // A fixed array keeps its shape: every element goes back to its zero value.
-    const VARTYPE tag = static_cast<VARTYPE>(target->vt & VT_TYPEMASK);
-    ULONG total = 1;
-    for (USHORT d = 0; d < array->cDims; ++d)
-        total *= array->rgsabound[d].cElements;
-    for (ULONG i = 0; i < total; ++i) {
-        void* element = static_cast<char*>(array->pvData) + static_cast<std::size_t>(i) * array->cbElements;
-        if (tag == VT_VARIANT) {
-            ClearSlot(*static_cast<VARIANT*>(element));
-        } else if (tag == VT_BSTR || tag == VT_DISPATCH) {
-            // A typed view of the element hands its string or reference to a holder.
-            VARIANT view;
-            VariantInit(&view);
-            std::memcpy(reinterpret_cast<char*>(&view) + 8, element, sizeof(void*));
-            view.vt = tag;
-            ClearSlot(view);
-        }
-        std::memset(element, 0, array->cbElements);
-    }
     return true;
 }
 

@@ -81,33 +81,6 @@ private:
     int m_loopStart;
 };
 
-// ReDim [Preserve] var(bounds): the code leaves a (lower, upper) pair per dimension.
-class ReDimStatement final : public Statement {
-public:
-    ReDimStatement(Expression bounds, VariableRef target, int dimensions, bool preserve)
-        : m_bounds(std::move(bounds)), m_target(target), m_dimensions(dimensions), m_preserve(preserve)
-    {
-    }
-    [[nodiscard]] bool Step(ExecEntry& entry) override;
-
-private:
-    Expression m_bounds;
-    VariableRef m_target;
-    int m_dimensions;
-    bool m_preserve;
-};
-
-// Erase var: a dynamic array becomes not dimensioned; a fixed array's elements return to zero values.
-class EraseStatement final : public Statement {
-public:
-    EraseStatement(VariableRef target, bool fixed) : m_target(target), m_fixed(fixed) {}
-    [[nodiscard]] bool Execute() override;
-
-private:
-    VariableRef m_target;
-    bool m_fixed;
-};
-
 // LSet / RSet of a string variable: the destination keeps its length.
 class AlignStatement final : public Statement {
 public:

@@ -45,29 +45,43 @@ VARTYPE ArrayElementTag(unsigned short code)
 {
     const TypeCode element = TypeCode(code).Scalar();
     if (element.IsUserType())
-        return VT_EMPTY;
+        return VT_RECORD;
     if (element.IsFixedString())
         return VT_BSTR;
     return static_cast<VARTYPE>(element.ValueTag());
 }
 
+ElementKind ArrayElementKind(unsigned short code, IRecordInfo* record)
+{
+    ElementKind kind;
+    kind.tag = ArrayElementTag(code);
+    const TypeCode element = TypeCode(code).Scalar();
+    if (element.IsFixedString())
+        kind.fixedLength = static_cast<UINT>(element.FixedLength());
+    if (kind.tag == VT_RECORD)
+        kind.record = record;
+    return kind;
+}
+
 bool InitializeArraySlot(VARIANT& storage, unsigned short code, const long* lower, const long* upper,
-                         std::size_t dimensions)
+                         std::size_t dimensions, IRecordInfo* record, bool fixed)
 {
     VariantInit(&storage);
-    const VARTYPE tag = ArrayElementTag(code);
-    if (dimensions == 0 || tag == VT_EMPTY)
+    const ElementKind kind = ArrayElementKind(code, record);
+    if (dimensions == 0)
         return true;
-    SAFEARRAYBOUND bounds[8];
+    if (kind.tag == VT_RECORD && !kind.record)
+        return false;
+    LONG low[8];
+    LONG high[8];
     for (std::size_t i = 0; i < dimensions && i < 8; ++i) {
-        bounds[i].lLbound = lower[i];
-        bounds[i].cElements = static_cast<ULONG>(upper[i] - lower[i] + 1);
+        low[i] = lower[i];
+        high[i] = upper[i];
     }
-    SAFEARRAY* array = SafeArrayCreate(tag, static_cast<UINT>(dimensions), bounds);
+    SAFEARRAY* array = CreateArray(kind, low, high, static_cast<UINT>(dimensions), fixed);
     if (!array)
         return false;
-    // New elements are zero bits: 0, a null (empty) string, Nothing, Empty.
-    storage.vt = static_cast<VARTYPE>(VT_ARRAY | tag);
+    storage.vt = static_cast<VARTYPE>(VT_ARRAY | kind.tag);
     storage.parray = array;
     return true;
 }

@@ -2,6 +2,7 @@
 // One instance of a compiled module: its module-level variables, a use count and the module it
 // belongs to. Each variable is one VARIANT slot whose tag stays the declared kind (typed storage in the
 // sense of the value cells); slot i belongs to the module's variable i in declaration order.
+#include "values/ArrayStorage.h"
 #include "values/Variant.h"
 
 #include <cstddef>
@@ -77,14 +78,16 @@ private:
 // 0 for numbers, False, an empty String, Nothing, Empty for Variants.
 void InitializeTypedSlot(VARIANT& storage, unsigned short code);
 
-// The element kind of an array variable of type code `code`: VT_VARIANT, VT_BSTR, VT_DISPATCH or a
-// numeric kind; VT_EMPTY for records, which arrays do not hold yet.
+// The element kind of an array variable of type code `code`: VT_VARIANT, VT_BSTR, VT_DISPATCH, a
+// numeric kind, or VT_RECORD for arrays of records.
 VARTYPE ArrayElementTag(unsigned short code);
+// The same with the length of fixed-length String elements and the record type of record elements.
+ElementKind ArrayElementKind(unsigned short code, IRecordInfo* record);
 
-// Sets storage (a cleared slot) to a fixed array with dimensions (lower, upper) pairs, each element at
-// its zero value; a slot without dimensions stays Empty (a dynamic array that is not dimensioned).
-// False when the array could not be made.
+// Sets storage (a cleared slot) to an array with dimensions (lower, upper) pairs, each element at its
+// zero value; `fixed` marks a declared fixed-size array. A slot without dimensions stays Empty (a
+// dynamic array that is not dimensioned). False when the array could not be made.
 [[nodiscard]] bool InitializeArraySlot(VARIANT& storage, unsigned short code, const long* lower, const long* upper,
-                                       std::size_t dimensions);
+                                       std::size_t dimensions, IRecordInfo* record = nullptr, bool fixed = true);
 
 } // namespace brannoc

@@ -50,6 +50,8 @@ struct LocalSymbol {
     // whether "As New" makes the instance on first use.
     const Module* classModule = nullptr;
     bool autoNew = false;
+    // Records and arrays of records: the user-defined type.
+    const UserType* userType = nullptr;
 };
 
 struct Label {
@@ -183,6 +185,13 @@ private:
     // A statement that begins with Err: Err.Raise, Err.Clear, Err[.property] = value.
     StatementPtr ParseErrStatement();
     [[nodiscard]] bool ParseRaiseArguments(Expression& out);
+    // Records (RecordAccess.cpp).
+    // The user-defined type of a record variable or an array of records of that name, or null.
+    const UserType* UserTypeOf(const std::string& upperName) const;
+    // The user-defined type of that name visible here, or null.
+    const UserType* FindUserType(std::string_view name) const;
+    // The run-time record type of a user-defined type (null for none).
+    static IRecordInfo* RecordInfoOf(const UserType* userType);
     StatementPtr ParseExit();
     StatementPtr ParseDebug();
     StatementPtr ParseDim(bool isStatic);
@@ -192,6 +201,7 @@ private:
     bool StartsObjectStatement() const;
     StatementPtr ParseObjectStatement(AssignKind kind, bool callOnly);
     StatementPtr ParseCallStatement();
+    StatementPtr ParseArrayAssignment(const VariableRef& target, const UserType* userType, const char* namePosition);
     StatementPtr Declaration();
     Block* Innermost(BlockKind kind);
     void CloseBlock(Block& block, int endIndex);
@@ -223,7 +233,11 @@ private:
     Procedure* FindProcedure(const std::string& upperName) const;
     const Module* ModuleOf(const Procedure& procedure) const;
     bool FindUsedVariable(const std::string& upperName, VariableRef& ref) const;
-    [[nodiscard]] bool ReadType(TypeCode& type, const Module** classModule = nullptr);
+    // An As type; a user-defined type's name gives kUserType and the type in userType (when asked for).
+    [[nodiscard]] bool ReadType(TypeCode& type, const Module** classModule = nullptr,
+                                const UserType** userType = nullptr);
+    // Whether a variable of that name is declared (locally, in this module or a used one).
+    bool IsDeclaredVariable(const std::string& upperName) const;
     // The class module of that name among the modules this one uses, or null.
     const Module* FindClassModule(std::string_view name) const;
     // The class module a declared type names, or null (not a class, or an array).
@@ -291,6 +305,7 @@ private:
                          bool stringResult, Expression& out);
     StatementPtr ParseForEach();
     StatementPtr ParseReDim();
+    StatementPtr ParseReDimVariable(bool preserve);
     StatementPtr ParseMid();
     StatementPtr ParseErase();
     StatementPtr ParseAlign(bool right);

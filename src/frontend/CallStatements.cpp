@@ -1,5 +1,6 @@
 #include "frontend/BodyParser.h"
 
+#include "code/ArrayStatements.h"
 #include "code/ObjectStatements.h"
 #include "frontend/CharClasses.h"
 #include "exec/InterpreterHost.h"
@@ -164,10 +165,13 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(AssignKind kind)
         return std::make_unique<AssignElementStatement>(std::move(code), target, count);
     }
     if (target.type.IsArray()) {
-        m_lexer.SignalError(CompileMessage::NotExpectingAnArrayVar);
-        return nullptr;
+        if (kind == AssignKind::Set) {
+            m_lexer.SignalErrorAt(CompileMessage::ExpectingAnObjectExpression, {}, namePosition);
+            return nullptr;
+        }
+        return ParseArrayAssignment(target, UserTypeOf(key), namePosition);
     }
-    if (kind == AssignKind::Set && (target.type.IsArray() || !(target.type.IsObject() || target.type.IsVariant()))) {
+    if (kind == AssignKind::Set && !(target.type.IsObject() || target.type.IsVariant())) {
         m_lexer.SignalErrorAt(CompileMessage::ExpectingAnObjectExpression, {}, namePosition);
         return nullptr;
     }
@@ -189,6 +193,28 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(AssignKind kind)
         return std::make_unique<SetStatement>(std::move(value), target);
     }
     return std::make_unique<AssignStatement>(std::move(value), target);
+}
+
+// array = value: only a dynamic array takes a whole array (or, for Byte arrays, a String).
+BodyParser::StatementPtr BodyParser::ParseArrayAssignment(const VariableRef& target, const UserType* userType,
+                                                          const char* namePosition)
+{
+    if (target.type.Rank() != TypeCode::kDynamicRank) {
+        m_lexer.SignalErrorAt(CompileMessage::ExpectingADynamicArrayVar, {}, namePosition);
+        return nullptr;
+    }
+    if (!m_lexer.ExpectToken(Token::Equal))
+        return nullptr;
+    Expression value;
+    if (!ParseExpression(value))
+        return nullptr;
+    const TypeCode given = value.type;
+    const bool bytesOfText = given.IsString() && target.type.Scalar() == TypeCode(TypeCode::kByte);
+    if (!given.IsArray() && !given.IsVariant() && !bytesOfText) {
+        m_lexer.SignalError(CompileMessage::TypeMismatch);
+        return nullptr;
+    }
+    return std::make_unique<ArrayAssignStatement>(std::move(value), target, RecordInfoOf(userType));
 }
 
 // Arguments of a call: positional and named, matched to the callee's parameters; the call and the

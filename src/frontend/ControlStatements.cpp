@@ -269,8 +269,12 @@ BodyParser::StatementPtr BodyParser::ParseForEach()
     if (!m_lexer.ExpectToken(Token::In))
         return nullptr;
     Expression group;
-    if (!ParseExpression(group))
+    bool simple = false;
+    if (!ParseExpression(group, &simple))
         return nullptr;
+    // An array variable is walked where it is, not copied first.
+    if (simple && group.type.IsArray())
+        group.ops.back().code = ExprOpCode::kLoadRef;
     const int arraySlot = m_code->AddSlot(TypeCode(TypeCode::kVariant));
     const int positionSlot = m_code->AddSlot(TypeCode(TypeCode::kVariant));
     auto statement = std::make_unique<ForEachStatement>(element, std::move(group), arraySlot, positionSlot);

@@ -1,5 +1,7 @@
 #include "frontend/BodyParser.h"
 
+#include "code/ArrayStatements.h"
+
 #include "frontend/CharClasses.h"
 #include "exec/InterpreterHost.h"
 #include "values/Conversion.h"
@@ -14,15 +16,54 @@
 
 namespace brannoc::body {
 
+// ReDim [Preserve] name(bounds) [As type] {"," name(bounds) [As type]}
 BodyParser::StatementPtr BodyParser::ParseReDim()
 {
     m_lexer.NextToken();
     const bool preserve = m_lexer.Accept(Token::Preserve);
-    VariableRef target;
-    if (!ReadExistingVariable(target, CompileMessage::ExpectingADynamicArrayVar))
-        return nullptr;
-    if (!(target.type.IsVariant() && !target.type.IsArray()) && target.type.Rank() != TypeCode::kDynamicRank) {
+    auto list = std::make_unique<StatementList>();
+    StatementPtr single;
+    int count = 0;
+    do {
+        StatementPtr one = ParseReDimVariable(preserve);
+        if (!one)
+            return nullptr;
+        one->SetKeyword(TokenNumber(Token::ReDim));
+        one->SetOwner(m_code);
+        if (++count == 1) {
+            single = std::move(one);
+        } else {
+            if (single)
+                list->Add(std::move(single));
+            list->Add(std::move(one));
+        }
+    } while (m_lexer.Accept(Token::Comma));
+    if (count == 1)
+        return single;
+    list->SetKeyword(TokenNumber(Token::ReDim));
+    return list;
+}
+
+// One variable of a ReDim. A name declared nowhere becomes a local dynamic array of the As type (or
+// its suffix's or letter's type).
+BodyParser::StatementPtr BodyParser::ParseReDimVariable(bool preserve)
+{
+    if (!IsNameToken(m_lexer.Kind())) {
         m_lexer.SignalError(CompileMessage::ExpectingADynamicArrayVar);
+        return nullptr;
+    }
+    const char* namePosition = m_lexer.TokenStart();
+    const std::string name = ReadName();
+    const std::string key = UpperName(name);
+    const TypeCode suffix = ReadSuffix();
+    VariableRef target;
+    const bool declared = IsDeclaredVariable(key);
+    bool found = false;
+    if (declared && !ResolveVariable(name, suffix, target, found))
+        return nullptr;
+    if (declared && !(target.type.IsVariant() && !target.type.IsArray()) &&
+        target.type.Rank() != TypeCode::kDynamicRank) {
+        m_lexer.SignalErrorAt(CompileMessage::ExpectingADynamicArrayVar, {}, namePosition);
         return nullptr;
     }
     if (!m_lexer.ExpectToken(Token::LeftParen))
@@ -50,14 +91,45 @@ BodyParser::StatementPtr BodyParser::ParseReDim()
     } while (m_lexer.Accept(Token::Comma));
     if (!m_lexer.ExpectToken(Token::RightParen))
         return nullptr;
-    const int rank = target.type.Rank();
-    if (target.type.IsArray() && rank != TypeCode::kDynamicRank && rank != dimensions) {
-        m_lexer.SignalError(CompileMessage::CantChangeTheNumberOfIndexes);
-        return nullptr;
+    TypeCode asType;
+    const UserType* asRecord = nullptr;
+    const char* typePosition = nullptr;
+    if (m_lexer.Accept(Token::As)) {
+        typePosition = m_lexer.TokenStart();
+        if (suffix != TypeCode()) {
+            m_lexer.SignalError(CompileMessage::VarIsAlreadyDefinedAsADifferentType, name);
+            return nullptr;
+        }
+        if (!ReadType(asType, nullptr, &asRecord))
+            return nullptr;
     }
-    auto statement = std::make_unique<ReDimStatement>(std::move(bounds), target, dimensions, preserve);
-    statement->SetKeyword(TokenNumber(Token::ReDim));
-    return statement;
+    TypeCode arrayType;
+    if (!declared) {
+        TypeCode element = asType != TypeCode() ? asType : suffix != TypeCode() ? suffix : m_module.DefaultTypeFor(name);
+        arrayType = element.WithRank(TypeCode::kDynamicRank);
+        LocalSymbol symbol;
+        symbol.ref = VariableRef{StorageScope::Local, m_code->AddSlot(arrayType), arrayType};
+        symbol.userType = asRecord;
+        m_locals[key] = symbol;
+        target = symbol.ref;
+    } else if (target.type.IsArray()) {
+        const int rank = target.type.Rank();
+        if (rank != TypeCode::kDynamicRank && rank != dimensions) {
+            m_lexer.SignalError(CompileMessage::CantChangeTheNumberOfIndexes);
+            return nullptr;
+        }
+        if (asType != TypeCode() && (asType != target.type.Scalar() || asRecord != UserTypeOf(key))) {
+            m_lexer.SignalErrorAt(CompileMessage::VarIsAlreadyDefinedAsADifferentType, name, typePosition);
+            return nullptr;
+        }
+        arrayType = target.type;
+        asRecord = UserTypeOf(key);
+    } else {
+        // A Variant holds an array of the As type, of Variants without one.
+        arrayType = (asType != TypeCode() ? asType : TypeCode(TypeCode::kVariant)).WithRank(dimensions);
+    }
+    return std::make_unique<ReDimStatement>(std::move(bounds), target, dimensions, preserve, arrayType,
+                                            RecordInfoOf(asRecord));
 }
 
 BodyParser::StatementPtr BodyParser::ParseMid()
@@ -113,8 +185,7 @@ BodyParser::StatementPtr BodyParser::ParseErase()
             m_lexer.SignalError(CompileMessage::ExpectingAnArrayVar);
             return nullptr;
         }
-        const bool fixed = target.type.IsArray() && target.type.Rank() != TypeCode::kDynamicRank;
-        auto erase = std::make_unique<EraseStatement>(target, fixed);
+        auto erase = std::make_unique<EraseStatement>(target);
         erase->SetOwner(m_code);
         list->Add(std::move(erase));
     } while (m_lexer.Accept(Token::Comma));
@@ -174,11 +245,18 @@ BodyParser::StatementPtr BodyParser::ParseDebug()
     return statement;
 }
 
-bool BodyParser::ReadType(TypeCode& type, const Module** classModule)
+bool BodyParser::ReadType(TypeCode& type, const Module** classModule, const UserType** userType)
 {
     const Token word = m_lexer.Kind();
     TypeCode code = TypeOfWord(word);
     if (code == TypeCode()) {
+        if (const UserType* record = IsNameToken(word) ? FindUserType(m_lexer.Text()) : nullptr) {
+            type = TypeCode(TypeCode::kUserType);
+            if (userType)
+                *userType = record;
+            m_lexer.NextToken();
+            return true;
+        }
         if (word == Token::Object || IsNameToken(word)) {
             type = TypeCode(TypeCode::kObject);
             if (classModule && word != Token::Object)

@@ -233,6 +233,17 @@ bool BodyParser::ResolveVariable(const std::string& name, TypeCode suffix, Varia
     return true;
 }
 
+bool BodyParser::IsDeclaredVariable(const std::string& upperName) const
+{
+    if (const LocalSymbol* local = FindLocal(upperName))
+        return local->kind == LocalKind::Variable;
+    auto global = m_state.names.find(upperName);
+    if (global != m_state.names.end())
+        return global->second.kind == SymbolKind::Variable;
+    VariableRef ignored;
+    return FindUsedVariable(upperName, ignored);
+}
+
 bool BodyParser::NextIsColonEqual() const
 {
     const char* after = SkipBlanks(m_lexer.TokenEnd());

@@ -1,6 +1,62 @@
 #include "values/Variant.h"
 
+#include "values/ArrayStorage.h"
+
 namespace brannoc {
+
+namespace {
+
+// Releases what value owns and leaves it Empty. Arrays and records go through the engine's own
+// routines: records are freed by their record type (the platform would only clear them), and arrays
+// of Variants may hold records.
+void ReleaseValue(VARIANT& value) noexcept
+{
+    const VARTYPE tag = value.vt;
+    if ((tag & (VT_ARRAY | VT_BYREF)) == VT_ARRAY) {
+        DestroyArray(value.parray);
+    } else if (tag == VT_RECORD) {
+        if (IRecordInfo* record = value.pRecInfo) {
+            if (value.pvRecord)
+                (void)record->RecordDestroy(value.pvRecord);
+            record->Release();
+        }
+    } else {
+        VariantClear(&value);
+    }
+    value.vt = VT_EMPTY;
+}
+
+// Copies source (not following a by-reference value) into target, which holds nothing owned. Arrays
+// and records are copied by the engine's own routines. False when memory ran out.
+bool CopyValue(VARIANT& target, const VARIANT& source)
+{
+    VariantInit(&target);
+    const VARTYPE tag = source.vt;
+    if ((tag & (VT_ARRAY | VT_BYREF)) == VT_ARRAY) {
+        SAFEARRAY* copy = CopyArray(source.parray);
+        if (!copy && source.parray)
+            return false;
+        target.vt = tag;
+        target.parray = copy;
+        return true;
+    }
+    if ((tag & VT_TYPEMASK) == VT_RECORD && (tag & VT_ARRAY) == 0) {
+        // A by-reference record carries the record itself, not a pointer to another VARIANT.
+        IRecordInfo* record = source.pRecInfo;
+        void* copy = nullptr;
+        if (record && source.pvRecord && FAILED(record->RecordCreateCopy(source.pvRecord, &copy)))
+            return false;
+        if (record)
+            record->AddRef();
+        target.vt = VT_RECORD;
+        target.pvRecord = copy;
+        target.pRecInfo = record;
+        return true;
+    }
+    return SUCCEEDED(VariantCopy(&target, const_cast<VARIANT*>(&source)));
+}
+
+} // namespace
 
 // ---- Bstr ----
 
@@ -84,8 +140,7 @@ Variant& Variant::operator=(const Variant& other)
 
 void Variant::ReleaseOwned() noexcept
 {
-    VariantClear(&m_value);
-    m_value.vt = VT_EMPTY;
+    ReleaseValue(m_value);
 }
 
 void Variant::Attach(VARIANT& value)
@@ -134,10 +189,9 @@ bool Variant::CopyOwnedFrom(const VARIANT& source)
     if (&source == &m_value)
         return true;
     VARIANT fresh;
-    VariantInit(&fresh);
-    if (FAILED(VariantCopy(&fresh, const_cast<VARIANT*>(&source))))
+    if (!CopyValue(fresh, source))
         return false;
-    VariantClear(&m_value);
+    Clear();
     m_value = fresh;
     return true;
 }
@@ -159,9 +213,23 @@ bool Variant::CopyIndirectFrom(const VARIANT& source)
     }
     VARIANT fresh;
     VariantInit(&fresh);
-    if (FAILED(VariantCopyInd(&fresh, const_cast<VARIANT*>(end))))
+    const VARTYPE tag = end->vt;
+    if (tag == (VT_BYREF | VT_RECORD)) {
+        if (!CopyValue(fresh, *end))
+            return false;
+    } else if ((tag & VT_BYREF) && (tag & VT_ARRAY)) {
+        SAFEARRAY* copy = CopyArray(end->pparray ? *end->pparray : nullptr);
+        if (!copy && end->pparray && *end->pparray)
+            return false;
+        fresh.vt = static_cast<VARTYPE>(tag & ~VT_BYREF);
+        fresh.parray = copy;
+    } else if (tag & VT_BYREF) {
+        if (FAILED(VariantCopyInd(&fresh, const_cast<VARIANT*>(end))))
+            return false;
+    } else if (!CopyValue(fresh, *end)) {
         return false;
-    VariantClear(&m_value);
+    }
+    Clear();
     m_value = fresh;
     return true;
 }
@@ -320,15 +388,14 @@ void SafeArray::Attach(SAFEARRAY* array)
 
 void SafeArray::Clear()
 {
-    if (m_array)
-        SafeArrayDestroy(m_array);
+    DestroyArray(m_array);
     m_array = nullptr;
 }
 
 bool SafeArray::CopyFrom(SAFEARRAY* source)
 {
-    SAFEARRAY* copy = nullptr;
-    if (source && FAILED(SafeArrayCopy(source, &copy)))
+    SAFEARRAY* copy = CopyArray(source);
+    if (!copy && source)
         return false;
     Attach(copy);
     return true;

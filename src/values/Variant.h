@@ -58,7 +58,9 @@ constexpr bool OwnsNothing(VARTYPE tag) noexcept
 }
 
 // Owns one VARIANT: cleared on destruction, copied through VariantCopy, moved by stealing the bits.
-// Values that own nothing are cleared and copied inline, without a call into the platform.
+// Values that own nothing are cleared and copied inline, without a call into the platform. Arrays and
+// records are released and copied by the engine's own routines (ArrayStorage, the record type), not by
+// the platform's: a record is freed by its record type and an array copy is always a dynamic array.
 class Variant final {
 public:
     Variant() noexcept { m_value.vt = VT_EMPTY; }
@@ -181,7 +183,7 @@ inline VARIANT* FollowByRefChain(VARIANT* value) noexcept
     return const_cast<VARIANT*>(FollowByRefChain(static_cast<const VARIANT*>(value)));
 }
 
-// Owns one SAFEARRAY (destroyed with SafeArrayDestroy).
+// Owns one SAFEARRAY (released with DestroyArray).
 class SafeArray final {
 public:
     SafeArray() = default;
@@ -196,7 +198,7 @@ public:
     [[nodiscard]] SAFEARRAY* Detach() noexcept { return std::exchange(m_array, nullptr); }
     void Clear();
     SAFEARRAY* Get() const noexcept { return m_array; }
-    // A deep copy of source (SafeArrayCopy); false on failure.
+    // A deep copy of source (CopyArray); false on failure.
     [[nodiscard]] bool CopyFrom(SAFEARRAY* source);
 
 private:

@@ -141,7 +141,7 @@ TEST(TypedSlots, ArrayElementKinds)
     EXPECT_EQ(ArrayElementTag(TypeCode(TypeCode::kInteger).WithRank(1).Code()), VT_I2);
     EXPECT_EQ(ArrayElementTag(TypeCode(TypeCode::kVariant).WithRank(2).Code()), VT_VARIANT);
     EXPECT_EQ(ArrayElementTag(TypeCode::FixedString(5).WithRank(1).Code()), VT_BSTR);
-    EXPECT_EQ(ArrayElementTag(TypeCode(TypeCode::kUserType).WithRank(1).Code()), VT_EMPTY);
+    EXPECT_EQ(ArrayElementTag(TypeCode(TypeCode::kUserType).WithRank(1).Code()), VT_RECORD);
 }
 
 } // namespace

@@ -44,9 +44,13 @@ public:
     HRESULT __stdcall GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override
     {
         const std::wstring name = names[0];
-        ids[0] = name == L"DebugPrint" ? kDebugPrint : name == L"Notify" ? kNotify
-               : name == L"ReadMacro"  ? kReadMacro
-                                       : DISPID_UNKNOWN;
+        ids[0] = DISPID_UNKNOWN;
+        if (name == L"DebugPrint")
+            ids[0] = kDebugPrint;
+        else if (name == L"Notify")
+            ids[0] = kNotify;
+        else if (name == L"ReadMacro")
+            ids[0] = kReadMacro;
         return count == 1 && ids[0] != DISPID_UNKNOWN ? S_OK : DISP_E_UNKNOWNNAME;
     }
     HRESULT __stdcall Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT* result,
