@@ -59,16 +59,18 @@ bool Activation::Step(ExecEntry& entry)
             interpreter.m_stepCounter = 2;
     }
     const int last = m_procedure->LastStatementIndex();
+    const StatementTable& table = m_procedure->Table();
     while (m_nextIndex <= last) {
         m_currentIndex = m_nextIndex;
-        if (m_procedure->IsEmptyStatement(m_currentIndex)) {
+        const bool empty = table.empty ? table.empty[m_currentIndex] != 0 : m_procedure->IsEmptyStatement(m_currentIndex);
+        if (empty) {
             ++m_nextIndex;
             continue;
         }
         // The same statement is tried again on the next step.
         if (interpreter.BreakTestStops())
             return false;
-        Node* statement = m_procedure->StatementAt(m_currentIndex);
+        Node* statement = table.statements ? table.statements[m_currentIndex] : m_procedure->StatementAt(m_currentIndex);
         ++m_nextIndex;
         if (!statement->Execute())
             return false;

@@ -5,11 +5,24 @@
 #include "values/Variant.h"
 
 #include <cstddef>
+#include <cstdint>
 
 namespace brannoc {
 
+// A procedure's statement vector laid out for the interpreter's statement loop: entry i and whether it
+// is empty, read without a virtual call per statement.
+struct StatementTable {
+    Node* const* statements = nullptr;
+    const std::uint8_t* empty = nullptr;
+};
+
 class ProcedureCode : public Node {
 public:
+    // The statement vector as a table, or an empty table when the procedure answers only through
+    // StatementAt and IsEmptyStatement. A table stays valid while the procedure exists and is not
+    // being built; replacing a statement (breakpoints) changes its entry in place.
+    const StatementTable& Table() const noexcept { return m_table; }
+
     // Calls the procedure through the current interpreter (an ordinary call, variant B) and yields.
     [[nodiscard]] bool Execute() override;
 
@@ -29,6 +42,12 @@ public:
     [[nodiscard]] virtual bool BindParameter(int index, void* frame, Variant& argument) = 0;
     // Frees what the locals of a frame own; the frame memory itself belongs to the activation.
     virtual void ClearLocals(void* frame) = 0;
+
+protected:
+    void SetTable(const StatementTable& table) noexcept { m_table = table; }
+
+private:
+    StatementTable m_table;
 };
 
 } // namespace brannoc
