@@ -97,7 +97,7 @@ std::size_t PayloadSize(VARTYPE tag)
 
 } // namespace
 
-VARIANT* StorageOf(const RunContext& context, StorageScope scope, int index, const Module* module)
+VARIANT* StorageOutsideFrame(const RunContext& context, StorageScope scope, int index, const Module* module)
 {
     switch (scope) {
     case StorageScope::Local:
@@ -212,6 +212,25 @@ bool ConditionIsTrue(Variant& value, bool& result)
     return true;
 }
 
+namespace {
+
+// An operand about to be pushed whose binary operator comes next: when the left operand (on top of the
+// stack) and this one take a numeric cell's fast path, top = top op operand is computed in place and
+// the operator is skipped. False (nothing changed) when the next op is no binary operator or the fast
+// path declines; the operand is then pushed as usual.
+inline bool ApplyToTop(const Expression& expression, int& pc, ValueStack& values, const VARIANT& operand)
+{
+    if (static_cast<std::size_t>(pc) >= expression.ops.size())
+        return false;
+    const ExprOp& next = expression.ops[static_cast<std::size_t>(pc)];
+    if (next.code != ExprOpCode::kBinary || values.IsEmpty() || !TryFastBinary(next.op, values.Top().Raw(), operand))
+        return false;
+    ++pc;
+    return true;
+}
+
+} // namespace
+
 EvalStatus RunExpression(const RunContext& context, const Expression& expression, int& pc)
 {
     ValueStack& values = context.interpreter->Values();
@@ -221,8 +240,11 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
         ++pc;
         switch (op.code) {
         case ExprOpCode::kConstant: {
+            const VARIANT& constant = context.procedure->ConstantAt(op.index).Raw();
+            if (ApplyToTop(expression, pc, values, constant))
+                break;
             Variant* slot = values.Push();
-            if (!slot || !slot->CopyFrom(context.procedure->ConstantAt(op.index).Raw()))
+            if (!slot || !slot->CopyFrom(constant))
                 return (void)context.interpreter->RaiseOutOfMemory(), EvalStatus::kFailed;
             break;
         }
@@ -230,6 +252,8 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             VARIANT* storage = StorageOf(context, op.scope, op.index, op.module);
             if (!storage)
                 return EvalStatus::kFailed;
+            if (ApplyToTop(expression, pc, values, *storage))
+                break;
             Variant* slot = values.Push();
             if (!slot)
                 return (void)context.interpreter->RaiseOutOfMemory(), EvalStatus::kFailed;
@@ -262,7 +286,9 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
                 values.Pop();
                 break;
             }
-            if (!ApplyBinary(op.op, values.At(size - 2), values.At(size - 1)))
+            Variant& left = values.At(size - 2);
+            const Variant& right = values.At(size - 1);
+            if (!TryFastBinary(op.op, left.Raw(), right.Raw()) && !CellFor(left.Tag()).Binary(op.op, left, right))
                 return EvalStatus::kFailed;
             values.Pop();
             break;
@@ -542,7 +568,7 @@ CompiledProcedure::~CompiledProcedure()
 
 void CompiledProcedure::Print(std::string& out) const { out += m_procedure->name; }
 
-bool CompiledProcedure::IsEmptyStatement(int index) const { return m_emptyFlags[static_cast<std::size_t>(index)]; }
+bool CompiledProcedure::IsEmptyStatement(int index) const { return m_emptyFlags[static_cast<std::size_t>(index)] != 0; }
 
 int CompiledProcedure::FirstLine() const { return m_procedure->firstLine; }
 
@@ -554,10 +580,39 @@ Node* CompiledProcedure::ReplaceStatement(int index, Node* statement)
     return previous;
 }
 
+void CompiledProcedure::PrepareInitialSlots()
+{
+    m_initialSlots.assign(m_slotTypes.size(), VARIANT{});
+    m_perCallSlots.assign(m_slotTypes.size(), 0);
+    m_plainFrame = true;
+    for (std::size_t i = m_parameters.size(); i < m_slotTypes.size(); ++i) {
+        VARIANT& slot = m_initialSlots[i];
+        if (m_slotBounds[i].empty()) {
+            InitializeTypedSlot(slot, m_slotTypes[i].Code());
+            // A fresh value that holds a string, object or record of its own cannot be shared.
+            if (OwnsNothing(slot.vt) || slot.byref == nullptr)
+                continue;
+            ClearSlot(slot);
+        }
+        slot.vt = VT_EMPTY;
+        m_perCallSlots[i] = 1;
+        m_plainFrame = false;
+    }
+}
+
 bool CompiledProcedure::InitializeLocals(void* frame)
 {
     auto* slots = static_cast<VARIANT*>(frame);
+    if (m_initialSlots.size() != m_slotTypes.size())
+        PrepareInitialSlots();
+    // The slots that own nothing when fresh (numbers, empty strings, Nothing, Empty) are copied whole.
+    const std::size_t first = m_parameters.size();
+    std::memcpy(slots + first, m_initialSlots.data() + first, (m_slotTypes.size() - first) * sizeof(VARIANT));
+    if (m_plainFrame)
+        return true;
     for (std::size_t i = m_parameters.size(); i < m_slotTypes.size(); ++i) {
+        if (!m_perCallSlots[i])
+            continue;
         const auto& bounds = m_slotBounds[i];
         if (bounds.empty()) {
             InitializeTypedSlot(slots[i], m_slotTypes[i].Code());
@@ -602,6 +657,8 @@ bool CompiledProcedure::BindParameter(int index, void* frame, Variant& argument)
         }
     }
     InitializeTypedSlot(slot, parameter.type.Code());
+    if (StorePlain(slot, tag, argument.Raw()))
+        return true;
     Variant value;
     if (!value.CopyIndirectFrom(argument.Raw()))
         return RaiseValueError(10090);
@@ -623,10 +680,9 @@ void CompiledProcedure::ClearLocals(void* frame)
             }
         }
     }
+    // References and values that own nothing need no release; the frame's memory is reused as it is.
     for (std::size_t i = 0; i < m_slotTypes.size(); ++i) {
-        if (slots[i].vt == kReferenceTag)
-            VariantInit(&slots[i]);
-        else
+        if (!OwnsNothing(slots[i].vt))
             ClearSlot(slots[i]);
     }
 }
@@ -705,6 +761,7 @@ Statement* CompiledProcedure::Append(std::unique_ptr<Statement> statement)
     m_owned.push_back(std::move(statement));
     m_statements.push_back(raw);
     m_emptyFlags.push_back(raw->IsEmpty());
+    PublishTable();
     return raw;
 }
 

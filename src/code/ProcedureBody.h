@@ -9,6 +9,7 @@
 // activation ends. Hosts that call a Function directly push the same slot.
 #include "code/MemberSite.h"
 #include "code/Node.h"
+#include "exec/Activation.h"
 #include "exec/ProcedureCode.h"
 #include "frontend/TypeCode.h"
 #include "values/OperationId.h"
@@ -103,8 +104,18 @@ struct RunContext {
 
 // Runs expression ops from pc. kYield: a call was scheduled and pc is where to resume.
 EvalStatus RunExpression(const RunContext& context, const Expression& expression, int& pc);
+// The storage of a module-level or static variable; null after raising an error.
+VARIANT* StorageOutsideFrame(const RunContext& context, StorageScope scope, int index, const Module* module);
 // The storage of a variable (by-reference parameters followed); null after raising an error.
-VARIANT* StorageOf(const RunContext& context, StorageScope scope, int index, const Module* module = nullptr);
+inline VARIANT* StorageOf(const RunContext& context, StorageScope scope, int index, const Module* module = nullptr)
+{
+    if (scope != StorageScope::Local)
+        return StorageOutsideFrame(context, scope, index, module);
+    VARIANT* storage = static_cast<VARIANT*>(context.activation->Locals()) + index;
+    while (storage->vt == (VT_BYREF | VT_VARIANT))
+        storage = storage->pvarVal;
+    return storage;
+}
 // Stores value into the variable with its declared type's conversion.
 [[nodiscard]] bool StoreVariable(const RunContext& context, const VariableRef& target, const Variant& value);
 // Stores value into storage declared as type (the same conversion).
@@ -215,6 +226,7 @@ public:
     {
         m_statements.push_back(statement);
         m_emptyFlags.push_back(statement->IsEmpty());
+        PublishTable();
     }
     int StatementCount() const { return static_cast<int>(m_statements.size()); }
 
@@ -229,13 +241,24 @@ public:
     TypeCode SlotType(int index) const { return m_slotTypes[static_cast<std::size_t>(index)]; }
 
 private:
+    // Points the interpreter's table at the vectors (after each append, which may move them).
+    void PublishTable() noexcept { SetTable(StatementTable{m_statements.data(), m_emptyFlags.data()}); }
+    // Builds the image of a fresh frame that InitializeLocals copies (after the last slot was added).
+    void PrepareInitialSlots();
+
     Procedure* m_procedure;
     std::vector<Node*> m_statements;
-    std::vector<bool> m_emptyFlags;
+    std::vector<std::uint8_t> m_emptyFlags;
     std::vector<std::unique_ptr<Statement>> m_owned;
     std::vector<ParameterInfo> m_parameters;
     std::vector<TypeCode> m_slotTypes;
     std::vector<std::vector<std::pair<long, long>>> m_slotBounds;
+    // The fresh frame: every local that owns nothing when new, as its declared type sets it up.
+    std::vector<VARIANT> m_initialSlots;
+    // Locals set up on each call (arrays, fixed-length strings): 1 at their index.
+    std::vector<std::uint8_t> m_perCallSlots;
+    // No local needs more than the copy of m_initialSlots.
+    bool m_plainFrame = true;
     std::vector<VARIANT> m_statics;
     std::vector<Variant> m_constants;
     std::vector<Procedure*> m_callees;
