@@ -47,8 +47,15 @@ class Failure(Exception):
     pass
 
 
+class Sample:
+    """One run: wall and processor seconds (user plus system), peak resident KB, its output."""
+
+    def __init__(self, wall, processor, peak, out, err):
+        self.wall, self.processor, self.peak, self.out, self.err = wall, processor, peak, out, err
+
+
 def measure_child(command, cwd, timeout):
-    """Runs command; answers (wall seconds, peak resident KB, stdout, stderr).
+    """Runs command; answers a Sample.
 
     GNU time reports the peak: Linux carries the resident high-water mark of the process that forks over
     into the program it executes, so the measuring process must be a small one."""
@@ -56,7 +63,7 @@ def measure_child(command, cwd, timeout):
     # session, inherit the handles and would hold a pipe open long after the program ended.
     with tempfile.TemporaryDirectory(prefix="brannoc-bench-run-") as folder:
         report, out_path, err_path = (pathlib.Path(folder) / name for name in ("peak", "out", "err"))
-        full = ["/usr/bin/time", "-q", "-f", "%M", "-o", report] + [str(part) for part in command]
+        full = ["/usr/bin/time", "-q", "-f", "%U %S %M", "-o", report] + [str(part) for part in command]
         with open(out_path, "wb") as out_file, open(err_path, "wb") as err_file:
             start = time.perf_counter()
             process = subprocess.Popen(full, cwd=cwd, stdin=subprocess.DEVNULL, stdout=out_file, stderr=err_file,
@@ -73,8 +80,8 @@ def measure_child(command, cwd, timeout):
         if process.returncode != 0:
             raise Failure(f"{' '.join(map(str, command))}: exit {process.returncode}\n"
                           f"{out.decode(errors='replace')}{err.decode(errors='replace')}")
-        lines = report.read_text().split()
-    return wall, int(lines[-1]) if lines else 0, out, err
+        user, system, peak = report.read_text().split()[-3:]
+    return Sample(wall, float(user) + float(system), int(peak), out, err)
 
 
 class Implementation:
@@ -84,9 +91,10 @@ class Implementation:
     extension = ""
     folder = ""
 
-    def __init__(self, work):
+    def __init__(self, work, clock):
         self.work = work
-        self.startup = 0.0
+        self.clock = clock
+        self.startup = {"wall": 0.0, "cpu": 0.0}
 
     def source(self, program):
         return BENCH / self.folder / f"{program}.{self.extension}"
@@ -95,17 +103,20 @@ class Implementation:
         """Answers the command that runs source (compiling first where needed)."""
         raise NotImplementedError
 
-    def seconds(self, wall, err):
-        """The time a run took without start-up."""
-        return max(wall - self.startup, 0.0)
+    def seconds(self, sample, clock=None):
+        """The time a run took without start-up, on the wall clock or in processor time."""
+        clock = clock or self.clock
+        measured = sample.wall if clock == "wall" else sample.processor
+        return max(measured - self.startup[clock], 0.0)
 
     def measure_startup(self, runs, timeout):
         empty = self.write_empty()
         if empty is None:
             return
         command = self.prepare("empty", empty)
-        times = [measure_child(command, empty.parent, timeout)[0] for _ in range(runs)]
-        self.startup = statistics.median(times)
+        samples = [measure_child(command, empty.parent, timeout) for _ in range(runs)]
+        self.startup = {"wall": statistics.median(s.wall for s in samples),
+                        "cpu": statistics.median(s.processor for s in samples)}
 
     def write_empty(self):
         return None
@@ -116,23 +127,24 @@ class Brannoc(Implementation):
     extension = "bas"
     folder = "basic"
 
-    def __init__(self, work, build):
-        super().__init__(work)
+    def __init__(self, work, clock, build):
+        super().__init__(work, clock)
         self.build = build
 
     def prepare(self, program, source):
         return [self.build / "wine-run", self.build / "bin" / "bbbench.exe", source]
 
-    def seconds(self, wall, err):
-        compile_time, run_time = self.parts(err)
-        return compile_time + run_time
+    def seconds(self, sample, clock=None):
+        compile_time, run_time, processor = self.parts(sample.err)
+        return compile_time + run_time if (clock or self.clock) == "wall" else processor
 
     @staticmethod
     def parts(err):
-        found = re.search(rb"bbbench: compile ([0-9.]+) run ([0-9.]+)", err)
+        """bbbench's compile and run seconds (wall clock) and the processor time of both."""
+        found = re.search(rb"bbbench: compile ([0-9.]+) run ([0-9.]+) cpu ([0-9.]+)", err)
         if not found:
             raise Failure("bbbench printed no timing line:\n" + err.decode(errors="replace"))
-        return float(found.group(1)), float(found.group(2))
+        return float(found.group(1)), float(found.group(2)), float(found.group(3))
 
 
 class Lua(Implementation):
@@ -168,8 +180,8 @@ class VBScript(Implementation):
     extension = "vbs"
     folder = "vbscript"
 
-    def __init__(self, work, build):
-        super().__init__(work)
+    def __init__(self, work, clock, build):
+        super().__init__(work, clock)
         self.build = build
 
     def prepare(self, program, source):
@@ -188,8 +200,8 @@ class C(Implementation):
     extension = "c"
     folder = "c"
 
-    def __init__(self, work):
-        super().__init__(work)
+    def __init__(self, work, clock):
+        super().__init__(work, clock)
         self.compile_seconds = {}
 
     def prepare(self, program, source):
@@ -218,10 +230,10 @@ def run_program(implementation, program, source, runs, timeout):
     times, peaks, sums = [], [], set()
     # Short programs run more often (up to FAST_RUNS) so that their median is not one noisy sample.
     while len(times) < runs or (sum(times) < FAST_SECONDS and len(times) < FAST_RUNS):
-        wall, peak, out, err = measure_child(command, source.parent, timeout)
-        times.append(implementation.seconds(wall, err))
-        peaks.append(peak)
-        sums.add(checksum_of(out, f"{implementation.name} {program}"))
+        sample = measure_child(command, source.parent, timeout)
+        times.append(implementation.seconds(sample))
+        peaks.append(sample.peak)
+        sums.add(checksum_of(sample.out, f"{implementation.name} {program}"))
     if len(sums) != 1:
         raise Failure(f"{implementation.name} {program}: checksums differ between runs: {sorted(sums)}")
     return statistics.median(times), max(peaks), sums.pop()
@@ -231,7 +243,8 @@ def run_compile_row(implementations, runs, timeout, work):
     """The large generated module: compile time per implementation (see large_module.py).
 
     Brannoc's time is bbbench's compile time; C's is the time of gcc -O2; the interpreters' is the time
-    of the whole run without start-up, which is almost all compiling."""
+    of the whole run without start-up, which is almost all compiling. All on the wall clock: these
+    times are short beside the processor clock's tick."""
     folder = work / "large"
     lines = large_module.write_all(folder)
     results = {}
@@ -240,15 +253,15 @@ def run_compile_row(implementations, runs, timeout, work):
         times, peaks, sums = [], [], set()
         for _ in range(runs):
             command = implementation.prepare("large_module", source)
-            wall, peak, out, err = measure_child(command, folder, timeout)
+            sample = measure_child(command, folder, timeout)
             if isinstance(implementation, Brannoc):
-                times.append(Brannoc.parts(err)[0])
+                times.append(Brannoc.parts(sample.err)[0])
             elif isinstance(implementation, C):
                 times.append(implementation.compile_seconds["large_module"])
             else:
-                times.append(implementation.seconds(wall, err))
-            peaks.append(peak)
-            sums.add(checksum_of(out, f"{implementation.name} large module"))
+                times.append(implementation.seconds(sample, "wall"))
+            peaks.append(sample.peak)
+            sums.add(checksum_of(sample.out, f"{implementation.name} large module"))
         if len(sums) != 1:
             raise Failure(f"{implementation.name} large module: checksums differ between runs: {sorted(sums)}")
         results[implementation.name] = (statistics.median(times), max(peaks), sums.pop())
@@ -258,6 +271,8 @@ def run_compile_row(implementations, runs, timeout, work):
 def format_seconds(value):
     if value is None:
         return "-"
+    if value == 0:
+        return "<0.01"
     if value < 0.01:
         return f"{value:.4f}"
     return f"{value:.3f}"
@@ -269,7 +284,7 @@ def format_ratio(numerator, denominator):
     return f"{numerator / denominator:.2f}"
 
 
-def print_table(names, rows, compile_row, lines, runs):
+def print_table(names, rows, compile_row, lines, runs, clock):
     """rows: program -> {implementation name: (seconds, peak KB, checksum)}."""
     header = ["program", "checksum"] + [f"{name} s" for name in names]
     has_lua, has_vbs = "Lua 5.4" in names, "VBScript" in names
@@ -326,8 +341,10 @@ def print_table(names, rows, compile_row, lines, runs):
     for row in table[1:]:
         emit(row)
     print()
+    kind = "processor seconds (user and system)" if clock == "cpu" else "wall-clock seconds"
     print(f"Median of at least {runs} runs (up to {FAST_RUNS} for programs under {FAST_SECONDS:g} s in all), "
-          "seconds without start-up; ratios are Brannoc's time over the peer's (below 1: Brannoc is faster).")
+          f"{kind} without start-up (the compile row: wall clock); ratios are Brannoc's time over the peer's "
+          "(below 1: Brannoc is faster).")
 
 
 def main():
@@ -338,18 +355,21 @@ def main():
                         help="comma-separated: brannoc, lua, python, vbscript, c")
     parser.add_argument("--no-compile-row", action="store_true", help="leave out the large-module compile row")
     parser.add_argument("--timeout", type=float, default=600, help="seconds one run may take")
+    parser.add_argument("--clock", choices=["cpu", "wall"], default="cpu",
+                        help="time programs by processor time (default; steady on a shared machine) or wall clock")
     parser.add_argument("--build", default=os.environ.get("BRANNOC_BUILD_DIR", str(ROOT / "build")))
     arguments = parser.parse_args()
 
     build = pathlib.Path(arguments.build).resolve()
     work = pathlib.Path(tempfile.mkdtemp(prefix="brannoc-bench-"))
     try:
+        clock = arguments.clock
         makers = {
-            "brannoc": lambda: Brannoc(work, build),
-            "lua": lambda: Lua(work),
-            "python": lambda: Python(work),
-            "vbscript": lambda: VBScript(work, build),
-            "c": lambda: C(work),
+            "brannoc": lambda: Brannoc(work, clock, build),
+            "lua": lambda: Lua(work, clock),
+            "python": lambda: Python(work, clock),
+            "vbscript": lambda: VBScript(work, clock, build),
+            "c": lambda: C(work, clock),
         }
         chosen = [part.strip() for part in arguments.implementations.split(",") if part.strip()]
         unknown = [part for part in chosen if part not in makers]
@@ -363,8 +383,9 @@ def main():
 
         for implementation in implementations:
             implementation.measure_startup(arguments.runs, arguments.timeout)
-            if implementation.startup:
-                print(f"start-up of {implementation.name}: {implementation.startup:.3f} s", file=sys.stderr)
+            if any(implementation.startup.values()):
+                print(f"start-up of {implementation.name}: {implementation.startup['wall']:.3f} s wall, "
+                      f"{implementation.startup['cpu']:.3f} s processor", file=sys.stderr)
 
         rows = {}
         failed = False
@@ -391,7 +412,7 @@ def main():
                 failed = True
 
         print_table([implementation.name for implementation in implementations], rows, compile_row, lines,
-                    arguments.runs)
+                    arguments.runs, clock)
         if failed:
             print("Some runs failed or checksums differ (see above).", file=sys.stderr)
             return 1
