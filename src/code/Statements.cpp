@@ -31,7 +31,10 @@ bool Finish(ExecEntry& entry)
     return true;
 }
 
-void JumpTo(const RunContext& context, int index) { context.activation->SetIndexes(index); }
+void JumpTo(const RunContext& context, int address)
+{
+    context.activation->SetIndexes(AddressIndex(address), AddressPosition(address));
+}
 
 VARIANT& HiddenSlot(const RunContext& context, int slot)
 {
@@ -300,7 +303,7 @@ bool JumpStatement::Execute()
         return context.interpreter->SignalError(10035);
     if (m_withRelease > 0)
         LeaveWithBlocks(context, m_withRelease);
-    context.activation->SetIndexes(m_target);
+    JumpTo(context, m_target);
     return true;
 }
 
@@ -534,10 +537,19 @@ bool KeepValueStatement::Step(ExecEntry& entry)
     return Finish(entry);
 }
 
+bool StatementList::Step(ExecEntry& entry)
+{
+    int start = entry.state;
+    if (m_lineLevel && start == 0)
+        start = Interpreter::Current()->CurrentActivation()->TakeEntryPosition();
+    return RunFrom(entry, start, 0);
+}
+
 bool StatementList::RunFrom(ExecEntry& entry, int start, int stateBase)
 {
     Activation* activation = Interpreter::Current()->CurrentActivation();
-    const int before = activation->NextIndex();
+    const int current = activation->CurrentIndex();
+    const int next = activation->NextIndex();
     for (int i = start; i < static_cast<int>(m_statements.size()); ++i) {
         if (!m_statements[static_cast<std::size_t>(i)]->Execute()) {
             if (HaltFlags::MustStop())
@@ -546,8 +558,9 @@ bool StatementList::RunFrom(ExecEntry& entry, int start, int stateBase)
             entry.state = stateBase + i + 1;
             return false;
         }
-        // A jump (GoTo, Exit) or a pending error or action ends the list.
-        if (activation->NextIndex() != before || HaltFlags::Any())
+        // A jump (GoTo, Exit, a loop inside the line) or a pending error or action ends the list; a
+        // jump always changes the current or the next index.
+        if (activation->NextIndex() != next || activation->CurrentIndex() != current || HaltFlags::Any())
             break;
     }
     return Finish(entry);

@@ -8,6 +8,12 @@ namespace brannoc {
 
 class StatementList;
 
+// A jump target: a statement index (a source line) and the position of a statement within that line's
+// ":"-separated list (0: the line from its start).
+constexpr int LineAddress(int index, int position) { return index | (position << 16); }
+constexpr int AddressIndex(int address) { return address & 0xFFFF; }
+constexpr int AddressPosition(int address) { return address >> 16; }
+
 // Dim, Const and Static lines: nothing runs, the listing remains.
 class DeclarationStatement final : public Statement {
 public:
@@ -292,18 +298,22 @@ private:
     int m_slot;
 };
 
-// Several statements on one line (":"), or the Then and Else parts of a single-line If.
+// Several statements on one line (":"), or the Then and Else parts of a single-line If. A line's own
+// list starts at the position that a jump into the line asked for.
 class StatementList final : public Statement {
 public:
     void Add(std::unique_ptr<Statement> statement) { m_statements.push_back(std::move(statement)); }
     bool IsEmptyList() const { return m_statements.empty(); }
+    std::size_t Size() const { return m_statements.size(); }
+    void SetLineLevel() { m_lineLevel = true; }
     // Runs the statements from position start; answers as Step does, with entry.state the position of
     // the statement to resume after.
     [[nodiscard]] bool RunFrom(ExecEntry& entry, int start, int stateBase);
-    [[nodiscard]] bool Step(ExecEntry& entry) override { return RunFrom(entry, entry.state, 0); }
+    [[nodiscard]] bool Step(ExecEntry& entry) override;
 
 private:
     std::vector<std::unique_ptr<Statement>> m_statements;
+    bool m_lineLevel = false;
 };
 
 class SingleLineIfStatement final : public Statement {

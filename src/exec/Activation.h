@@ -5,6 +5,7 @@
 #include "exec/ErrorHandler.h"
 
 #include <cstddef>
+#include <utility>
 
 namespace brannoc {
 
@@ -31,8 +32,20 @@ public:
 
     int CurrentIndex() const noexcept { return m_currentIndex; }
     int NextIndex() const noexcept { return m_nextIndex; }
-    // Moves the execution point: the statement at index runs next.
-    void SetIndexes(int index) noexcept { m_currentIndex = m_nextIndex = index; }
+    // Moves the execution point: the statement at index runs next, from its start.
+    void SetIndexes(int index) noexcept
+    {
+        m_currentIndex = m_nextIndex = index;
+        m_entryPosition = 0;
+    }
+    // Moves the execution point into a line of several statements: its statement at position runs next.
+    void SetIndexes(int index, int position) noexcept
+    {
+        m_currentIndex = m_nextIndex = index;
+        m_entryPosition = position;
+    }
+    // The position a line of several statements starts at, which is 0 again once taken.
+    int TakeEntryPosition() noexcept { return std::exchange(m_entryPosition, 0); }
 
     int ResumeIndex() const noexcept { return m_resumeIndex; }
     void SetResumeIndex(int index) noexcept { m_resumeIndex = index; }
@@ -71,6 +84,7 @@ private:
     ActivationKind m_kind = ActivationKind::Call;
     int m_currentIndex = 0;
     int m_nextIndex = 0;
+    int m_entryPosition = 0;
     int m_resumeIndex = kNoResume;
     std::size_t m_valueStackBase = 0;
     int m_withDepth = 0;

@@ -282,6 +282,7 @@ void Interpreter::FreeActivation(Activation& activation) noexcept
     activation.m_kind = ActivationKind::Call;
     activation.m_currentIndex = 0;
     activation.m_nextIndex = 0;
+    activation.m_entryPosition = 0;
     activation.m_resumeIndex = Activation::kNoResume;
     activation.m_valueStackBase = 0;
     activation.m_withDepth = 0;

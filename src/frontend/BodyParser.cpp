@@ -132,12 +132,19 @@ Block* BodyParser::Innermost(BlockKind kind)
     return &m_blocks.back();
 }
 
-void BodyParser::CloseBlock(Block& block, int endIndex)
+void BodyParser::CloseBlock(Block& block, int after)
 {
     for (JumpStatement* jump : block.exits)
-        jump->SetTarget(endIndex + 1);
+        jump->SetTarget(after);
     for (CaseLineStatement* line : block.caseLines)
-        line->SetTarget(endIndex + 1);
+        line->SetTarget(after);
+}
+
+int BodyParser::AfterHere() const
+{
+    if (m_lexer.Kind() == Token::Colon)
+        return LineAddress(CurrentIndex(), m_linePosition + 1);
+    return LineAddress(CurrentIndex() + 1, 0);
 }
 
 BodyParser::StatementPtr BodyParser::ParseLine()
@@ -146,12 +153,6 @@ BodyParser::StatementPtr BodyParser::ParseLine()
     // Attribute lines inside a procedure (a member's attributes) are read with the declarations.
     if (word == Token::EndOfLine || word == Token::Apostrophe || word == Token::Rem || word == Token::Attribute)
         return nullptr;
-
-    // A Select Case block takes only Case lines before its first Case.
-    if (!m_blocks.empty() && m_blocks.back().expectCase && word != Token::Case) {
-        m_lexer.SignalError(CompileMessage::ExpectingACaseDefinition);
-        return nullptr;
-    }
 
     // A label: a name directly followed by ":" (not ":=").
     if (IsNameToken(word) && word != Token::Print) {
@@ -174,6 +175,59 @@ BodyParser::StatementPtr BodyParser::ParseLine()
         }
     }
 
+    // The statements of the line, separated by ":"; block statements may stand among them.
+    m_linePosition = 0;
+    const int errorsBefore = m_lexer.ErrorCount();
+    StatementPtr single;
+    std::unique_ptr<StatementList> list;
+    bool separated = false;
+    for (;;) {
+        StatementPtr statement = ParseSegment();
+        if (m_lexer.ErrorCount() != errorsBefore)
+            return nullptr;
+        if (statement) {
+            statement->SetOwner(m_code);
+            if (!single && !list) {
+                single = std::move(statement);
+            } else {
+                if (!list) {
+                    list = std::make_unique<StatementList>();
+                    list->Add(std::move(single));
+                }
+                list->Add(std::move(statement));
+            }
+        }
+        if (m_lexer.Kind() != Token::Colon)
+            break;
+        separated = true;
+        while (m_lexer.Accept(Token::Colon)) {
+        }
+        if (m_lexer.Kind() == Token::EndOfLine || m_lexer.Kind() == Token::Apostrophe)
+            break;
+        ++m_linePosition;
+    }
+    if (!separated)
+        return single;
+    // A line of several statements is entered at the position a jump asks for.
+    if (!list) {
+        list = std::make_unique<StatementList>();
+        if (single)
+            list->Add(std::move(single));
+    }
+    list->SetLineLevel();
+    return list;
+}
+
+BodyParser::StatementPtr BodyParser::ParseSegment()
+{
+    const Token word = m_lexer.Kind();
+    if (word == Token::Rem)
+        return nullptr;
+    // A Select Case block takes only Case lines before its first Case.
+    if (!m_blocks.empty() && m_blocks.back().expectCase && (word != Token::Case || m_linePosition > 0)) {
+        m_lexer.SignalError(CompileMessage::ExpectingACaseDefinition);
+        return nullptr;
+    }
     // A blocked keyword's statement is refused (a blocked recognised name may still name a variable).
     if (IsReservedWord(word) && m_lexer.IsBlocked(word)) {
         m_lexer.SignalError(CompileMessage::ThisLanguageFeatureHasBeenDisabled, KeywordText(word));
@@ -185,7 +239,13 @@ BodyParser::StatementPtr BodyParser::ParseLine()
     case Token::ElseIf: return ParseElseIf();
     case Token::Else: return ParseElse();
     case Token::Select: return ParseSelect();
-    case Token::Case: return ParseCase();
+    case Token::Case:
+        // A Case line's statements belong to it; a Case after ":" would share a line with others.
+        if (m_linePosition > 0) {
+            m_lexer.SignalError(CompileMessage::UnexpectedText, "Case");
+            return nullptr;
+        }
+        return ParseCase();
     case Token::For: return ParseFor();
     case Token::Next: return ParseNext();
     case Token::Do: return ParseDo();
@@ -196,12 +256,13 @@ BodyParser::StatementPtr BodyParser::ParseLine()
     case Token::Dim: return ParseDim(false);
     case Token::Static: return ParseDim(true);
     case Token::Const: return ParseConst();
-    default: return ParseInline(false);
+    default: return ParseSimple();
     }
 }
 
 BodyParser::StatementPtr BodyParser::ParseEnd()
 {
+    const char* endPosition = m_lexer.TokenStart();
     m_lexer.NextToken();
     const Token word = m_lexer.Kind();
     if (word == Token::EndOfLine || word == Token::Apostrophe || word == Token::Else || word == Token::Colon) {
@@ -209,23 +270,23 @@ BodyParser::StatementPtr BodyParser::ParseEnd()
         statement->SetKeyword(TokenNumber(Token::End));
         return statement;
     }
-    const int index = CurrentIndex();
     Block* block = m_blocks.empty() ? nullptr : &m_blocks.back();
     const bool closes = block && ((word == Token::If && block->kind == BlockKind::If) ||
                                   (word == Token::Select && block->kind == BlockKind::Select) ||
                                   (word == Token::With && block->kind == BlockKind::With));
     if (!closes) {
-        m_lexer.SignalError(CompileMessage::UnexpectedEndStatement);
+        m_lexer.SignalErrorAt(CompileMessage::UnexpectedEndStatement, {}, endPosition);
         return nullptr;
     }
     m_lexer.NextToken();
+    const int after = AfterHere();
     if (block->kind == BlockKind::If || block->kind == BlockKind::Select) {
         auto* branch = static_cast<BranchStatement*>(block->opener);
         if (!block->hasElse)
-            branch->SetElseTarget(index + 1);
+            branch->SetElseTarget(after);
     }
     const bool endsWith = block->kind == BlockKind::With;
-    CloseBlock(*block, index);
+    CloseBlock(*block, after);
     m_blocks.pop_back();
     StatementPtr statement;
     if (endsWith)

@@ -96,7 +96,8 @@ struct ObjectVariable {
 
 struct Block {
     BlockKind kind;
-    int index = 0;                      // statement index of the opener
+    int index = 0;                      // the opener's address (statement index and position in its line)
+    int afterOpener = 0;                // the address of the statement after the opener
     Statement* opener = nullptr;
     std::vector<JumpStatement*> exits;  // jumps to the statement after the block's end
     bool hasElse = false;
@@ -204,8 +205,15 @@ private:
     StatementPtr ParseArrayAssignment(const VariableRef& target, const UserType* userType, const char* namePosition);
     StatementPtr Declaration();
     Block* Innermost(BlockKind kind);
-    void CloseBlock(Block& block, int endIndex);
+    // Points the block's exits at after, the address of the statement after its closing statement.
+    void CloseBlock(Block& block, int after);
     int CurrentIndex() const { return m_lexer.Line() - m_procedure.firstLine; }
+    // The address of the statement being parsed, and of the one after it (the next ":"-separated
+    // statement of the line, or the next line), once its own words have been read.
+    int Here() const { return LineAddress(CurrentIndex(), m_linePosition); }
+    int AfterHere() const;
+    // One statement of a line (the line's first or one after ":").
+    StatementPtr ParseSegment();
 
     // Expressions.
     [[nodiscard]] bool ParseExpression(Expression& out, bool* simpleVariable = nullptr);
@@ -325,6 +333,10 @@ private:
     std::vector<Block> m_blocks;
     int m_exitIndex = 0;
     int m_withCount = 0;
+    // Where the name read last (ReadName) was written: errors about a name point at it.
+    const char* m_namePosition = nullptr;
+    // Position of the statement being parsed among the ":"-separated statements of its line.
+    int m_linePosition = 0;
     // The class module of the factor parsed last, when it is an object whose class is known.
     const Module* m_factorClass = nullptr;
 };

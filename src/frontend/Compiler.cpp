@@ -20,6 +20,15 @@ void SetResultFromErrors(const Lexer& lexer, ParseResult& result)
         result = ParseResult::SyntaxErrors;
 }
 
+// Where the last line that holds text ends (its CR, or the end of the text).
+const char* EndOfLastLine(const std::string& text)
+{
+    std::size_t end = text.size();
+    while (end > 0 && (text[end - 1] == '\r' || text[end - 1] == '\n'))
+        --end;
+    return text.c_str() + end;
+}
+
 // Names of the recognised header attributes; VB_Name takes a String, the others a Boolean.
 constexpr std::string_view kHeaderAttributes[] = {"VB_Name", "VB_GlobalNameSpace", "VB_Creatable", "VB_PredeclaredId",
                                                   "VB_Exposed"};
@@ -380,7 +389,8 @@ void Compiler::DecideEntries(Module& module)
         Procedure* main = find("Main");
         if (module.IsMacro()) {
             if (main == nullptr) {
-                m_lexer.SignalError(CompileMessage::SubMainHasNotBeenDefined);
+                // Found at the end of the text: reported at the end of the module's last line.
+                m_lexer.SignalErrorAt(CompileMessage::SubMainHasNotBeenDefined, {}, EndOfLastLine(module.Text()));
                 return;
             }
             CheckEntry(module, main, false);

@@ -30,11 +30,10 @@ BodyParser::StatementPtr BodyParser::ParseIf(bool lineStart)
             return nullptr;
         }
         auto branch = std::make_unique<BranchStatement>();
-        const int index = CurrentIndex();
-        branch->AddBranch(std::move(condition), index + 1);
+        branch->AddBranch(std::move(condition), AfterHere());
         branch->SetKeyword(TokenNumber(Token::If));
         Block block{BlockKind::If};
-        block.index = index;
+        block.index = Here();
         block.opener = branch.get();
         m_blocks.push_back(block);
         return branch;
@@ -68,7 +67,7 @@ BodyParser::StatementPtr BodyParser::ParseElseIf()
     if (!ParseExpression(condition) || !m_lexer.ExpectToken(Token::Then))
         return nullptr;
     auto* branch = static_cast<BranchStatement*>(block->opener);
-    branch->AddBranch(std::move(condition), CurrentIndex() + 1);
+    branch->AddBranch(std::move(condition), AfterHere());
     auto jump = std::make_unique<JumpStatement>();
     jump->SetKeyword(TokenNumber(Token::ElseIf));
     block->exits.push_back(jump.get());
@@ -84,7 +83,7 @@ BodyParser::StatementPtr BodyParser::ParseElse()
     }
     m_lexer.NextToken();
     block->hasElse = true;
-    static_cast<BranchStatement*>(block->opener)->SetElseTarget(CurrentIndex() + 1);
+    static_cast<BranchStatement*>(block->opener)->SetElseTarget(AfterHere());
     auto jump = std::make_unique<JumpStatement>();
     jump->SetKeyword(TokenNumber(Token::Else));
     block->exits.push_back(jump.get());
@@ -104,7 +103,7 @@ BodyParser::StatementPtr BodyParser::ParseSelect()
     branch->SetSelector(std::move(selector), slot);
     branch->SetKeyword(TokenNumber(Token::Select));
     Block block{BlockKind::Select};
-    block.index = CurrentIndex();
+    block.index = Here();
     block.opener = branch.get();
     block.expectCase = true;
     block.selectorSlot = slot;
@@ -214,6 +213,7 @@ BodyParser::StatementPtr BodyParser::ParseFor()
         m_lexer.SignalError(CompileMessage::ExpectingAScalarNumberVar);
         return nullptr;
     }
+    const char* namePosition = m_lexer.TokenStart();
     const std::string name = ReadName();
     const TypeCode suffix = ReadSuffix();
     VariableRef counter;
@@ -221,7 +221,7 @@ BodyParser::StatementPtr BodyParser::ParseFor()
     if (!ResolveVariable(name, suffix, counter, found))
         return nullptr;
     if (counter.type.IsArray() || !(counter.type.IsNumeric() || counter.type.IsVariant())) {
-        m_lexer.SignalError(CompileMessage::ExpectingAScalarNumberVar);
+        m_lexer.SignalErrorAt(CompileMessage::ExpectingAScalarNumberVar, {}, namePosition);
         return nullptr;
     }
     if (!m_lexer.ExpectToken(Token::Equal))
@@ -240,7 +240,8 @@ BodyParser::StatementPtr BodyParser::ParseFor()
     auto statement = std::make_unique<ForStatement>(counter, std::move(bounds), hasStep, endSlot, stepSlot);
     statement->SetKeyword(TokenNumber(Token::For));
     Block block{BlockKind::For};
-    block.index = CurrentIndex();
+    block.index = Here();
+    block.afterOpener = AfterHere();
     block.opener = statement.get();
     block.counterName = UpperName(name);
     block.counter = counter;
@@ -280,7 +281,8 @@ BodyParser::StatementPtr BodyParser::ParseForEach()
     auto statement = std::make_unique<ForEachStatement>(element, std::move(group), arraySlot, positionSlot);
     statement->SetKeyword(TokenNumber(Token::For));
     Block block{BlockKind::For};
-    block.index = CurrentIndex();
+    block.index = Here();
+    block.afterOpener = AfterHere();
     block.opener = statement.get();
     block.counterName = UpperName(name);
     block.counter = element;
@@ -312,10 +314,8 @@ bool BodyParser::ReadExistingVariable(VariableRef& ref, CompileMessage message)
 BodyParser::StatementPtr BodyParser::ParseNext()
 {
     m_lexer.NextToken();
-    const int index = CurrentIndex();
-    auto list = std::make_unique<StatementList>();
-    int count = 0;
-    StatementPtr single;
+    std::vector<StatementPtr> nexts;
+    std::vector<Block> closed;
     do {
         Block* block = Innermost(BlockKind::For);
         if (!block) {
@@ -323,35 +323,39 @@ BodyParser::StatementPtr BodyParser::ParseNext()
             return nullptr;
         }
         if (IsNameToken(m_lexer.Kind())) {
+            const char* position = m_lexer.TokenStart();
             const std::string name = UpperName(ReadName());
             (void)ReadSuffix();
             if (name != block->counterName) {
-                m_lexer.SignalError(CompileMessage::NextVarDoesNotMatchForsVar);
+                m_lexer.SignalErrorAt(CompileMessage::NextVarDoesNotMatchForsVar, {}, position);
                 return nullptr;
             }
         }
         StatementPtr next;
-        if (block->isEach) {
-            next = std::make_unique<NextEachStatement>(block->counter, block->endSlot, block->stepSlot, block->index + 1);
-            static_cast<ForEachStatement*>(block->opener)->SetExitTarget(index + 1);
-        } else {
-            next = std::make_unique<NextStatement>(block->counter, block->endSlot, block->stepSlot, block->index + 1);
-            static_cast<ForStatement*>(block->opener)->SetExitTarget(index + 1);
-        }
+        if (block->isEach)
+            next = std::make_unique<NextEachStatement>(block->counter, block->endSlot, block->stepSlot, block->afterOpener);
+        else
+            next = std::make_unique<NextStatement>(block->counter, block->endSlot, block->stepSlot, block->afterOpener);
         next->SetKeyword(TokenNumber(Token::Next));
         next->SetOwner(m_code);
-        CloseBlock(*block, index);
+        nexts.push_back(std::move(next));
+        closed.push_back(std::move(*block));
         m_blocks.pop_back();
-        if (++count == 1) {
-            single = std::move(next);
-        } else {
-            if (single)
-                list->Add(std::move(single));
-            list->Add(std::move(next));
-        }
     } while (m_lexer.Accept(Token::Comma));
-    if (count == 1)
-        return single;
+    // Every loop the Next closes ends after it.
+    const int after = AfterHere();
+    for (Block& block : closed) {
+        if (block.isEach)
+            static_cast<ForEachStatement*>(block.opener)->SetExitTarget(after);
+        else
+            static_cast<ForStatement*>(block.opener)->SetExitTarget(after);
+        CloseBlock(block, after);
+    }
+    if (nexts.size() == 1)
+        return std::move(nexts.front());
+    auto list = std::make_unique<StatementList>();
+    for (StatementPtr& next : nexts)
+        list->Add(std::move(next));
     list->SetKeyword(TokenNumber(Token::Next));
     return list;
 }
@@ -360,7 +364,7 @@ BodyParser::StatementPtr BodyParser::ParseDo()
 {
     m_lexer.NextToken();
     Block block{BlockKind::Do};
-    block.index = CurrentIndex();
+    block.index = Here();
     StatementPtr statement;
     if (m_lexer.Kind() == Token::While || m_lexer.Kind() == Token::Until) {
         const bool isWhile = m_lexer.Kind() == Token::While;
@@ -376,6 +380,7 @@ BodyParser::StatementPtr BodyParser::ParseDo()
         statement = std::make_unique<NoOperationStatement>();
     }
     statement->SetKeyword(TokenNumber(Token::Do));
+    block.afterOpener = AfterHere();
     m_blocks.push_back(block);
     return statement;
 }
@@ -388,7 +393,6 @@ BodyParser::StatementPtr BodyParser::ParseLoop()
         return nullptr;
     }
     m_lexer.NextToken();
-    const int index = CurrentIndex();
     StatementPtr statement;
     if (m_lexer.Kind() == Token::While || m_lexer.Kind() == Token::Until) {
         const bool isWhile = m_lexer.Kind() == Token::While;
@@ -397,16 +401,17 @@ BodyParser::StatementPtr BodyParser::ParseLoop()
         if (!ParseExpression(condition))
             return nullptr;
         auto test = std::make_unique<ConditionalJumpStatement>(std::move(condition), isWhile);
-        test->SetTarget(block->doHasCondition ? block->index : block->index + 1);
+        test->SetTarget(block->doHasCondition ? block->index : block->afterOpener);
         statement = std::move(test);
     } else {
         auto jump = std::make_unique<JumpStatement>();
         jump->SetTarget(block->index);
         statement = std::move(jump);
     }
+    const int after = AfterHere();
     if (block->doHasCondition)
-        static_cast<ConditionalJumpStatement*>(block->opener)->SetTarget(index + 1);
-    CloseBlock(*block, index);
+        static_cast<ConditionalJumpStatement*>(block->opener)->SetTarget(after);
+    CloseBlock(*block, after);
     m_blocks.pop_back();
     statement->SetKeyword(TokenNumber(Token::Loop));
     return statement;
@@ -421,7 +426,8 @@ BodyParser::StatementPtr BodyParser::ParseWhile()
     auto test = std::make_unique<ConditionalJumpStatement>(std::move(condition), false);
     test->SetKeyword(TokenNumber(Token::While));
     Block block{BlockKind::While};
-    block.index = CurrentIndex();
+    block.index = Here();
+    block.afterOpener = AfterHere();
     block.opener = test.get();
     m_blocks.push_back(block);
     return test;
@@ -435,12 +441,12 @@ BodyParser::StatementPtr BodyParser::ParseWend()
         return nullptr;
     }
     m_lexer.NextToken();
-    const int index = CurrentIndex();
-    static_cast<ConditionalJumpStatement*>(block->opener)->SetTarget(index + 1);
+    const int after = AfterHere();
+    static_cast<ConditionalJumpStatement*>(block->opener)->SetTarget(after);
     auto jump = std::make_unique<JumpStatement>();
     jump->SetTarget(block->index);
     jump->SetKeyword(TokenNumber(Token::Wend));
-    CloseBlock(*block, index);
+    CloseBlock(*block, after);
     m_blocks.pop_back();
     return jump;
 }
@@ -462,7 +468,8 @@ BodyParser::StatementPtr BodyParser::ParseWith()
     auto statement = std::make_unique<WithStatement>(std::move(value));
     statement->SetKeyword(TokenNumber(Token::With));
     Block block{BlockKind::With};
-    block.index = CurrentIndex();
+    block.index = Here();
+    block.afterOpener = AfterHere();
     block.opener = statement.get();
     block.classModule = classModule;
     block.withLevel = WithLevel();

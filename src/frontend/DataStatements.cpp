@@ -322,6 +322,7 @@ BodyParser::StatementPtr BodyParser::ParseDim(bool isStatic)
             return nullptr;
         }
         const std::string name = ReadName();
+        const char* namePosition = m_namePosition;
         TypeCode type = ReadSuffix();
         std::vector<std::pair<long, long>> bounds;
         bool isArray = false;
@@ -334,7 +335,7 @@ BodyParser::StatementPtr BodyParser::ParseDim(bool isStatic)
         }
         if (m_lexer.Accept(Token::As)) {
             if (type != TypeCode()) {
-                m_lexer.SignalError(CompileMessage::VarIsAlreadyDefinedAsADifferentType, name);
+                m_lexer.SignalErrorAt(CompileMessage::VarIsAlreadyDefinedAsADifferentType, name, namePosition);
                 return nullptr;
             }
             autoNew = m_lexer.Accept(Token::New);
@@ -345,7 +346,7 @@ BodyParser::StatementPtr BodyParser::ParseDim(bool isStatic)
             type = m_module.DefaultTypeFor(name);
         const std::string key = UpperName(name);
         if (m_locals.count(key) != 0) {
-            m_lexer.SignalError(CompileMessage::IdentifierIsAlreadyInUse, name);
+            m_lexer.SignalErrorAt(CompileMessage::IdentifierIsAlreadyInUse, name, namePosition);
             return nullptr;
         }
         LocalSymbol symbol;

@@ -645,16 +645,18 @@ bool DeclarationReader::ReadParameter(Procedure& procedure, TypeContext context,
         m_lexer.NextToken();
         parameter.paramArray = true;
     }
+    const char* namePosition = m_lexer.TokenStart();
     if (!ReadName(CompileMessage::ExpectingAParameterName, parameter.name))
         return false;
+    // A name in use is reported where it is written.
     for (const Parameter& other : procedure.parameters) {
         if (SameName(other.name, parameter.name)) {
-            m_lexer.SignalError(CompileMessage::IdentifierIsAlreadyInUse, parameter.name);
+            m_lexer.SignalErrorAt(CompileMessage::IdentifierIsAlreadyInUse, parameter.name, namePosition);
             return false;
         }
     }
     if (SameName(parameter.name, procedure.name)) {
-        m_lexer.SignalError(CompileMessage::IdentifierIsAlreadyInUse, parameter.name);
+        m_lexer.SignalErrorAt(CompileMessage::IdentifierIsAlreadyInUse, parameter.name, namePosition);
         return false;
     }
     const bool hasSuffix = ReadTypeSuffix(parameter.type);

@@ -16,6 +16,7 @@ namespace brannoc::body {
 
 std::string BodyParser::ReadName()
 {
+    m_namePosition = m_lexer.TokenStart();
     std::string name(m_lexer.Text());
     m_lexer.NextToken();
     return name;
@@ -192,7 +193,7 @@ bool BodyParser::ResolveVariable(const std::string& name, TypeCode suffix, Varia
     found = true;
     if (const LocalSymbol* local = FindLocal(key); local && local->kind == LocalKind::Variable) {
         if (suffix != TypeCode() && suffix != local->ref.type) {
-            m_lexer.SignalError(CompileMessage::VarIsAlreadyDefinedAsADifferentType, name);
+            m_lexer.SignalErrorAt(CompileMessage::VarIsAlreadyDefinedAsADifferentType, name, m_namePosition);
             return false;
         }
         ref = local->ref;
@@ -201,12 +202,12 @@ bool BodyParser::ResolveVariable(const std::string& name, TypeCode suffix, Varia
     auto global = m_state.names.find(key);
     if (global != m_state.names.end()) {
         if (global->second.kind != SymbolKind::Variable) {
-            m_lexer.SignalError(CompileMessage::ExpectingAVarName, name);
+            m_lexer.SignalErrorAt(CompileMessage::ExpectingAVarName, name, m_namePosition);
             return false;
         }
         const Variable& variable = *m_state.variables[global->second.index];
         if (suffix != TypeCode() && suffix != variable.type.code) {
-            m_lexer.SignalError(CompileMessage::VarIsAlreadyDefinedAsADifferentType, name);
+            m_lexer.SignalErrorAt(CompileMessage::VarIsAlreadyDefinedAsADifferentType, name, m_namePosition);
             return false;
         }
         ref = VariableRef{StorageScope::Module, static_cast<int>(global->second.index), variable.type.code};
@@ -214,13 +215,13 @@ bool BodyParser::ResolveVariable(const std::string& name, TypeCode suffix, Varia
     }
     if (FindUsedVariable(key, ref)) {
         if (suffix != TypeCode() && suffix != ref.type) {
-            m_lexer.SignalError(CompileMessage::VarIsAlreadyDefinedAsADifferentType, name);
+            m_lexer.SignalErrorAt(CompileMessage::VarIsAlreadyDefinedAsADifferentType, name, m_namePosition);
             return false;
         }
         return true;
     }
     if (m_module.OptionExplicit()) {
-        m_lexer.SignalError(CompileMessage::ExpectingAnExistingScalarVar, name);
+        m_lexer.SignalErrorAt(CompileMessage::ExpectingAnExistingScalarVar, name, m_namePosition);
         return false;
     }
     // Implicit declaration: a local of the suffix's type or the letter's default type.

@@ -78,7 +78,7 @@ struct ErrorCase {
 TEST(CompilerTest, SingleErrors)
 {
     const std::vector<ErrorCase> cases = {
-        {"Sub Foo\r\nEnd Sub\r\n", {L"Sub Main has not been defined.", 3, 0, ""}},
+        {"Sub Foo\r\nEnd Sub\r\n", {L"Sub Main has not been defined.", 2, 7, "End Sub"}},
         {"Private Sub Main\r\nEnd Sub\r\n", {L"Expecting a Public Sub. 'Main'", 1, 0, "Private Sub Main"}},
         {"Sub Main(a)\r\nEnd Sub\r\n", {L"Not expecting any parameters. 'Main'", 1, 0, "Sub Main(a)"}},
         {"Function Main()\r\nEnd Function\r\n", {L"Expecting a Public Sub. 'Main'", 1, 0, "Function Main()"}},
@@ -112,7 +112,7 @@ TEST(CompilerTest, SingleErrors)
         {"Sub F(ByVal a())\r\nEnd Sub\r\n" + kMain, {L"Can't pass an array by value.", 1, 15, "Sub F(ByVal a())"}},
         {"Sub F(ParamArray a() As Integer)\r\nEnd Sub\r\n" + kMain,
          {L"ParamArray parameter must be variant array.", 1, 31, "Sub F(ParamArray a() As Integer)"}},
-        {"Sub F(a, a)\r\nEnd Sub\r\n" + kMain, {L"Identifier is already in use. 'a'", 1, 10, "Sub F(a, a)"}},
+        {"Sub F(a, a)\r\nEnd Sub\r\n" + kMain, {L"Identifier is already in use. 'a'", 1, 9, "Sub F(a, a)"}},
         {"Sub F(s As String * 5)\r\nEnd Sub\r\n" + kMain,
          {L"Parameter of this type not supported.", 1, 21, "Sub F(s As String * 5)"}},
         {"Sub F(Optional a As Integer = \"x\")\r\nEnd Sub\r\n" + kMain,
