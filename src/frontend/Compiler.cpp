@@ -91,14 +91,38 @@ void Compiler::DestroyModule(Module* module)
                     m_modules.end());
 }
 
+void Compiler::TraceEntry(std::string_view phase, std::string_view module)
+{
+    std::string line = "*";
+    line.append(phase);
+    line += "(\"";
+    line.append(module);
+    line += "\")";
+    m_source.TraceCompile(line);
+}
+
+void Compiler::TraceResult(ParseResult result)
+{
+    static constexpr std::string_view kNames[] = {"AllocFailed", "NotFound", "SyntaxErrors", "Okay"};
+    std::string line = "Result=";
+    line.append(kNames[static_cast<int>(result) + 2]);
+    m_source.TraceCompile(line);
+}
+
+// Modules that earlier compiles loaded stay shared: a '#Uses name of a loaded code module reaches it
+// again. Initializing a mode 2 module (its storage and initializer) is the engine's, after a success.
 ParseResult Compiler::Parse(std::string_view name, int mode)
 {
+    TraceEntry("Parse", name);
     m_lexer.ResetErrors();
+    m_parsed = nullptr;
     ParseResult result = ParseResult::Okay;
     const std::size_t firstCreated = m_modules.size();
     Module* module = CreateModule(name, mode, result);
-    if (module == nullptr)
+    if (module == nullptr) {
+        TraceResult(result);
         return result;
+    }
     DeclarationPhases(*module, result);
     if (result == ParseResult::Okay)
         Definitions(*module, result);
@@ -110,9 +134,11 @@ ParseResult Compiler::Parse(std::string_view name, int mode)
                 discard.push_back(m_modules[i].get());
         for (Module* failed : discard)
             DestroyModule(failed);
+        TraceResult(result);
         return result;
     }
-    // FIXME: mode 2 initializes the module (storage and initializer) once the executor exists.
+    m_parsed = module;
+    TraceResult(result);
     return result;
 }
 
@@ -120,11 +146,16 @@ ParseResult Compiler::Parse(std::string_view name, int mode)
 void Compiler::DeclarationPhases(Module& module, ParseResult& result)
 {
     m_compiling = true;
+    TraceEntry("ParseDeclarations1", module.Name());
     ParseDeclarations1(module, result);
+    TraceResult(result);
     if (result == ParseResult::Okay)
         Uses(module, result);
-    if (result == ParseResult::Okay)
+    if (result == ParseResult::Okay) {
+        TraceEntry("ParseDeclarations2", module.Name());
         ParseDeclarations2(module, result);
+        TraceResult(result);
+    }
     m_compiling = false;
 }
 
@@ -133,7 +164,9 @@ void Compiler::Definitions(Module& module, ParseResult& result)
 {
     if (module.State() != nullptr) {
         m_compiling = true;
+        TraceEntry("ParseDefinitions", module.Name());
         ParseDefinitions(module, result);
+        TraceResult(result);
         m_compiling = false;
         if (result != ParseResult::Okay)
             return;
@@ -319,6 +352,7 @@ bool Compiler::ScanUses(Module& module, std::string_view keyword, ParseResult& r
                 continue;
         }
         const std::string resolved = m_source.ResolveName(module.Name(), name);
+        TraceEntry("Uses=" + resolved, module.Name());
         Module* used = FindModule(resolved);
         if (used != nullptr) {
             if (used->IsMacro()) {
@@ -330,7 +364,9 @@ bool Compiler::ScanUses(Module& module, std::string_view keyword, ParseResult& r
             used->AddUse();
         } else {
             ParseResult created = ParseResult::Okay;
+            TraceEntry("Create", resolved);
             used = CreateModule(resolved, 1, created);
+            TraceResult(created);
             if (used == nullptr) {
                 m_lexer.SetText(text.c_str(), module.Name());
                 m_lexer.SignalErrorAt(created == ParseResult::NotFound ? CompileMessage::ModuleDoesNotExist

@@ -40,6 +40,12 @@ public:
     void ClearErrors() { m_errors.clear(); }
     // A loaded (or being compiled) module by its resolved name, compared without regard to case.
     Module* FindModule(std::string_view name) const;
+    // The module the last successful Parse made (the top of what it compiled), or null.
+    Module* ParsedModule() const { return m_parsed; }
+    // Every loaded module, oldest first.
+    const std::vector<std::unique_ptr<Module>>& Modules() const { return m_modules; }
+    // Destroys a loaded module; no other module names it in '#Uses any more.
+    void Release(Module* module) { DestroyModule(module); }
     bool IsCompiling() const { return m_compiling; }
 
     // The phases, public so that the engine and tests can drive them one by one.
@@ -59,6 +65,9 @@ private:
     void DecideEntries(Module& module);
     void CheckEntry(Module& module, Procedure* procedure, bool mustBePrivate);
     void DestroyModule(Module* module);
+    // Trace lines of the phases: "*Phase(\"module\")" at their entry, "Result=..." at their end.
+    void TraceEntry(std::string_view phase, std::string_view module);
+    void TraceResult(ParseResult result);
     static bool IsClassName(void* context, std::string_view name);
 
     ModuleSource& m_source;
@@ -68,6 +77,7 @@ private:
     CompileErrorSink* m_forward = nullptr;
     ProcedureBodyCompiler* m_bodyCompiler = nullptr;
     bool m_compiling = false;
+    Module* m_parsed = nullptr;
 };
 
 } // namespace brannoc

@@ -44,6 +44,8 @@ public:
         (void)name;
         return false;
     }
+    // A trace line of the compile driver (written only while the host's compiler trace is on).
+    virtual void TraceCompile(std::string_view line) { (void)line; }
     // True when the name is a type that a type-library reference or extension provides.
     virtual bool IsExternalTypeName(std::string_view name)
     {

@@ -59,16 +59,11 @@ StatusMessage MessageForStatus(ModuleStatus status)
     }
 }
 
-ModuleManager::Loaded::Loaded() = default;
-
-// The instances go before the compiler that owns their modules, newest first.
-ModuleManager::Loaded::~Loaded()
+ModuleManager::ModuleManager(EngineContext& context)
+    : m_context(context), m_compiler(std::make_unique<Compiler>(static_cast<ModuleSource&>(*this)))
 {
-    while (!instances.empty())
-        instances.pop_back();
+    m_compiler->SetErrorSink(this);
 }
-
-ModuleManager::ModuleManager(EngineContext& context) : m_context(context) {}
 
 ModuleManager::~ModuleManager() = default;
 
@@ -112,10 +107,7 @@ ModuleStatus ModuleManager::StatusOf(const Loaded* loaded, bool query)
         const ModuleInstance* instance = activation->Instance();
         if (!instance)
             return false;
-        for (const auto& own : loaded->instances)
-            if (own.get() == instance || &own->OwnModule() == &instance->OwnModule())
-                return true;
-        return &instance->OwnModule() == loaded->module;
+        return std::find(loaded->reach.begin(), loaded->reach.end(), &instance->OwnModule()) != loaded->reach.end();
     };
     const Activation* innermost = machine.CurrentActivation();
     bool inRun = SameName(m_running, loaded->name);
@@ -140,16 +132,23 @@ bool ModuleManager::IsActive(const std::string& name)
 
 void ModuleManager::Discard(const std::string& name)
 {
-    // The module leaves the list before it is released: terminators that run while its instances go
-    // see a consistent list.
     for (auto position = m_loaded.begin(); position != m_loaded.end(); ++position) {
         if (!SameName((*position)->name, name))
             continue;
         std::unique_ptr<Loaded> released = std::move(*position);
         m_loaded.erase(position);
-        released.reset();
+        Release(std::move(released));
         return;
     }
+}
+
+// The module leaves the list before its instances go, so that terminators that run meanwhile see a
+// consistent list; its code stays until they have run.
+void ModuleManager::Release(std::unique_ptr<Loaded> loaded)
+{
+    ReleaseDefaultInstances(*loaded);
+    loaded.reset();
+    CollectUnreachableModules();
 }
 
 void ModuleManager::UnloadAll()
@@ -157,13 +156,28 @@ void ModuleManager::UnloadAll()
     while (!m_loaded.empty()) {
         std::unique_ptr<Loaded> released = std::move(m_loaded.back());
         m_loaded.pop_back();
-        released.reset();
+        Release(std::move(released));
     }
 }
 
-// Each top-level module is compiled by a compiler of its own, so that unloading it releases it with the
-// modules it uses.
-ModuleStatus ModuleManager::Load(const std::string& name)
+void ModuleManager::CollectUnreachableModules()
+{
+    std::vector<Module*> unreachable;
+    for (const auto& module : m_compiler->Modules()) {
+        bool reached = false;
+        for (const auto& loaded : m_loaded)
+            reached = reached || std::find(loaded->reach.begin(), loaded->reach.end(), module.get()) != loaded->reach.end();
+        if (!reached)
+            unreachable.push_back(module.get());
+    }
+    // Newest first, so that a module goes before the modules it uses.
+    for (auto module = unreachable.rbegin(); module != unreachable.rend(); ++module)
+        m_compiler->Release(*module);
+}
+
+// A module that other loaded modules already use is compiled once and shared; loading a loaded module
+// again compiles it again (the modules it uses stay while anything reaches them).
+ModuleStatus ModuleManager::Load(const std::string& name, int mode)
 {
     Loaded* existing = Find(name);
     ModuleStatus status = StatusOf(existing, false);
@@ -173,25 +187,41 @@ ModuleStatus ModuleManager::Load(const std::string& name)
         return ModuleStatus::Busy;
     if (existing)
         Discard(name);
-    auto loaded = std::make_unique<Loaded>();
-    loaded->name = name;
-    loaded->compiler = std::make_unique<Compiler>(static_cast<ModuleSource&>(*this));
-    loaded->compiler->SetErrorLimit(m_context.ErrorLimit());
-    loaded->compiler->SetBodyCompiler(m_bodyCompiler);
-    loaded->compiler->SetErrorSink(this);
+    m_compiler->SetErrorLimit(m_context.ErrorLimit());
+    m_compiler->SetBodyCompiler(m_bodyCompiler);
+    m_compiler->ClearErrors();
     m_context.SetCompiling(true);
-    ParseResult result = loaded->compiler->Parse(name, 0);
+    const ParseResult result = m_compiler->Parse(name, mode);
     m_context.SetCompiling(false);
     switch (result) {
-    case ParseResult::Okay:
-        loaded->module = loaded->compiler->FindModule(name);
-        m_loaded.push_back(std::move(loaded));
-        return ModuleStatus::Idle;
+    case ParseResult::Okay: break;
     case ParseResult::AllocFailed: return ModuleStatus::AllocFailed;
     case ParseResult::NotFound: return ModuleStatus::NotFound;
     case ParseResult::SyntaxErrors:
     default: return ModuleStatus::SyntaxErrors;
     }
+    auto loaded = std::make_unique<Loaded>();
+    loaded->name = name;
+    loaded->module = m_compiler->ParsedModule();
+    loaded->reach.push_back(loaded->module);
+    for (std::size_t i = 0; i < loaded->reach.size(); ++i) {
+        for (Module* used : loaded->reach[i]->UsedModules()) {
+            if (std::find(loaded->reach.begin(), loaded->reach.end(), used) == loaded->reach.end())
+                loaded->reach.push_back(used);
+        }
+    }
+    Loaded& added = *loaded;
+    m_loaded.push_back(std::move(loaded));
+    if (mode == 2 && added.module->Kind() == ModuleKind::Plain) {
+        // Loaded for use: its storage is made and its initializer runs now.
+        std::vector<ModuleInstance*> made;
+        if (!HoldDefaultInstances(added, made) || !InitializeUsedModules(made, nullptr)) {
+            Discard(name);
+            return ModuleStatus::AllocFailed;
+        }
+        added.module->SetFlags(added.module->Flags() | Module::kInitialized);
+    }
+    return ModuleStatus::Idle;
 }
 
 ModuleStatus ModuleManager::Start(const std::string& name, const std::string& command)
@@ -216,7 +246,8 @@ ModuleStatus ModuleManager::Start(const std::string& name, const std::string& co
         return status;
     (void)m_context.Control(EngineContext::kActionResume, 0);
     Loaded* loaded = Find(name);
-    if (!loaded || !loaded->module || !MakeDefaultInstances(*loaded))
+    std::vector<ModuleInstance*> made;
+    if (!loaded || !loaded->module || !HoldDefaultInstances(*loaded, made))
         return ModuleStatus::AllocFailed;
     const CompiledModule* compiled = loaded->module->Compiled();
     Procedure* entry = compiled ? compiled->entry : nullptr;
@@ -232,7 +263,8 @@ ModuleStatus ModuleManager::Start(const std::string& name, const std::string& co
     }
     // Main is scheduled first; the used modules' initializers then run above it, so all of them have
     // finished before Main's first statement.
-    if (!machine.StartEntry(*code, loaded->instances.front().get()) || !InitializeUsedModules(*loaded)) {
+    SharedInstance* own = FindShared(*loaded->module);
+    if (!own || !machine.StartEntry(*code, own->instance.get()) || !InitializeUsedModules(made, loaded->module)) {
         m_running.clear();
         return ModuleStatus::AllocFailed;
     }
@@ -258,35 +290,60 @@ void ModuleManager::RunQueuedStart()
     m_context.SendNotification(EngineContext::kNotifyError);
 }
 
-bool ModuleManager::MakeDefaultInstances(Loaded& loaded)
+ModuleManager::SharedInstance* ModuleManager::FindShared(const Module& module)
 {
-    while (!loaded.instances.empty())
-        loaded.instances.pop_back();
-    loaded.instances.push_back(std::make_unique<ModuleInstance>(*loaded.module));
-    // Every plain module reachable through '#Uses, each once, in the order first met.
-    std::vector<Module*> pending = loaded.module->UsedModules();
-    std::vector<Module*> seen{loaded.module};
-    for (std::size_t i = 0; i < pending.size(); ++i) {
-        Module* used = pending[i];
-        if (std::find(seen.begin(), seen.end(), used) != seen.end())
-            continue;
-        seen.push_back(used);
-        if (used->Kind() == ModuleKind::Class || used->Kind() == ModuleKind::Object)
-            continue;
-        loaded.instances.push_back(std::make_unique<ModuleInstance>(*used));
-        for (Module* further : used->UsedModules())
-            pending.push_back(further);
+    for (SharedInstance& shared : m_instances) {
+        if (shared.module == &module)
+            return &shared;
     }
+    return nullptr;
+}
+
+bool ModuleManager::HoldDefaultInstances(Loaded& loaded, std::vector<ModuleInstance*>& made)
+{
+    if (loaded.holdsInstances)
+        ReleaseDefaultInstances(loaded);
+    for (Module* module : loaded.reach) {
+        if (module->Kind() != ModuleKind::Plain)
+            continue;
+        SharedInstance* shared = FindShared(*module);
+        if (!shared) {
+            m_instances.push_back(SharedInstance{module, std::make_unique<ModuleInstance>(*module), 0});
+            shared = &m_instances.back();
+            made.push_back(shared->instance.get());
+        }
+        ++shared->holds;
+    }
+    loaded.holdsInstances = true;
     return true;
 }
 
-bool ModuleManager::InitializeUsedModules(Loaded& loaded)
+// Released newest first; an instance goes with its last hold (its variables' objects with it).
+void ModuleManager::ReleaseDefaultInstances(Loaded& loaded)
 {
-    for (std::size_t i = 1; i < loaded.instances.size(); ++i) {
-        ModuleInstance& instance = *loaded.instances[i];
-        const CompiledModule* compiled = instance.OwnModule().Compiled();
+    if (!loaded.holdsInstances)
+        return;
+    loaded.holdsInstances = false;
+    for (auto module = loaded.reach.rbegin(); module != loaded.reach.rend(); ++module) {
+        for (std::size_t i = 0; i < m_instances.size(); ++i) {
+            if (m_instances[i].module != *module || --m_instances[i].holds > 0)
+                continue;
+            std::unique_ptr<ModuleInstance> released = std::move(m_instances[i].instance);
+            m_instances.erase(m_instances.begin() + static_cast<std::ptrdiff_t>(i));
+            released.reset();
+            break;
+        }
+    }
+}
+
+bool ModuleManager::InitializeUsedModules(const std::vector<ModuleInstance*>& instances, const Module* top)
+{
+    for (ModuleInstance* instance : instances) {
+        if (&instance->OwnModule() == top)
+            continue;
+        const CompiledModule* compiled = instance->OwnModule().Compiled();
         ProcedureCode* code = compiled && compiled->entry ? compiled->entry->code.get() : nullptr;
-        if (code && !RunNested(*code, instance))
+        if (code && !RunNested(*code, *instance))
             return false;
     }
     return true;
@@ -410,31 +467,21 @@ bool ModuleManager::Locate(const ProcedureCode& code, int index, std::wstring& m
         }
         return false;
     };
-    for (const auto& loaded : m_loaded) {
-        if (search(loaded->module))
+    for (const auto& module : m_compiler->Modules()) {
+        if (search(module.get()))
             return true;
-        for (const auto& instance : loaded->instances)
-            if (search(&instance->OwnModule()))
-                return true;
     }
     return false;
 }
 
-Module* ModuleManager::FindLoadedModule(const std::string& name) const
-{
-    for (const auto& loaded : m_loaded) {
-        if (Module* module = loaded->compiler ? loaded->compiler->FindModule(name) : nullptr)
-            return module;
-    }
-    return nullptr;
-}
+Module* ModuleManager::FindLoadedModule(const std::string& name) const { return m_compiler->FindModule(name); }
 
 ModuleInstance* ModuleManager::DefaultInstance(const Module& module) const
 {
-    for (const auto& loaded : m_loaded)
-        for (const auto& instance : loaded->instances)
-            if (&instance->OwnModule() == &module)
-                return instance.get();
+    for (const SharedInstance& shared : m_instances) {
+        if (shared.module == &module)
+            return shared.instance.get();
+    }
     return nullptr;
 }
 
@@ -541,6 +588,12 @@ std::string ModuleManager::ResolveName(std::string_view usingModule, std::string
                                                WideFromAnsi(usingModule), mapped))
         return AnsiFromWide(mapped);
     return std::string(name);
+}
+
+void ModuleManager::TraceCompile(std::string_view line)
+{
+    if (m_context.ApiTraceOn())
+        m_context.Trace(!line.empty() && line[0] == '*' ? TraceKind::Entry : TraceKind::Result, WideFromAnsi(line));
 }
 
 void ModuleManager::Report(const CompileError& error)

@@ -55,7 +55,9 @@ public:
     std::string MapName(const std::string& name);
 
     ModuleStatus Status(const std::string& name);
-    ModuleStatus Load(const std::string& name);
+    // Loads (compiles) a module: mode 0 a macro, 2 a code module whose default instance is made and
+    // initialized at once, 3 a code module without that step.
+    ModuleStatus Load(const std::string& name, int mode = 0);
     ModuleStatus Start(const std::string& name, const std::string& command);
     ModuleStatus Unload(const std::string& name);
     // False when the old name is not loaded or the new one is taken.
@@ -104,34 +106,6 @@ public:
     // True when the text's first line that is not blank or a comment begins with "VERSION".
     static bool IsObjectModuleText(const std::string& text);
 
-private:
-    struct Loaded {
-        std::string name;
-        std::unique_ptr<Compiler> compiler;
-        Module* module = nullptr;
-        // Default instances: the module's own first, then those of the plain modules it uses. Released
-        // in reverse order.
-        std::vector<std::unique_ptr<ModuleInstance>> instances;
-
-        Loaded();
-        ~Loaded();
-    };
-
-    // ModuleSource
-    std::optional<ModuleText> Read(std::string_view name) override;
-    std::string ResolveName(std::string_view usingModule, std::string_view name) override;
-    // CompileErrorSink
-    void Report(const CompileError& error) override;
-
-    Loaded* Find(const std::string& name);
-    ModuleStatus StatusOf(const Loaded* loaded, bool query);
-    void Discard(const std::string& name);
-    // Makes the default instances of a top-level module and of the non-class modules it uses, used
-    // ones first. False when memory runs out.
-    [[nodiscard]] bool MakeDefaultInstances(Loaded& loaded);
-    // Runs the entry procedures of the used modules' default instances, each to its end.
-    [[nodiscard]] bool InitializeUsedModules(Loaded& loaded);
-public:
     // Pushes the values of a nested call (a result slot, then the arguments); false after raising.
     using NestedArguments = std::function<bool(ValueStack&)>;
     // Runs a procedure of an instance to its end as a nested call, on a value stack of its own; push
@@ -142,10 +116,51 @@ public:
     EngineContext& Context() const { return m_context; }
 
 private:
+    // A module loaded by name (a macro, or a code module loaded with mode 2 or 3).
+    struct Loaded {
+        std::string name;
+        Module* module = nullptr;
+        // The module and the modules it reaches through '#Uses, each once, in the order first met.
+        std::vector<Module*> reach;
+        // Whether it holds the default instances of the plain modules of reach (from its start, or
+        // from a mode 2 load).
+        bool holdsInstances = false;
+    };
+    // The default instance of a plain module, shared by the loaded modules that reach it.
+    struct SharedInstance {
+        Module* module = nullptr;
+        std::unique_ptr<ModuleInstance> instance;
+        int holds = 0;
+    };
+
+    // ModuleSource
+    std::optional<ModuleText> Read(std::string_view name) override;
+    std::string ResolveName(std::string_view usingModule, std::string_view name) override;
+    void TraceCompile(std::string_view line) override;
+    // CompileErrorSink
+    void Report(const CompileError& error) override;
+
+    Loaded* Find(const std::string& name);
+    ModuleStatus StatusOf(const Loaded* loaded, bool query);
+    // Unloads a loaded module: its holds on default instances end, then the modules that nothing
+    // loaded reaches any more go.
+    void Discard(const std::string& name);
+    void Release(std::unique_ptr<Loaded> loaded);
+    void CollectUnreachableModules();
+    // Takes a hold on the default instances of the plain modules that loaded reaches, making those that
+    // do not exist yet; made receives the ones made now (used modules' initializers run for them).
+    [[nodiscard]] bool HoldDefaultInstances(Loaded& loaded, std::vector<ModuleInstance*>& made);
+    void ReleaseDefaultInstances(Loaded& loaded);
+    SharedInstance* FindShared(const Module& module);
+    // Runs the entry procedures (Private Sub Main) of the given used modules' instances, each to its end.
+    [[nodiscard]] bool InitializeUsedModules(const std::vector<ModuleInstance*>& instances, const Module* top);
 
     EngineContext& m_context;
     ProcedureBodyCompiler* m_bodyCompiler = nullptr;
+    // One compiler for every module: a module that several others use is loaded once.
+    std::unique_ptr<Compiler> m_compiler;
     std::vector<std::unique_ptr<Loaded>> m_loaded;
+    std::vector<SharedInstance> m_instances;
     std::map<std::string, std::string> m_givenTexts;
     std::string m_running;
     std::string m_command;

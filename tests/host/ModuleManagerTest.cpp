@@ -706,3 +706,109 @@ TEST(ClassObjectDispatch, PublicMembersAreCalledByName)
     unit->Release();
     EXPECT_EQ(0, callBack.badCalls);
 }
+
+namespace {
+
+// An engine with the statement compiler and the recording callback; released at the end of the test.
+struct RealEngine {
+    FakeCallBack callBack;
+    CodeUnit* unit = static_cast<CodeUnit*>(static_cast<_CodeUnit*>(KZ_CreateCodeUnit()));
+
+    RealEngine() { unit->SetCallBack(&callBack); }
+    ~RealEngine()
+    {
+        VARIANT_BOOL ignored;
+        unit->HaltAll(&ignored);
+        unit->SetCallBack(nullptr);
+        unit->Release();
+    }
+    ModuleManager& Modules() { return unit->Context().Modules(); }
+    bool StartAndRun(const wchar_t* name)
+    {
+        VARIANT_BOOL started = VARIANT_FALSE;
+        VARIANT_BOOL active = VARIANT_TRUE;
+        return unit->Start(TestText(name), &started) == S_OK && started == VARIANT_TRUE &&
+               unit->Run(0, &active) == S_OK && active == VARIANT_FALSE;
+    }
+};
+
+} // namespace
+
+// Two macros that name the same code module in '#Uses share it: it is read and compiled once, its
+// module-level variables and initializer belong to one default instance, and it goes when nothing
+// loaded uses it any more.
+TEST(ModuleSharing, MacrosThatUseTheSameModuleShareIt)
+{
+    RealEngine engine;
+    auto& macros = engine.callBack.macros;
+    macros[L"first"] = L"'#Uses \"shared\"\r\nSub Main\r\n    Store 5\r\nEnd Sub\r\n";
+    macros[L"second"] = L"'#Uses \"shared\"\r\nSub Main\r\n    Debug.Print Stored()\r\nEnd Sub\r\n";
+    macros[L"shared"] = L"Dim kept As Long\r\nPrivate Sub Main\r\n    Debug.Print \"shared init\"\r\nEnd Sub\r\n"
+                        L"Public Sub Store(ByVal value As Long)\r\n    kept = value\r\nEnd Sub\r\n"
+                        L"Public Function Stored() As Long\r\n    Stored = kept\r\nEnd Function\r\n";
+    ASSERT_TRUE(engine.StartAndRun(L"first"));
+    Module* shared = engine.Modules().FindLoadedModule("shared");
+    ASSERT_NE(nullptr, shared);
+    ASSERT_TRUE(engine.StartAndRun(L"second"));
+    EXPECT_EQ(shared, engine.Modules().FindLoadedModule("shared")) << "the loaded module is reused";
+    EXPECT_EQ((std::vector<std::wstring>{L"\"shared init\"\r\n", L"5&\r\n"}), engine.callBack.printed);
+    EXPECT_EQ(1, std::count(engine.callBack.reads.begin(), engine.callBack.reads.end(), L"shared"));
+    EXPECT_EQ(2, shared->UseCount());
+
+    VARIANT_BOOL result = VARIANT_FALSE;
+    ASSERT_EQ(S_OK, engine.unit->Unload(TestText(L"first"), &result));
+    EXPECT_NE(nullptr, engine.Modules().FindLoadedModule("shared")) << "second still uses it";
+    ASSERT_EQ(S_OK, engine.unit->Unload(TestText(L"second"), &result));
+    EXPECT_EQ(nullptr, engine.Modules().FindLoadedModule("shared"));
+}
+
+// A code module loaded with mode 2 gets its default instance and runs its initializer at once.
+TEST(ModuleSharing, ModeTwoInitializesTheModuleAtLoad)
+{
+    RealEngine engine;
+    engine.callBack.macros[L"util"] =
+        L"Dim count As Long\r\nPrivate Sub Main\r\n    count = 7\r\n    Debug.Print \"util init\"\r\nEnd Sub\r\n";
+    EntryGuard guard(engine.unit->Context());
+    ASSERT_EQ(ModuleStatus::Idle, engine.Modules().Load("util", 2));
+    Module* util = engine.Modules().FindLoadedModule("util");
+    ASSERT_NE(nullptr, util);
+    EXPECT_TRUE(util->IsCodeModule());
+    EXPECT_NE(0u, util->Flags() & Module::kInitialized);
+    ModuleInstance* instance = engine.Modules().DefaultInstance(*util);
+    ASSERT_NE(nullptr, instance);
+    EXPECT_EQ(VT_I4, instance->Slot(0).vt);
+    EXPECT_EQ(7, instance->Slot(0).lVal);
+    EXPECT_EQ(std::vector<std::wstring>{L"\"util init\"\r\n"}, engine.callBack.printed);
+
+    ASSERT_EQ(ModuleStatus::Idle, engine.Modules().Load("util", 3));
+    util = engine.Modules().FindLoadedModule("util");
+    EXPECT_EQ(nullptr, engine.Modules().DefaultInstance(*util)) << "mode 3 makes no instance";
+    EXPECT_EQ(1u, engine.callBack.printed.size());
+}
+
+// With the compiler trace on, each phase writes its entry and result lines.
+TEST(ModuleSharing, TheCompilerTraceNamesEachPhase)
+{
+    auto* unit = static_cast<CodeUnit*>(static_cast<_CodeUnit*>(KZ_CreateCodeUnit()));
+    ASSERT_NE(nullptr, unit);
+    std::vector<std::wstring> lines;
+    unit->Context().SetTraceSink([&](TraceKind, const std::wstring& text) {
+        if (!text.empty() && (text[0] == L'*' || text.rfind(L"Result=", 0) == 0))
+            lines.push_back(text);
+    });
+    unit->Context().Modules().GiveText("m", "'#Uses \"u\"\r\nSub Main\r\nEnd Sub\r\n");
+    unit->Context().Modules().GiveText("u", "Sub Helper\r\nEnd Sub\r\n");
+    VARIANT_BOOL ignored;
+    unit->Run(static_cast<long>(0xFFFF8040), &ignored);
+    lines.clear();
+    ASSERT_EQ(ModuleStatus::Idle, unit->Context().Modules().Load("m"));
+    const std::vector<std::wstring> expected{
+        L"*Parse(\"m\")",          L"*ParseDeclarations1(\"m\")", L"Result=Okay",
+        L"*Uses=u(\"m\")",         L"*Create(\"u\")",             L"Result=Okay",
+        L"*ParseDeclarations1(\"u\")", L"Result=Okay",            L"*ParseDeclarations2(\"u\")",
+        L"Result=Okay",            L"*ParseDeclarations2(\"m\")", L"Result=Okay",
+        L"*ParseDefinitions(\"m\")", L"Result=Okay",              L"*ParseDefinitions(\"u\")",
+        L"Result=Okay",            L"Result=Okay"};
+    EXPECT_EQ(expected, lines);
+    unit->Release();
+}
