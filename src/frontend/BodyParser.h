@@ -139,6 +139,8 @@ const BinaryOperator* FindBinary(Token token);
 TypeCode TypeOfWord(Token token);
 
 const char* SkipBlanks(const char* p);
+// The character after the parenthesised group that starts at p (strings inside skipped).
+const char* SkipParenthesised(const char* p);
 
 // Tokens that end a statement: end of line, comment, ":" and the Else of a single-line If.
 bool IsStatementEnd(Token token);
@@ -239,6 +241,12 @@ private:
     [[nodiscard]] bool ResolveVariable(const std::string& name, TypeCode suffix, VariableRef& ref, bool& found);
     const LocalSymbol* FindLocal(const std::string& upperName) const;
     Procedure* FindProcedure(const std::string& upperName) const;
+    // The Property Let or Set of that name (this module's, or a public one of a plain used module).
+    Procedure* FindProperty(const std::string& upperName, ProcedureKind kind) const;
+    // At the token after a name: "=" follows (after parenthesised indexes, if any).
+    bool IsAssignmentAhead() const;
+    // Name[(indexes)] = value through a Property Let or Set of this or a used module.
+    StatementPtr ParsePropertyAssignment(Procedure& property, AssignKind kind);
     const Module* ModuleOf(const Procedure& procedure) const;
     bool FindUsedVariable(const std::string& upperName, VariableRef& ref) const;
     // An As type; a user-defined type's name gives kUserType and the type in userType (when asked for).

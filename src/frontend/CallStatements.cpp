@@ -92,6 +92,12 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(AssignKind kind)
     const TypeCode suffix = ReadSuffix();
 
     const LocalSymbol* local = FindLocal(key);
+    if (!local && (m_lexer.Kind() == Token::Equal || m_lexer.Kind() == Token::LeftParen)) {
+        // Property = value: the Property Let (Property Set for Set) of that name.
+        const ProcedureKind wanted = kind == AssignKind::Set ? ProcedureKind::PropertySet : ProcedureKind::PropertyLet;
+        if (Procedure* property = FindProperty(key, wanted); property && IsAssignmentAhead())
+            return ParsePropertyAssignment(*property, kind);
+    }
     if (const BuiltinRecord* record = BuiltinFor(word, key); record && m_lexer.Kind() != Token::Equal) {
         if (requireAssignment) {
             m_lexer.SignalError(CompileMessage::InvalidLetSyntax);
@@ -215,6 +221,30 @@ BodyParser::StatementPtr BodyParser::ParseArrayAssignment(const VariableRef& tar
         return nullptr;
     }
     return std::make_unique<ArrayAssignStatement>(std::move(value), target, RecordInfoOf(userType));
+}
+
+bool BodyParser::IsAssignmentAhead() const
+{
+    const char* p = m_lexer.TokenStart();
+    if (*p == '(')
+        p = SkipBlanks(SkipParenthesised(p));
+    return *p == '=';
+}
+
+BodyParser::StatementPtr BodyParser::ParsePropertyAssignment(Procedure& property, AssignKind kind)
+{
+    Expression code;
+    int count = 0;
+    if (!ParseMemberArguments(property, kind == AssignKind::Set ? MemberAccess::Set : MemberAccess::Let, code, count))
+        return nullptr;
+    ExprOp call{ExprOpCode::kCall};
+    call.index = m_code->AddCallee(&property, ModuleOf(property));
+    call.count = count;
+    code.ops.push_back(call);
+    ExprOp pop{ExprOpCode::kPop};
+    pop.count = count;
+    code.ops.push_back(pop);
+    return std::make_unique<EvaluateStatement>(std::move(code));
 }
 
 // Arguments of a call: positional and named, matched to the callee's parameters; the call and the

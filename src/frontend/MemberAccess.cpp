@@ -13,6 +13,8 @@ bool IsMemberName(std::string_view text)
     return !text.empty() && CharClasses::Get().IsIdentifierStart(text[0]);
 }
 
+} // namespace
+
 // The character after the parenthesised group that starts at p, strings skipped.
 const char* SkipParenthesised(const char* p)
 {
@@ -32,6 +34,8 @@ const char* SkipParenthesised(const char* p)
     }
     return p;
 }
+
+namespace {
 
 bool IsObjectType(TypeCode type) { return !type.IsArray() && (type.IsObject() || type.IsVariant()); }
 

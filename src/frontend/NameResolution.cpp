@@ -151,6 +151,25 @@ void BodyParser::AppendLoad(Expression& out, const VariableRef& ref, const Objec
     out.type = ref.type;
 }
 
+Procedure* BodyParser::FindProperty(const std::string& upperName, ProcedureKind kind) const
+{
+    for (const auto& procedure : m_state.procedures) {
+        if (procedure->kind == kind && UpperName(procedure->name) == upperName)
+            return procedure.get();
+    }
+    for (Module* used : m_module.UsedModules()) {
+        if (used->Kind() != ModuleKind::Plain)
+            continue;
+        const auto& procedures = used->State() ? used->State()->procedures : used->Compiled()->procedures;
+        for (const auto& procedure : procedures) {
+            if (procedure->kind == kind && procedure->visibility != Visibility::Private &&
+                UpperName(procedure->name) == upperName)
+                return procedure.get();
+        }
+    }
+    return nullptr;
+}
+
 const Module* BodyParser::ModuleOf(const Procedure& procedure) const
 {
     for (const auto& own : m_state.procedures) {
