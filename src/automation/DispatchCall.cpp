@@ -1,5 +1,6 @@
 #include "automation/DispatchCall.h"
 
+#include "exec/Interpreter.h"
 #include "host/ComRef.h"
 #include "host/EntryGuard.h"
 #include "values/ValueError.h"
@@ -73,8 +74,20 @@ public:
         return m_info.scode != 0 ? m_info.scode : static_cast<SCODE>(m_info.wCode);
     }
     long Number() const { return m_info.wCode != 0 ? static_cast<long>(m_info.wCode) : static_cast<long>(m_info.scode); }
+    // Raises the server's error with its description, source and help (the number's own text when the
+    // server gave no description).
+    bool Raise() const
+    {
+        Interpreter* interpreter = Interpreter::Current();
+        if (!interpreter || !m_info.bstrDescription)
+            return RaiseValueError(Number());
+        return interpreter->RaiseRuntimeError(Number(), Text(m_info.bstrDescription), Text(m_info.bstrSource),
+                                              Text(m_info.bstrHelpFile), static_cast<long>(m_info.dwHelpContext));
+    }
 
 private:
+    static std::wstring_view Text(BSTR text) { return text ? std::wstring_view(text, SysStringLen(text)) : std::wstring_view(); }
+
     EXCEPINFO m_info;
 };
 
@@ -272,10 +285,10 @@ bool Perform(const Access& access, Variant& result, Mode mode)
         const SCODE inner = exception.Status();
         const bool mapped = inner == DISP_E_MEMBERNOTFOUND || inner == DISP_E_TYPEMISMATCH || inner == DISP_E_OVERFLOW ||
                             inner == DISP_E_BADINDEX || inner == DISP_E_BADPARAMCOUNT || inner == DISP_E_PARAMNOTOPTIONAL;
-        if (!mapped || mode == Mode::Silent) {
-            // FIXME: the server's description, source and help go to the error record once it keeps them.
-            return Fail(mode, exception.Number());
-        }
+        if (mode == Mode::Silent)
+            return false;
+        if (!mapped)
+            return exception.Raise();
         status = inner;
     }
     return MapStatus(access, status, argumentError, result, mode);

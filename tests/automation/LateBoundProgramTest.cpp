@@ -64,5 +64,15 @@ TEST(LateBoundProgram, ServerErrorsStopTheRunWithTheirNumbers)
     EXPECT_EQ(L"ActiveX Automation: no such property or method.", result.runErrors[0].description);
 }
 
+TEST(LateBoundProgram, AServerExceptionKeepsTheServersDescription)
+{
+    FakeObject object;
+    const auto result = RunWith(object, {"On Error Resume Next", "target.Fail", "Debug.Print Err.Description",
+                                         "Debug.Print Err.Number = &H80040123"});
+    ASSERT_EQ(ParseResult::Okay, result.parse);
+    EXPECT_TRUE(result.runErrors.empty());
+    EXPECT_EQ(L"\"server failed\"\r\nTrue\r\n", result.output);
+}
+
 } // namespace
 } // namespace brannoc
