@@ -254,6 +254,48 @@ EvalStatus RunMemberCall(const RunContext& context, const ExprOp& op)
     return HaltFlags::MustStop() ? EvalStatus::kFailed : EvalStatus::kDone;
 }
 
+bool HoldsObject(const VARIANT& storage)
+{
+    const VARIANT* value = FollowByRefChain(&storage);
+    return IsObjectValue(*value);
+}
+
+bool AccessDefaultMember(const RunContext& context, const VARIANT& storage, int count, const Variant* value)
+{
+    ValueStack& values = context.interpreter->Values();
+    const VARIANT* object = FollowByRefChain(&storage);
+    ComRef<IDispatch> dispatch;
+    if (!object->punkVal)
+        return context.interpreter->SignalError(kObjectIsNothing);
+    if (object->vt == VT_DISPATCH)
+        dispatch = ComRef<IDispatch>::Share(object->pdispVal);
+    else if (FAILED(object->punkVal->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(dispatch.Out()))))
+        return context.interpreter->SignalError(10090);
+    const std::size_t first = values.Size() - static_cast<std::size_t>(count);
+    // The arguments in the language's order, the assigned value last.
+    std::vector<VARIANT> arguments;
+    arguments.reserve(static_cast<std::size_t>(count) + 1);
+    for (std::size_t i = first; i < values.Size(); ++i)
+        arguments.push_back(values.At(i).Raw());
+    if (value)
+        arguments.push_back(value->Raw());
+    automation::DispatchArguments call;
+    call.values = arguments.empty() ? nullptr : arguments.data();
+    call.count = static_cast<int>(arguments.size());
+    Variant result;
+    if (!automation::InvokeMember(dispatch.Get(), std::wstring(), value ? MemberAccess::Let : MemberAccess::Get, call,
+                                  result))
+        return false;
+    values.CutBack(first);
+    if (value)
+        return true;
+    Variant* slot = values.Push();
+    if (!slot)
+        return context.interpreter->RaiseOutOfMemory();
+    *slot = std::move(result);
+    return true;
+}
+
 void EndMemberCall(const RunContext& context)
 {
     ValueStack& values = context.interpreter->Values();

@@ -25,4 +25,12 @@ void EndMemberCall(const RunContext& context);
 // kLoadNew: pushes an "As New" variable's object, made first when the variable holds Nothing.
 [[nodiscard]] bool LoadAutoNew(const RunContext& context, const ExprOp& op);
 
+// True when a variable's storage (references followed) holds an object: name(indexes) then reaches its
+// default member instead of an array element.
+bool HoldsObject(const VARIANT& storage);
+// The default member of the object in storage read with the top `count` values as its arguments, the
+// result in their place (value null), or assigned value with them (the arguments are removed). False
+// after raising.
+[[nodiscard]] bool AccessDefaultMember(const RunContext& context, const VARIANT& storage, int count, const Variant* value);
+
 } // namespace brannoc

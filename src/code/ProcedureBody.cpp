@@ -377,6 +377,12 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             break;
         case ExprOpCode::kElement: {
             VARIANT* storage = StorageOf(context, op.scope, op.index, op.module);
+            if (storage && HoldsObject(*storage)) {
+                // A Variant that holds an object: its default member takes the indexes.
+                if (!AccessDefaultMember(context, *storage, op.count, nullptr))
+                    return EvalStatus::kFailed;
+                break;
+            }
             VARTYPE tag = VT_EMPTY;
             void* element = storage ? ElementOf(context, storage, op.count, tag) : nullptr;
             if (!element)

@@ -1,5 +1,6 @@
 #include "code/Statements.h"
 
+#include "code/MemberCall.h"
 #include "code/ObjectStatements.h"
 #include "exec/Activation.h"
 #include "exec/HaltFlags.h"
@@ -91,6 +92,12 @@ bool AssignElementStatement::Step(ExecEntry& entry)
     Variant value(std::move(values.Top()));
     values.Pop();
     VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
+    if (storage && HoldsObject(*storage)) {
+        // A Variant that holds an object: its default member is assigned.
+        if (!AccessDefaultMember(context, *storage, m_count, &value))
+            return Fail(context, entry);
+        return Finish(entry);
+    }
     VARTYPE tag = VT_EMPTY;
     void* element = storage ? ElementOf(context, storage, m_count, tag) : nullptr;
     if (!element || !StoreTypedElement(element, tag, m_target.type, value))

@@ -64,6 +64,18 @@ TEST(LateBoundProgram, ServerErrorsStopTheRunWithTheirNumbers)
     EXPECT_EQ(L"ActiveX Automation: no such property or method.", result.runErrors[0].description);
 }
 
+TEST(LateBoundProgram, AVariantHoldingAnObjectPassesIndexesToItsDefaultMember)
+{
+    FakeObject object;
+    const auto result = RunWith(object, {"Dim v As Variant", "Set v = target", "Debug.Print v(3)"});
+    ASSERT_EQ(ParseResult::Okay, result.parse);
+    EXPECT_TRUE(result.runErrors.empty());
+    EXPECT_EQ(L"1003&\r\n", result.output);
+    ASSERT_EQ(1u, object.calls.size());
+    EXPECT_EQ(DISPID_VALUE, object.calls[0].member);
+    EXPECT_EQ(std::vector<long>{3}, object.innerIndexes);
+}
+
 TEST(LateBoundProgram, AServerExceptionKeepsTheServersDescription)
 {
     FakeObject object;
