@@ -73,6 +73,7 @@ std::vector<int> BodyParser::WithChain() const
 bool BodyParser::ParseMemberChain(Expression& out, const Module* classModule, const char* start)
 {
     while (m_lexer.Kind() == Token::Dot) {
+        // FIXME: the elements of records (record.element) are selected here once records have them.
         if (!IsObjectType(out.type)) {
             m_lexer.SignalErrorAt(CompileMessage::NotAnObjectReference, {}, start);
             return false;
