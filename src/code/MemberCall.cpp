@@ -192,11 +192,9 @@ bool FindClassMember(const Module& module, std::string_view name, MemberAccess a
 {
     procedure = nullptr;
     variable = -1;
-    auto& source = const_cast<Module&>(module);
-    const auto& procedures = source.State() ? source.State()->procedures : source.Compiled()->procedures;
-    const auto& variables = source.State() ? source.State()->variables : source.Compiled()->variables;
+    const auto& variables = module.Variables();
     Procedure* sub = nullptr;
-    for (const auto& candidate : procedures) {
+    for (const auto& candidate : module.Procedures()) {
         if (candidate->visibility == Visibility::Private || candidate->kind == ProcedureKind::External ||
             !SameName(candidate->name, name))
             continue;

@@ -146,10 +146,7 @@ bool BodyParser::ParseMember(Expression& out, const Module*& classModule, Member
         }
     } else {
         // A public variable of the class, read or assigned like a property.
-        const auto& variables = const_cast<Module*>(classModule)->State()
-                                    ? const_cast<Module*>(classModule)->State()->variables
-                                    : classModule->Compiled()->variables;
-        const Variable& declared = *variables[static_cast<std::size_t>(variable)];
+        const Variable& declared = *classModule->Variables()[static_cast<std::size_t>(variable)];
         if (m_lexer.Kind() == Token::LeftParen) {
             m_lexer.SignalError(kWrongNumberOfParameters);
             return false;
@@ -277,10 +274,8 @@ bool BodyParser::ParseDefaultMember(Expression& out, const Module*& classModule,
 {
     // The default member is marked on one procedure; its Property Let or Set of the same name serves
     // assignments.
-    auto& module = const_cast<Module&>(*classModule);
-    const auto& procedures = module.State() ? module.State()->procedures : module.Compiled()->procedures;
     const Procedure* marked = nullptr;
-    for (const auto& procedure : procedures) {
+    for (const auto& procedure : classModule->Procedures()) {
         if (procedure->isDefaultMember)
             marked = procedure.get();
     }

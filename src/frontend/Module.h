@@ -98,6 +98,17 @@ public:
     const std::vector<Module*>& UsedModules() const { return m_used; }
 
     ParseState* State() { return m_state.get(); }
+    const ParseState* State() const { return m_state.get(); }
+    // The procedures and module-level variables, from the parse state while it exists, else from the
+    // compiled module.
+    const std::vector<std::unique_ptr<Procedure>>& Procedures() const
+    {
+        return m_state ? m_state->procedures : m_compiled->procedures;
+    }
+    const std::vector<std::unique_ptr<Variable>>& Variables() const
+    {
+        return m_state ? m_state->variables : m_compiled->variables;
+    }
     void FreeState() { m_state.reset(); }
     const CompiledModule* Compiled() const { return m_compiled.get(); }
     void SetCompiled(std::unique_ptr<CompiledModule> compiled) { m_compiled = std::move(compiled); }

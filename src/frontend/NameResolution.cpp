@@ -51,7 +51,7 @@ Procedure* BodyParser::FindProcedure(const std::string& upperName) const
     for (Module* used : m_module.UsedModules()) {
         if (used->Kind() != ModuleKind::Plain)
             continue;
-        const auto& procedures = used->State() ? used->State()->procedures : used->Compiled()->procedures;
+        const auto& procedures = used->Procedures();
         for (const auto& procedure : procedures) {
             if (procedure->visibility != Visibility::Private && procedure->kind != ProcedureKind::External &&
                 UpperName(procedure->name) == upperName)
@@ -120,7 +120,7 @@ ObjectVariable BodyParser::ClassOfVariable(const std::string& upperName) const
         for (Module* used : m_module.UsedModules()) {
             if (used->Kind() != ModuleKind::Plain)
                 continue;
-            const auto& variables = used->State() ? used->State()->variables : used->Compiled()->variables;
+            const auto& variables = used->Variables();
             for (const auto& candidate : variables) {
                 if ((candidate->visibility == Visibility::Public || candidate->visibility == Visibility::Friend) &&
                     UpperName(candidate->name) == upperName) {
@@ -160,7 +160,7 @@ Procedure* BodyParser::FindProperty(const std::string& upperName, ProcedureKind 
     for (Module* used : m_module.UsedModules()) {
         if (used->Kind() != ModuleKind::Plain)
             continue;
-        const auto& procedures = used->State() ? used->State()->procedures : used->Compiled()->procedures;
+        const auto& procedures = used->Procedures();
         for (const auto& procedure : procedures) {
             if (procedure->kind == kind && procedure->visibility != Visibility::Private &&
                 UpperName(procedure->name) == upperName)
@@ -177,7 +177,7 @@ const Module* BodyParser::ModuleOf(const Procedure& procedure) const
             return nullptr;
     }
     for (Module* used : m_module.UsedModules()) {
-        const auto& procedures = used->State() ? used->State()->procedures : used->Compiled()->procedures;
+        const auto& procedures = used->Procedures();
         for (const auto& candidate : procedures) {
             if (candidate.get() == &procedure)
                 return used;
@@ -192,7 +192,7 @@ bool BodyParser::FindUsedVariable(const std::string& upperName, VariableRef& ref
     for (Module* used : m_module.UsedModules()) {
         if (used->Kind() != ModuleKind::Plain)
             continue;
-        const auto& variables = used->State() ? used->State()->variables : used->Compiled()->variables;
+        const auto& variables = used->Variables();
         for (std::size_t i = 0; i < variables.size(); ++i) {
             const Variable& variable = *variables[i];
             if (variable.visibility != Visibility::Public && variable.visibility != Visibility::Friend)
