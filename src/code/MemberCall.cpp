@@ -307,10 +307,13 @@ void EndMemberCall(const RunContext& context)
 bool PushWithObject(const RunContext& context, int level)
 {
     Activation& activation = *context.activation;
+    // Fewer With objects than the blocks around the reference: the run jumped into a With block.
     if (activation.WithDepth() <= level)
         return context.interpreter->SignalError(kWrongWith);
     ValueStack& values = context.interpreter->Values();
-    const std::size_t position = activation.ValueStackBase() + static_cast<std::size_t>(level);
+    // The innermost With object kept (an error handler's own With block may stand above the blocks
+    // that were active when the error occurred).
+    const std::size_t position = activation.ValueStackBase() + static_cast<std::size_t>(activation.WithDepth() - 1);
     Variant* slot = values.Push();
     if (!slot)
         return context.interpreter->RaiseOutOfMemory();

@@ -18,7 +18,8 @@ bool FindClassMember(const Module& module, std::string_view name, MemberAccess a
 EvalStatus RunMemberCall(const RunContext& context, const ExprOp& op);
 // kMemberEnd: the result on top replaces the object below it; a slot no Function filled is Empty.
 void EndMemberCall(const RunContext& context);
-// kWithObject: pushes the object that the With block at nesting level `level` holds.
+// kWithObject: pushes the innermost With object; `level` is the reference's nesting level among the
+// procedure's With blocks (fewer kept objects mean a jump into a block: error 10035).
 [[nodiscard]] bool PushWithObject(const RunContext& context, int level);
 // kMe: pushes the current instance's object.
 [[nodiscard]] bool PushMe(const RunContext& context);
