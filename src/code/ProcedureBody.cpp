@@ -25,11 +25,6 @@ constexpr VARTYPE kReferenceTag = VT_BYREF | VT_VARIANT;
 // Offset of the payload inside a VARIANT (where typed references point).
 constexpr std::size_t kPayloadOffset = 8;
 
-VARTYPE StorageTag(TypeCode type)
-{
-    return type.IsArray() ? static_cast<VARTYPE>(VT_VARIANT) : static_cast<VARTYPE>(type.ValueTag());
-}
-
 VARIANT* Slots(const RunContext& context) { return static_cast<VARIANT*>(context.activation->Locals()); }
 
 VARIANT* Follow(VARIANT* storage)
@@ -51,6 +46,11 @@ void MakeReference(Variant& target, VARIANT* storage, TypeCode type)
 }
 
 } // namespace
+
+VARTYPE StorageTag(TypeCode type)
+{
+    return type.IsArray() ? static_cast<VARTYPE>(VT_VARIANT) : static_cast<VARTYPE>(type.ValueTag());
+}
 
 bool PackValues(ValueStack& values, int count)
 {
@@ -118,11 +118,6 @@ VARIANT* StorageOutsideFrame(const RunContext& context, StorageScope scope, int 
     return nullptr;
 }
 
-namespace {
-
-// Stores value into storage of kind without the conversion routine when reading it in that kind cannot
-// change it: the same kind, an Integer into a Long, an Integer or Long into a Double, a Long that fits
-// into an Integer, and into a Variant any value that owns nothing. False (nothing stored) otherwise.
 bool StorePlain(VARIANT& storage, VARTYPE kind, const VARIANT& value)
 {
     if ((value.vt & VT_BYREF) || !OwnsNothing(value.vt))
@@ -148,6 +143,8 @@ bool StorePlain(VARIANT& storage, VARTYPE kind, const VARIANT& value)
     storage = result;
     return true;
 }
+
+namespace {
 
 // A String value given to a String or Variant variable: the string moves into the storage and the old
 // contents move into value, which the caller discards.
@@ -546,6 +543,21 @@ RunContext Statement::Context() const
     context.activation = context.interpreter->CurrentActivation();
     context.procedure = m_owner;
     return context;
+}
+
+bool Statement::ExecuteFrom(std::int32_t state)
+{
+    ExecEntry entry{this, state};
+    return FinishOrWait(entry, Step(entry));
+}
+
+bool Statement::FinishOrWait(ExecEntry& entry, bool done)
+{
+    if (done)
+        return true;
+    if (Interpreter* interpreter = Interpreter::Current())
+        (void)interpreter->PushPending(entry);
+    return false;
 }
 
 bool Statement::Fail(const RunContext& context, ExecEntry& entry)

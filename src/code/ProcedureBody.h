@@ -116,6 +116,12 @@ inline VARIANT* StorageOf(const RunContext& context, StorageScope scope, int ind
         storage = storage->pvarVal;
     return storage;
 }
+// The tag of a variable's storage: its value kind, VT_VARIANT for Variants and arrays.
+VARTYPE StorageTag(TypeCode type);
+// Stores value into storage of kind without the conversion routine when reading it in that kind cannot
+// change it: the same kind, an Integer into a Long, an Integer or Long into a Double, a Long that fits
+// into an Integer, and into a Variant any value that owns nothing. False (nothing stored) otherwise.
+[[nodiscard]] bool StorePlain(VARIANT& storage, VARTYPE kind, const VARIANT& value);
 // Stores value into the variable with its declared type's conversion.
 [[nodiscard]] bool StoreVariable(const RunContext& context, const VariableRef& target, const Variant& value);
 // Stores value into storage declared as type (the same conversion).
@@ -160,6 +166,11 @@ public:
 
 protected:
     RunContext Context() const;
+    // Runs Step from state as Execute does from 0: true when it finished, else the entry waits on the
+    // pending stack and the statement yields.
+    [[nodiscard]] bool ExecuteFrom(std::int32_t state);
+    // Answers for an entry that Step-like code ran: true when done, else it goes on the pending stack.
+    [[nodiscard]] static bool FinishOrWait(ExecEntry& entry, bool done);
     // Cuts the value stack back to the activation's base after a failed statement.
     static bool Fail(const RunContext& context, ExecEntry& entry);
 

@@ -61,6 +61,17 @@ void SetMark(const RunContext& context, int slot)
 
 } // namespace
 
+bool AssignStatement::Execute()
+{
+    const RunContext context = Context();
+    if (const FastExpression* fast = m_fast.Get(m_value, context.procedure)) {
+        VARIANT value;
+        if (fast->Evaluate(context, value) && m_fastTarget.Store(context, value))
+            return true;
+    }
+    return ExecuteFrom(0);
+}
+
 bool AssignStatement::Step(ExecEntry& entry)
 {
     const RunContext context = Context();
@@ -324,6 +335,19 @@ bool ExitProcedureStatement::Execute()
     return true;
 }
 
+bool ConditionalJumpStatement::Execute()
+{
+    const RunContext context = Context();
+    bool truth = false;
+    if (const FastExpression* fast = m_fast.Get(m_condition, context.procedure);
+        fast && fast->EvaluateCondition(context, truth)) {
+        if (truth == m_jumpWhen)
+            JumpTo(context, m_target);
+        return true;
+    }
+    return ExecuteFrom(0);
+}
+
 bool ConditionalJumpStatement::Step(ExecEntry& entry)
 {
     const RunContext context = Context();
@@ -339,6 +363,48 @@ bool ConditionalJumpStatement::Step(ExecEntry& entry)
     if (truth == m_jumpWhen)
         JumpTo(context, m_target);
     return Finish(entry);
+}
+
+void BranchStatement::Enter(const RunContext& context, int part)
+{
+    if (part <= static_cast<int>(m_conditions.size())) {
+        if (m_marks[static_cast<std::size_t>(part - 1)])
+            SetMark(context, m_markSlot);
+        JumpTo(context, m_targets[static_cast<std::size_t>(part - 1)]);
+        return;
+    }
+    if (m_elseMarked)
+        SetMark(context, m_markSlot);
+    JumpTo(context, m_elseTarget);
+}
+
+bool BranchStatement::Execute()
+{
+    const RunContext context = Context();
+    if (m_selectorSlot >= 0) {
+        const FastExpression* fast = m_fastSelector.Get(m_selector, context.procedure);
+        VARIANT value;
+        if (!fast || !fast->Evaluate(context, value))
+            return ExecuteFrom(0);
+        VARIANT& kept = HiddenSlot(context, m_selectorSlot);
+        if (!OwnsNothing(kept.vt))
+            ClearSlot(kept);
+        kept = value;
+    }
+    const int count = static_cast<int>(m_conditions.size());
+    for (int part = 1; part <= count; ++part) {
+        const std::size_t branch = static_cast<std::size_t>(part - 1);
+        const FastExpression* fast = m_fastConditions[branch].Get(m_conditions[branch], context.procedure);
+        bool truth = false;
+        if (!fast || !fast->EvaluateCondition(context, truth))
+            return ExecuteFrom(MakeState(part, 0));
+        if (truth) {
+            Enter(context, part);
+            return true;
+        }
+    }
+    Enter(context, count + 1);
+    return true;
 }
 
 bool BranchStatement::Step(ExecEntry& entry)
@@ -374,15 +440,11 @@ bool BranchStatement::Step(ExecEntry& entry)
         if (!PopCondition(context, truth))
             return Fail(context, entry);
         if (truth) {
-            if (m_marks[static_cast<std::size_t>(part - 1)])
-                SetMark(context, m_markSlot);
-            JumpTo(context, m_targets[static_cast<std::size_t>(part - 1)]);
+            Enter(context, part);
             return Finish(entry);
         }
     }
-    if (m_elseMarked)
-        SetMark(context, m_markSlot);
-    JumpTo(context, m_elseTarget);
+    Enter(context, static_cast<int>(m_conditions.size()) + 1);
     return Finish(entry);
 }
 
@@ -461,6 +523,15 @@ namespace {
 // on. Declined (nothing changed) in every other case, which the general Next handles.
 bool AdvanceCounterFast(VARIANT& counter, VARTYPE declared, const VARIANT& step, const VARIANT& end, bool& goOn)
 {
+    // The common case first: a Long counter (or a Variant holding a Long) with a Long end and step.
+    if (counter.vt == VT_I4 && step.vt == VT_I4 && end.vt == VT_I4 && (declared == VT_I4 || declared == VT_VARIANT)) {
+        LONG next = 0;
+        if (__builtin_add_overflow(counter.lVal, step.lVal, &next))
+            return false;
+        counter.lVal = next;
+        goOn = step.lVal < 0 ? next >= end.lVal : next <= end.lVal;
+        return true;
+    }
     VARIANT sum = counter;
     if (!TryFastBinary(OperationId::kAdd, sum, step) || (declared != VT_VARIANT && sum.vt != declared))
         return false;
@@ -492,7 +563,7 @@ bool NextStatement::Execute()
         return Fail(context, entry);
     VARIANT& endSlot = HiddenSlot(context, m_endSlot);
     VARIANT& stepSlot = HiddenSlot(context, m_stepSlot);
-    if (bool goOn = false; AdvanceCounterFast(*storage, m_counterKind, stepSlot, endSlot, goOn)) {
+    if (bool goOn = false; DirectFormsEnabled() && AdvanceCounterFast(*storage, m_counterKind, stepSlot, endSlot, goOn)) {
         if (goOn)
             JumpTo(context, m_loopStart);
         return true;
@@ -573,6 +644,27 @@ bool StatementList::RunFrom(ExecEntry& entry, int start, int stateBase)
     return Finish(entry);
 }
 
+bool SingleLineIfStatement::RunPart(ExecEntry& entry, bool truth)
+{
+    if (truth)
+        return m_then->RunFrom(entry, 0, MakeState(1, 0));
+    if (m_else)
+        return m_else->RunFrom(entry, 0, MakeState(2, 0));
+    return Finish(entry);
+}
+
+bool SingleLineIfStatement::Execute()
+{
+    const RunContext context = Context();
+    bool truth = false;
+    if (const FastExpression* fast = m_fast.Get(m_condition, context.procedure);
+        fast && fast->EvaluateCondition(context, truth)) {
+        ExecEntry entry{this, 0};
+        return FinishOrWait(entry, RunPart(entry, truth));
+    }
+    return ExecuteFrom(0);
+}
+
 bool SingleLineIfStatement::Step(ExecEntry& entry)
 {
     const RunContext context = Context();
@@ -591,11 +683,7 @@ bool SingleLineIfStatement::Step(ExecEntry& entry)
     bool truth = false;
     if (!PopCondition(context, truth))
         return Fail(context, entry);
-    if (truth)
-        return m_then->RunFrom(entry, 0, MakeState(1, 0));
-    if (m_else)
-        return m_else->RunFrom(entry, 0, MakeState(2, 0));
-    return Finish(entry);
+    return RunPart(entry, truth);
 }
 
 bool EndStatement::Execute()

@@ -2,6 +2,7 @@
 // The statement classes of a statement vector. Control moves by setting the current activation's
 // indexes; a statement that calls a procedure yields and resumes from its entry's state (the position in
 // its expression code), so nothing of a statement in progress lives in the statement object.
+#include "code/FastExpression.h"
 #include "code/ProcedureBody.h"
 
 namespace brannoc {
@@ -29,12 +30,19 @@ public:
 // Let / Set / implicit assignment to a variable.
 class AssignStatement final : public Statement {
 public:
-    AssignStatement(Expression value, VariableRef target) : m_value(std::move(value)), m_target(target) {}
+    AssignStatement(Expression value, VariableRef target)
+        : m_value(std::move(value)), m_target(target), m_fastTarget(target)
+    {
+    }
+    // A numeric value stored without conversion goes the direct way; everything else through Step.
+    [[nodiscard]] bool Execute() override;
     [[nodiscard]] bool Step(ExecEntry& entry) override;
 
 private:
     Expression m_value;
     VariableRef m_target;
+    FastTarget m_fastTarget;
+    LazyFastExpression m_fast;
 };
 
 // a(i, ...) = value: the code leaves the indexes and then the value on the stack.
@@ -178,6 +186,7 @@ public:
         : m_condition(std::move(condition)), m_jumpWhen(jumpWhen)
     {
     }
+    [[nodiscard]] bool Execute() override;
     [[nodiscard]] bool Step(ExecEntry& entry) override;
     void SetTarget(int index) { m_target = index; }
 
@@ -185,6 +194,7 @@ private:
     Expression m_condition;
     bool m_jumpWhen;
     int m_target = 0;
+    LazyFastExpression m_fast;
 };
 
 // Block If (with its ElseIf conditions) and Select Case (with its Case conditions over the kept
@@ -201,6 +211,7 @@ public:
     void AddBranch(Expression condition, int target)
     {
         m_conditions.push_back(std::move(condition));
+        m_fastConditions.emplace_back();
         m_targets.push_back(target);
         m_marks.push_back(false);
     }
@@ -215,12 +226,19 @@ public:
     void SetMarkSlot(int slot) { m_markSlot = slot; }
     void MarkLastBranch() { m_marks.back() = true; }
     std::size_t BranchCount() const { return m_conditions.size(); }
+    // Selector and conditions with a direct form are evaluated directly, the rest through Step.
+    [[nodiscard]] bool Execute() override;
     [[nodiscard]] bool Step(ExecEntry& entry) override;
 
 private:
+    // Takes the branch of part (1 + branch index; past the last: the Else part).
+    void Enter(const RunContext& context, int part);
+
     Expression m_selector;
+    LazyFastExpression m_fastSelector;
     int m_selectorSlot = -1;
     std::vector<Expression> m_conditions;
+    std::vector<LazyFastExpression> m_fastConditions;
     std::vector<int> m_targets;
     std::vector<bool> m_marks;
     int m_elseTarget = 0;
@@ -323,10 +341,15 @@ public:
         : m_condition(std::move(condition)), m_then(std::move(thenPart)), m_else(std::move(elsePart))
     {
     }
+    [[nodiscard]] bool Execute() override;
     [[nodiscard]] bool Step(ExecEntry& entry) override;
 
 private:
+    // Runs the Then (true) or Else part from its start.
+    [[nodiscard]] bool RunPart(ExecEntry& entry, bool truth);
+
     Expression m_condition;
+    LazyFastExpression m_fast;
     std::unique_ptr<StatementList> m_then;
     std::unique_ptr<StatementList> m_else;
 };

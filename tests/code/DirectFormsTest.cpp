@@ -1,0 +1,200 @@
+// Statements that take their direct forms (typed and open numeric expressions, plain stores, numeric
+// For counters) must do exactly what the general code does. Each program here runs twice, with the
+// direct forms on and off, and must print the same text and stop with the same errors both times.
+#include "code/FastExpression.h"
+
+#include "ProgramRunner.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace brannoc {
+namespace {
+
+using testing::JoinLines;
+using testing::ProgramResult;
+using testing::RunProgram;
+
+ProgramResult RunWithDirectForms(const std::string& text, bool on)
+{
+    const bool previous = SetDirectFormsEnabled(on);
+    ProgramResult result = RunProgram(text, {}, 20000000);
+    SetDirectFormsEnabled(previous);
+    return result;
+}
+
+void ExpectSameRuns(const std::string& text)
+{
+    const ProgramResult direct = RunWithDirectForms(text, true);
+    const ProgramResult general = RunWithDirectForms(text, false);
+    ASSERT_EQ(direct.parse, ParseResult::Okay)
+        << (direct.compileErrors.empty() ? std::string("no error record")
+                                         : direct.compileErrors.front().lineText + " / " +
+                                               std::to_string(direct.compileErrors.front().number));
+    EXPECT_TRUE(direct.finished);
+    EXPECT_TRUE(general.finished);
+    ASSERT_FALSE(general.output.empty());
+    // Compare line by line so that a difference shows where it is.
+    std::size_t line = 0, a = 0, b = 0;
+    while (a < direct.output.size() || b < general.output.size()) {
+        const std::size_t endA = direct.output.find(L'\n', a), endB = general.output.find(L'\n', b);
+        const std::wstring lineA = direct.output.substr(a, endA - a), lineB = general.output.substr(b, endB - b);
+        ASSERT_EQ(lineA, lineB) << "output line " << line;
+        if (endA == std::wstring::npos || endB == std::wstring::npos)
+            break;
+        a = endA + 1;
+        b = endB + 1;
+        ++line;
+    }
+    EXPECT_EQ(direct.output, general.output);
+    ASSERT_EQ(direct.runErrors.size(), general.runErrors.size());
+    for (std::size_t i = 0; i < direct.runErrors.size(); ++i) {
+        EXPECT_EQ(direct.runErrors[i].number, general.runErrors[i].number);
+        EXPECT_EQ(direct.runErrors[i].description, general.runErrors[i].description);
+    }
+}
+
+struct Operand {
+    const char* declaration; // "As Long" or "" for a Variant
+    const char* value;       // source text assigned to it
+};
+
+const Operand kOperands[] = {
+    {"As Integer", "32767"},      {"As Integer", "-2"},        {"As Integer", "0"},     {"As Integer", "-32768"},
+    {"As Long", "2147483647"},    {"As Long", "7"},            {"As Long", "-1"},       {"As Long", "-2147483647 - 1"},
+    {"As Double", "2.5"},         {"As Double", "-0.5"},       {"As Double", "1E+308"}, {"As Double", "1E-300"},
+    {"As Boolean", "True"},       {"As Boolean", "False"},     {"", "5"},               {"", "100000"},
+    {"", "1.5"},                  {"", "\"12\""},              {"", "Empty"},           {"", "Null"},
+};
+
+const char* const kOperators[] = {"+", "-", "*", "/", "\\", "Mod", "And", "Or", "Xor", "Eqv", "Imp",
+                                  "=", "<>", "<", "<=", ">", ">=", "^", "&"};
+
+const char* const kTargets[] = {"ri", "rl", "rd", "rb", "rv"};
+
+std::string OperandName(std::size_t index) { return "o" + std::to_string(index); }
+
+// Declarations and values of every operand and result variable.
+std::vector<std::string> Prologue()
+{
+    std::vector<std::string> lines{"Sub Main", "    On Error Resume Next",
+                                   "    Dim ri As Integer, rl As Long, rd As Double, rb As Boolean, rv"};
+    for (std::size_t i = 0; i < std::size(kOperands); ++i) {
+        lines.push_back("    Dim " + OperandName(i) + " " + kOperands[i].declaration);
+        lines.push_back("    " + OperandName(i) + " = " + kOperands[i].value);
+    }
+    return lines;
+}
+
+// Every operator over every pair of operands, stored into a Variant (which shows the result's kind) and
+// into each typed result.
+TEST(DirectForms, EveryOperatorOverEveryPairOfKinds)
+{
+    std::vector<std::string> lines = Prologue();
+    for (const char* op : kOperators) {
+        for (std::size_t l = 0; l < std::size(kOperands); ++l) {
+            for (std::size_t r = 0; r < std::size(kOperands); ++r) {
+                const std::string expression = OperandName(l) + " " + op + " " + OperandName(r);
+                for (const char* target : kTargets) {
+                    lines.push_back(std::string("    Err.Clear: ") + target + " = " + expression + ": Debug.Print \"" +
+                                    expression + " -> " + target + "\"; " + target + "; Err.Number");
+                }
+            }
+        }
+    }
+    lines.push_back("End Sub");
+    ExpectSameRuns(JoinLines(lines));
+}
+
+// Unary operators, constants beside variables, nested expressions and conditions.
+TEST(DirectForms, CompositeExpressionsAndConditions)
+{
+    std::vector<std::string> lines = Prologue();
+    const char* const shapes[] = {
+        "-{a}",          "Not {a}",        "Abs({a})",         "Int({a})",          "Fix({a})",
+        "{a} * 7 + {b}", "({a} + {b}) * 2", "{a} Mod 7 - {b}",  "{a} \\ 3 + 0.5",    "-{a} - {b} * {b}",
+        "{a} + 1",       "1 - {a}",        "{a} * 0.5",        "({a} < {b}) And ({b} >= 0)",
+        "Not ({a} = {b}) Or {a} > 1",      "({a} And 255) - 100",
+    };
+    for (const char* shape : shapes) {
+        for (std::size_t l = 0; l < std::size(kOperands); ++l) {
+            for (std::size_t r = 0; r < std::size(kOperands); r += 3) {
+                std::string expression = shape;
+                for (std::size_t at; (at = expression.find("{a}")) != std::string::npos;)
+                    expression.replace(at, 3, OperandName(l));
+                for (std::size_t at; (at = expression.find("{b}")) != std::string::npos;)
+                    expression.replace(at, 3, OperandName(r));
+                lines.push_back("    Err.Clear: rv = " + expression + ": Debug.Print \"" + expression +
+                                "\"; rv; Err.Number");
+                lines.push_back("    Err.Clear: rl = " + expression + ": Debug.Print rl; Err.Number");
+                lines.push_back("    Err.Clear: If " + expression + " Then Debug.Print \"then\" Else Debug.Print \"else\"");
+                lines.push_back("    Debug.Print Err.Number");
+            }
+        }
+    }
+    lines.push_back("End Sub");
+    ExpectSameRuns(JoinLines(lines));
+}
+
+// Typed parameters bound by reference to a caller's Variant hold whatever the Variant holds; array
+// elements inside and outside the bounds; Select Case over numbers and strings; loops over counters of
+// each kind, up and down, across the Integer limit.
+TEST(DirectForms, ReferencesArraysCasesAndCounters)
+{
+    ExpectSameRuns(JoinLines({
+        "Dim m(2) As Long",
+        "Sub Twice(ByRef x As Long, ByRef d As Double)",
+        "    On Error Resume Next",
+        "    Err.Clear: x = x * 2 + 1: Debug.Print x; Err.Number",
+        "    Err.Clear: d = d / 4 - x: Debug.Print d; Err.Number",
+        "    If x > 10 Then Debug.Print \"big\" Else Debug.Print \"small\"",
+        "End Sub",
+        "Sub Main",
+        "    On Error Resume Next",
+        "    Dim v, w, a(1 To 3) As Integer, d(3) As Double, k As Long, i As Integer, c",
+        "    v = 5: w = 2.5: Twice v, w: Debug.Print v; w",
+        "    v = \"7\": w = \"x\": Twice v, w: Debug.Print v; w",
+        "    v = 2147483647: w = Empty: Twice v, w: Debug.Print v; w",
+        "    For k = 1 To 3",
+        "        a(k) = k * 1000: d(k) = k / 3: m(k - 1) = -k",
+        "    Next k",
+        "    For k = 0 To 4",
+        "        Err.Clear: Debug.Print a(k) * 32; Err.Number; d(k) + a(k); Err.Number; m(k) - 1; Err.Number",
+        "    Next k",
+        "    For Each c In Array(1, 2, 3, \"b\", 2.5, 7, 32767)",
+        "        Select Case c",
+        "            Case 1: Debug.Print \"one\"",
+        "            Case 2, 3: Debug.Print \"two or three\"",
+        "            Case \"b\": Debug.Print \"b\"",
+        "            Case 2.5 To 6: Debug.Print \"range\"",
+        "            Case Is > 100: Debug.Print \"big\"",
+        "            Case Else: Debug.Print \"else\"",
+        "        End Select",
+        "    Next c",
+        "    For i = 32760 To 32767 Step 3",
+        "        Debug.Print i;",
+        "    Next i",
+        "    Debug.Print Err.Number",
+        "    Err.Clear",
+        "    For v = 32765 To 32769",
+        "        Debug.Print v;",
+        "    Next v",
+        "    For k = 10 To -10 Step -7",
+        "        Debug.Print k;",
+        "    Next k",
+        "    For w = 1 To 2 Step 0.25",
+        "        Debug.Print w;",
+        "    Next w",
+        "    For k = 2147483640 To 2147483647 Step 5",
+        "        Debug.Print k;",
+        "    Next k",
+        "    Debug.Print Err.Number",
+        "    Debug.Print \"end\"",
+        "End Sub",
+    }));
+}
+
+} // namespace
+} // namespace brannoc
