@@ -1,12 +1,12 @@
 #include "code/ArrayStatements.h"
 
+#include "code/RecordAccess.h"
 #include "exec/ErrorMessages.h"
 #include "exec/Interpreter.h"
 #include "exec/ModuleInstance.h"
 #include "values/ArrayStorage.h"
 #include "values/Conversion.h"
 
-#include <cstring>
 
 namespace brannoc {
 
@@ -19,12 +19,6 @@ ElementKind KindFor(TypeCode arrayType, IRecordInfo* record)
 {
     const TypeCode array = arrayType.IsArray() ? arrayType : TypeCode(TypeCode::kVariant).WithRank(1);
     return ArrayElementKind(array.Code(), record);
-}
-
-// Records of two record types match when their types do.
-bool SameRecordType(IRecordInfo* a, IRecordInfo* b)
-{
-    return a == b || (a && b && a->IsMatchingType(b));
 }
 
 } // namespace
@@ -51,14 +45,21 @@ bool ReDimStatement::Step(ExecEntry& entry)
         }
     }
     values.CutBack(first);
-    VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
-    if (!storage)
-        return Fail(context, entry);
-    VARIANT* target = FollowByRefChain(storage);
-    SAFEARRAY* existing = ArrayOf(target);
+    VARIANT* target = nullptr;
+    SAFEARRAY** held = nullptr;
+    if (m_path >= 0) {
+        if (!FindPathArray(context, context.procedure->RecordPathAt(m_path), held))
+            return Fail(context, entry);
+    } else {
+        VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
+        if (!storage)
+            return Fail(context, entry);
+        target = FollowByRefChain(storage);
+    }
+    SAFEARRAY* existing = held ? *held : ArrayOf(target);
     if (existing && IsFixedArray(existing))
         return Raise(context, ErrorId::ExpectingDynamicArray), Fail(context, entry);
-    const bool done = m_preserve && existing ? Preserve(existing, lower, upper) : Make(*target, lower, upper);
+    const bool done = m_preserve && existing ? Preserve(existing, lower, upper) : Make(target, held, lower, upper);
     return done ? (entry.state = ExecEntry::kFinished, true) : Fail(context, entry);
 }
 
@@ -92,11 +93,16 @@ bool ReDimStatement::Preserve(SAFEARRAY* existing, const LONG* lower, const LONG
     return true;
 }
 
-bool ReDimStatement::Make(VARIANT& target, const LONG* lower, const LONG* upper) const
+bool ReDimStatement::Make(VARIANT* target, SAFEARRAY** held, const LONG* lower, const LONG* upper) const
 {
     const RunContext context = Context();
     // Without Preserve the old array goes first, whatever follows.
-    ClearSlot(target);
+    if (held) {
+        DestroyArray(*held);
+        *held = nullptr;
+    } else {
+        ClearSlot(*target);
+    }
     for (int d = m_dimensions - 1; d >= 0; --d) {
         if (lower[d] > upper[d])
             return Raise(context, ErrorId::ArrayLowerBoundAboveUpper);
@@ -105,37 +111,61 @@ bool ReDimStatement::Make(VARIANT& target, const LONG* lower, const LONG* upper)
     SAFEARRAY* array = CreateArray(kind, lower, upper, static_cast<UINT>(m_dimensions), false);
     if (!array)
         return Raise(context, ErrorId::CantAllocateLargeArray);
-    target.vt = static_cast<VARTYPE>(VT_ARRAY | kind.tag);
-    target.parray = array;
+    if (held) {
+        *held = array;
+        return true;
+    }
+    target->vt = static_cast<VARTYPE>(VT_ARRAY | kind.tag);
+    target->parray = array;
     return true;
 }
 
-bool EraseStatement::Execute()
+bool EraseStatement::Step(ExecEntry& entry)
 {
     const RunContext context = Context();
-    ExecEntry entry{this, 0};
-    VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
-    if (!storage)
+    if (m_path < 0) {
+        VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
+        if (!storage || !Erase(context, FollowByRefChain(storage), nullptr))
+            return Fail(context, entry);
+        entry.state = ExecEntry::kFinished;
+        return true;
+    }
+    int pc = entry.state;
+    switch (RunExpression(context, m_indexes, pc)) {
+    case EvalStatus::kYield: entry.state = pc; return false;
+    case EvalStatus::kFailed: return Fail(context, entry);
+    case EvalStatus::kDone: break;
+    }
+    SAFEARRAY** held = nullptr;
+    if (!FindPathArray(context, context.procedure->RecordPathAt(m_path), held) || !Erase(context, nullptr, held))
         return Fail(context, entry);
-    VARIANT* target = FollowByRefChain(storage);
-    SAFEARRAY* array = ArrayOf(target);
+    entry.state = ExecEntry::kFinished;
+    return true;
+}
+
+bool EraseStatement::Erase(const RunContext& context, VARIANT* target, SAFEARRAY** held) const
+{
+    SAFEARRAY* array = held ? *held : ArrayOf(target);
     if (!array) {
-        if (target->vt != VT_EMPTY)
-            return Raise(context, ErrorId::TypeMismatch), Fail(context, entry);
+        if (target && target->vt != VT_EMPTY)
+            return Raise(context, ErrorId::TypeMismatch);
         return true;
     }
     ElementKind kind = ElementKindOf(array);
     if (kind.tag == VT_RECORD)
-        return Raise(context, ErrorId::NotImplemented), Fail(context, entry);
+        return Raise(context, ErrorId::NotImplemented);
     if (!IsFixedArray(array)) {
-        ClearSlot(*target);
+        if (held) {
+            DestroyArray(*held);
+            *held = nullptr;
+        } else {
+            ClearSlot(*target);
+        }
         return true;
     }
     if (m_target.type.IsArray() && m_target.type.Scalar().IsFixedString())
         kind.fixedLength = static_cast<UINT>(m_target.type.Scalar().FixedLength());
-    if (!ResetArray(array, kind))
-        return Raise(context, ErrorId::OutOfMemory), Fail(context, entry);
-    return true;
+    return ResetArray(array, kind) || Raise(context, ErrorId::OutOfMemory);
 }
 
 bool ArrayAssignStatement::Step(ExecEntry& entry)
@@ -154,34 +184,11 @@ bool ArrayAssignStatement::Step(ExecEntry& entry)
     if (IsFixedArray(ArrayOf(target)))
         return Raise(context, ErrorId::ExpectingDynamicArray), Fail(context, entry);
     const ElementKind kind = KindFor(m_target.type, m_record);
-    Variant& value = context.interpreter->Values().Top();
-    const VARIANT& source = *FollowByRefChain(&value.Raw());
+    SAFEARRAY* array = nullptr;
+    if (const long error = TakeArrayFor(kind, context.interpreter->Values().Top(), array); error != 0)
+        return context.interpreter->SignalError(error), Fail(context, entry);
     Variant result;
-    if ((source.vt & VT_TYPEMASK) == VT_BSTR && !(source.vt & VT_ARRAY) && kind.tag == VT_UI1) {
-        // A String given to a Byte array: its bytes, from index 0.
-        const BSTR text = (source.vt & VT_BYREF) ? *source.pbstrVal : source.bstrVal;
-        const UINT bytes = text ? SysStringByteLen(text) : 0;
-        const LONG lower = 0;
-        const LONG upper = static_cast<LONG>(bytes) - 1;
-        SAFEARRAY* array = CreateArray(kind, &lower, &upper, 1, false);
-        if (!array)
-            return Raise(context, ErrorId::CantAllocateLargeArray), Fail(context, entry);
-        result.SetArray(array, VT_UI1);
-        if (bytes > 0) {
-            SafeArrayLock lock(array);
-            std::memcpy(lock.Data(), text, bytes);
-        }
-    } else {
-        SAFEARRAY* array = ArrayOf(const_cast<VARIANT*>(&source));
-        const ElementKind given = ElementKindOf(array);
-        if (!array || given.tag != kind.tag || (kind.tag == VT_RECORD && !SameRecordType(given.record, kind.record)))
-            return Raise(context, ErrorId::TypeMismatch), Fail(context, entry);
-        // The value on the stack is the engine's own copy unless it refers to storage elsewhere.
-        if (!value.IsByRef())
-            result = std::move(value);
-        else if (!result.CopyIndirectFrom(value.Raw()))
-            return Raise(context, ErrorId::OutOfMemory), Fail(context, entry);
-    }
+    result.SetArray(array, kind.tag);
     ClearSlot(*target);
     result.Detach(*target);
     context.interpreter->Values().Pop();

@@ -19,13 +19,17 @@ public:
     {
     }
     [[nodiscard]] bool Step(ExecEntry& entry) override;
+    // The array is held by a record: record path `path`, whose indexes the code leaves before the bounds.
+    void SetPath(int path) { m_path = path; }
 
 private:
     // Keeps the elements of existing and gives its last dimension the new bounds. False after raising.
     [[nodiscard]] bool Preserve(SAFEARRAY* existing, const LONG* lower, const LONG* upper) const;
-    // Replaces whatever target holds by a new array. False after raising.
-    [[nodiscard]] bool Make(VARIANT& target, const LONG* lower, const LONG* upper) const;
+    // Replaces whatever target (a variable) or held (an array held by a record) holds by a new array.
+    // False after raising.
+    [[nodiscard]] bool Make(VARIANT* target, SAFEARRAY** held, const LONG* lower, const LONG* upper) const;
 
+    int m_path = -1;
     Expression m_bounds;
     VariableRef m_target;
     int m_dimensions;
@@ -39,10 +43,21 @@ private:
 class EraseStatement final : public Statement {
 public:
     explicit EraseStatement(VariableRef target) : m_target(target) {}
-    [[nodiscard]] bool Execute() override;
+    // The array is held by a record: record path `path` with the code of its indexes.
+    EraseStatement(Expression indexes, int path, TypeCode arrayType)
+        : m_indexes(std::move(indexes)), m_path(path)
+    {
+        m_target.type = arrayType;
+    }
+    [[nodiscard]] bool Step(ExecEntry& entry) override;
 
 private:
+    // Erases the array that target (a variable) or held (an array held by a record) holds. False after raising.
+    [[nodiscard]] bool Erase(const RunContext& context, VARIANT* target, SAFEARRAY** held) const;
+
     VariableRef m_target;
+    Expression m_indexes;
+    int m_path = -1;
 };
 
 // dynamicArray = value: the value must be an array of the variable's element kind (a String given to a

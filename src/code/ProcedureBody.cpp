@@ -2,6 +2,7 @@
 
 #include "code/BuiltinCall.h"
 #include "code/ErrorStatements.h"
+#include "code/RecordAccess.h"
 #include "code/MemberCall.h"
 #include "exec/Activation.h"
 #include "exec/HaltFlags.h"
@@ -39,6 +40,11 @@ VARIANT* Follow(VARIANT* storage)
 void MakeReference(Variant& target, VARIANT* storage, TypeCode type)
 {
     const VARTYPE tag = StorageTag(type);
+    if (tag == VT_RECORD && (storage->vt & ~VT_BYREF) == VT_RECORD) {
+        // A record is referred to the automation way: its block and type, owned by the variable.
+        target.SetRecordReference(storage->pvRecord, storage->pRecInfo);
+        return;
+    }
     if (tag == VT_VARIANT)
         target.SetByRef(VT_VARIANT, storage);
     else
@@ -354,6 +360,18 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
         case ExprOpCode::kMemberEnd:
             EndMemberCall(context);
             break;
+        case ExprOpCode::kRecordSize:
+            if (!ReplaceByRecordSize(context))
+                return EvalStatus::kFailed;
+            break;
+        case ExprOpCode::kRefPath:
+            if (!PushRecordReference(context, context.procedure->RecordPathAt(op.index)))
+                return EvalStatus::kFailed;
+            break;
+        case ExprOpCode::kLoadPath:
+            if (!LoadRecordPath(context, context.procedure->RecordPathAt(op.index)))
+                return EvalStatus::kFailed;
+            break;
         case ExprOpCode::kErrProperty:
             if (!PushErrProperty(context, static_cast<ErrMember>(op.index)))
                 return EvalStatus::kFailed;
@@ -385,7 +403,8 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             if (!element)
                 return EvalStatus::kFailed;
             Variant value;
-            if (!LoadElement(element, tag, value))
+            IRecordInfo* record = tag == VT_RECORD ? ElementKindOf(ArrayOf(storage)).record : nullptr;
+            if (!LoadElement(element, tag, value, record))
                 return EvalStatus::kFailed;
             values.CutBack(values.Size() - static_cast<std::size_t>(op.count));
             Variant* slot = values.Push();
@@ -467,8 +486,16 @@ bool IsPlainKind(VARTYPE tag)
 
 } // namespace
 
-bool LoadElement(const void* element, VARTYPE tag, Variant& target)
+bool LoadElement(const void* element, VARTYPE tag, Variant& target, IRecordInfo* record)
 {
+    if (tag == VT_RECORD) {
+        void* copy = nullptr;
+        if (!record || FAILED(record->RecordCreateCopy(const_cast<void*>(element), &copy)))
+            return RaiseValueError(10001);
+        record->AddRef();
+        target.SetRecord(copy, record);
+        return true;
+    }
     if (IsPlainKind(tag)) {
         target.Clear();
         VARIANT& raw = target.Raw();
@@ -605,7 +632,9 @@ void CompiledProcedure::PrepareInitialSlots()
     m_plainFrame = true;
     for (std::size_t i = m_parameters.size(); i < m_slotTypes.size(); ++i) {
         VARIANT& slot = m_initialSlots[i];
-        if (m_slotBounds[i].empty()) {
+        // Records are made for each call.
+        const bool record = m_slotTypes[i].IsUserType() && !m_slotTypes[i].IsArray();
+        if (m_slotBounds[i].empty() && !record) {
             InitializeTypedSlot(slot, m_slotTypes[i].Code());
             // A fresh value that holds a string, object or record of its own cannot be shared.
             if (OwnsNothing(slot.vt) || slot.byref == nullptr)
@@ -632,8 +661,14 @@ bool CompiledProcedure::InitializeLocals(void* frame)
         if (!m_perCallSlots[i])
             continue;
         const auto& bounds = m_slotBounds[i];
+        RecordType* record = m_slotRecords[i].Get();
         if (bounds.empty()) {
-            InitializeTypedSlot(slots[i], m_slotTypes[i].Code());
+            if (!m_slotTypes[i].IsUserType() || m_slotTypes[i].IsArray()) {
+                InitializeTypedSlot(slots[i], m_slotTypes[i].Code());
+                continue;
+            }
+            if (!InitializeRecordSlot(slots[i], record))
+                return Interpreter::Current() ? Interpreter::Current()->RaiseOutOfMemory() : false;
             continue;
         }
         long lower[8] = {};
@@ -642,16 +677,43 @@ bool CompiledProcedure::InitializeLocals(void* frame)
             lower[d] = bounds[d].first;
             upper[d] = bounds[d].second;
         }
-        if (!InitializeArraySlot(slots[i], m_slotTypes[i].Code(), lower, upper, bounds.size()))
+        if (!InitializeArraySlot(slots[i], m_slotTypes[i].Code(), lower, upper, bounds.size(), record))
             return Interpreter::Current() ? Interpreter::Current()->SignalError(10021) : false;
     }
     return true;
 }
 
+namespace {
+
+// Binds a record parameter: to the caller's record itself when passed by reference, else to a copy.
+// The argument must be a record of the parameter's type (10080).
+bool BindRecord(const ParameterInfo& parameter, VARIANT& slot, Variant& argument)
+{
+    VariantInit(&slot);
+    const VARIANT& source = *FollowByRefChain(&argument.Raw());
+    IRecordInfo* type = parameter.record.Get();
+    if ((source.vt & ~VT_BYREF) != VT_RECORD || !source.pvRecord || !source.pRecInfo || !type ||
+        (source.pRecInfo != type && !type->IsMatchingType(source.pRecInfo)))
+        return RaiseValueError(10080);
+    if (!parameter.byVal && argument.Tag() == (VT_BYREF | VT_RECORD)) {
+        slot = argument.Raw();
+        return true;
+    }
+    Variant copy;
+    if (!copy.CopyIndirectFrom(source))
+        return RaiseValueError(10001);
+    copy.Detach(slot);
+    return true;
+}
+
+} // namespace
+
 bool CompiledProcedure::BindParameter(int index, void* frame, Variant& argument)
 {
     const ParameterInfo& parameter = m_parameters[static_cast<std::size_t>(index)];
     VARIANT& slot = static_cast<VARIANT*>(frame)[index];
+    if (parameter.type.IsUserType() && !parameter.type.IsArray())
+        return BindRecord(parameter, slot, argument);
     const VARTYPE tag = StorageTag(parameter.type);
     if (argument.Tag() == VT_ERROR && argument.Raw().scode == kMissingArgumentStatus) {
         InitializeTypedSlot(slot, parameter.type.Code());
@@ -705,21 +767,25 @@ void CompiledProcedure::ClearLocals(void* frame)
     }
 }
 
-int CompiledProcedure::AddSlot(TypeCode type)
+int CompiledProcedure::AddSlot(TypeCode type, RecordType* record)
 {
     m_slotTypes.push_back(type);
     m_slotBounds.emplace_back();
+    if (record)
+        record->AddRef();
+    m_slotRecords.emplace_back(record);
     return static_cast<int>(m_slotTypes.size()) - 1;
 }
 
-int CompiledProcedure::AddArraySlot(TypeCode type, std::vector<std::pair<long, long>> bounds)
+int CompiledProcedure::AddArraySlot(TypeCode type, std::vector<std::pair<long, long>> bounds, RecordType* record)
 {
-    const int slot = AddSlot(type);
+    const int slot = AddSlot(type, record);
     m_slotBounds.back() = std::move(bounds);
     return slot;
 }
 
-bool CompiledProcedure::AddStaticArray(TypeCode type, const std::vector<std::pair<long, long>>& bounds, int& index)
+bool CompiledProcedure::AddStaticArray(TypeCode type, const std::vector<std::pair<long, long>>& bounds, int& index,
+                                       RecordType* record)
 {
     long lower[8] = {};
     long upper[8] = {};
@@ -728,19 +794,31 @@ bool CompiledProcedure::AddStaticArray(TypeCode type, const std::vector<std::pai
         upper[d] = bounds[d].second;
     }
     VARIANT value;
-    if (!InitializeArraySlot(value, type.Code(), lower, upper, bounds.size()))
+    if (!InitializeArraySlot(value, type.Code(), lower, upper, bounds.size(), record))
         return false;
     m_statics.push_back(value);
     index = static_cast<int>(m_statics.size()) - 1;
     return true;
 }
 
-int CompiledProcedure::AddStatic(TypeCode type)
+bool CompiledProcedure::AddStatic(TypeCode type, RecordType* record, int& index)
 {
     VARIANT value;
-    InitializeTypedSlot(value, type.Code());
+    if (type.IsUserType() && !type.IsArray()) {
+        if (!InitializeRecordSlot(value, record))
+            return false;
+    } else {
+        InitializeTypedSlot(value, type.Code());
+    }
     m_statics.push_back(value);
-    return static_cast<int>(m_statics.size()) - 1;
+    index = static_cast<int>(m_statics.size()) - 1;
+    return true;
+}
+
+int CompiledProcedure::AddRecordPath(std::unique_ptr<RecordPath> path)
+{
+    m_recordPaths.push_back(std::move(path));
+    return static_cast<int>(m_recordPaths.size()) - 1;
 }
 
 int CompiledProcedure::AddConstant(Variant value)

@@ -13,6 +13,7 @@
 #include "exec/ProcedureCode.h"
 #include "frontend/TypeCode.h"
 #include "values/OperationId.h"
+#include "values/RecordType.h"
 #include "values/Variant.h"
 
 #include <cstdint>
@@ -29,6 +30,7 @@ constexpr SCODE kResultSlotStatus = static_cast<SCODE>(0x8004FFFE);
 class Activation;
 struct BuiltinCall;
 class CompiledProcedure;
+struct RecordPath;
 class ValueStack;
 class Interpreter;
 class Module;
@@ -66,6 +68,9 @@ enum class ExprOpCode : std::uint8_t {
                  // procedure member yields, other members finish at once; leaves object and result
     kMemberEnd,  // replaces the object below the top by the result on top (an unfilled slot is Empty)
     kErrProperty, // push property `index` (an ErrMember) of the Err object
+    kLoadPath,    // replace the top `count` indexes by the value at record path `index` (RecordAccess.h)
+    kRecordSize,  // replace the record on top by its size in bytes (Len of a record)
+    kRefPath,     // as kLoadPath, pushing a reference to the record the path names (With on a record)
     kBuiltin,    // call built-in call `index` of the procedure; `count` of its arguments were computed
                  // onto the stack before it, and `variable` ops of deferred argument code follow it
     kJump,       // skip `count` ops (the end of a deferred argument's code)
@@ -135,7 +140,7 @@ VARTYPE StorageTag(TypeCode type);
 // right); null after raising an error. tag receives the element kind.
 void* ElementOf(const RunContext& context, VARIANT* storage, int count, VARTYPE& tag);
 // Copies an element of kind tag into target; stores value into an element of kind tag.
-[[nodiscard]] bool LoadElement(const void* element, VARTYPE tag, Variant& target);
+[[nodiscard]] bool LoadElement(const void* element, VARTYPE tag, Variant& target, IRecordInfo* record = nullptr);
 [[nodiscard]] bool StoreElement(void* element, VARTYPE tag, const Variant& value);
 // As StoreElement for an element of a declared array type (fixed-length String elements keep their
 // length).
@@ -181,6 +186,8 @@ protected:
 
 struct ParameterInfo {
     TypeCode type;
+    // Records and arrays of records: the record type.
+    RecordTypeRef record;
     bool byVal = false;
     bool optional = false;
     bool paramArray = false;
@@ -218,11 +225,17 @@ public:
     int ResultSlot() const { return m_resultSlot; }
 
     // Building (the body compiler).
-    int AddSlot(TypeCode type);
-    int AddStatic(TypeCode type);
+    // record is the record type of a record or an array of records (a reference is kept).
+    int AddSlot(TypeCode type, RecordType* record = nullptr);
+    // A Static; false when its record could not be made.
+    [[nodiscard]] bool AddStatic(TypeCode type, RecordType* record, int& index);
     // A fixed array local (or Static) with dimensions (lower, upper); made when the frame is set up.
-    int AddArraySlot(TypeCode type, std::vector<std::pair<long, long>> bounds);
-    [[nodiscard]] bool AddStaticArray(TypeCode type, const std::vector<std::pair<long, long>>& bounds, int& index);
+    int AddArraySlot(TypeCode type, std::vector<std::pair<long, long>> bounds, RecordType* record = nullptr);
+    [[nodiscard]] bool AddStaticArray(TypeCode type, const std::vector<std::pair<long, long>>& bounds, int& index,
+                                      RecordType* record = nullptr);
+    // An element access through records and arrays of records (RecordAccess.h).
+    int AddRecordPath(std::unique_ptr<RecordPath> path);
+    const RecordPath& RecordPathAt(int index) const { return *m_recordPaths[static_cast<std::size_t>(index)]; }
     int AddConstant(Variant value);
     int AddMemberSite(MemberSite site);
     // A procedure this one calls; module is the callee's when it belongs to another module.
@@ -270,6 +283,8 @@ private:
     std::vector<std::uint8_t> m_perCallSlots;
     // No local needs more than the copy of m_initialSlots.
     bool m_plainFrame = true;
+    std::vector<RecordTypeRef> m_slotRecords;
+    std::vector<std::unique_ptr<RecordPath>> m_recordPaths;
     std::vector<VARIANT> m_statics;
     std::vector<Variant> m_constants;
     std::vector<Procedure*> m_callees;

@@ -136,7 +136,8 @@ bool AssignEachElement(const RunContext& context, const VariableRef& variable, i
     const VARTYPE tag = static_cast<VARTYPE>(kept->vt & VT_TYPEMASK);
     const void* element = static_cast<const char*>(array->pvData) + static_cast<std::size_t>(position) * array->cbElements;
     Variant value;
-    if (!LoadElement(element, tag, value) || !StoreVariable(context, variable, value)) {
+    IRecordInfo* record = tag == VT_RECORD ? ElementKindOf(array).record : nullptr;
+    if (!LoadElement(element, tag, value, record) || !StoreVariable(context, variable, value)) {
         error = true;
         return false;
     }

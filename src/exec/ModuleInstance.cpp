@@ -41,6 +41,21 @@ void InitializeTypedSlot(VARIANT& storage, unsigned short code)
     }
 }
 
+bool InitializeRecordSlot(VARIANT& storage, IRecordInfo* record)
+{
+    VariantInit(&storage);
+    if (!record)
+        return false;
+    void* block = record->RecordCreate();
+    if (!block)
+        return false;
+    record->AddRef();
+    storage.vt = VT_RECORD;
+    storage.pvRecord = block;
+    storage.pRecInfo = record;
+    return true;
+}
+
 VARTYPE ArrayElementTag(unsigned short code)
 {
     const TypeCode element = TypeCode(code).Scalar();
@@ -93,7 +108,13 @@ ModuleInstance::ModuleInstance(Module& module) : m_module(&module)
     m_slots = std::make_unique<VARIANT[]>(m_count > 0 ? m_count : 1);
     for (std::size_t i = 0; i < m_count; ++i) {
         const Variable& variable = *compiled->variables[i];
+        IRecordInfo* record = variable.type.userType ? variable.type.userType->record.Get() : nullptr;
         if (!variable.type.code.IsArray()) {
+            if (variable.type.code.IsUserType()) {
+                // FIXME: a record that cannot be made leaves the variable Empty; its use raises 10080.
+                (void)InitializeRecordSlot(m_slots[i], record);
+                continue;
+            }
             InitializeTypedSlot(m_slots[i], variable.type.code.Code());
             continue;
         }
@@ -104,7 +125,7 @@ ModuleInstance::ModuleInstance(Module& module) : m_module(&module)
             lower[d] = variable.bounds[d].lower;
             upper[d] = variable.bounds[d].upper;
         }
-        if (!InitializeArraySlot(m_slots[i], variable.type.code.Code(), lower, upper, dimensions))
+        if (!InitializeArraySlot(m_slots[i], variable.type.code.Code(), lower, upper, dimensions, record))
             VariantInit(&m_slots[i]);
     }
     s_live.push_back(this);

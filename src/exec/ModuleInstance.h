@@ -78,6 +78,10 @@ private:
 // 0 for numbers, False, an empty String, Nothing, Empty for Variants.
 void InitializeTypedSlot(VARIANT& storage, unsigned short code);
 
+// Sets storage (a cleared slot) to a new record of type record, each field at its zero value. False
+// when it could not be made.
+[[nodiscard]] bool InitializeRecordSlot(VARIANT& storage, IRecordInfo* record);
+
 // The element kind of an array variable of type code `code`: VT_VARIANT, VT_BSTR, VT_DISPATCH, a
 // numeric kind, or VT_RECORD for arrays of records.
 VARTYPE ArrayElementTag(unsigned short code);

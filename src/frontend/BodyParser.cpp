@@ -31,19 +31,26 @@ bool BodyParser::Compile()
         info.hasDefault = parameter.hasDefault;
         if (parameter.hasDefault)
             info.defaultValue = FromConstant(parameter.defaultValue);
-        const int slot = m_code->AddSlot(parameter.type.code);
+        RecordType* record = parameter.type.userType ? parameter.type.userType->record.Get() : nullptr;
+        if (record)
+            record->AddRef();
+        info.record = RecordTypeRef(record);
+        const int slot = m_code->AddSlot(parameter.type.code, record);
         m_code->AddParameter(std::move(info));
         LocalSymbol symbol;
         symbol.ref = VariableRef{StorageScope::Local, slot, parameter.type.code};
         symbol.classModule = ClassOfType(parameter.type);
+        symbol.userType = parameter.type.userType;
         m_locals[UpperName(parameter.name)] = symbol;
     }
     if (m_procedure.kind == ProcedureKind::Function || m_procedure.kind == ProcedureKind::PropertyGet) {
-        const int slot = m_code->AddSlot(m_procedure.result.code);
+        const UserType* resultType = m_procedure.result.userType;
+        const int slot = m_code->AddSlot(m_procedure.result.code, resultType ? resultType->record.Get() : nullptr);
         m_code->SetResultSlot(slot);
         LocalSymbol symbol;
         symbol.ref = VariableRef{StorageScope::Local, slot, m_procedure.result.code};
         symbol.classModule = ClassOfType(m_procedure.result);
+        symbol.userType = resultType;
         m_locals[UpperName(m_procedure.name)] = symbol;
     }
 

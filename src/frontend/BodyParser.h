@@ -87,6 +87,19 @@ struct ParsedArguments {
 // The keyword an assignment statement was written with.
 enum class AssignKind { Implicit, Let, Set };
 
+// What a record element access names: its type, and for an element declared as a class or a whole array
+// held by a record, what that implies.
+struct RecordPathEnd {
+    TypeCode type;
+    // A record: its user-defined type.
+    const UserType* record = nullptr;
+    // An array of records: the user-defined type of its elements.
+    const UserType* elements = nullptr;
+    std::string className;
+    // A whole array held by a record field that was declared with bounds.
+    bool fixedArray = false;
+};
+
 // What the compiler knows of a variable as an object: the class module it was declared as (members
 // bind early) and whether "As New" makes the instance on first use.
 struct ObjectVariable {
@@ -119,6 +132,8 @@ struct Block {
     const Module* classModule = nullptr;
     int withLevel = 0;
     int withNumber = 0;
+    // With a record: its type (the block keeps a reference to the record; ".element" reaches its elements).
+    const UserType* withRecord = nullptr;
     // Exit jumps that leave With blocks release their objects: the With depth at the Exit.
     std::vector<int> exitWithDepths;
 };
@@ -195,6 +210,27 @@ private:
     const UserType* FindUserType(std::string_view name) const;
     // The run-time record type of a user-defined type (null for none).
     static IRecordInfo* RecordInfoOf(const UserType* userType);
+    // True at a record variable or an array of records followed by "(" or "." (an element access), or
+    // at "." inside a With block on a record.
+    bool AtRecordPath() const;
+    // The innermost With block when it is on a record, else null.
+    const Block* RecordWithBlock() const;
+    // The target of a With statement when it begins with a record variable: a record gives the code of a
+    // reference to it and its type; an object held by a record gives the code of its value and `parsed`.
+    // Neither when the target does not begin with a record variable. False after reporting an error.
+    [[nodiscard]] bool ParseRecordWithTarget(Expression& code, const UserType*& type, bool& parsed);
+    // The element access a(i).b.c in an expression; its value may be an object whose members follow.
+    [[nodiscard]] bool ParseRecordFactor(Expression& out, bool* simpleVariable);
+    // A statement that begins with an element access: an assignment to it, or a member call on it.
+    StatementPtr ParseRecordStatement(AssignKind kind);
+    // Reads the access: its indexes go to code, the path to the procedure; the result tells the type
+    // of the place and whether it may take a whole array. -1 after reporting an error.
+    int ParseRecordPath(Expression& code, RecordPathEnd& end, bool beforeBounds = false);
+    // True at an element access of a record that names an array held by the record (ReDim, Erase):
+    // a record variable followed by ".", or "." inside With on a record.
+    bool AtHeldArray() const;
+    StatementPtr ParseReDimHeldArray(bool preserve);
+    StatementPtr ParseEraseHeldArray();
     StatementPtr ParseExit();
     StatementPtr ParseDebug();
     StatementPtr ParseDim(bool isStatic);
@@ -322,6 +358,7 @@ private:
     StatementPtr ParseForEach();
     StatementPtr ParseReDim();
     StatementPtr ParseReDimVariable(bool preserve);
+    [[nodiscard]] bool ParseReDimBounds(Expression& bounds, int& dimensions);
     StatementPtr ParseMid();
     StatementPtr ParseErase();
     StatementPtr ParseAlign(bool right);

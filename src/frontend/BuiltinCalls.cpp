@@ -258,14 +258,16 @@ bool BodyParser::CheckBuiltinArgument(const BuiltinRecord& record, int index, co
     return true;
 }
 
-// FIXME: the size of a record variable needs the records' storage layout; until it is wired, Len and
-// LenB of a user-defined type report that the feature is not implemented.
+// Len and LenB of a record: the size of its type's record (the layout rule of RecordType).
 bool BodyParser::ParseRecordLength(const BuiltinRecord& record, const Expression& argument, Expression& out)
 {
-    (void)argument;
-    (void)out;
-    m_lexer.SignalError(CompileMessage::BuiltinFunctionInstructionIsNotImplemented, KeywordText(record.keyword));
-    return false;
+    (void)record;
+    out.Append(argument);
+    ExprOp size{ExprOpCode::kRecordSize};
+    size.type = TypeCode(TypeCode::kLong);
+    out.ops.push_back(size);
+    out.type = size.type;
+    return true;
 }
 
 bool BodyParser::FoldBuiltinCall(const BuiltinRecord& record, const std::vector<std::optional<Expression>>& arguments,

@@ -74,6 +74,8 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(AssignKind kind)
     const bool requireAssignment = kind != AssignKind::Implicit;
     if (AtErrObject())
         return ParseErrStatement();
+    if (AtRecordPath())
+        return ParseRecordStatement(kind);
     if (StartsObjectStatement())
         return ParseObjectStatement(kind, false);
     const Token word = m_lexer.Kind();

@@ -463,6 +463,7 @@ void Compiler::ParseDefinitions(Module& module, ParseResult& result)
     ParseState& state = *module.State();
     DeclarationReader reader(m_lexer, module, &m_source, &Compiler::IsClassName, this);
     reader.ResolveTypes();
+    reader.LayoutTypes();
     SetResultFromErrors(m_lexer, result);
     for (auto& procedure : state.procedures) {
         if (result != ParseResult::Okay || m_lexer.ErrorLimitReached() || m_lexer.MemoryExhausted())

@@ -456,11 +456,25 @@ BodyParser::StatementPtr BodyParser::ParseWith()
     m_lexer.NextToken();
     const char* position = m_lexer.TokenStart();
     Expression value;
-    if (!ParseExpression(value))
+    const UserType* record = nullptr;
+    bool parsed = false;
+    if (!ParseRecordWithTarget(value, record, parsed))
+        return nullptr;
+    if (record) {
+        auto statement = std::make_unique<WithStatement>(std::move(value));
+        statement->SetKeyword(TokenNumber(Token::With));
+        Block block{BlockKind::With};
+        block.index = CurrentIndex();
+        block.opener = statement.get();
+        block.withLevel = WithLevel();
+        block.withNumber = ++m_withCount;
+        block.withRecord = record;
+        m_blocks.push_back(block);
+        return statement;
+    }
+    if (!parsed && !ParseExpression(value))
         return nullptr;
     const Module* classModule = m_factorClass;
-    // FIXME: a record variable is kept by reference, and ".element" reaches its elements, once records
-    // have their element syntax.
     if (value.type.IsArray() || !(value.type.IsObject() || value.type.IsVariant())) {
         m_lexer.SignalErrorAt(CompileMessage::ExpectingAnObjectExpression, {}, position);
         return nullptr;

@@ -44,10 +44,40 @@ BodyParser::StatementPtr BodyParser::ParseReDim()
     return list;
 }
 
+// "(" [lower To] upper {"," [lower To] upper} ")": a (lower, upper) pair of code per dimension.
+bool BodyParser::ParseReDimBounds(Expression& bounds, int& dimensions)
+{
+    if (!m_lexer.ExpectToken(Token::LeftParen))
+        return false;
+    dimensions = 0;
+    do {
+        Expression first;
+        if (!ParseExpression(first))
+            return false;
+        if (m_lexer.Accept(Token::To)) {
+            bounds.Append(first);
+            if (!ParseExpression(bounds))
+                return false;
+        } else {
+            Variant base;
+            base.SetLong(m_module.OptionBase());
+            AppendConstant(bounds, std::move(base));
+            bounds.Append(first);
+        }
+        if (++dimensions > TypeCode::kMaxRank) {
+            m_lexer.SignalError(CompileMessage::TooManyDimensions);
+            return false;
+        }
+    } while (m_lexer.Accept(Token::Comma));
+    return m_lexer.ExpectToken(Token::RightParen);
+}
+
 // One variable of a ReDim. A name declared nowhere becomes a local dynamic array of the As type (or
 // its suffix's or letter's type).
 BodyParser::StatementPtr BodyParser::ParseReDimVariable(bool preserve)
 {
+    if (AtHeldArray())
+        return ParseReDimHeldArray(preserve);
     if (!IsNameToken(m_lexer.Kind())) {
         m_lexer.SignalError(CompileMessage::ExpectingADynamicArrayVar);
         return nullptr;
@@ -66,30 +96,9 @@ BodyParser::StatementPtr BodyParser::ParseReDimVariable(bool preserve)
         m_lexer.SignalErrorAt(CompileMessage::ExpectingADynamicArrayVar, {}, namePosition);
         return nullptr;
     }
-    if (!m_lexer.ExpectToken(Token::LeftParen))
-        return nullptr;
     Expression bounds;
     int dimensions = 0;
-    do {
-        Expression first;
-        if (!ParseExpression(first))
-            return nullptr;
-        if (m_lexer.Accept(Token::To)) {
-            bounds.Append(first);
-            if (!ParseExpression(bounds))
-                return nullptr;
-        } else {
-            Variant base;
-            base.SetLong(m_module.OptionBase());
-            AppendConstant(bounds, std::move(base));
-            bounds.Append(first);
-        }
-        if (++dimensions > TypeCode::kMaxRank) {
-            m_lexer.SignalError(CompileMessage::TooManyDimensions);
-            return nullptr;
-        }
-    } while (m_lexer.Accept(Token::Comma));
-    if (!m_lexer.ExpectToken(Token::RightParen))
+    if (!ParseReDimBounds(bounds, dimensions))
         return nullptr;
     TypeCode asType;
     const UserType* asRecord = nullptr;
@@ -108,7 +117,8 @@ BodyParser::StatementPtr BodyParser::ParseReDimVariable(bool preserve)
         TypeCode element = asType != TypeCode() ? asType : suffix != TypeCode() ? suffix : m_module.DefaultTypeFor(name);
         arrayType = element.WithRank(TypeCode::kDynamicRank);
         LocalSymbol symbol;
-        symbol.ref = VariableRef{StorageScope::Local, m_code->AddSlot(arrayType), arrayType};
+        symbol.ref = VariableRef{StorageScope::Local,
+                                 m_code->AddSlot(arrayType, asRecord ? asRecord->record.Get() : nullptr), arrayType};
         symbol.userType = asRecord;
         m_locals[key] = symbol;
         target = symbol.ref;
@@ -178,6 +188,14 @@ BodyParser::StatementPtr BodyParser::ParseErase()
     m_lexer.NextToken();
     auto list = std::make_unique<StatementList>();
     do {
+        if (AtHeldArray()) {
+            StatementPtr erase = ParseEraseHeldArray();
+            if (!erase)
+                return nullptr;
+            erase->SetOwner(m_code);
+            list->Add(std::move(erase));
+            continue;
+        }
         VariableRef target;
         if (!ReadExistingVariable(target, CompileMessage::ExpectingAnArrayVar))
             return nullptr;
@@ -328,6 +346,7 @@ BodyParser::StatementPtr BodyParser::ParseDim(bool isStatic)
         bool isArray = false;
         bool autoNew = false;
         const Module* classModule = nullptr;
+        const UserType* userType = nullptr;
         if (m_lexer.Accept(Token::LeftParen)) {
             isArray = true;
             if (!ReadBounds(bounds))
@@ -339,9 +358,10 @@ BodyParser::StatementPtr BodyParser::ParseDim(bool isStatic)
                 return nullptr;
             }
             autoNew = m_lexer.Accept(Token::New);
-            if (!ReadType(type, &classModule))
+            if (!ReadType(type, &classModule, &userType))
                 return nullptr;
         }
+        RecordType* record = userType ? userType->record.Get() : nullptr;
         if (type == TypeCode())
             type = m_module.DefaultTypeFor(name);
         const std::string key = UpperName(name);
@@ -350,25 +370,27 @@ BodyParser::StatementPtr BodyParser::ParseDim(bool isStatic)
             return nullptr;
         }
         LocalSymbol symbol;
+        symbol.userType = userType;
         if (isArray) {
-            if (type.IsUserType()) {
-                m_lexer.SignalError(CompileMessage::ArrayOfStringNOrUserDefinedTypeNotAllowed);
-                return nullptr;
-            }
             type = type.WithRank(bounds.empty() ? TypeCode::kDynamicRank : static_cast<int>(bounds.size()));
             int index = 0;
             if (!isStatic)
-                symbol.ref = VariableRef{StorageScope::Local, m_code->AddArraySlot(type, bounds), type};
-            else if (m_code->AddStaticArray(type, bounds, index))
+                symbol.ref = VariableRef{StorageScope::Local, m_code->AddArraySlot(type, bounds, record), type};
+            else if (m_code->AddStaticArray(type, bounds, index, record))
                 symbol.ref = VariableRef{StorageScope::Static, index, type};
             else {
                 m_lexer.SignalError(CompileMessage::ArrayHasTooManyElements);
                 return nullptr;
             }
         } else if (isStatic) {
-            symbol.ref = VariableRef{StorageScope::Static, m_code->AddStatic(type), type};
+            int index = 0;
+            if (!m_code->AddStatic(type, record, index)) {
+                m_lexer.SignalError(CompileMessage::OutOfMemory);
+                return nullptr;
+            }
+            symbol.ref = VariableRef{StorageScope::Static, index, type};
         } else {
-            symbol.ref = VariableRef{StorageScope::Local, m_code->AddSlot(type), type};
+            symbol.ref = VariableRef{StorageScope::Local, m_code->AddSlot(type, record), type};
         }
         if (!isArray) {
             symbol.classModule = classModule;

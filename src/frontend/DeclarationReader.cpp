@@ -384,6 +384,7 @@ ReadResult DeclarationReader::ReadType(Visibility visibility)
         return ReadResult::Done;
     }
     userType->name.assign(m_lexer.Text());
+    userType->position = m_lexer.TokenStart();
     if (m_state.names.count(UpperName(userType->name)) != 0) {
         m_lexer.SignalError(CompileMessage::TypeIdentifierInvalidOrAlreadyInUse, userType->name);
         return ReadResult::Done;

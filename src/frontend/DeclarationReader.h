@@ -45,6 +45,10 @@ public:
 
     // Second pass over the declared items: resolves type names that refer to later declarations.
     void ResolveTypes();
+    // Lays out the records of the module's user-defined types (RecordLayout.cpp): each type gets its
+    // run-time record type, its size and its elements' offsets. A type that contains itself, or grows
+    // beyond 16 777 216 bytes, reports "User-defined type is too big.".
+    void LayoutTypes();
 
     // The type of an undeclared name used in a procedure, or false with an error reported.
     [[nodiscard]] bool ImplicitType(std::string_view name, char suffix, bool followedByParen, TypeCode& type);
@@ -72,6 +76,7 @@ private:
     ReadResult ScanBody(Procedure& procedure, Token kindWord);
     bool IsPublicMemberOfObjectModule(Visibility visibility) const;
     [[nodiscard]] bool ResolveNamedType(TypeSpec& type);
+    [[nodiscard]] bool LayoutType(UserType& type, std::vector<const UserType*>& open);
 
     Lexer& m_lexer;
     Module& m_module;

@@ -125,6 +125,15 @@ bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
         case ExprOpCode::kLoadNew:
         case ExprOpCode::kMe:
         case ExprOpCode::kWithObject: types.push_back(op.type); break;
+        case ExprOpCode::kLoadPath:
+        case ExprOpCode::kRefPath:
+            types.resize(types.size() >= static_cast<std::size_t>(op.count) ? types.size() - op.count : 0);
+            types.push_back(op.type);
+            break;
+        case ExprOpCode::kRecordSize:
+            if (!types.empty())
+                types.back() = op.type;
+            break;
         case ExprOpCode::kMemberCall:
             // The arguments and the result slot give way to the result; the object stays below it.
             types.resize(types.size() > static_cast<std::size_t>(op.count) ? types.size() - op.count - 1 : 0);
@@ -378,6 +387,8 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
         return true;
     }
     case Token::Dot: {
+        if (RecordWithBlock())
+            return ParseRecordFactor(out, simpleVariable);
         // .member: the innermost With block's object.
         const Module* classModule = nullptr;
         const char* start = m_lexer.TokenStart();
@@ -402,6 +413,8 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
     }
     if (AtErrObject())
         return ParseErrObject(out);
+    if (AtRecordPath())
+        return ParseRecordFactor(out, simpleVariable);
     return ParseName(out, simpleVariable);
 }
 

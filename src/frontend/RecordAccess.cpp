@@ -1,9 +1,35 @@
 // Records of user-defined types in procedure bodies: their types, variables and element access.
 #include "frontend/BodyParser.h"
 
+#include "code/ArrayStatements.h"
+#include "code/RecordAccess.h"
 #include "frontend/CharClasses.h"
 
 namespace brannoc::body {
+
+namespace {
+
+// The character after the parenthesised group that starts at p (strings inside it skipped).
+const char* AfterParenthesised(const char* p)
+{
+    int depth = 0;
+    bool inString = false;
+    for (; *p != '\0' && *p != '\r' && *p != '\n'; ++p) {
+        if (inString) {
+            inString = *p != '"';
+            continue;
+        }
+        if (*p == '"')
+            inString = true;
+        else if (*p == '(')
+            ++depth;
+        else if (*p == ')' && --depth == 0)
+            return p + 1;
+    }
+    return p;
+}
+
+} // namespace
 
 const UserType* BodyParser::FindUserType(std::string_view name) const
 {
@@ -28,9 +54,270 @@ const UserType* BodyParser::UserTypeOf(const std::string& upperName) const
 
 IRecordInfo* BodyParser::RecordInfoOf(const UserType* userType)
 {
-    // FIXME: records get their run-time type with the record layout.
-    (void)userType;
+    return userType ? userType->record.Get() : nullptr;
+}
+
+const Block* BodyParser::RecordWithBlock() const
+{
+    for (auto block = m_blocks.rbegin(); block != m_blocks.rend(); ++block) {
+        if (block->kind == BlockKind::With)
+            return block->withRecord ? &*block : nullptr;
+    }
     return nullptr;
+}
+
+bool BodyParser::AtRecordPath() const
+{
+    if (m_lexer.Kind() == Token::Dot)
+        return RecordWithBlock() != nullptr;
+    if (!IsNameToken(m_lexer.Kind()))
+        return false;
+    const char next = *SkipBlanks(m_lexer.TokenEnd());
+    if (next != '(' && next != '.')
+        return false;
+    const std::string key = UpperName(m_lexer.Text());
+    // Inside a Function returning a record, its name with arguments is a call.
+    if (next == '(' && FindProcedure(key) == &m_procedure)
+        return false;
+    return UserTypeOf(key) != nullptr;
+}
+
+// With beforeBounds (ReDim), a parenthesised group after an array is taken as its indexes only when a
+// "." follows it; otherwise it is the ReDim's bounds and the path ends before it.
+int BodyParser::ParseRecordPath(Expression& code, RecordPathEnd& end, bool beforeBounds)
+{
+    enum class At { Record, ArrayOfRecords, Array, Value };
+    auto path = std::make_unique<RecordPath>();
+    const UserType* current = nullptr;
+    TypeCode arrayType(TypeCode::kUserType);
+    if (m_lexer.Kind() == Token::Dot) {
+        // ".element" inside With on a record.
+        const Block* with = RecordWithBlock();
+        path->withLevel = with->withLevel;
+        current = with->withRecord;
+    } else {
+        const std::string name = ReadName();
+        const std::string key = UpperName(name);
+        const TypeCode suffix = ReadSuffix();
+        bool found = false;
+        if (!ResolveVariable(name, suffix, path->root, found))
+            return -1;
+        current = UserTypeOf(key);
+        arrayType = path->root.type;
+    }
+    At at = arrayType.IsArray() ? At::ArrayOfRecords : At::Record;
+    end.type = arrayType;
+    end.record = current;
+    for (;;) {
+        if (m_lexer.Kind() == Token::LeftParen && (at == At::ArrayOfRecords || at == At::Array) &&
+            (!beforeBounds || *SkipBlanks(AfterParenthesised(m_lexer.TokenStart())) == '.')) {
+            m_lexer.NextToken();
+            int count = 0;
+            if (!ParseIndexes(code, count))
+                return -1;
+            path->steps.push_back(PathStep{PathStep::Kind::Index, count, nullptr});
+            path->indexCount += count;
+            end.type = arrayType.Scalar();
+            end.fixedArray = false;
+            if (at == At::Array && arrayType.Scalar().IsFixedString())
+                path->elementLength = static_cast<UINT>(arrayType.Scalar().FixedLength());
+            at = at == At::ArrayOfRecords ? At::Record : At::Value;
+            if (at != At::Record)
+                end.record = nullptr;
+            continue;
+        }
+        if (m_lexer.Kind() == Token::Dot && at == At::Record) {
+            m_lexer.NextToken();
+            const char* position = m_lexer.TokenStart();
+            const std::string member(m_lexer.Text());
+            const UserTypeElement* element = nullptr;
+            for (const UserTypeElement& candidate : current->elements) {
+                if (SameName(candidate.name, member))
+                    element = &candidate;
+            }
+            const RecordField* field = current->record ? current->record->FindField(member) : nullptr;
+            if (!element || !field || !CharClasses::Get().IsIdentifierStart(member.empty() ? ' ' : member[0])) {
+                m_lexer.SignalErrorAt(CompileMessage::UserDefinedTypeElementDoesNotExist, {}, position);
+                return -1;
+            }
+            m_lexer.NextToken();
+            path->steps.push_back(PathStep{PathStep::Kind::Field, 0, field});
+            path->types.push_back(current->record);
+            const TypeCode type = element->type.code;
+            end.type = type;
+            end.className = element->type.className;
+            end.fixedArray = type.IsArray() && !element->bounds.empty();
+            current = element->type.userType;
+            end.record = type.IsArray() ? nullptr : current;
+            end.elements = type.IsArray() ? current : nullptr;
+            if (type.IsArray()) {
+                arrayType = type;
+                at = current ? At::ArrayOfRecords : At::Array;
+            } else {
+                at = current ? At::Record : At::Value;
+            }
+            continue;
+        }
+        break;
+    }
+    if (m_lexer.Kind() == Token::LeftParen && !beforeBounds) {
+        m_lexer.SignalError(CompileMessage::ExpectingAnAlreadyDimensionedArray);
+        return -1;
+    }
+    return m_code->AddRecordPath(std::move(path));
+}
+
+bool BodyParser::ParseRecordFactor(Expression& out, bool* simpleVariable)
+{
+    const char* start = m_lexer.TokenStart();
+    RecordPathEnd end;
+    const int path = ParseRecordPath(out, end);
+    if (path < 0)
+        return false;
+    ExprOp load{ExprOpCode::kLoadPath};
+    load.index = path;
+    load.count = m_code->RecordPathAt(path).indexCount;
+    load.type = end.type;
+    out.ops.push_back(load);
+    out.type = end.type;
+    *simpleVariable = false;
+    // An object held by a record: its members follow.
+    const Module* classModule = end.type.IsObject() && !end.className.empty() ? FindClassModule(end.className) : nullptr;
+    m_factorClass = classModule;
+    if (m_lexer.Kind() != Token::Dot)
+        return true;
+    return ParseMemberChain(out, classModule, start);
+}
+
+bool BodyParser::AtHeldArray() const
+{
+    if (m_lexer.Kind() == Token::Dot)
+        return RecordWithBlock() != nullptr;
+    if (!IsNameToken(m_lexer.Kind()) || !UserTypeOf(UpperName(m_lexer.Text())))
+        return false;
+    // record.array or records(i).array
+    const char* next = SkipBlanks(m_lexer.TokenEnd());
+    if (*next == '(')
+        next = SkipBlanks(AfterParenthesised(next));
+    return *next == '.';
+}
+
+// ReDim [Preserve] record.array(bounds) [As type]
+BodyParser::StatementPtr BodyParser::ParseReDimHeldArray(bool preserve)
+{
+    const char* start = m_lexer.TokenStart();
+    Expression code;
+    RecordPathEnd end;
+    const int path = ParseRecordPath(code, end, true);
+    if (path < 0)
+        return nullptr;
+    if (!end.type.IsArray() || end.fixedArray) {
+        m_lexer.SignalErrorAt(CompileMessage::ExpectingADynamicArrayVar, {}, start);
+        return nullptr;
+    }
+    int dimensions = 0;
+    if (!ParseReDimBounds(code, dimensions))
+        return nullptr;
+    if (m_lexer.Accept(Token::As)) {
+        const char* typePosition = m_lexer.TokenStart();
+        TypeCode asType;
+        const UserType* asRecord = nullptr;
+        if (!ReadType(asType, nullptr, &asRecord))
+            return nullptr;
+        if (asType != end.type.Scalar() || asRecord != end.elements) {
+            m_lexer.SignalErrorAt(CompileMessage::VarIsAlreadyDefinedAsADifferentType, {}, typePosition);
+            return nullptr;
+        }
+    }
+    auto statement = std::make_unique<ReDimStatement>(std::move(code), VariableRef{}, dimensions, preserve, end.type,
+                                                      RecordInfoOf(end.elements));
+    statement->SetPath(path);
+    return statement;
+}
+
+// Erase record.array
+BodyParser::StatementPtr BodyParser::ParseEraseHeldArray()
+{
+    const char* start = m_lexer.TokenStart();
+    Expression code;
+    RecordPathEnd end;
+    const int path = ParseRecordPath(code, end);
+    if (path < 0)
+        return nullptr;
+    if (!end.type.IsArray()) {
+        m_lexer.SignalErrorAt(CompileMessage::ExpectingAnArrayVar, {}, start);
+        return nullptr;
+    }
+    return std::make_unique<EraseStatement>(std::move(code), path, end.type);
+}
+
+bool BodyParser::ParseRecordWithTarget(Expression& code, const UserType*& type, bool& parsed)
+{
+    type = nullptr;
+    parsed = false;
+    const bool atRecord = m_lexer.Kind() == Token::Dot
+                              ? RecordWithBlock() != nullptr
+                              : IsNameToken(m_lexer.Kind()) && UserTypeOf(UpperName(m_lexer.Text())) != nullptr;
+    if (!atRecord)
+        return true;
+    const char* start = m_lexer.TokenStart();
+    RecordPathEnd end;
+    const int path = ParseRecordPath(code, end);
+    if (path < 0)
+        return false;
+    ExprOp op{end.record ? ExprOpCode::kRefPath : ExprOpCode::kLoadPath};
+    op.index = path;
+    op.count = m_code->RecordPathAt(path).indexCount;
+    op.type = end.type;
+    code.ops.push_back(op);
+    code.type = end.type;
+    if (end.record) {
+        type = end.record;
+        return true;
+    }
+    // An object held by a record, its members possibly following.
+    parsed = true;
+    const Module* classModule = end.type.IsObject() && !end.className.empty() ? FindClassModule(end.className) : nullptr;
+    m_factorClass = classModule;
+    return m_lexer.Kind() != Token::Dot || ParseMemberChain(code, classModule, start);
+}
+
+BodyParser::StatementPtr BodyParser::ParseRecordStatement(AssignKind kind)
+{
+    const char* start = m_lexer.TokenStart();
+    Expression code;
+    RecordPathEnd end;
+    const int path = ParseRecordPath(code, end);
+    if (path < 0)
+        return nullptr;
+    if (m_lexer.Kind() == Token::Dot) {
+        // A member of an object held by a record: a call or an assignment to that member.
+        ExprOp load{ExprOpCode::kLoadPath};
+        load.index = path;
+        load.count = m_code->RecordPathAt(path).indexCount;
+        load.type = end.type;
+        code.ops.push_back(load);
+        code.type = end.type;
+        const Module* classModule =
+            end.type.IsObject() && !end.className.empty() ? FindClassModule(end.className) : nullptr;
+        return ParseMemberStatement(std::move(code), classModule, kind, false, start);
+    }
+    if (end.fixedArray) {
+        m_lexer.SignalErrorAt(CompileMessage::ExpectingADynamicArrayVar, {}, start);
+        return nullptr;
+    }
+    if (!m_lexer.ExpectToken(Token::Equal))
+        return nullptr;
+    const char* valuePosition = m_lexer.TokenStart();
+    Expression value;
+    if (!ParseExpression(value))
+        return nullptr;
+    if (kind == AssignKind::Set && !value.type.IsObject() && !value.type.IsVariant()) {
+        m_lexer.SignalErrorAt(CompileMessage::ExpectingAnObjectExpression, {}, valuePosition);
+        return nullptr;
+    }
+    code.Append(value);
+    return std::make_unique<AssignPathStatement>(std::move(code), path);
 }
 
 } // namespace brannoc::body

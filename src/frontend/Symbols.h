@@ -4,6 +4,7 @@
 #include "frontend/ConstantValue.h"
 #include "frontend/TypeCode.h"
 #include "exec/ProcedureCode.h"
+#include "values/RecordType.h"
 
 #include <cstdint>
 #include <memory>
@@ -61,7 +62,11 @@ struct UserType {
     std::string name;
     Visibility visibility = Visibility::None;
     std::vector<UserTypeElement> elements;
+    // The record size and run-time record type, set when the module's types are laid out.
     std::uint32_t size = 0;
+    RecordTypeRef record;
+    // Where the type's name was written.
+    const char* position = nullptr;
 };
 
 struct EnumType {

@@ -3,6 +3,7 @@
 #include "library/BuiltinGroups.h"
 #include "library/LibraryErrors.h"
 #include "library/StringSupport.h"
+#include "values/RecordType.h"
 #include "values/ValueError.h"
 
 #include <algorithm>
@@ -91,8 +92,28 @@ bool MidB(BuiltinArguments& arguments, BuiltinResult& result)
     return SetStorageBytes(result, MiddlePart(StorageBytes(text), index, length));
 }
 
+// A record held in a Variant: Len and LenB give its size in bytes. True when the argument is one.
+bool RecordLength(BuiltinArguments& arguments, BuiltinResult& result, bool& done)
+{
+    const Variant* value = nullptr;
+    ULONG size = 0;
+    done = false;
+    if (!arguments.Value(0, value))
+        return false;
+    if (RecordSizeOf(*value, size)) {
+        result.SetLong(static_cast<LONG>(size));
+        done = true;
+    }
+    return true;
+}
+
 bool Len(BuiltinArguments& arguments, BuiltinResult& result)
 {
+    bool done = false;
+    if (!RecordLength(arguments, result, done))
+        return false;
+    if (done)
+        return true;
     std::wstring_view text;
     if (!arguments.String(0, text))
         return false;
@@ -102,6 +123,11 @@ bool Len(BuiltinArguments& arguments, BuiltinResult& result)
 
 bool LenB(BuiltinArguments& arguments, BuiltinResult& result)
 {
+    bool done = false;
+    if (!RecordLength(arguments, result, done))
+        return false;
+    if (done)
+        return true;
     BSTR text = nullptr;
     if (!arguments.StringValue(0, text))
         return false;

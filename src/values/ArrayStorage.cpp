@@ -320,6 +320,46 @@ SAFEARRAY* CopyArray(SAFEARRAY* source)
     return copy;
 }
 
+long TakeArrayFor(const ElementKind& kind, Variant& value, SAFEARRAY*& result)
+{
+    constexpr long kTypeMismatch = 10080;
+    constexpr long kCantAllocate = 10021;
+    result = nullptr;
+    const VARIANT& source = *FollowByRefChain(&value.Raw());
+    if ((source.vt & VT_TYPEMASK) == VT_BSTR && !(source.vt & VT_ARRAY) && kind.tag == VT_UI1) {
+        const BSTR text = (source.vt & VT_BYREF) ? *source.pbstrVal : source.bstrVal;
+        const UINT bytes = text ? SysStringByteLen(text) : 0;
+        const LONG lower = 0;
+        const LONG upper = static_cast<LONG>(bytes) - 1;
+        result = CreateArray(kind, &lower, &upper, 1, false);
+        if (!result)
+            return kCantAllocate;
+        if (bytes > 0) {
+            SafeArrayLock lock(result);
+            std::memcpy(lock.Data(), text, bytes);
+        }
+        return 0;
+    }
+    SAFEARRAY* array = nullptr;
+    if (source.vt & VT_ARRAY)
+        array = (source.vt & VT_BYREF) ? (source.pparray ? *source.pparray : nullptr) : source.parray;
+    const ElementKind given = ElementKindOf(array);
+    const bool sameRecords = kind.tag != VT_RECORD || given.record == kind.record ||
+                             (given.record && kind.record && kind.record->IsMatchingType(given.record));
+    if (!array || given.tag != kind.tag || !sameRecords)
+        return kTypeMismatch;
+    if (&source == &value.Raw() && !value.IsByRef()) {
+        // The value owns the array (a copy made for the assignment): it moves over.
+        VARIANT taken;
+        value.Detach(taken);
+        result = taken.parray;
+        result->fFeatures &= static_cast<USHORT>(~FADF_FIXEDSIZE);
+        return 0;
+    }
+    result = CopyArray(array);
+    return result ? 0 : kCantAllocate;
+}
+
 void DestroyArray(SAFEARRAY* array) noexcept
 {
     if (!array)

@@ -10,6 +10,8 @@
 
 namespace brannoc {
 
+class Variant;
+
 // What the elements of an array are.
 struct ElementKind {
     VARTYPE tag = VT_VARIANT;         // numeric kinds, VT_BSTR, VT_DISPATCH, VT_UNKNOWN, VT_VARIANT, VT_RECORD
@@ -48,6 +50,12 @@ SAFEARRAY* CopyArray(SAFEARRAY* source);
 
 // Releases every element and the array.
 void DestroyArray(SAFEARRAY* array) noexcept;
+
+// The array that an assignment of value to an array of kind stores: value's own array when value holds
+// one of that element kind (taken over when value owns it, else copied), or the bytes of a String for a
+// Byte array (lower bound 0). Answers 0 and the array in result, or the number of the error to raise:
+// 10080 for another kind, 10021 when memory ran out.
+long TakeArrayFor(const ElementKind& kind, Variant& value, SAFEARRAY*& result);
 
 // Sets `count` elements of `size` bytes from `first` (zero bits) to the zero value of kind. False when
 // memory ran out.

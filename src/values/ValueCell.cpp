@@ -2,10 +2,12 @@
 
 #include "values/Conversion.h"
 #include "values/Operators.h"
+#include "values/RecordType.h"
 #include "values/TextForm.h"
 #include "values/ValueError.h"
 
 #include <climits>
+#include <cstring>
 #include <cmath>
 #include <cfloat>
 
@@ -138,22 +140,47 @@ public:
     VARTYPE Kind() const override { return VT_DISPATCH; }
 };
 
-// Records of user-defined types: copied whole; used in no operator.
+// Records of user-defined types: copied whole; used in no operator. A record variable (or a
+// by-reference record parameter) is assigned in place, so that references to its record stay valid; an
+// Empty slot (a parameter being bound to a copy) takes a copy.
 class RecordCell final : public ValueCell {
 public:
     VARTYPE Kind() const override { return VT_RECORD; }
     bool Store(VARIANT& storage, const Variant& value) const override
     {
         const VARIANT& source = *FollowByRefChain(&value.Raw());
-        if ((source.vt & VT_TYPEMASK) != VT_RECORD || (source.vt & VT_ARRAY))
+        if ((source.vt & ~VT_BYREF) != VT_RECORD || !source.pvRecord || !source.pRecInfo)
             return RaiseValueError(kErrorTypeMismatch);
-        Variant copy;
-        if (!copy.CopyIndirectFrom(source))
-            return RaiseValueError(kErrorAutomation);
-        Variant slot;
-        slot.Attach(storage);
-        slot = std::move(copy);
-        slot.Detach(storage);
+        if ((storage.vt & ~VT_BYREF) != VT_RECORD || !storage.pvRecord || !storage.pRecInfo) {
+            Variant copy;
+            if (!copy.CopyIndirectFrom(source))
+                return RaiseValueError(kErrorOutOfMemory);
+            Variant slot;
+            slot.Attach(storage);
+            slot = std::move(copy);
+            slot.Detach(storage);
+            return true;
+        }
+        IRecordInfo* type = storage.pRecInfo;
+        if (source.pRecInfo != type && !type->IsMatchingType(source.pRecInfo))
+            return RaiseValueError(kErrorTypeMismatch);
+        if (source.pvRecord == storage.pvRecord)
+            return true;
+        if (!AsRecordType(type)) {
+            // A record type of another component: copied in place by its own routines.
+            (void)type->RecordClear(storage.pvRecord);
+            return SUCCEEDED(type->RecordCopy(source.pvRecord, storage.pvRecord)) ||
+                   RaiseValueError(kErrorOutOfMemory);
+        }
+        // The copy is made first: the source may live in something the old record owns.
+        void* copy = nullptr;
+        ULONG size = 0;
+        if (FAILED(type->RecordCreateCopy(source.pvRecord, &copy)) || FAILED(type->GetSize(&size)))
+            return RaiseValueError(kErrorOutOfMemory);
+        (void)type->RecordClear(storage.pvRecord);
+        std::memcpy(storage.pvRecord, copy, size);
+        // The copy's contents now belong to the variable; only its block goes.
+        CoTaskMemFree(copy);
         return true;
     }
     bool Convert(Variant& value, VARTYPE tag) const override

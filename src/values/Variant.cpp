@@ -359,6 +359,22 @@ void Variant::SetArray(SAFEARRAY* array, VARTYPE elementTag)
     m_value.parray = array;
 }
 
+void Variant::SetRecord(void* record, IRecordInfo* info)
+{
+    Clear();
+    m_value.vt = VT_RECORD;
+    m_value.pvRecord = record;
+    m_value.pRecInfo = info;
+}
+
+void Variant::SetRecordReference(void* record, IRecordInfo* info)
+{
+    Clear();
+    m_value.vt = VT_BYREF | VT_RECORD;
+    m_value.pvRecord = record;
+    m_value.pRecInfo = info;
+}
+
 void Variant::SetByRef(VARTYPE tag, void* storage)
 {
     Clear();

@@ -138,6 +138,11 @@ public:
     void SetUnknown(IUnknown* object, bool addRef = true);
     // Adopts array; elementTag is its element kind (without the array flag).
     void SetArray(SAFEARRAY* array, VARTYPE elementTag);
+    // Adopts a record block made by info (RecordCreate or RecordCreateCopy) and one reference on info.
+    void SetRecord(void* record, IRecordInfo* info);
+    // Makes this a by-reference record (VT_BYREF | VT_RECORD): the record block and type of a record
+    // owned elsewhere.
+    void SetRecordReference(void* record, IRecordInfo* info);
     // Makes this a by-reference value of tag kind pointing at storage it does not own.
     void SetByRef(VARTYPE tag, void* storage);
 

@@ -1,0 +1,279 @@
+#include "code/RecordAccess.h"
+
+#include "exec/Activation.h"
+#include "exec/ErrorMessages.h"
+#include "exec/Interpreter.h"
+#include "values/ArrayStorage.h"
+#include "values/Conversion.h"
+#include "values/ValueCell.h"
+#include "values/ValueError.h"
+
+#include <cstring>
+
+namespace brannoc {
+
+namespace {
+
+// Where a path has got to.
+struct Place {
+    enum class Kind { Record, Array, Field, Element };
+    Kind kind = Kind::Record;
+    void* address = nullptr;              // Record: the record; Field: the record holding the field;
+                                          // Element: the element
+    RecordType* record = nullptr;         // Record: its type
+    SAFEARRAY** array = nullptr;          // Array: where the array reference is kept
+    ElementKind elements;                 // Array and Element: the element kind
+    const RecordField* field = nullptr;   // Field (and an array held by a field)
+};
+
+bool Raise(const RunContext& context, long number) { return context.interpreter->SignalError(number); }
+
+// The place a variable (or the record of a With block) gives: its record, or its array.
+bool StartAt(const RunContext& context, const RecordPath& path, Place& place)
+{
+    VARIANT* storage = nullptr;
+    if (path.withLevel >= 0) {
+        const Activation& activation = *context.activation;
+        if (activation.WithDepth() <= path.withLevel)
+            return Raise(context, ToNumber(ErrorId::TypeMismatch));
+        storage = &context.interpreter->Values().At(activation.ValueStackBase() +
+                                                    static_cast<std::size_t>(path.withLevel)).Raw();
+    } else {
+        storage = StorageOf(context, path.root.scope, path.root.index, path.root.module);
+    }
+    if (!storage)
+        return false;
+    VARIANT* value = FollowByRefChain(storage);
+    if ((value->vt & ~VT_BYREF) == VT_RECORD && value->pvRecord) {
+        place.kind = Place::Kind::Record;
+        place.address = value->pvRecord;
+        place.record = AsRecordType(value->pRecInfo);
+        return place.record || Raise(context, ToNumber(ErrorId::TypeMismatch));
+    }
+    if (value->vt & VT_ARRAY) {
+        place.kind = Place::Kind::Array;
+        place.array = (value->vt & VT_BYREF) ? value->pparray : &value->parray;
+        place.elements = ElementKindOf(*place.array);
+        return true;
+    }
+    return Raise(context, ToNumber(value->vt == VT_EMPTY ? ErrorId::ArrayNotDimensioned : ErrorId::TypeMismatch));
+}
+
+// Follows one index step: the element at the indexes beginning at stack position first.
+bool Index(const RunContext& context, int count, std::size_t first, Place& place)
+{
+    SAFEARRAY* array = place.kind == Place::Kind::Array ? *place.array : nullptr;
+    if (!array)
+        return Raise(context, ToNumber(ErrorId::ArrayNotDimensioned));
+    if (static_cast<int>(array->cDims) != count)
+        return Raise(context, ToNumber(ErrorId::ArrayIndexCount));
+    ValueStack& values = context.interpreter->Values();
+    LONG indexes[8] = {};
+    for (int i = 0; i < count && i < 8; ++i) {
+        Variant& index = values.At(first + static_cast<std::size_t>(i));
+        if (index.Tag() == VT_I2) {
+            indexes[i] = index.Integer();
+            continue;
+        }
+        if (index.Tag() != VT_I4 && !ChangeType(index, VT_I4))
+            return false;
+        indexes[i] = index.Long();
+    }
+    void* element = ElementAddress(array, indexes);
+    if (!element)
+        return Raise(context, ToNumber(ErrorId::ArrayIndexOutOfRange));
+    if (place.elements.tag == VT_RECORD) {
+        place.kind = Place::Kind::Record;
+        place.address = element;
+        place.record = AsRecordType(place.elements.record);
+        return place.record || Raise(context, ToNumber(ErrorId::TypeMismatch));
+    }
+    place.kind = Place::Kind::Element;
+    place.address = element;
+    return true;
+}
+
+// Follows one field step inside the record the place stands at.
+void Field(const RecordField& field, Place& place)
+{
+    char* at = static_cast<char*>(place.address) + field.offset;
+    place.field = &field;
+    switch (field.kind) {
+    case FieldKind::Record:
+        place.kind = Place::Kind::Record;
+        place.address = at;
+        place.record = field.record.Get();
+        return;
+    case FieldKind::Array:
+        place.kind = Place::Kind::Array;
+        place.array = reinterpret_cast<SAFEARRAY**>(at);
+        place.elements = RecordType::ElementKindOf(field);
+        return;
+    default:
+        place.kind = Place::Kind::Field;
+        return;
+    }
+}
+
+// Walks the whole path; the indexes are the path's count entries below the top `above` entries.
+bool Walk(const RunContext& context, const RecordPath& path, std::size_t above, Place& place)
+{
+    if (!StartAt(context, path, place))
+        return false;
+    std::size_t next = context.interpreter->Values().Size() - above - static_cast<std::size_t>(path.indexCount);
+    for (const PathStep& step : path.steps) {
+        if (step.kind == PathStep::Kind::Index) {
+            if (!Index(context, step.count, next, place))
+                return false;
+            next += static_cast<std::size_t>(step.count);
+        } else {
+            Field(*step.field, place);
+        }
+    }
+    return true;
+}
+
+bool LoadPlace(const Place& place, Variant& value)
+{
+    switch (place.kind) {
+    case Place::Kind::Record: {
+        void* copy = nullptr;
+        if (FAILED(place.record->RecordCreateCopy(place.address, &copy)))
+            return RaiseValueError(kErrorOutOfMemory);
+        place.record->AddRef();
+        value.SetRecord(copy, place.record);
+        return true;
+    }
+    case Place::Kind::Field:
+        return RecordType::LoadField(*place.field, place.address, value);
+    case Place::Kind::Element:
+        return LoadElement(place.address, place.elements.tag, value, place.elements.record);
+    case Place::Kind::Array: {
+        if (!*place.array) {
+            value.Clear();
+            return true;
+        }
+        SAFEARRAY* copy = CopyArray(*place.array);
+        if (!copy)
+            return RaiseValueError(kErrorOutOfMemory);
+        value.SetArray(copy, place.elements.tag);
+        return true;
+    }
+    }
+    return false;
+}
+
+bool StorePlace(const Place& place, const Variant& value, UINT elementLength)
+{
+    switch (place.kind) {
+    case Place::Kind::Record: {
+        // The record is assigned in place, as a record variable is.
+        VARIANT view;
+        VariantInit(&view);
+        view.vt = VT_BYREF | VT_RECORD;
+        view.pvRecord = place.address;
+        view.pRecInfo = place.record;
+        return StorageCell(VT_RECORD).Store(view, value);
+    }
+    case Place::Kind::Field:
+        return RecordType::StoreField(*place.field, place.address, value);
+    case Place::Kind::Element: {
+        if (place.elements.tag == VT_BSTR && elementLength > 0) {
+            VARIANT slot;
+            VariantInit(&slot);
+            slot.vt = VT_BSTR;
+            slot.bstrVal = *static_cast<BSTR*>(place.address);
+            if (!FixedStringCell(elementLength).Store(slot, value))
+                return false;
+            *static_cast<BSTR*>(place.address) = slot.bstrVal;
+            return true;
+        }
+        return StoreElement(place.address, place.elements.tag, value);
+    }
+    case Place::Kind::Array:
+        // Only an array held by a record field is reached this way.
+        return place.field && RecordType::StoreField(*place.field,
+                                                     reinterpret_cast<char*>(place.array) - place.field->offset, value);
+    }
+    return false;
+}
+
+} // namespace
+
+bool LoadRecordPath(const RunContext& context, const RecordPath& path)
+{
+    Place place;
+    if (!Walk(context, path, 0, place))
+        return false;
+    Variant value;
+    if (!LoadPlace(place, value))
+        return false;
+    ValueStack& values = context.interpreter->Values();
+    values.CutBack(values.Size() - static_cast<std::size_t>(path.indexCount));
+    Variant* slot = values.Push();
+    if (!slot)
+        return context.interpreter->RaiseOutOfMemory();
+    *slot = std::move(value);
+    return true;
+}
+
+bool FindPathArray(const RunContext& context, const RecordPath& path, SAFEARRAY**& location)
+{
+    Place place;
+    if (!Walk(context, path, 0, place))
+        return false;
+    if (place.kind != Place::Kind::Array || !place.field)
+        return Raise(context, ToNumber(ErrorId::TypeMismatch));
+    ValueStack& values = context.interpreter->Values();
+    values.CutBack(values.Size() - static_cast<std::size_t>(path.indexCount));
+    location = place.array;
+    return true;
+}
+
+bool PushRecordReference(const RunContext& context, const RecordPath& path)
+{
+    Place place;
+    if (!Walk(context, path, 0, place))
+        return false;
+    if (place.kind != Place::Kind::Record)
+        return Raise(context, ToNumber(ErrorId::TypeMismatch));
+    ValueStack& values = context.interpreter->Values();
+    values.CutBack(values.Size() - static_cast<std::size_t>(path.indexCount));
+    Variant* slot = values.Push();
+    if (!slot)
+        return context.interpreter->RaiseOutOfMemory();
+    slot->SetRecordReference(place.address, place.record);
+    return true;
+}
+
+bool ReplaceByRecordSize(const RunContext& context)
+{
+    Variant& top = context.interpreter->Values().Top();
+    const VARIANT& value = *FollowByRefChain(&top.Raw());
+    ULONG size = 0;
+    if ((value.vt & ~VT_BYREF) != VT_RECORD || !value.pRecInfo || FAILED(value.pRecInfo->GetSize(&size)))
+        return Raise(context, ToNumber(ErrorId::TypeMismatch));
+    top.SetLong(static_cast<LONG>(size));
+    return true;
+}
+
+bool AssignPathStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    int pc = entry.state;
+    switch (RunExpression(context, m_code, pc)) {
+    case EvalStatus::kYield: entry.state = pc; return false;
+    case EvalStatus::kFailed: return Fail(context, entry);
+    case EvalStatus::kDone: break;
+    }
+    const RecordPath& path = context.procedure->RecordPathAt(m_path);
+    Place place;
+    ValueStack& values = context.interpreter->Values();
+    if (!Walk(context, path, 1, place) || !StorePlace(place, values.Top(), path.elementLength))
+        return Fail(context, entry);
+    values.CutBack(values.Size() - 1 - static_cast<std::size_t>(path.indexCount));
+    entry.state = ExecEntry::kFinished;
+    return true;
+}
+
+} // namespace brannoc

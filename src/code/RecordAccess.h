@@ -1,0 +1,58 @@
+#pragma once
+// Access to the elements of records: a path from a variable (a record or an array of records) through
+// array indexes and record fields to the place an expression such as a(i).inner.x names. The indexes
+// are on the value stack, in the order written; the path is walked each time it is used.
+#include "code/ProcedureBody.h"
+
+#include <vector>
+
+namespace brannoc {
+
+struct PathStep {
+    enum class Kind : std::uint8_t { Index, Field };
+    Kind kind = Kind::Field;
+    int count = 0;                        // Index: the number of indexes
+    const RecordField* field = nullptr;   // Field: the field, owned by a record type the path keeps
+};
+
+struct RecordPath {
+    VariableRef root;
+    // A path that starts at the record of an enclosing With block (its level) instead of root.
+    int withLevel = -1;
+    std::vector<PathStep> steps;
+    // Keeps the record types whose fields the steps point at.
+    std::vector<RecordTypeRef> types;
+    // Indexes of all Index steps together.
+    int indexCount = 0;
+    // Fixed-length String elements of an array field (a path ending at such an element) keep this length.
+    UINT elementLength = 0;
+};
+
+// Replaces the path's indexes on top of the value stack by a copy of the value the path names. False
+// after raising.
+[[nodiscard]] bool LoadRecordPath(const RunContext& context, const RecordPath& path);
+
+// The array a path names, held by a record field: where its reference is kept (the path's indexes, on
+// top of the value stack, are taken off). False after raising.
+[[nodiscard]] bool FindPathArray(const RunContext& context, const RecordPath& path, SAFEARRAY**& location);
+
+// Replaces the path's indexes by a reference to the record the path names (With on a record). False
+// after raising (10080 when the path names no record).
+[[nodiscard]] bool PushRecordReference(const RunContext& context, const RecordPath& path);
+
+// Replaces the record on top of the value stack by its size in bytes (a Long). False after raising
+// 10080 when the value is not a record.
+[[nodiscard]] bool ReplaceByRecordSize(const RunContext& context);
+
+// path = value: the value is on top of the stack with the path's indexes below it; both are taken off.
+class AssignPathStatement final : public Statement {
+public:
+    AssignPathStatement(Expression code, int path) : m_code(std::move(code)), m_path(path) {}
+    [[nodiscard]] bool Step(ExecEntry& entry) override;
+
+private:
+    Expression m_code;
+    int m_path;
+};
+
+} // namespace brannoc
