@@ -210,6 +210,9 @@ private:
     const UserType* FindUserType(std::string_view name) const;
     // The run-time record type of a user-defined type (null for none).
     static IRecordInfo* RecordInfoOf(const UserType* userType);
+    // An argument for a by-reference parameter: a variable, or a record named by an element access,
+    // is passed as a reference; any other expression as its value.
+    void PassByReference(Expression& argument, bool simple) const;
     // True at a record variable or an array of records followed by "(" or "." (an element access), or
     // at "." inside a With block on a record.
     bool AtRecordPath() const;

@@ -316,8 +316,8 @@ bool BodyParser::ParseArguments(Procedure& callee, ArgumentList list, std::size_
                 bool simple = false;
                 if (!ParseExpression(argument, &simple))
                     return false;
-                if (simple && !callee.parameters[index].byVal)
-                    argument.ops.back().code = ExprOpCode::kLoadRef;
+                if (!callee.parameters[index].byVal)
+                    PassByReference(argument, simple);
                 parsed.byParameter[index] = std::move(argument);
                 continue;
             }
@@ -338,8 +338,8 @@ bool BodyParser::ParseArguments(Procedure& callee, ArgumentList list, std::size_
                 m_lexer.SignalError(kWrongNumberOfParameters);
                 return false;
             } else if (!empty) {
-                if (simple && !callee.parameters[position].byVal)
-                    argument.ops.back().code = ExprOpCode::kLoadRef;
+                if (!callee.parameters[position].byVal)
+                    PassByReference(argument, simple);
                 parsed.byParameter[position] = std::move(argument);
             }
             ++position;

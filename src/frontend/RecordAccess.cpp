@@ -66,6 +66,17 @@ const Block* BodyParser::RecordWithBlock() const
     return nullptr;
 }
 
+void BodyParser::PassByReference(Expression& argument, bool simple) const
+{
+    if (argument.ops.empty())
+        return;
+    ExprOp& last = argument.ops.back();
+    if (simple)
+        last.code = ExprOpCode::kLoadRef;
+    else if (last.code == ExprOpCode::kLoadPath && argument.type.IsUserType() && !argument.type.IsArray())
+        last.code = ExprOpCode::kRefPath;
+}
+
 bool BodyParser::AtRecordPath() const
 {
     if (m_lexer.Kind() == Token::Dot)

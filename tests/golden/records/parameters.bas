@@ -1,7 +1,12 @@
-' Records as module-level variables, by-reference parameters and Function results
+' Records as module-level variables, by-reference parameters (also elements of records and arrays) and
+' Function results
 Type Point
     X As Integer
     Y As Integer
+End Type
+
+Type Shape
+    Corner As Point
 End Type
 
 Dim shared As Point
@@ -42,5 +47,11 @@ Sub Main
     Dim pts(1) As Point
     Move pts(1), 9
     Debug.Print pts(1).X
+    Dim s As Shape
+    Move s.Corner, 4
+    With s
+        Call Move(.Corner, 1)
+    End With
+    Debug.Print s.Corner.X
     Debug.Print "end"
 End Sub
