@@ -109,7 +109,9 @@ BodyParser::StatementPtr BodyParser::ParseErrStatement()
 {
     m_lexer.NextToken();
     ErrMember member = ErrMember::Number;
+    const char* memberPosition = m_lexer.TokenStart();
     if (m_lexer.Accept(Token::Dot)) {
+        memberPosition = m_lexer.TokenStart();
         const std::string name(m_lexer.Text());
         if (!FindErrMember(name, member)) {
             m_lexer.SignalError(CompileMessage::MethodOrPropertyNotFound);
@@ -123,7 +125,7 @@ BodyParser::StatementPtr BodyParser::ParseErrStatement()
             return nullptr;
     } else if (member != ErrMember::Clear) {
         if (!IsWritableErrProperty(member)) {
-            m_lexer.SignalError(CompileMessage::CantAssignAValueToAnExpression);
+            m_lexer.SignalErrorAt(CompileMessage::CantAssignAValueToAnExpression, {}, memberPosition);
             return nullptr;
         }
         if (!m_lexer.ExpectToken(Token::Equal) || !ParseExpression(code))

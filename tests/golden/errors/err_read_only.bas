@@ -1,0 +1,4 @@
+' LastDllError can only be read
+Sub Main
+    Err.LastDllError = 1
+End Sub

@@ -1,0 +1,4 @@
+' On Error Resume needs Next
+Sub Main
+    On Error Resume
+End Sub
