@@ -15,10 +15,12 @@ import os
 import pathlib
 import re
 import shutil
+import signal
 import statistics
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 
 import large_module
@@ -57,31 +59,37 @@ class Sample:
 def measure_child(command, cwd, timeout):
     """Runs command; answers a Sample.
 
-    GNU time reports the peak: Linux carries the resident high-water mark of the process that forks over
-    into the program it executes, so the measuring process must be a small one."""
+    The command runs under GNU time, a small process that forks and waits for it. Processor time is that
+    process's resource use as wait4 reports it (to the microsecond, the program's and its own); the peak
+    resident set is the program's own as GNU time reports it. (Linux carries the resident high-water
+    mark of a process that forks over into the program it then executes, so the peak must come from a
+    small process that forked the program, not from this one.)"""
     # Output goes to files, not pipes: Wine's service processes, started by the first program of a Wine
     # session, inherit the handles and would hold a pipe open long after the program ended.
     with tempfile.TemporaryDirectory(prefix="brannoc-bench-run-") as folder:
-        report, out_path, err_path = (pathlib.Path(folder) / name for name in ("peak", "out", "err"))
-        full = ["/usr/bin/time", "-q", "-f", "%U %S %M", "-o", report] + [str(part) for part in command]
+        out_path, err_path, report = (pathlib.Path(folder) / name for name in ("out", "err", "peak"))
+        full = ["/usr/bin/time", "-q", "-f", "%M", "-o", report] + [str(part) for part in command]
         with open(out_path, "wb") as out_file, open(err_path, "wb") as err_file:
             start = time.perf_counter()
             process = subprocess.Popen(full, cwd=cwd, stdin=subprocess.DEVNULL, stdout=out_file, stderr=err_file,
                                        start_new_session=True)
+            # The program leads its own process group: on time-out, whatever it started goes too.
+            timer = threading.Timer(timeout, lambda: os.killpg(process.pid, signal.SIGKILL))
+            timer.start()
             try:
-                process.wait(timeout=timeout)
-            except subprocess.TimeoutExpired:
-                # The program leads its own process group: whatever it started goes too.
-                os.killpg(process.pid, 9)
-                process.wait()
-                raise Failure(f"{' '.join(map(str, command))}: no end after {timeout} s")
+                _, status, usage = os.wait4(process.pid, 0)
+            finally:
+                timer.cancel()
             wall = time.perf_counter() - start
+            process.returncode = os.waitstatus_to_exitcode(status)
         out, err = out_path.read_bytes(), err_path.read_bytes()
+        if process.returncode == -signal.SIGKILL and wall >= timeout:
+            raise Failure(f"{' '.join(map(str, command))}: no end after {timeout} s")
         if process.returncode != 0:
             raise Failure(f"{' '.join(map(str, command))}: exit {process.returncode}\n"
                           f"{out.decode(errors='replace')}{err.decode(errors='replace')}")
-        user, system, peak = report.read_text().split()[-3:]
-    return Sample(wall, float(user) + float(system), int(peak), out, err)
+        peak = report.read_text().split()
+    return Sample(wall, usage.ru_utime + usage.ru_stime, int(peak[-1]) if peak else 0, out, err)
 
 
 class Implementation:
