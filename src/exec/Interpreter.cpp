@@ -107,7 +107,15 @@ void Interpreter::PopAndRelease()
 
 bool Interpreter::TimeSliceOver()
 {
+    // At most this many tests pass between two reads while the counter stands still.
+    constexpr int kLongestReadInterval = 16;
     const DWORD tick = m_tick();
+    if (tick == m_lastTickRead)
+        m_tickReadInterval = m_tickReadInterval < kLongestReadInterval ? m_tickReadInterval * 2 : kLongestReadInterval;
+    else
+        m_tickReadInterval = 1;
+    m_lastTickRead = tick;
+    m_testsUntilTickRead = m_tickReadInterval;
     // Unsigned difference: correct across the wrap of the 32-bit millisecond counter.
     if (tick - m_lastYieldTick < kTimeSliceMs)
         return false;

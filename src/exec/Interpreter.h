@@ -97,7 +97,10 @@ public:
 
     // The time-slice test: true at most every 100 ms while yielding is on, and then a yield is asked
     // for; never true (and the tick counter is not read) while it is off.
-    [[nodiscard]] bool YieldDue() { return m_yieldSetting != 0 && TimeSliceOver(); }
+    // The counter is read again only after a number of tests that grows while the counter stands still
+    // between reads and drops back to one as soon as time passes between them, so that a loop of quick
+    // statements does not read it for each one and a slow statement is never followed by a late yield.
+    [[nodiscard]] bool YieldDue() { return m_yieldSetting != 0 && --m_testsUntilTickRead <= 0 && TimeSliceOver(); }
 
     // Pushes an entry on the pending stack (Node::Execute's default). False after raising out of memory.
     [[nodiscard]] bool PushPending(const ExecEntry& entry);
@@ -193,6 +196,9 @@ private:
     int m_yieldSetting = 1;
     int m_yieldRequest = 1;
     DWORD m_lastYieldTick = 0;
+    DWORD m_lastTickRead = 0;
+    int m_testsUntilTickRead = 1;
+    int m_tickReadInterval = 1;
     TickSource m_tick = &GetTickCount;
     int m_stepCounter = 0;
     int m_runDepth = 0;
