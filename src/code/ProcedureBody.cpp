@@ -714,7 +714,7 @@ bool CompiledProcedure::BindParameter(int index, void* frame, Variant& argument)
     VARIANT& slot = static_cast<VARIANT*>(frame)[index];
     if (parameter.type.IsUserType() && !parameter.type.IsArray())
         return BindRecord(parameter, slot, argument);
-    const VARTYPE tag = StorageTag(parameter.type);
+    const VARTYPE tag = parameter.storageTag;
     if (argument.Tag() == VT_ERROR && argument.Raw().scode == kMissingArgumentStatus) {
         InitializeTypedSlot(slot, parameter.type.Code());
         if (parameter.hasDefault)

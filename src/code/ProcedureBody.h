@@ -193,6 +193,8 @@ struct ParameterInfo {
     bool paramArray = false;
     bool hasDefault = false;
     Variant defaultValue;
+    // The tag of the parameter's storage (StorageTag of type), set when the parameter is added.
+    VARTYPE storageTag = VT_EMPTY;
 };
 
 class CompiledProcedure final : public ProcedureCode {
@@ -242,7 +244,11 @@ public:
     int AddCallee(Procedure* procedure, const Module* module = nullptr);
     // A compiled built-in call; the procedure owns it.
     int AddBuiltinCall(std::unique_ptr<BuiltinCall> call);
-    void AddParameter(ParameterInfo parameter) { m_parameters.push_back(std::move(parameter)); }
+    void AddParameter(ParameterInfo parameter)
+    {
+        parameter.storageTag = StorageTag(parameter.type);
+        m_parameters.push_back(std::move(parameter));
+    }
     void SetResultSlot(int slot) { m_resultSlot = slot; }
     // Takes ownership of statement and appends it to the statement vector.
     Statement* Append(std::unique_ptr<Statement> statement);

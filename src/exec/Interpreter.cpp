@@ -51,7 +51,8 @@ int Interpreter::RunStep(bool single)
         m_exec.At(index).state = entry.state;
     if (done && m_exec.Size() == index + 1)
         PopAndRelease();
-    MovePending(pendingBase);
+    if (m_pending.Size() > pendingBase)
+        MovePending(pendingBase);
 
     const int result = m_executionMarker == kMarkerPause ? -1 : 1;
     m_executionMarker = 1;

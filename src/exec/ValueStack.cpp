@@ -11,12 +11,6 @@ constexpr std::size_t kInitialCapacity = 256;
 
 ValueStack::~ValueStack() { delete[] m_slots; }
 
-void ValueStack::CutBack(std::size_t size)
-{
-    while (m_size > size)
-        Pop();
-}
-
 void ValueStack::Swap(ValueStack& other) noexcept
 {
     std::swap(m_slots, other.m_slots);

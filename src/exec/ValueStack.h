@@ -27,10 +27,19 @@ public:
     // it is released: releasing an object can run code (a terminator) that pushes onto this stack.
     void Pop()
     {
-        Variant leaving(std::move(m_slots[--m_size]));
+        Variant& slot = m_slots[--m_size];
+        if (OwnsNothing(slot.Tag())) {
+            slot.Raw().vt = VT_EMPTY;
+            return;
+        }
+        Variant leaving(std::move(slot));
     }
     // Clears and removes every slot above size.
-    void CutBack(std::size_t size);
+    void CutBack(std::size_t size)
+    {
+        while (m_size > size)
+            Pop();
+    }
 
     // Exchanges the contents with other (a nested run gets a stack of its own, so that references into
     // this one held by the code that started it stay valid).
