@@ -136,6 +136,8 @@ bool FastExpression::Compile(const Expression& code, const CompiledProcedure& pr
     m_ops.clear();
     if (m_typed.Compile(code, procedure))
         return true;
+    m_code = &code;
+    m_procedure = &procedure;
     std::vector<FastOp> ops;
     VARTYPE kinds[kMaxDepth];
     int depth = 0;
@@ -207,7 +209,32 @@ bool FastExpression::Compile(const Expression& code, const CompiledProcedure& pr
 
 bool FastExpression::Evaluate(const RunContext& context, VARIANT& result) const
 {
-    return m_typed.IsReady() ? m_typed.Evaluate(context, result) : EvaluateOpen(context, result);
+    if (m_typed.IsReady())
+        return m_typed.Evaluate(context, result);
+    if (m_assumedForm.IsReady() && m_assumedForm.Evaluate(context, result))
+        return true;
+    if (m_assumptions < kMaxAssumptions && AssumeCurrentKinds(context) && m_assumedForm.Evaluate(context, result))
+        return true;
+    return EvaluateOpen(context, result);
+}
+
+bool FastExpression::AssumeCurrentKinds(const RunContext& context) const
+{
+    std::vector<VARTYPE> kinds(m_code->ops.size(), VT_EMPTY);
+    for (std::size_t i = 0; i < m_code->ops.size(); ++i) {
+        const ExprOp& op = m_code->ops[i];
+        if (op.code != ExprOpCode::kLoad || !op.type.IsVariant())
+            continue;
+        const VARIANT* storage = StorageOf(context, op.scope, op.index, op.module);
+        if (!storage)
+            return false;
+        kinds[i] = storage->vt;
+    }
+    if (kinds == m_assumedKinds)
+        return false;
+    ++m_assumptions;
+    m_assumedKinds = kinds;
+    return m_assumedForm.Compile(*m_code, *m_procedure, &m_assumedKinds);
 }
 
 bool FastExpression::EvaluateOpen(const RunContext& context, VARIANT& result) const

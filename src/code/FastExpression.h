@@ -56,11 +56,22 @@ public:
 
 private:
     [[nodiscard]] bool EvaluateOpen(const RunContext& context, VARIANT& result) const;
+    // Compiles m_assumedForm for the kinds the Variant variables hold now, when they all hold kinds of
+    // the typed form and differ from those it was compiled for. False when nothing changed.
+    bool AssumeCurrentKinds(const RunContext& context) const;
 
-    // The typed form when every kind is fixed; else the ops over VARIANTs.
+    // The typed form when the declarations fix every kind; else the ops over VARIANTs, and a typed form
+    // that assumes the kinds the Variant variables held when it was compiled (compiled again, a few
+    // times at most, when they hold other kinds).
     TypedExpression m_typed;
     std::vector<FastOp> m_ops;
     VARTYPE m_resultKind = VT_EMPTY;
+    const Expression* m_code = nullptr;
+    const CompiledProcedure* m_procedure = nullptr;
+    mutable TypedExpression m_assumedForm;
+    mutable std::vector<VARTYPE> m_assumedKinds;
+    mutable int m_assumptions = 0;
+    static constexpr int kMaxAssumptions = 8;
 };
 
 // Whether statements take their direct forms (on unless a test compares them with the general code).

@@ -237,13 +237,15 @@ bool FuseRightOperand(std::vector<Op>& ops, const Pushed& right, bool real, Op& 
 
 } // namespace
 
-bool TypedExpression::Compile(const Expression& code, const CompiledProcedure& procedure)
+bool TypedExpression::Compile(const Expression& code, const CompiledProcedure& procedure,
+                              const std::vector<VARTYPE>* assumed)
 {
     m_ops.clear();
     std::vector<Op> ops;
     Pushed stack[kMaxDepth];
     int depth = 0;
-    for (const ExprOp& source : code.ops) {
+    for (std::size_t position = 0; position < code.ops.size(); ++position) {
+        const ExprOp& source = code.ops[position];
         Op op;
         switch (source.code) {
         case ExprOpCode::kConstant: {
@@ -264,8 +266,10 @@ bool TypedExpression::Compile(const Expression& code, const CompiledProcedure& p
             break;
         }
         case ExprOpCode::kLoad: {
-            const VARTYPE kind = FixedKind(source.type);
-            if (kind == VT_EMPTY || depth == kMaxDepth)
+            VARTYPE kind = FixedKind(source.type);
+            if (kind == VT_EMPTY && source.type.IsVariant() && assumed && position < assumed->size())
+                kind = (*assumed)[position];
+            if ((kind != VT_I2 && kind != VT_I4 && kind != VT_R8 && kind != VT_BOOL) || depth == kMaxDepth)
                 return false;
             op.code = kind == VT_R8 ? Code::kLoadReal : Code::kLoadWhole;
             op.scope = source.scope;

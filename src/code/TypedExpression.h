@@ -16,9 +16,12 @@ namespace brannoc {
 
 class TypedExpression final {
 public:
-    // Compiles code when every value in it has a kind fixed by the declarations (no Variant) and every
-    // op has a typed form. False otherwise.
-    bool Compile(const Expression& code, const CompiledProcedure& procedure);
+    // Compiles code when every value in it has a kind fixed by the declarations and every op has a
+    // typed form. A load of a Variant variable takes the kind that assumed gives for its op (one entry
+    // per op of code; VT_EMPTY or no list: no typed form), which the load then checks each time like
+    // a declared kind. False otherwise.
+    bool Compile(const Expression& code, const CompiledProcedure& procedure,
+                 const std::vector<VARTYPE>* assumed = nullptr);
     bool IsReady() const noexcept { return !m_ops.empty(); }
     // VT_I2, VT_I4, VT_R8 or VT_BOOL.
     VARTYPE ResultKind() const noexcept { return m_resultKind; }

@@ -196,5 +196,37 @@ TEST(DirectForms, ReferencesArraysCasesAndCounters)
     }));
 }
 
+// The same statements run again and again while their Variants change kind (Integer past its limit to
+// Long, to Double, Boolean, String, Empty and Null and back), so that the typed forms assumed for the
+// kinds seen first must give way and be made again.
+TEST(DirectForms, VariantsThatChangeKindInALoop)
+{
+    ExpectSameRuns(JoinLines({
+        "Sub Main",
+        "    On Error Resume Next",
+        "    Dim i, s, t, d, k, r As Long",
+        "    s = 0: t = 32700: d = 0",
+        "    For i = 1 To 200",
+        "        Select Case i Mod 9",
+        "            Case 0: k = 1.5",
+        "            Case 1: k = True",
+        "            Case 2: k = \"4\"",
+        "            Case 3: k = Empty",
+        "            Case 4: k = Null",
+        "            Case 5: k = 100000",
+        "            Case Else: k = i",
+        "        End Select",
+        "        Err.Clear: s = (s + i * 7) Mod 1000003 + k: Debug.Print s; Err.Number",
+        "        Err.Clear: t = t + (i And 255) - k: Debug.Print t; Err.Number",
+        "        Err.Clear: d = d * 0.5 + k: Debug.Print d; Err.Number",
+        "        Err.Clear: r = k * 3 - i: Debug.Print r; Err.Number",
+        "        Err.Clear: If k > 2 Then Debug.Print \"more\" Else Debug.Print \"less\"",
+        "        Debug.Print Err.Number",
+        "    Next i",
+        "    Debug.Print \"end\"",
+        "End Sub",
+    }));
+}
+
 } // namespace
 } // namespace brannoc
