@@ -239,7 +239,7 @@ void Lexer::ScanIdentifier()
     while (classes.IsIdentifierChar(*m_cursor) && m_length < kMaxTokenLength)
         Append(*m_cursor++);
     m_text[m_length] = '\0';
-    m_kind = LookupKeyword(Text());
+    m_kind = LookupWord(Text());
 }
 
 // "[any text]": "]]" stands for "]" and "[[" for "["; the line end also closes the name. "[]" is kept
@@ -267,7 +267,7 @@ void Lexer::ScanBracketedName()
         m_text[m_length++] = ']';
     }
     m_text[m_length] = '\0';
-    m_kind = LookupKeyword(Text());
+    m_kind = LookupWord(Text());
 }
 
 bool Lexer::ScanDateLiteral()

@@ -86,4 +86,10 @@ Token LookupKeyword(std::string_view text)
     return HashTable().Find(buffer, text.size());
 }
 
+Token LookupWord(std::string_view text)
+{
+    const Token token = LookupKeyword(text);
+    return TokenNumber(token) < kFirstReservedWord ? Token::Id : token;
+}
+
 } // namespace brannoc

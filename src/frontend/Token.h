@@ -386,6 +386,10 @@ inline std::string_view KeywordText(Token token) { return KeywordText(TokenNumbe
 
 // Case-insensitive keyword lookup through the keyword hash; Token::Id when the text is no keyword.
 Token LookupKeyword(std::string_view text);
+// A word of source text as the lexer reads it: a keyword, or Token::Id. The table's texts for token
+// kinds below the reserved words ("operator", "literal-...") name kinds, not words, so a word spelled
+// like one of them is an identifier.
+Token LookupWord(std::string_view text);
 
 // The keyword hash function: pairs of characters, case folded by the low five bits, 11 bits of result.
 unsigned KeywordHash(std::string_view text);

@@ -72,6 +72,17 @@ TEST(LexerTest, NumbersAndHex)
     });
 }
 
+// The table names its token kinds with words ("operator", "other", "literal-string"); such words in
+// source are names like any other.
+TEST(LexerTest, NamesOfTokenKindsAreIdentifiers)
+{
+    RunCases({
+        {"operator = other", {{kId, "operator", 1, 0}, {N(Token::Equal), "=", 1, 9}, {kId, "other", 1, 11},
+                              {kEol, "", 1, 16}}},
+        {"[reserved]", {{kId, "reserved", 1, 0}, {kEol, "", 1, 10}}},
+    });
+}
+
 TEST(LexerTest, Strings)
 {
     RunCases({
