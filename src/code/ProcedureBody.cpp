@@ -234,6 +234,30 @@ inline bool ApplyToTop(const Expression& expression, int& pc, ValueStack& values
 
 } // namespace
 
+namespace {
+
+// Replaces the value below the top `count` indexes (a function's result) by its element at them.
+[[nodiscard]] bool ReplaceByElement(const RunContext& context, int count)
+{
+    ValueStack& values = context.interpreter->Values();
+    const std::size_t below = values.Size() - static_cast<std::size_t>(count) - 1;
+    VARIANT* storage = &values.At(below).Raw();
+    VARTYPE tag = VT_EMPTY;
+    void* element = ElementOf(context, storage, count, tag);
+    if (!element)
+        return false;
+    // The element is copied out before the array that holds it goes.
+    Variant value;
+    IRecordInfo* record = tag == VT_RECORD ? ElementKindOf(ArrayOf(storage)).record : nullptr;
+    if (!LoadElement(element, tag, value, record))
+        return false;
+    values.CutBack(below + 1);
+    values.Top() = std::move(value);
+    return true;
+}
+
+} // namespace
+
 EvalStatus RunExpression(const RunContext& context, const Expression& expression, int& pc)
 {
     ValueStack& values = context.interpreter->Values();
@@ -413,6 +437,10 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             *slot = std::move(value);
             break;
         }
+        case ExprOpCode::kIndexValue:
+            if (!ReplaceByElement(context, op.count))
+                return EvalStatus::kFailed;
+            break;
         }
     }
     return HaltFlags::MustStop() ? EvalStatus::kFailed : EvalStatus::kDone;

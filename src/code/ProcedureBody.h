@@ -74,6 +74,8 @@ enum class ExprOpCode : std::uint8_t {
     kBuiltin,    // call built-in call `index` of the procedure; `count` of its arguments were computed
                  // onto the stack before it, and `variable` ops of deferred argument code follow it
     kJump,       // skip `count` ops (the end of a deferred argument's code)
+    kIndexValue, // replace the value below the top `count` indexes by its element (an array that a
+                 // function returned, indexed at once: Split(text)(1))
 };
 
 struct ExprOp {

@@ -336,6 +336,8 @@ private:
     [[nodiscard]] bool ReadBounds(std::vector<std::pair<long, long>>& bounds);
     // After "(" of an element reference: the indexes up to ")"; count receives their number.
     [[nodiscard]] bool ParseIndexes(Expression& out, int& count);
+    // "(indexes)" after a function's result that can hold an array: the element of that array.
+    [[nodiscard]] bool ParseResultIndexes(Expression& out);
 
     // Built-in calls (BuiltinCalls.cpp).
     // The built-in that word stands for when the program declares nothing of that name, or null.

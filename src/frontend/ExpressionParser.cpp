@@ -167,6 +167,11 @@ bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
             types.resize(types.size() >= static_cast<std::size_t>(op.count) ? types.size() - op.count : 0);
             types.push_back(op.type);
             break;
+        case ExprOpCode::kIndexValue:
+            // The indexes and the indexed value give way to one element.
+            types.resize(types.size() > static_cast<std::size_t>(op.count) ? types.size() - op.count - 1 : 0);
+            types.push_back(op.type);
+            break;
         case ExprOpCode::kUnary:
             if (types.empty() || refuses(types.back())) {
                 m_lexer.SignalError(CompileMessage::OperandOperatorTypeMismatch);
@@ -406,7 +411,7 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
         if (const BuiltinRecord* record = FindBuiltin(word)) {
             m_lexer.NextToken();
             const TypeCode suffix = ReadSuffix();
-            return ParseBuiltinCall(*record, suffix, out, false);
+            return ParseBuiltinCall(*record, suffix, out, false) && ParseResultIndexes(out);
         }
         m_lexer.SignalError(CompileMessage::ExpectingAFactor);
         return false;
@@ -463,7 +468,7 @@ bool BodyParser::ParseNameValue(Expression& out, bool* simpleVariable)
         if (!ParseCallArguments(*callee, out, parenthesised ? ArgumentList::Parenthesised : ArgumentList::None))
             return false;
         m_factorClass = ClassOfType(callee->result);
-        return true;
+        return !parenthesised || ParseResultIndexes(out);
     }
     if (!local) {
         auto found = m_state.names.find(key);
@@ -480,7 +485,7 @@ bool BodyParser::ParseNameValue(Expression& out, bool* simpleVariable)
         }
     }
     if (const BuiltinRecord* record = BuiltinFor(word, key))
-        return ParseBuiltinCall(*record, suffix, out, false);
+        return ParseBuiltinCall(*record, suffix, out, false) && ParseResultIndexes(out);
     VariableRef ref;
     bool found = false;
     if (!ResolveVariable(name, suffix, ref, found))
@@ -518,6 +523,25 @@ bool BodyParser::ParseNameValue(Expression& out, bool* simpleVariable)
     AppendLoad(out, ref, object);
     *simpleVariable = !object.autoNew;
     m_factorClass = object.classModule;
+    return true;
+}
+
+bool BodyParser::ParseResultIndexes(Expression& out)
+{
+    // Only a result that can hold an array takes indexes; anything else leaves "(" to the caller.
+    if (m_lexer.Kind() != Token::LeftParen || !(out.type.IsVariant() || out.type.IsArray()))
+        return true;
+    m_lexer.NextToken();
+    const TypeCode indexed = out.type;
+    int count = 0;
+    if (!ParseIndexes(out, count))
+        return false;
+    ExprOp element{ExprOpCode::kIndexValue};
+    element.count = count;
+    element.type = indexed.IsArray() ? indexed.Scalar() : TypeCode(TypeCode::kVariant);
+    out.ops.push_back(element);
+    out.type = element.type;
+    m_factorClass = nullptr;
     return true;
 }
 

@@ -45,11 +45,18 @@ bool IsAssignment(MemberAccess access) { return access == MemberAccess::Let || a
 
 bool BodyParser::MemberContinues(bool& assignment) const
 {
-    const char* p = SkipBlanks(m_lexer.TokenEnd());
-    if (*p == '(')
-        p = SkipBlanks(SkipParenthesised(p));
+    const char* end = m_lexer.TokenEnd();
+    const char* p = SkipBlanks(end);
+    if (*p == '(') {
+        end = SkipParenthesised(p);
+        p = SkipBlanks(end);
+    }
     assignment = *p == '=';
-    return *p == '.';
+    if (*p != '.')
+        return false;
+    // Inside a With block a "." after a blank starts a With-relative argument: Move .Corner, 1 calls
+    // Move with .Corner.
+    return p == end || WithLevel() == 0;
 }
 
 int BodyParser::WithLevel() const

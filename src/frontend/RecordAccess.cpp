@@ -7,30 +7,6 @@
 
 namespace brannoc::body {
 
-namespace {
-
-// The character after the parenthesised group that starts at p (strings inside it skipped).
-const char* AfterParenthesised(const char* p)
-{
-    int depth = 0;
-    bool inString = false;
-    for (; *p != '\0' && *p != '\r' && *p != '\n'; ++p) {
-        if (inString) {
-            inString = *p != '"';
-            continue;
-        }
-        if (*p == '"')
-            inString = true;
-        else if (*p == '(')
-            ++depth;
-        else if (*p == ')' && --depth == 0)
-            return p + 1;
-    }
-    return p;
-}
-
-} // namespace
-
 const UserType* BodyParser::FindUserType(std::string_view name) const
 {
     auto found = m_state.names.find(UpperName(name));
@@ -121,7 +97,7 @@ int BodyParser::ParseRecordPath(Expression& code, RecordPathEnd& end, bool befor
     end.record = current;
     for (;;) {
         if (m_lexer.Kind() == Token::LeftParen && (at == At::ArrayOfRecords || at == At::Array) &&
-            (!beforeBounds || *SkipBlanks(AfterParenthesised(m_lexer.TokenStart())) == '.')) {
+            (!beforeBounds || *SkipBlanks(SkipParenthesised(m_lexer.TokenStart())) == '.')) {
             m_lexer.NextToken();
             int count = 0;
             if (!ParseIndexes(code, count))
@@ -209,7 +185,7 @@ bool BodyParser::AtHeldArray() const
     // record.array or records(i).array
     const char* next = SkipBlanks(m_lexer.TokenEnd());
     if (*next == '(')
-        next = SkipBlanks(AfterParenthesised(next));
+        next = SkipBlanks(SkipParenthesised(next));
     return *next == '.';
 }
 

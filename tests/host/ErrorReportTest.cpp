@@ -2,6 +2,7 @@
 // the notifications, trapped errors that are never reported, and the default error message box.
 #include "brannoc.h"
 #include "host/CodeUnit.h"
+#include "host/FakeCallBack.h"
 #include "support/MessageBoxCapture.h"
 #include <gtest/gtest.h>
 #include <map>
@@ -11,82 +12,6 @@
 using namespace brannoc;
 
 namespace {
-
-// Serves macro texts from memory and records notifications, reading the error record at each
-// notification 0 (the host's moment to look at it).
-class RecordingCallBack final : public IDispatch {
-public:
-    enum Member : DISPID { kDebugPrint = 1, kNotify, kReadMacro };
-
-    std::map<std::wstring, std::wstring> macros;
-    std::vector<short> notifications;
-    std::vector<long> reportedNumbers;
-    std::wstring printed;
-
-    HRESULT __stdcall QueryInterface(REFIID id, void** object) override
-    {
-        if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch)) {
-            *object = static_cast<IDispatch*>(this);
-            AddRef();
-            return S_OK;
-        }
-        *object = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG __stdcall AddRef() override { return 2; }
-    ULONG __stdcall Release() override { return 1; }
-    HRESULT __stdcall GetTypeInfoCount(UINT* count) override
-    {
-        *count = 0;
-        return S_OK;
-    }
-    HRESULT __stdcall GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    HRESULT __stdcall GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override
-    {
-        const std::wstring name = names[0];
-        ids[0] = DISPID_UNKNOWN;
-        if (name == L"DebugPrint")
-            ids[0] = kDebugPrint;
-        else if (name == L"Notify")
-            ids[0] = kNotify;
-        else if (name == L"ReadMacro")
-            ids[0] = kReadMacro;
-        return count == 1 && ids[0] != DISPID_UNKNOWN ? S_OK : DISP_E_UNKNOWNNAME;
-    }
-    HRESULT __stdcall Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT* result,
-                             EXCEPINFO*, UINT*) override
-    {
-        VARIANT& argument = parameters->rgvarg[0];
-        switch (member) {
-        case kDebugPrint:
-            printed.append(argument.bstrVal, SysStringLen(argument.bstrVal));
-            return S_OK;
-        case kNotify:
-            notifications.push_back(argument.iVal);
-            if (argument.iVal == 0) {
-                _CodeUnit* engine = nullptr;
-                if (SUCCEEDED(parameters->rgvarg[1].pdispVal->QueryInterface(IID__CodeUnit,
-                                                                             reinterpret_cast<void**>(&engine)))) {
-                    long number = 0;
-                    engine->get_ErrorNumber(&number);
-                    reportedNumbers.push_back(number);
-                    engine->Release();
-                }
-            }
-            return S_OK;
-        case kReadMacro: {
-            const std::wstring name(argument.bstrVal, SysStringLen(argument.bstrVal));
-            auto found = macros.find(name);
-            VariantInit(result);
-            result->vt = VT_BSTR;
-            result->bstrVal = found == macros.end() ? nullptr : SysAllocString(found->second.c_str());
-            return S_OK;
-        }
-        default:
-            return DISP_E_MEMBERNOTFOUND;
-        }
-    }
-};
 
 std::wstring TakeText(BSTR text)
 {
@@ -154,7 +79,7 @@ protected:
     }
 
     CodeUnit* unit = static_cast<CodeUnit*>(static_cast<_CodeUnit*>(KZ_CreateCodeUnit()));
-    RecordingCallBack callBack;
+    brannoc::testing::FakeCallBack callBack;
 };
 
 } // namespace
@@ -168,7 +93,7 @@ TEST_F(ErrorReportTest, AnUntrappedErrorFillsEveryFieldOfTheRecord)
                                L"    a = 3\r\n"
                                L"End Sub\r\n";
     StartAndRun(L"calc");
-    EXPECT_EQ((std::vector<long>{1234}), callBack.reportedNumbers);
+    EXPECT_EQ((std::vector<long>{1234}), callBack.errorNumbers);
     EXPECT_EQ(1234, Number());
     EXPECT_EQ(L"Own message.", Text(&CodeUnit::get_ErrorDesc));
     EXPECT_EQ(L"Src", Text(&CodeUnit::get_ErrorSource));
@@ -214,9 +139,9 @@ TEST_F(ErrorReportTest, TrappedErrorsAreNeverReported)
                                 L"    Debug.Print Err.Number\r\n"
                                 L"End Sub\r\n";
     StartAndRun(L"quiet");
-    EXPECT_TRUE(callBack.reportedNumbers.empty());
+    EXPECT_TRUE(callBack.errorNumbers.empty());
     EXPECT_EQ(0, std::count(callBack.notifications.begin(), callBack.notifications.end(), 19));
-    EXPECT_EQ(L"5&\r\n", callBack.printed);
+    EXPECT_EQ(L"5&\r\n", callBack.AllPrinted());
     EXPECT_EQ(0, Number()) << "the record belongs to untrapped errors only";
 }
 

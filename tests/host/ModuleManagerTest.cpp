@@ -6,6 +6,7 @@
 #include "host/CodeUnit.h"
 #include "host/EntryGuard.h"
 #include "host/ModuleManager.h"
+#include "host/FakeCallBack.h"
 #include "support/MessageBoxCapture.h"
 #include <gtest/gtest.h>
 #include <map>
@@ -13,112 +14,10 @@
 #include <vector>
 
 using namespace brannoc;
+using brannoc::testing::FakeCallBack;
 using brannoc::testing::TestProcedure;
 
 namespace {
-
-// The host callback: ReadMacro from a map, DebugPrint and Notify recorded. Checks the shape of each
-// call: the engine object first, then the member's own arguments.
-class FakeCallBack final : public IDispatch {
-public:
-    enum Member : DISPID { kDebugPrint = 1, kNotify, kReadMacro, kMapMacroName };
-
-    // MapMacroName is offered only when a prefix is set; it answers the prefix and the name.
-    std::wstring mapPrefix;
-    std::vector<std::pair<std::wstring, std::wstring>> mapped;
-
-    std::map<std::wstring, std::wstring> macros;
-    std::vector<std::wstring> printed;
-    std::vector<short> notifications;
-    std::vector<std::wstring> reads;
-    std::vector<long> errorNumbers;
-    int badCalls = 0;
-
-    HRESULT __stdcall QueryInterface(REFIID id, void** object) override
-    {
-        if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch)) {
-            *object = static_cast<IDispatch*>(this);
-            AddRef();
-            return S_OK;
-        }
-        *object = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG __stdcall AddRef() override { return ++m_references; }
-    ULONG __stdcall Release() override { return --m_references; }
-    HRESULT __stdcall GetTypeInfoCount(UINT* count) override
-    {
-        *count = 0;
-        return S_OK;
-    }
-    HRESULT __stdcall GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    HRESULT __stdcall GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override
-    {
-        if (count != 1)
-            return DISP_E_UNKNOWNNAME;
-        std::wstring name = names[0];
-        ids[0] = name == L"DebugPrint" ? kDebugPrint : name == L"Notify" ? kNotify
-               : name == L"ReadMacro"  ? kReadMacro
-               : name == L"MapMacroName" && !mapPrefix.empty() ? kMapMacroName
-                                       : DISPID_UNKNOWN;
-        return ids[0] == DISPID_UNKNOWN ? DISP_E_UNKNOWNNAME : S_OK;
-    }
-    HRESULT __stdcall Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result,
-                             EXCEPINFO*, UINT*) override
-    {
-        if (member == kMapMacroName) {
-            if (parameters->cArgs != 3 || parameters->rgvarg[2].vt != VT_DISPATCH) {
-                ++badCalls;
-                return E_INVALIDARG;
-            }
-            std::wstring name(parameters->rgvarg[1].bstrVal, SysStringLen(parameters->rgvarg[1].bstrVal));
-            std::wstring base(parameters->rgvarg[0].bstrVal, SysStringLen(parameters->rgvarg[0].bstrVal));
-            mapped.emplace_back(name, base);
-            VariantInit(result);
-            result->vt = VT_BSTR;
-            result->bstrVal = SysAllocString((mapPrefix + name).c_str());
-            return S_OK;
-        }
-        if (flags != DISPATCH_METHOD || parameters->cArgs != 2 || parameters->rgvarg[1].vt != VT_DISPATCH) {
-            ++badCalls;
-            return E_INVALIDARG;
-        }
-        VARIANT& argument = parameters->rgvarg[0];
-        switch (member) {
-        case kDebugPrint:
-            printed.emplace_back(argument.bstrVal, SysStringLen(argument.bstrVal));
-            return S_OK;
-        case kNotify:
-            notifications.push_back(argument.iVal);
-            if (argument.iVal == 0) {
-                _CodeUnit* engine = nullptr;
-                if (SUCCEEDED(parameters->rgvarg[1].pdispVal->QueryInterface(IID__CodeUnit,
-                                                                             reinterpret_cast<void**>(&engine)))) {
-                    long number = 0;
-                    engine->get_ErrorNumber(&number);
-                    errorNumbers.push_back(number);
-                    engine->Release();
-                }
-            }
-            return S_OK;
-        case kReadMacro: {
-            std::wstring name(argument.bstrVal, SysStringLen(argument.bstrVal));
-            reads.push_back(name);
-            auto found = macros.find(name);
-            VariantInit(result);
-            result->vt = VT_BSTR;
-            result->bstrVal = found == macros.end() ? nullptr : SysAllocString(found->second.c_str());
-            return S_OK;
-        }
-        default:
-            return DISP_E_MEMBERNOTFOUND;
-        }
-    }
-    int Count(short code) const { return static_cast<int>(std::count(notifications.begin(), notifications.end(), code)); }
-
-private:
-    ULONG m_references = 1;
-};
 
 // Gives every Main, Class_Initialize and Class_Terminate a procedure of one statement that prints the
 // procedure's and the module's name, as the statement compiler would for a Debug.Print line.

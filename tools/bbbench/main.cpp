@@ -80,15 +80,7 @@ int wmain(int argc, wchar_t** argv)
     }
     const double processor = ThreadSeconds() - processorAtStart;
     SysFreeString(requestText);
-    VARIANT_BOOL idle = VARIANT_FALSE;
-    engine->HaltAll(&idle);
-    // As bbrun does: unloading ends module-level variables while the callback is still set.
-    BSTR unloadName = SysAllocString(file.c_str());
-    VARIANT_BOOL unloaded = VARIANT_FALSE;
-    engine->Unload(unloadName, &unloaded);
-    SysFreeString(unloadName);
-    engine->SetCallBack(nullptr);
-    engine->Release();
+    EndSession(engine, file);
 
     const FirstError& error = callBack.error;
     if (error.seen || started == VARIANT_FALSE) {

@@ -54,16 +54,7 @@ int wmain(int argc, wchar_t** argv)
         VARIANT_BOOL active = VARIANT_FALSE;
         engine->Run(0, &active);
     }
-    VARIANT_BOOL idle = VARIANT_FALSE;
-    engine->HaltAll(&idle);
-    // Unloading ends the macro's module-level variables while the callback is still set, so that the
-    // terminators of class instances they hold print to stdout.
-    BSTR unloadName = SysAllocString(file.c_str());
-    VARIANT_BOOL unloaded = VARIANT_FALSE;
-    engine->Unload(unloadName, &unloaded);
-    SysFreeString(unloadName);
-    engine->SetCallBack(nullptr);
-    engine->Release();
+    EndSession(engine, file);
 
     const FirstError& error = callBack.error;
     if (!error.seen && started != VARIANT_FALSE)

@@ -250,6 +250,21 @@ inline std::wstring StartRequest(const std::wstring& file, const std::wstring& c
     return L"\"" + file + L"\"" + (command.empty() ? L"" : L" " + command);
 }
 
+// Ends a session on the engine: stops what still runs, unloads the macro file while the callback is
+// still set (so that the terminators of class instances that its module-level variables hold still
+// print), detaches the callback and releases the engine.
+inline void EndSession(_CodeUnit* engine, const std::wstring& file)
+{
+    VARIANT_BOOL idle = VARIANT_FALSE;
+    engine->HaltAll(&idle);
+    BSTR unloadName = SysAllocString(file.c_str());
+    VARIANT_BOOL unloaded = VARIANT_FALSE;
+    engine->Unload(unloadName, &unloaded);
+    SysFreeString(unloadName);
+    engine->SetCallBack(nullptr);
+    engine->Release();
+}
+
 // Writes an error as "FILE:LINE:COL: error NUMBER: DESCRIPTION" and the line text to stderr.
 inline void WriteErrorReport(const FirstError& error, const std::wstring& file)
 {
