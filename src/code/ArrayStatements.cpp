@@ -21,6 +21,14 @@ ElementKind KindFor(TypeCode arrayType, IRecordInfo* record)
     return ArrayElementKind(array.Code(), record);
 }
 
+// True when a reference on the value stack (With on an element, an element passed by reference) points
+// into the array: until it goes, the array is as fixed as a declared one.
+bool IsHeldByReference(const RunContext& context, const SAFEARRAY* array)
+{
+    Interpreter& interpreter = *context.interpreter;
+    return array && interpreter.References().IsReferenced(interpreter.Values(), array);
+}
+
 } // namespace
 
 bool ReDimStatement::Step(ExecEntry& entry)
@@ -57,7 +65,7 @@ bool ReDimStatement::Step(ExecEntry& entry)
         target = FollowByRefChain(storage);
     }
     SAFEARRAY* existing = held ? *held : ArrayOf(target);
-    if (existing && IsFixedArray(existing))
+    if (existing && (IsFixedArray(existing) || IsHeldByReference(context, existing)))
         return Raise(context, ErrorId::ExpectingDynamicArray), Fail(context, entry);
     const bool done = m_preserve && existing ? Preserve(existing, lower, upper) : Make(target, held, lower, upper);
     return done ? (entry.state = ExecEntry::kFinished, true) : Fail(context, entry);
@@ -181,7 +189,7 @@ bool ArrayAssignStatement::Step(ExecEntry& entry)
     if (!storage)
         return Fail(context, entry);
     VARIANT* target = FollowByRefChain(storage);
-    if (IsFixedArray(ArrayOf(target)))
+    if (IsFixedArray(ArrayOf(target)) || IsHeldByReference(context, ArrayOf(target)))
         return Raise(context, ErrorId::ExpectingDynamicArray), Fail(context, entry);
     const ElementKind kind = KindFor(m_target.type, m_record);
     SAFEARRAY* array = nullptr;

@@ -24,6 +24,10 @@ struct Place {
     SAFEARRAY** array = nullptr;          // Array: where the array reference is kept
     ElementKind elements;                 // Array and Element: the element kind
     const RecordField* field = nullptr;   // Field (and an array held by a field)
+    // The arrays whose storage the place lies in, outermost first (the first kMaxArrays of them).
+    static constexpr int kMaxArrays = 8;
+    SAFEARRAY* arrays[kMaxArrays] = {};
+    int arrayCount = 0;
 };
 
 bool Raise(const RunContext& context, long number) { return context.interpreter->SignalError(number); }
@@ -82,6 +86,8 @@ bool Index(const RunContext& context, int count, std::size_t first, Place& place
     void* element = ElementAddress(array, indexes);
     if (!element)
         return Raise(context, ToNumber(ErrorId::ArrayIndexOutOfRange));
+    if (place.arrayCount < Place::kMaxArrays)
+        place.arrays[place.arrayCount++] = array;
     if (place.elements.tag == VT_RECORD) {
         place.kind = Place::Kind::Record;
         place.address = element;
@@ -243,6 +249,9 @@ bool PushRecordReference(const RunContext& context, const RecordPath& path)
     if (!slot)
         return context.interpreter->RaiseOutOfMemory();
     slot->SetRecordReference(place.address, place.record);
+    // A reference into arrays keeps them from being re-dimensioned or replaced while it lives.
+    if (place.arrayCount > 0)
+        context.interpreter->References().Note(values, values.Size() - 1, place.address, place.arrays, place.arrayCount);
     return true;
 }
 

@@ -3,6 +3,7 @@
 // activations, yielding, halting and the end of a run. The engine object owns one and drives it through
 // RunStep; everything it needs back from the engine object goes through InterpreterHost.
 #include "exec/Activation.h"
+#include "exec/ElementReferences.h"
 #include "exec/ErrorMessages.h"
 #include "exec/ErrorRecord.h"
 #include "exec/ExecStack.h"
@@ -141,6 +142,8 @@ public:
     std::size_t ExecutionDepth() const noexcept { return m_exec.Size(); }
     std::size_t PendingDepth() const noexcept { return m_pending.Size(); }
     ValueStack& Values() noexcept { return m_values; }
+    // References into array storage that the value stack holds.
+    ElementReferences& References() noexcept { return m_references; }
     InterpreterHost& Host() noexcept { return m_host; }
     int PendingAction() const noexcept { return m_pendingAction; }
     long PendingArgument() const noexcept { return m_pendingArgument; }
@@ -210,6 +213,7 @@ private:
     int m_pendingAction = InterpreterHost::kNoAction;
     long m_pendingArgument = 0;
     ValueStack m_values;
+    ElementReferences m_references;
     FramePool m_frames;
     Activation* m_freeActivations = nullptr;
     ErrorRecord m_error;

@@ -47,6 +47,7 @@ public:
 
     Variant& Top() noexcept { return m_slots[m_size - 1]; }
     Variant& At(std::size_t index) noexcept { return m_slots[index]; }
+    const Variant& At(std::size_t index) const noexcept { return m_slots[index]; }
     std::size_t Size() const noexcept { return m_size; }
     bool IsEmpty() const noexcept { return m_size == 0; }
 
