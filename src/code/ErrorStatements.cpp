@@ -27,7 +27,7 @@ bool ResumeStatement::Execute()
         return true;
     }
     if (m_next) {
-        activation->SetIndexes(activation->ResumeIndex());
+        activation->SetIndexes(activation->ResumeIndex(), activation->ResumePosition());
     } else {
         // Moving to a label leaves every With block of the procedure.
         interpreter->Values().CutBack(activation->ValueStackBase());

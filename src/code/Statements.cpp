@@ -629,7 +629,10 @@ bool StatementList::RunFrom(ExecEntry& entry, int start, int stateBase)
     Activation* activation = Interpreter::Current()->CurrentActivation();
     const int current = activation->CurrentIndex();
     const int next = activation->NextIndex();
-    for (int i = start; i < static_cast<int>(m_statements.size()); ++i) {
+    const int count = static_cast<int>(m_statements.size());
+    for (int i = start; i < count; ++i) {
+        if (m_lineLevel)
+            activation->SetPositionAfter(current, i + 1 < count ? i + 1 : 0);
         if (!m_statements[static_cast<std::size_t>(i)]->Execute()) {
             if (HaltFlags::MustStop())
                 return Finish(entry);

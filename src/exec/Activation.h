@@ -48,7 +48,23 @@ public:
     int TakeEntryPosition() noexcept { return std::exchange(m_entryPosition, 0); }
 
     int ResumeIndex() const noexcept { return m_resumeIndex; }
-    void SetResumeIndex(int index) noexcept { m_resumeIndex = index; }
+    // Within a line of several statements, the position Resume Next continues at (0: the line's start).
+    int ResumePosition() const noexcept { return m_resumePosition; }
+    void SetResumeIndex(int index, int position = 0) noexcept
+    {
+        m_resumeIndex = index;
+        m_resumePosition = position;
+    }
+    // A line of several statements publishes, before each of them, the position of the statement after
+    // it (0 after its last one), so that Resume Next continues there when the statement fails.
+    void SetPositionAfter(int index, int position) noexcept
+    {
+        m_positionLine = index;
+        m_positionAfter = position;
+    }
+    // The position within the current line after the statement that is running or failed; 0 when the
+    // line holds one statement, or the failing one was its last.
+    int PositionAfterCurrent() const noexcept { return m_positionLine == m_currentIndex ? m_positionAfter : 0; }
     std::size_t ValueStackBase() const noexcept { return m_valueStackBase; }
     int WithDepth() const noexcept { return m_withDepth; }
     void SetWithDepth(int depth) noexcept { m_withDepth = depth; }
@@ -86,6 +102,9 @@ private:
     int m_nextIndex = 0;
     int m_entryPosition = 0;
     int m_resumeIndex = kNoResume;
+    int m_resumePosition = 0;
+    int m_positionLine = -1;
+    int m_positionAfter = 0;
     std::size_t m_valueStackBase = 0;
     int m_withDepth = 0;
     bool m_popArguments = false;

@@ -293,6 +293,9 @@ void Interpreter::FreeActivation(Activation& activation) noexcept
     activation.m_nextIndex = 0;
     activation.m_entryPosition = 0;
     activation.m_resumeIndex = Activation::kNoResume;
+    activation.m_resumePosition = 0;
+    activation.m_positionLine = -1;
+    activation.m_positionAfter = 0;
     activation.m_valueStackBase = 0;
     activation.m_withDepth = 0;
     activation.m_popArguments = false;
@@ -514,10 +517,18 @@ void Interpreter::TrapError(Activation& activation)
     // What the failing statement left on the value stack goes; the With objects stay.
     m_values.CutBack(activation.ValueStackBase() + static_cast<std::size_t>(activation.WithDepth()));
     const int target = activation.ActiveHandler()->HandlerTarget();
-    if (target == ErrorHandler::kResumeNext)
+    // The statement after the failing one, or after the call that led to it: in a line of several
+    // statements the next one on the line.
+    const int position = activation.PositionAfterCurrent();
+    if (target == ErrorHandler::kResumeNext) {
+        if (position > 0)
+            activation.SetIndexes(activation.CurrentIndex(), position);
         return;
-    // The statement after the failing one, or after the call that led to it.
-    activation.SetResumeIndex(activation.NextIndex());
+    }
+    if (position > 0)
+        activation.SetResumeIndex(activation.CurrentIndex(), position);
+    else
+        activation.SetResumeIndex(activation.NextIndex());
     activation.SetIndexes(target);
 }
 
