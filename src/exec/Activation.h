@@ -72,6 +72,10 @@ public:
     std::size_t StatementBase() const noexcept { return m_valueStackBase + static_cast<std::size_t>(m_withDepth); }
     bool IsHostCallBoundary() const noexcept { return m_hostCallBoundary; }
     void SetHostCallBoundary(bool on) noexcept { m_hostCallBoundary = on; }
+    // A host call made by running code (an object's member reached through its dispatch interface):
+    // an error that no handler inside the call traps ends the call and goes back to that code.
+    bool PassesErrorsOut() const noexcept { return m_passesErrorsOut; }
+    void SetPassesErrorsOut(bool on) noexcept { m_passesErrorsOut = on; }
     // The On Error statement in force, or null.
     const ErrorHandler* ActiveHandler() const noexcept { return m_activeHandler; }
     void SetActiveHandler(const ErrorHandler* handler) noexcept { m_activeHandler = handler; }
@@ -109,6 +113,7 @@ private:
     int m_withDepth = 0;
     bool m_popArguments = false;
     bool m_hostCallBoundary = false;
+    bool m_passesErrorsOut = false;
     const ErrorHandler* m_activeHandler = nullptr;
     Node* m_auxiliary = nullptr;
     void* m_locals = nullptr;

@@ -6,6 +6,7 @@
 #include "values/ValueError.h"
 
 #include <new>
+#include <utility>
 
 namespace brannoc {
 
@@ -241,21 +242,26 @@ bool Interpreter::StartEntry(ProcedureCode& procedure, ModuleInstance* instance)
     return !HaltFlags::MustStop();
 }
 
-bool Interpreter::RunHostCall(ProcedureCode& procedure, ModuleInstance* instance)
+bool Interpreter::RunHostCall(ProcedureCode& procedure, ModuleInstance* instance, ErrorExit errorExit)
 {
     const std::size_t mark = m_exec.Size();
     const std::size_t pendingBase = m_pending.Size();
+    const bool outerPassedOut = std::exchange(m_errorPassedOut, false);
     (void)CallProcedure(procedure, ActivationKind::Call, instance);
     MovePending(pendingBase);
-    if (m_exec.Size() > mark && m_current)
+    if (m_exec.Size() > mark && m_current) {
         m_current->SetHostCallBoundary(true);
-    while (m_exec.Size() > mark) {
+        m_current->SetPassesErrorsOut(errorExit == ErrorExit::kToCaller);
+    }
+    while (m_exec.Size() > mark && !m_errorPassedOut) {
         if (RunStep(false) == 0)
             break;
     }
     const bool cutShort = m_exec.Size() > mark;
     while (m_exec.Size() > mark)
         PopAndRelease();
+    if (std::exchange(m_errorPassedOut, outerPassedOut))
+        return false;
     if (cutShort && m_evaluating && !HaltFlags::MustStop())
         (void)SignalError(ErrorId::FunctionTerminated);
     return !HaltFlags::MustStop();
@@ -300,6 +306,7 @@ void Interpreter::FreeActivation(Activation& activation) noexcept
     activation.m_withDepth = 0;
     activation.m_popArguments = false;
     activation.m_hostCallBoundary = false;
+    activation.m_passesErrorsOut = false;
     activation.m_activeHandler = nullptr;
     activation.m_localSize = 0;
     activation.m_nextEntry = nullptr;
@@ -486,6 +493,10 @@ void Interpreter::RunHaltHandler()
     if ((copy & HaltFlags::kStopMask) && m_runLevel != 0) {
         if (Activation* trapping = FindErrorHandler()) {
             TrapError(*trapping);
+        } else if (FindPassingBoundary()) {
+            // The call that ran into the error ends; the code that made it raises the error again.
+            HaltFlags::Clear(HaltFlags::kError | HaltFlags::kEvaluationError);
+            m_errorPassedOut = true;
         } else if (copy & HaltFlags::kEvaluationError) {
             m_host.ReportEvaluationError(m_error);
         } else {
@@ -506,6 +517,15 @@ Activation* Interpreter::FindErrorHandler() const noexcept
         // A host call's own error handling takes over at its boundary.
         if (activation->IsHostCallBoundary())
             return nullptr;
+    }
+    return nullptr;
+}
+
+Activation* Interpreter::FindPassingBoundary() const noexcept
+{
+    for (Activation* activation = m_current; activation; activation = activation->Caller()) {
+        if (activation->IsHostCallBoundary())
+            return activation->PassesErrorsOut() ? activation : nullptr;
     }
     return nullptr;
 }

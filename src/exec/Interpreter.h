@@ -66,7 +66,12 @@ public:
     // A host call into a procedure whose arguments are on the value stack: runs it to its end (or until
     // the run stops) and releases whatever it left above the stack height it started from. True when
     // no error or stop is pending afterwards.
-    [[nodiscard]] bool RunHostCall(ProcedureCode& procedure, ModuleInstance* instance);
+    // With ErrorExit::kToCaller (a call made by running code), an error that no handler inside the call
+    // traps ends the call instead of the run: it answers false with the error object still filled and no
+    // halt bit set, for the caller to raise the error again where it can be trapped.
+    enum class ErrorExit { kReport, kToCaller };
+    [[nodiscard]] bool RunHostCall(ProcedureCode& procedure, ModuleInstance* instance,
+                                   ErrorExit errorExit = ErrorExit::kReport);
 
     // Moves the execution point of the current activation.
     void SetNextStatement(int index) noexcept;
@@ -180,6 +185,8 @@ private:
     // Error dispatch: the activation whose On Error handler traps the pending error, or null when the
     // search reaches a host-call boundary or the outermost caller.
     Activation* FindErrorHandler() const noexcept;
+    // The host-call boundary the error search stops at when that call passes errors to its caller.
+    Activation* FindPassingBoundary() const noexcept;
     // Unwinds to the trapping activation and moves its execution point as its handler says.
     void TrapError(Activation& activation);
     // Assigns one text field of the error object; an allocation failure sets the out-of-memory bit.
@@ -219,6 +226,8 @@ private:
     ErrorRecord m_error;
     bool m_evaluating = false;
     int m_hostCallDepth = 0;
+    // Set when an error left a host call that passes errors out; its RunHostCall then ends.
+    bool m_errorPassedOut = false;
     bool m_tearingDown = false;
     // This engine's halt byte while another engine is current.
     std::uint8_t m_savedHalt = 0;

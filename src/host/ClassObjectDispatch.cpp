@@ -183,15 +183,19 @@ bool PushArguments(ValueStack& values, const Procedure& procedure, const Arrange
     return true;
 }
 
-// Fills an exception record with the error the nested run reported.
+// Fills an exception record with the error that ended the nested run: the one it passed back to the
+// running code that made the call, else the one it reported.
 void Describe(EngineContext& context, EXCEPINFO* exception)
 {
     if (!exception)
         return;
     *exception = EXCEPINFO{};
-    const ErrorLocation& error = context.ErrorReport();
-    exception->wCode = static_cast<WORD>(error.number > 0 && error.number < 0x10000 ? error.number : 10090);
-    exception->bstrDescription = SysAllocString(error.description.c_str());
+    const ErrorRecord& passed = context.Machine().Error();
+    const bool wasPassed = passed.number != 0;
+    const long number = wasPassed ? passed.number : context.ErrorReport().number;
+    const std::wstring& description = wasPassed ? passed.description : context.ErrorReport().description;
+    exception->wCode = static_cast<WORD>(number > 0 && number < 0x10000 ? number : 10090);
+    exception->bstrDescription = SysAllocString(description.c_str());
     exception->bstrSource = SysAllocString(context.Caption().c_str());
 }
 
@@ -258,9 +262,13 @@ HRESULT STDMETHODCALLTYPE ClassObject::Invoke(DISPID id, REFIID, LCID, WORD flag
     if (const HRESULT status = Arrange(*procedure, access, given, arranged); FAILED(status))
         return status;
     Variant value;
+    // Called by running code, the member hands an error it does not trap back to that code.
+    const Interpreter::ErrorExit errorExit = m_manager.Context().Machine().ExecutionMarker() < 0
+                                                 ? Interpreter::ErrorExit::kToCaller
+                                                 : Interpreter::ErrorExit::kReport;
     const bool finished = m_manager.RunNested(
         *procedure->code, *m_instance,
-        [&](ValueStack& values) { return PushArguments(values, *procedure, arranged); }, &value);
+        [&](ValueStack& values) { return PushArguments(values, *procedure, arranged); }, &value, errorExit);
     if (!finished) {
         Describe(m_manager.Context(), exception);
         return DISP_E_EXCEPTION;

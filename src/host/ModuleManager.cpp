@@ -350,7 +350,7 @@ bool ModuleManager::InitializeUsedModules(const std::vector<ModuleInstance*>& in
 }
 
 bool ModuleManager::RunNested(ProcedureCode& code, ModuleInstance& instance, const NestedArguments& push,
-                              Variant* result)
+                              Variant* result, Interpreter::ErrorExit errorExit)
 {
     Interpreter& machine = m_context.Machine();
     ValueStack& values = machine.Values();
@@ -375,7 +375,7 @@ bool ModuleManager::RunNested(ProcedureCode& code, ModuleInstance& instance, con
         return false;
     // The steps of the call leave their own marker; the caller's state comes back afterwards.
     const int marker = machine.ExecutionMarker();
-    const bool finished = machine.RunHostCall(code, &instance);
+    const bool finished = machine.RunHostCall(code, &instance, errorExit);
     machine.SetExecutionMarker(marker);
     if (result && values.Size() > 0)
         *result = std::move(values.At(0));

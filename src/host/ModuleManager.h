@@ -4,6 +4,7 @@
 // given directly for a name.
 #include "frontend/Compiler.h"
 #include "frontend/ModuleSource.h"
+#include "exec/Interpreter.h"
 
 #include <functional>
 #include <map>
@@ -110,9 +111,11 @@ public:
     using NestedArguments = std::function<bool(ValueStack&)>;
     // Runs a procedure of an instance to its end as a nested call, on a value stack of its own; push
     // (when given) puts the call's values on it first, and result (when given) receives what the bottom
-    // slot holds afterwards (a Function's result). The execution marker is kept.
+    // slot holds afterwards (a Function's result). The execution marker is kept. errorExit says where
+    // an error that the call does not trap goes (Interpreter::RunHostCall).
     [[nodiscard]] bool RunNested(ProcedureCode& code, ModuleInstance& instance, const NestedArguments& push = {},
-                                 Variant* result = nullptr);
+                                 Variant* result = nullptr,
+                                 Interpreter::ErrorExit errorExit = Interpreter::ErrorExit::kReport);
     EngineContext& Context() const { return m_context; }
 
 private:
