@@ -1,6 +1,7 @@
 #include "code/ProcedureBody.h"
 
 #include "code/BuiltinCall.h"
+#include "code/ElementArguments.h"
 #include "code/ErrorStatements.h"
 #include "code/RecordAccess.h"
 #include "code/MemberCall.h"
@@ -35,6 +36,8 @@ VARIANT* Follow(VARIANT* storage)
     return storage;
 }
 
+} // namespace
+
 // A reference to a variable as an argument: VT_BYREF | VT_VARIANT for Variant variables, else VT_BYREF
 // with the declared kind pointing at the payload, so that binding can compare declared kinds.
 void MakeReference(Variant& target, VARIANT* storage, TypeCode type)
@@ -50,8 +53,6 @@ void MakeReference(Variant& target, VARIANT* storage, TypeCode type)
     else
         target.SetByRef(tag, reinterpret_cast<char*>(storage) + kPayloadOffset);
 }
-
-} // namespace
 
 VARTYPE StorageTag(TypeCode type)
 {
@@ -439,6 +440,14 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
         }
         case ExprOpCode::kIndexValue:
             if (!ReplaceByElement(context, op.count))
+                return EvalStatus::kFailed;
+            break;
+        case ExprOpCode::kElementArgument:
+            if (!PushElementArgument(context, op))
+                return EvalStatus::kFailed;
+            break;
+        case ExprOpCode::kElementWriteBack:
+            if (!WriteBackElementArgument(context, op))
                 return EvalStatus::kFailed;
             break;
         }

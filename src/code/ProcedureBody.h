@@ -76,6 +76,10 @@ enum class ExprOpCode : std::uint8_t {
     kJump,       // skip `count` ops (the end of a deferred argument's code)
     kIndexValue, // replace the value below the top `count` indexes by its element (an array that a
                  // function returned, indexed at once: Split(text)(1))
+    kElementArgument,  // as kElement for a by-reference argument: the element is copied into hidden slot
+                       // `variable` (its address kept in slot `variable` + 1) and a reference to that
+                       // slot replaces the indexes
+    kElementWriteBack, // after the call: the hidden slot `variable` goes back into the element
 };
 
 struct ExprOp {
@@ -123,6 +127,8 @@ inline VARIANT* StorageOf(const RunContext& context, StorageScope scope, int ind
         storage = storage->pvarVal;
     return storage;
 }
+// Makes target a reference to a variable's storage of declared type (by-reference arguments).
+void MakeReference(Variant& target, VARIANT* storage, TypeCode type);
 // The tag of a variable's storage: its value kind, VT_VARIANT for Variants and arrays.
 VARTYPE StorageTag(TypeCode type);
 // Stores value into storage of kind without the conversion routine when reading it in that kind cannot

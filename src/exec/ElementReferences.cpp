@@ -17,7 +17,7 @@ bool ElementReferences::IsLive(const ValueStack& values, const Reference& refere
     if (reference.slot >= values.Size())
         return false;
     const VARIANT& held = values.At(reference.slot).Raw();
-    return held.vt == (VT_BYREF | VT_RECORD) && held.pvRecord == reference.address;
+    return (held.vt & VT_BYREF) != 0 && held.byref == reference.address;
 }
 
 void ElementReferences::DropStale(const ValueStack& values)

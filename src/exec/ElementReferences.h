@@ -1,6 +1,7 @@
 #pragma once
 // References into the storage of arrays that entries of the value stack hold: the record of a With
-// block on an element of an array of records, a record element passed by reference. While such a
+// block on an element of an array of records, a record element passed by reference, an element passed
+// by reference through its copy. While such a
 // reference lives, the arrays it points into must keep their storage; statements that would release or
 // move that storage (ReDim, array assignment) ask here first and refuse.
 //

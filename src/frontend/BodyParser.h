@@ -82,6 +82,10 @@ enum class ArgumentList { None, Parenthesised, ToStatementEnd };
 struct ParsedArguments {
     std::vector<std::optional<Expression>> byParameter;
     std::vector<Expression> extra;
+    // Set by the caller: array elements passed by reference travel through hidden slots and go back
+    // after the call (the ops that write them back, to follow the call, are collected in writeBacks).
+    bool elementsByReference = false;
+    std::vector<ExprOp> writeBacks;
 };
 
 // The keyword an assignment statement was written with.
@@ -212,7 +216,7 @@ private:
     static IRecordInfo* RecordInfoOf(const UserType* userType);
     // An argument for a by-reference parameter: a variable, or a record named by an element access,
     // is passed as a reference; any other expression as its value.
-    void PassByReference(Expression& argument, bool simple) const;
+    void PassByReference(Expression& argument, bool simple, ParsedArguments& parsed);
     // True at a record variable or an array of records followed by "(" or "." (an element access), or
     // at "." inside a With block on a record.
     bool AtRecordPath() const;
@@ -389,6 +393,10 @@ private:
     int m_linePosition = 0;
     // The class module of the factor parsed last, when it is an object whose class is known.
     const Module* m_factorClass = nullptr;
+    // The factor just parsed was an array element (name(indexes)); the expression just parsed was
+    // nothing but one (what a by-reference argument may take as a reference).
+    bool m_factorIsElement = false;
+    bool m_expressionIsElement = false;
 };
 
 } // namespace brannoc::body

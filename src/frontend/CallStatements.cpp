@@ -254,6 +254,7 @@ BodyParser::StatementPtr BodyParser::ParsePropertyAssignment(Procedure& property
 bool BodyParser::ParseCallArguments(Procedure& callee, Expression& out, ArgumentList list)
 {
     ParsedArguments parsed;
+    parsed.elementsByReference = true;
     if (!ParseArguments(callee, list, callee.parameters.size(), parsed))
         return false;
     const bool isFunction = callee.kind == ProcedureKind::Function || callee.kind == ProcedureKind::PropertyGet;
@@ -267,6 +268,8 @@ bool BodyParser::ParseCallArguments(Procedure& callee, Expression& out, Argument
     call.count = static_cast<int>(count);
     call.type = isFunction ? callee.result.code : TypeCode();
     out.ops.push_back(call);
+    // Elements passed by reference go back while the arguments still hold their arrays.
+    out.ops.insert(out.ops.end(), parsed.writeBacks.begin(), parsed.writeBacks.end());
     if (count > 0) {
         ExprOp pop{ExprOpCode::kPop};
         pop.count = static_cast<int>(count);
@@ -317,7 +320,7 @@ bool BodyParser::ParseArguments(Procedure& callee, ArgumentList list, std::size_
                 if (!ParseExpression(argument, &simple))
                     return false;
                 if (!callee.parameters[index].byVal)
-                    PassByReference(argument, simple);
+                    PassByReference(argument, simple, parsed);
                 parsed.byParameter[index] = std::move(argument);
                 continue;
             }
@@ -339,7 +342,7 @@ bool BodyParser::ParseArguments(Procedure& callee, ArgumentList list, std::size_
                 return false;
             } else if (!empty) {
                 if (!callee.parameters[position].byVal)
-                    PassByReference(argument, simple);
+                    PassByReference(argument, simple, parsed);
                 parsed.byParameter[position] = std::move(argument);
             }
             ++position;

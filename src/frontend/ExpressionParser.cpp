@@ -72,6 +72,7 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
         if (!binary && first) {
             if (simpleVariable)
                 *simpleVariable = simple;
+            m_expressionIsElement = m_factorIsElement;
             return TypeCheck(out, start);
         }
         first = false;
@@ -94,6 +95,7 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
     popTo(-1);
     if (simpleVariable)
         *simpleVariable = false;
+    m_expressionIsElement = false;
     m_factorClass = nullptr;
     return TypeCheck(out, start);
 }
@@ -164,9 +166,11 @@ bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
             break;
         case ExprOpCode::kJump: break;
         case ExprOpCode::kElement:
+        case ExprOpCode::kElementArgument:
             types.resize(types.size() >= static_cast<std::size_t>(op.count) ? types.size() - op.count : 0);
             types.push_back(op.type);
             break;
+        case ExprOpCode::kElementWriteBack: break;
         case ExprOpCode::kIndexValue:
             // The indexes and the indexed value give way to one element.
             types.resize(types.size() > static_cast<std::size_t>(op.count) ? types.size() - op.count - 1 : 0);
@@ -309,13 +313,15 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
 {
     *simpleVariable = false;
     m_factorClass = nullptr;
+    m_factorIsElement = false;
     const Token word = m_lexer.Kind();
     switch (word) {
     case Token::LeftParen: {
+        // A parenthesised element is a value, never a reference.
         m_lexer.NextToken();
-        if (!ParseExpression(out))
-            return false;
-        return m_lexer.ExpectToken(Token::RightParen);
+        const bool parsed = ParseExpression(out);
+        m_factorIsElement = false;
+        return parsed && m_lexer.ExpectToken(Token::RightParen);
     }
     case Token::LiteralNumber: return ParseNumber(out);
     case Token::Hash:
@@ -518,6 +524,7 @@ bool BodyParser::ParseNameValue(Expression& out, bool* simpleVariable)
         // The checker sees the indexes replaced by one value of the element's type.
         out.ops.push_back(element);
         out.type = element.type;
+        m_factorIsElement = true;
         return true;
     }
     AppendLoad(out, ref, object);

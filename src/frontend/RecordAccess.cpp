@@ -42,15 +42,25 @@ const Block* BodyParser::RecordWithBlock() const
     return nullptr;
 }
 
-void BodyParser::PassByReference(Expression& argument, bool simple) const
+void BodyParser::PassByReference(Expression& argument, bool simple, ParsedArguments& parsed)
 {
     if (argument.ops.empty())
         return;
     ExprOp& last = argument.ops.back();
-    if (simple)
+    if (simple) {
         last.code = ExprOpCode::kLoadRef;
-    else if (last.code == ExprOpCode::kLoadPath && argument.type.IsUserType() && !argument.type.IsArray())
+    } else if (last.code == ExprOpCode::kLoadPath && argument.type.IsUserType() && !argument.type.IsArray()) {
         last.code = ExprOpCode::kRefPath;
+    } else if (last.code == ExprOpCode::kElement && m_expressionIsElement && parsed.elementsByReference) {
+        // The element's copy in a hidden slot (and its address in the next one) stands for it.
+        last.code = ExprOpCode::kElementArgument;
+        last.variable = m_code->AddSlot(last.type);
+        (void)m_code->AddSlot(TypeCode(TypeCode::kVariant));
+        ExprOp writeBack{ExprOpCode::kElementWriteBack};
+        writeBack.variable = last.variable;
+        writeBack.type = last.type;
+        parsed.writeBacks.push_back(writeBack);
+    }
 }
 
 bool BodyParser::AtRecordPath() const

@@ -51,7 +51,7 @@ public:
         if (count != 1)
             return DISP_E_UNKNOWNNAME;
         std::wstring name = names[0];
-        ids[0] = name == L"DebugPrint" ? kDebugPrint : name == L"Notify" ? kNotify
+        ids[0] = name == L"DebugPrint" ? static_cast<DISPID>(kDebugPrint) : name == L"Notify" ? kNotify
                : name == L"ReadMacro"  ? kReadMacro
                : name == L"MapMacroName" && !mapPrefix.empty() ? kMapMacroName
                                        : DISPID_UNKNOWN;
