@@ -163,6 +163,8 @@ bool EraseStatement::Erase(const RunContext& context, VARIANT* target, SAFEARRAY
     if (kind.tag == VT_RECORD)
         return Raise(context, ErrorId::NotImplemented);
     if (!IsFixedArray(array)) {
+        if (IsHeldByReference(context, array))
+            return Raise(context, ErrorId::ExpectingDynamicArray);
         if (held) {
             DestroyArray(*held);
             *held = nullptr;

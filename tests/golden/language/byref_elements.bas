@@ -20,6 +20,9 @@ Sub Regrow(x As Long)
     On Error Resume Next
     ReDim shared(100)
     Debug.Print "ReDim while passed:"; Err.Number; Err.Description
+    Err.Clear
+    Erase shared
+    Debug.Print "Erase while passed:"; Err.Number
     x = 42
 End Sub
 
