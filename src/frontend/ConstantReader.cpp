@@ -1,5 +1,7 @@
 #include "frontend/ConstantReader.h"
 
+#include "frontend/LanguageConstants.h"
+
 #include "frontend/CharClasses.h"
 #include "frontend/Lexer.h"
 #include "frontend/Module.h"
@@ -166,6 +168,10 @@ bool ConstantReader::ReadPrimary(ConstantValue& value)
                 return true;
             }
         }
+    }
+    if (FindLanguageConstant(m_lexer.Text(), value)) {
+        m_lexer.NextToken();
+        return true;
     }
     m_lexer.SignalError(CompileMessage::ExpectingAConstantOrFunctionName);
     return false;

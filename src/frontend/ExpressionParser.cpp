@@ -1,5 +1,7 @@
 #include "frontend/BodyParser.h"
 
+#include "frontend/LanguageConstants.h"
+
 #include "frontend/CharClasses.h"
 #include "exec/InterpreterHost.h"
 #include "values/Conversion.h"
@@ -488,6 +490,11 @@ bool BodyParser::ParseNameValue(Expression& out, bool* simpleVariable)
                                         m_state.enums[found->second.index]->members[found->second.member].value));
                 return true;
             }
+        }
+        // The language's own constants, unless the macro declared the name.
+        if (ConstantValue language; found == m_state.names.end() && FindLanguageConstant(key, language)) {
+            AppendConstant(out, FromConstant(language));
+            return true;
         }
     }
     if (const BuiltinRecord* record = BuiltinFor(word, key))

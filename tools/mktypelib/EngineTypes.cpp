@@ -3,6 +3,7 @@
 #include "EngineTypes.h"
 #include "BuiltinMembers.h"
 #include "../../include/brannoc.h"
+#include "frontend/LanguageConstants.h"
 
 namespace mktypelib {
 namespace {
@@ -175,45 +176,19 @@ std::vector<Member> BasicObjectMembers()
     return members;
 }
 
+// The language's constants, from the table the compiler resolves them with.
 bool WriteEnums(TypeLibraryWriter& writer)
 {
-    return writer.AddEnum(L"VbVarType", nullptr,
-                          {{L"vbEmpty", 0}, {L"vbNull", 1}, {L"vbInteger", 2}, {L"vbLong", 3}, {L"vbSingle", 4},
-                           {L"vbDouble", 5}, {L"vbCurrency", 6}, {L"vbDate", 7}, {L"vbString", 8},
-                           {L"vbObject", 9}, {L"vbError", 10}, {L"vbBoolean", 11}, {L"vbVariant", 12},
-                           {L"vbDataObject", 13}, {L"vbDecimal", 14}, {L"vbByte", 17},
-                           {L"vbUserDefinedType", 36}, {L"vbArray", 8192}}) &&
-           writer.AddEnum(L"VbMsgBoxStyle", nullptr,
-                          {{L"vbOKOnly", 0}, {L"vbOKCancel", 1}, {L"vbAbortRetryIgnore", 2}, {L"vbYesNoCancel", 3},
-                           {L"vbYesNo", 4}, {L"vbRetryCancel", 5}, {L"vbCritical", 16}, {L"vbQuestion", 32},
-                           {L"vbExclamation", 48}, {L"vbInformation", 64}, {L"vbDefaultButton1", 0},
-                           {L"vbDefaultButton2", 256}, {L"vbDefaultButton3", 512}, {L"vbApplicationModal", 0},
-                           {L"vbSystemModal", 4096}}) &&
-           writer.AddEnum(L"VbMsgBoxResult", nullptr,
-                          {{L"vbOK", 1}, {L"vbCancel", 2}, {L"vbAbort", 3}, {L"vbRetry", 4}, {L"vbIgnore", 5},
-                           {L"vbYes", 6}, {L"vbNo", 7}}) &&
-           writer.AddEnum(L"VbAppWinStyle", nullptr,
-                          {{L"vbHide", 0}, {L"vbNormalFocus", 1}, {L"vbMinimizedFocus", 2},
-                           {L"vbMaximizedFocus", 3}, {L"vbNormalNoFocus", 4}, {L"vbMinimizedNoFocus", 6}}) &&
-           writer.AddEnum(L"VbFileAttribute", nullptr,
-                          {{L"vbNormal", 0}, {L"vbReadOnly", 1}, {L"vbHidden", 2}, {L"vbSystem", 4},
-                           {L"vbVolume", 8}, {L"vbDirectory", 16}, {L"vbArchive", 32}, {L"vbAlias", 64}}) &&
-           writer.AddEnum(L"VbDayOfWeek", nullptr,
-                          {{L"vbUseSystemDayOfWeek", 0}, {L"vbSunday", 1}, {L"vbMonday", 2}, {L"vbTuesday", 3},
-                           {L"vbWednesday", 4}, {L"vbThursday", 5}, {L"vbFriday", 6}, {L"vbSaturday", 7}}) &&
-           writer.AddEnum(L"VbFirstWeekOfYear", nullptr,
-                          {{L"vbUseSystem", 0}, {L"vbFirstJan1", 1}, {L"vbFirstFourDays", 2},
-                           {L"vbFirstFullWeek", 3}}) &&
-           writer.AddEnum(L"VbStrConv", nullptr,
-                          {{L"vbUpperCase", 1}, {L"vbLowerCase", 2}, {L"vbProperCase", 3}, {L"vbWide", 4},
-                           {L"vbNarrow", 8}, {L"vbKatakana", 16}, {L"vbHiragana", 32}, {L"vbUnicode", 64},
-                           {L"vbFromUnicode", 128}}) &&
-           writer.AddEnum(L"VbCallType", nullptr, {{L"vbMethod", 1}, {L"vbGet", 2}, {L"vbLet", 4}, {L"vbSet", 8}}) &&
-           writer.AddModule(L"VbConstants", L"brannoc.dll",
-                            {{L"vbCr", 0, L"\r"}, {L"vbLf", 0, L"\n"}, {L"vbCrLf", 0, L"\r\n"},
-                             {L"vbNewLine", 0, L"\r\n"}, {L"vbTab", 0, L"\t"}, {L"vbBack", 0, L"\b"},
-                             {L"vbFormFeed", 0, L"\f"}, {L"vbVerticalTab", 0, L"\v"},
-                             {L"vbNullString", 0, L""}, {L"vbObjectError", -2147221504L}});
+    for (const brannoc::LanguageConstantGroup& group : brannoc::LanguageConstantGroups()) {
+        std::vector<Constant> values;
+        for (const brannoc::LanguageConstant& constant : group.constants)
+            values.push_back(Constant{constant.name, constant.value, constant.text});
+        const bool written = group.isModule ? writer.AddModule(group.name, L"brannoc.dll", values)
+                                            : writer.AddEnum(group.name, nullptr, values);
+        if (!written)
+            return false;
+    }
+    return true;
 }
 
 } // namespace
