@@ -6,7 +6,6 @@ namespace brannoc {
 
 namespace {
 
-bool s_directForms = true;
 
 // The kind a value of the declared type always has in its storage, for the kinds the direct form
 // computes in; VT_EMPTY for a Variant (any kind); VT_ILLEGAL for every other type.
@@ -122,12 +121,11 @@ bool ReadElement(VARIANT* storage, LONG index, VARIANT& value)
 
 } // namespace
 
-bool DirectFormsEnabled() noexcept { return s_directForms; }
 
 bool SetDirectFormsEnabled(bool on) noexcept
 {
-    const bool previous = s_directForms;
-    s_directForms = on;
+    const bool previous = detail::g_directForms;
+    detail::g_directForms = on;
     return previous;
 }
 

@@ -46,6 +46,8 @@ public:
     bool IsReady() const noexcept { return m_typed.IsReady() || !m_ops.empty(); }
     // The kind of the result when the declared types fix it, else VT_EMPTY.
     VARTYPE ResultKind() const noexcept { return m_typed.IsReady() ? m_typed.ResultKind() : m_resultKind; }
+    // The typed form when the declarations fix every kind, else null.
+    const TypedExpression* Typed() const noexcept { return m_typed.IsReady() ? &m_typed : nullptr; }
 
     // Evaluates into result (a value that owns nothing). False when it gave up; nothing was changed.
     [[nodiscard]] bool Evaluate(const RunContext& context, VARIANT& result) const;
@@ -74,8 +76,11 @@ private:
     static constexpr int kMaxAssumptions = 8;
 };
 
+namespace detail {
+inline bool g_directForms = true;
+}
 // Whether statements take their direct forms (on unless a test compares them with the general code).
-bool DirectFormsEnabled() noexcept;
+inline bool DirectFormsEnabled() noexcept { return detail::g_directForms; }
 // Test hook: turns the direct forms of all statements off or on again; answers the previous setting.
 bool SetDirectFormsEnabled(bool on) noexcept;
 
@@ -91,6 +96,8 @@ public:
         }
         return m_state == State::kReady && DirectFormsEnabled() ? &m_fast : nullptr;
     }
+    // The compiled form whether or not direct forms are on (after Get).
+    const FastExpression* Compiled() const { return m_state == State::kReady ? &m_fast : nullptr; }
 
 private:
     enum class State : std::uint8_t { kUntried, kReady, kNone };

@@ -61,10 +61,70 @@ void SetMark(const RunContext& context, int slot)
 
 } // namespace
 
+void AssignStatement::ChooseLocalStore()
+{
+    m_localStore = LocalStore::kNone;
+    const FastExpression* fast = m_fast.Compiled();
+    m_typed = fast ? fast->Typed() : nullptr;
+    if (!m_typed || m_target.scope != StorageScope::Local || m_target.type.IsArray() || m_target.type.IsVariant())
+        return;
+    const VARTYPE target = StorageTag(m_target.type);
+    const VARTYPE value = m_typed->ResultKind();
+    if (target == value)
+        m_localStore = value == VT_R8 ? LocalStore::kReal : value == VT_I4 ? LocalStore::kWhole : LocalStore::kInteger;
+    else if (target == VT_R8 && (value == VT_I4 || value == VT_I2))
+        m_localStore = LocalStore::kWholeToReal;
+    else if (target == VT_I4 && value == VT_I2)
+        m_localStore = LocalStore::kIntegerToLong;
+}
+
+bool AssignStatement::StoreLocal(const RunContext& context) const
+{
+    VARIANT* cell = static_cast<VARIANT*>(context.activation->Locals()) + m_target.index;
+    while (cell->vt == (VT_BYREF | VT_VARIANT))
+        cell = cell->pvarVal;
+    // The value is computed aside: a form that gives up leaves the variable as it was.
+    if (m_localStore == LocalStore::kReal) {
+        double value = 0;
+        if (cell->vt != VT_R8 || !m_typed->EvaluateReal(context, value))
+            return false;
+        cell->dblVal = value;
+        return true;
+    }
+    LONG value = 0;
+    switch (m_localStore) {
+    case LocalStore::kWholeToReal:
+        if (cell->vt != VT_R8 || !m_typed->EvaluateWhole(context, value))
+            return false;
+        cell->dblVal = value;
+        return true;
+    case LocalStore::kWhole:
+    case LocalStore::kIntegerToLong:
+        if (cell->vt != VT_I4 || !m_typed->EvaluateWhole(context, value))
+            return false;
+        cell->lVal = value;
+        return true;
+    case LocalStore::kInteger:
+        if (cell->vt != m_typed->ResultKind() || !m_typed->EvaluateWhole(context, value))
+            return false;
+        cell->iVal = static_cast<SHORT>(value);
+        return true;
+    default: return false;
+    }
+}
+
 bool AssignStatement::Execute()
 {
     const RunContext context = Context();
-    if (const FastExpression* fast = m_fast.Get(m_value, context.procedure)) {
+    if (m_localStore >= LocalStore::kWhole) {
+        if (DirectFormsEnabled() && StoreLocal(context))
+            return true;
+    } else if (const FastExpression* fast = m_fast.Get(m_value, context.procedure)) {
+        if (m_localStore == LocalStore::kUntried) {
+            ChooseLocalStore();
+            if (m_localStore >= LocalStore::kWhole && StoreLocal(context))
+                return true;
+        }
         VARIANT value;
         if (fast->Evaluate(context, value) && m_fastTarget.Store(context, value))
             return true;

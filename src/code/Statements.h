@@ -39,10 +39,18 @@ public:
     [[nodiscard]] bool Step(ExecEntry& entry) override;
 
 private:
+    // How a typed value reaches a local variable of a fixed kind without a VARIANT in between: the same
+    // kind, or a whole number widened (Integer to Long, Integer or Long to Double).
+    enum class LocalStore : std::uint8_t { kUntried, kNone, kWhole, kInteger, kReal, kWholeToReal, kIntegerToLong };
+    void ChooseLocalStore();
+    [[nodiscard]] bool StoreLocal(const RunContext& context) const;
+
     Expression m_value;
     VariableRef m_target;
     FastTarget m_fastTarget;
     LazyFastExpression m_fast;
+    const TypedExpression* m_typed = nullptr;
+    LocalStore m_localStore = LocalStore::kUntried;
 };
 
 // a(i, ...) = value: the code leaves the indexes and then the value on the stack.
