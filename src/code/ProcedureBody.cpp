@@ -2,6 +2,8 @@
 
 #include "code/BuiltinCall.h"
 #include "code/ElementArguments.h"
+#include "code/FastExpression.h"
+#include "code/TypedExpression.h"
 #include "code/ErrorStatements.h"
 #include "code/RecordAccess.h"
 #include "code/MemberCall.h"
@@ -450,6 +452,18 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             if (!WriteBackElementArgument(context, op))
                 return EvalStatus::kFailed;
             break;
+        case ExprOpCode::kTypedValue: {
+            VARIANT value;
+            if (!DirectFormsEnabled() || !context.procedure->TypedFormAt(op.index).Evaluate(context, value))
+                break;
+            Variant* slot = values.Push();
+            if (!slot)
+                return (void)context.interpreter->RaiseOutOfMemory(), EvalStatus::kFailed;
+            // The fresh slot is Empty and the value owns nothing.
+            slot->Raw() = value;
+            pc += op.count;
+            break;
+        }
         }
     }
     return HaltFlags::MustStop() ? EvalStatus::kFailed : EvalStatus::kDone;
@@ -749,6 +763,11 @@ bool CompiledProcedure::BindParameter(int index, void* frame, Variant& argument)
 {
     const ParameterInfo& parameter = m_parameters[static_cast<std::size_t>(index)];
     VARIANT& slot = static_cast<VARIANT*>(frame)[index];
+    // A number, date or Boolean of the parameter's own kind given by value: the copy is the value.
+    if (parameter.byVal && argument.Raw().vt == parameter.storageTag && OwnsNothing(parameter.storageTag)) {
+        slot = argument.Raw();
+        return true;
+    }
     if (parameter.type.IsUserType() && !parameter.type.IsArray())
         return BindRecord(parameter, slot, argument);
     const VARTYPE tag = parameter.storageTag;
@@ -790,10 +809,11 @@ void CompiledProcedure::ClearLocals(void* frame)
         Interpreter* interpreter = Interpreter::Current();
         const std::size_t below = m_parameters.size() + 1;
         if (interpreter && interpreter->Values().Size() >= below) {
-            Variant& target = interpreter->Values().At(interpreter->Values().Size() - below);
-            if (target.Tag() == VT_ERROR && target.Error() == kResultSlotStatus) {
-                target.Attach(slots[m_resultSlot]);
-                VariantInit(&slots[m_resultSlot]);
+            VARIANT& target = interpreter->Values().At(interpreter->Values().Size() - below).Raw();
+            if (target.vt == VT_ERROR && target.scode == kResultSlotStatus) {
+                // The placeholder owns nothing: the result moves over it.
+                target = slots[m_resultSlot];
+                slots[m_resultSlot].vt = VT_EMPTY;
             }
         }
     }
@@ -862,6 +882,12 @@ int CompiledProcedure::AddConstant(Variant value)
 {
     m_constants.push_back(std::move(value));
     return static_cast<int>(m_constants.size()) - 1;
+}
+
+int CompiledProcedure::AddTypedForm(std::unique_ptr<TypedExpression> form)
+{
+    m_typedForms.push_back(std::move(form));
+    return static_cast<int>(m_typedForms.size()) - 1;
 }
 
 int CompiledProcedure::AddBuiltinCall(std::unique_ptr<BuiltinCall> call)

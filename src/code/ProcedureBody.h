@@ -29,6 +29,7 @@ constexpr SCODE kResultSlotStatus = static_cast<SCODE>(0x8004FFFE);
 
 class Activation;
 struct BuiltinCall;
+class TypedExpression;
 class CompiledProcedure;
 struct RecordPath;
 class ValueStack;
@@ -80,6 +81,8 @@ enum class ExprOpCode : std::uint8_t {
                        // `variable` (its address kept in slot `variable` + 1) and a reference to that
                        // slot replaces the indexes
     kElementWriteBack, // after the call: the hidden slot `variable` goes back into the element
+    kTypedValue, // push the value of typed form `index` of the procedure and skip the `count` ops after
+                 // it; when the form gives up (or direct forms are off) those ops compute the value
 };
 
 struct ExprOp {
@@ -252,6 +255,8 @@ public:
     int AddCallee(Procedure* procedure, const Module* module = nullptr);
     // A compiled built-in call; the procedure owns it.
     int AddBuiltinCall(std::unique_ptr<BuiltinCall> call);
+    // A typed form that a kTypedValue op evaluates; the procedure owns it.
+    int AddTypedForm(std::unique_ptr<TypedExpression> form);
     void AddParameter(ParameterInfo parameter)
     {
         parameter.storageTag = StorageTag(parameter.type);
@@ -273,6 +278,7 @@ public:
     Procedure* CalleeAt(int index) const { return m_callees[static_cast<std::size_t>(index)]; }
     const Module* CalleeModuleAt(int index) const { return m_calleeModules[static_cast<std::size_t>(index)]; }
     const BuiltinCall& BuiltinCallAt(int index) const { return *m_builtinCalls[static_cast<std::size_t>(index)]; }
+    const TypedExpression& TypedFormAt(int index) const { return *m_typedForms[static_cast<std::size_t>(index)]; }
     int BuiltinCallCount() const { return static_cast<int>(m_builtinCalls.size()); }
     MemberSite& MemberSiteAt(int index) { return m_memberSites[static_cast<std::size_t>(index)]; }
     VARIANT& StaticAt(int index) { return m_statics[static_cast<std::size_t>(index)]; }
@@ -304,6 +310,7 @@ private:
     std::vector<Procedure*> m_callees;
     std::vector<const Module*> m_calleeModules;
     std::vector<std::unique_ptr<BuiltinCall>> m_builtinCalls;
+    std::vector<std::unique_ptr<TypedExpression>> m_typedForms;
     std::vector<MemberSite> m_memberSites;
     int m_resultSlot = -1;
 };

@@ -30,7 +30,7 @@ void* FramePool::Acquire(std::size_t size)
             *link = block->next;
             --m_cached;
             void* payload = reinterpret_cast<char*>(block) + kHeaderSize;
-            std::memset(payload, 0, block->capacity);
+            std::memset(payload, 0, size);
             return payload;
         }
     }

@@ -217,6 +217,8 @@ private:
     // An argument for a by-reference parameter: a variable, or a record named by an element access,
     // is passed as a reference; any other expression as its value.
     void PassByReference(Expression& argument, bool simple, ParsedArguments& parsed);
+    // Puts the typed form of a numeric argument value in front of its code (kTypedValue), when it has one.
+    void PrefixTypedForm(Expression& argument);
     // True at a record variable or an array of records followed by "(" or "." (an element access), or
     // at "." inside a With block on a record.
     bool AtRecordPath() const;

@@ -321,6 +321,7 @@ bool BodyParser::ParseArguments(Procedure& callee, ArgumentList list, std::size_
                     return false;
                 if (!callee.parameters[index].byVal)
                     PassByReference(argument, simple, parsed);
+                PrefixTypedForm(argument);
                 parsed.byParameter[index] = std::move(argument);
                 continue;
             }
@@ -343,6 +344,7 @@ bool BodyParser::ParseArguments(Procedure& callee, ArgumentList list, std::size_
             } else if (!empty) {
                 if (!callee.parameters[position].byVal)
                     PassByReference(argument, simple, parsed);
+                PrefixTypedForm(argument);
                 parsed.byParameter[position] = std::move(argument);
             }
             ++position;

@@ -172,7 +172,8 @@ bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
             types.resize(types.size() >= static_cast<std::size_t>(op.count) ? types.size() - op.count : 0);
             types.push_back(op.type);
             break;
-        case ExprOpCode::kElementWriteBack: break;
+        case ExprOpCode::kElementWriteBack:
+        case ExprOpCode::kTypedValue: break;
         case ExprOpCode::kIndexValue:
             // The indexes and the indexed value give way to one element.
             types.resize(types.size() > static_cast<std::size_t>(op.count) ? types.size() - op.count - 1 : 0);

@@ -3,6 +3,7 @@
 
 #include "code/ArrayStatements.h"
 #include "code/RecordAccess.h"
+#include "code/TypedExpression.h"
 #include "frontend/CharClasses.h"
 
 namespace brannoc::body {
@@ -40,6 +41,26 @@ const Block* BodyParser::RecordWithBlock() const
             return block->withRecord ? &*block : nullptr;
     }
     return nullptr;
+}
+
+void BodyParser::PrefixTypedForm(Expression& argument)
+{
+    if (argument.ops.size() < 2)
+        return;
+    switch (argument.ops.back().code) {
+    case ExprOpCode::kLoadRef:
+    case ExprOpCode::kRefPath:
+    case ExprOpCode::kElementArgument: return;
+    default: break;
+    }
+    auto form = std::make_unique<TypedExpression>();
+    if (!form->Compile(argument, *m_code))
+        return;
+    ExprOp typed{ExprOpCode::kTypedValue};
+    typed.index = m_code->AddTypedForm(std::move(form));
+    typed.count = static_cast<int>(argument.ops.size());
+    typed.type = argument.type;
+    argument.ops.insert(argument.ops.begin(), typed);
 }
 
 void BodyParser::PassByReference(Expression& argument, bool simple, ParsedArguments& parsed)
