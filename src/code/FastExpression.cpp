@@ -298,6 +298,11 @@ bool FastExpression::EvaluateOpen(const RunContext& context, VARIANT& result) co
 
 bool FastExpression::EvaluateCondition(const RunContext& context, bool& truth) const
 {
+    // The typed forms give the truth without a VARIANT in between.
+    if (m_typed.IsReady())
+        return m_typed.EvaluateCondition(context, truth);
+    if (m_assumedForm.IsReady() && m_assumedForm.EvaluateCondition(context, truth))
+        return true;
     VARIANT value;
     if (!Evaluate(context, value))
         return false;

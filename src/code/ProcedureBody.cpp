@@ -614,15 +614,6 @@ void ClearSlot(VARIANT& slot)
     owner.Attach(slot);
 }
 
-RunContext Statement::Context() const
-{
-    RunContext context;
-    context.interpreter = Interpreter::Current();
-    context.activation = context.interpreter->CurrentActivation();
-    context.procedure = m_owner;
-    return context;
-}
-
 bool Statement::ExecuteFrom(std::int32_t state)
 {
     ExecEntry entry{this, state};

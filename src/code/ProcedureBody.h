@@ -10,6 +10,7 @@
 #include "code/MemberSite.h"
 #include "code/Node.h"
 #include "exec/Activation.h"
+#include "exec/Interpreter.h"
 #include "exec/ProcedureCode.h"
 #include "frontend/TypeCode.h"
 #include "values/OperationId.h"
@@ -181,7 +182,11 @@ public:
     void SetOwner(CompiledProcedure* owner) { m_owner = owner; }
 
 protected:
-    RunContext Context() const;
+    RunContext Context() const
+    {
+        Interpreter* interpreter = Interpreter::Current();
+        return RunContext{interpreter, interpreter->CurrentActivation(), m_owner};
+    }
     // Runs Step from state as Execute does from 0: true when it finished, else the entry waits on the
     // pending stack and the statement yields.
     [[nodiscard]] bool ExecuteFrom(std::int32_t state);

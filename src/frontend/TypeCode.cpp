@@ -26,36 +26,6 @@ std::uint32_t TypeCode::StorageSize(std::uint32_t userTypeSize) const
     }
 }
 
-std::uint16_t TypeCode::ValueTag() const
-{
-    switch (Class()) {
-    case kNumericClass:
-        switch (Scalar().Code()) {
-        case kByte: return 17;
-        case kBoolean: return 11;
-        case kInteger: return 2;
-        case kLong: return 3;
-        case kSingle: return 4;
-        case kDouble: return 5;
-        case kCurrency: return 6;
-        case kDate: return 7;
-        default: return 14;
-        }
-    case kStringClass:
-    case kFixedStringClass: return 8;
-    case kVariantClass: return 12;
-    case kUserTypeClass: return 36;
-    case kObjectClass: return 9;
-    default:
-        switch (Scalar().Code()) {
-        case kNull: return 1;
-        case kError: return 10;
-        case kUnknown: return 13;
-        default: return 0;
-        }
-    }
-}
-
 TypeCode TypeOfSuffix(char suffix)
 {
     switch (suffix) {

@@ -82,7 +82,7 @@ public:
     // known here and is given by the caller.
     std::uint32_t StorageSize(std::uint32_t userTypeSize = 0) const;
     // The value tag (VbVarType) of a value of this type outside its storage (arrays: the element's).
-    std::uint16_t ValueTag() const;
+    constexpr std::uint16_t ValueTag() const;
 
     constexpr bool operator==(const TypeCode&) const = default;
 
@@ -92,5 +92,36 @@ private:
 
 // Type of a suffix character ("!", "#", "$", "%", "&", "?", "@"); the empty code for any other.
 TypeCode TypeOfSuffix(char suffix);
+
+// Read on hot paths (parameter binding, references): defined here so that it is inlined.
+constexpr std::uint16_t TypeCode::ValueTag() const
+{
+    switch (Class()) {
+    case kNumericClass:
+        switch (Scalar().Code()) {
+        case kByte: return 17;
+        case kBoolean: return 11;
+        case kInteger: return 2;
+        case kLong: return 3;
+        case kSingle: return 4;
+        case kDouble: return 5;
+        case kCurrency: return 6;
+        case kDate: return 7;
+        default: return 14;
+        }
+    case kStringClass:
+    case kFixedStringClass: return 8;
+    case kVariantClass: return 12;
+    case kUserTypeClass: return 36;
+    case kObjectClass: return 9;
+    default:
+        switch (Scalar().Code()) {
+        case kNull: return 1;
+        case kError: return 10;
+        case kUnknown: return 13;
+        default: return 0;
+        }
+    }
+}
 
 } // namespace brannoc
