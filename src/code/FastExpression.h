@@ -114,6 +114,8 @@ public:
     {
     }
 
+    // False for targets that always take the general store (fixed-length strings, arrays, records).
+    bool IsUsable() const noexcept { return m_usable; }
     // Stores a value that owns nothing when no conversion routine is needed (see StorePlain): a value
     // of the storage's own kind is written in place. False, and nothing stored, otherwise.
     [[nodiscard]] bool Store(const RunContext& context, const VARIANT& value) const

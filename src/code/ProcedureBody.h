@@ -11,6 +11,7 @@
 #include "code/Node.h"
 #include "exec/Activation.h"
 #include "exec/Interpreter.h"
+#include "exec/ModuleInstance.h"
 #include "exec/ProcedureCode.h"
 #include "frontend/TypeCode.h"
 #include "values/OperationId.h"
@@ -124,8 +125,15 @@ VARIANT* StorageOutsideFrame(const RunContext& context, StorageScope scope, int 
 // The storage of a variable (by-reference parameters followed); null after raising an error.
 inline VARIANT* StorageOf(const RunContext& context, StorageScope scope, int index, const Module* module = nullptr)
 {
-    if (scope != StorageScope::Local)
+    if (scope != StorageScope::Local) {
+        // A variable of the module whose instance runs the procedure: read in place.
+        if (scope == StorageScope::Module && !module) {
+            if (ModuleInstance* instance = context.activation->Instance();
+                instance && static_cast<std::size_t>(index) < instance->VariableCount())
+                return &instance->Slot(static_cast<std::size_t>(index));
+        }
         return StorageOutsideFrame(context, scope, index, module);
+    }
     VARIANT* storage = static_cast<VARIANT*>(context.activation->Locals()) + index;
     while (storage->vt == (VT_BYREF | VT_VARIANT))
         storage = storage->pvarVal;

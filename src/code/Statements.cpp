@@ -61,30 +61,30 @@ void SetMark(const RunContext& context, int slot)
 
 } // namespace
 
-void AssignStatement::ChooseLocalStore()
+void AssignStatement::ChooseDirectStore()
 {
-    m_localStore = LocalStore::kNone;
+    m_directStore = DirectStore::kNone;
     const FastExpression* fast = m_fast.Compiled();
     m_typed = fast ? fast->Typed() : nullptr;
-    if (!m_typed || m_target.scope != StorageScope::Local || m_target.type.IsArray() || m_target.type.IsVariant())
+    if (!m_typed || m_target.type.IsArray() || m_target.type.IsVariant() || !m_fastTarget.IsUsable())
         return;
     const VARTYPE target = StorageTag(m_target.type);
     const VARTYPE value = m_typed->ResultKind();
     if (target == value)
-        m_localStore = value == VT_R8 ? LocalStore::kReal : value == VT_I4 ? LocalStore::kWhole : LocalStore::kInteger;
+        m_directStore = value == VT_R8 ? DirectStore::kReal : value == VT_I4 ? DirectStore::kWhole : DirectStore::kInteger;
     else if (target == VT_R8 && (value == VT_I4 || value == VT_I2))
-        m_localStore = LocalStore::kWholeToReal;
+        m_directStore = DirectStore::kWholeToReal;
     else if (target == VT_I4 && value == VT_I2)
-        m_localStore = LocalStore::kIntegerToLong;
+        m_directStore = DirectStore::kIntegerToLong;
 }
 
-bool AssignStatement::StoreLocal(const RunContext& context) const
+bool AssignStatement::StoreDirect(const RunContext& context) const
 {
-    VARIANT* cell = static_cast<VARIANT*>(context.activation->Locals()) + m_target.index;
-    while (cell->vt == (VT_BYREF | VT_VARIANT))
-        cell = cell->pvarVal;
+    VARIANT* cell = StorageOf(context, m_target.scope, m_target.index, m_target.module);
+    if (!cell)
+        return false;
     // The value is computed aside: a form that gives up leaves the variable as it was.
-    if (m_localStore == LocalStore::kReal) {
+    if (m_directStore == DirectStore::kReal) {
         double value = 0;
         if (cell->vt != VT_R8 || !m_typed->EvaluateReal(context, value))
             return false;
@@ -92,19 +92,19 @@ bool AssignStatement::StoreLocal(const RunContext& context) const
         return true;
     }
     LONG value = 0;
-    switch (m_localStore) {
-    case LocalStore::kWholeToReal:
+    switch (m_directStore) {
+    case DirectStore::kWholeToReal:
         if (cell->vt != VT_R8 || !m_typed->EvaluateWhole(context, value))
             return false;
         cell->dblVal = value;
         return true;
-    case LocalStore::kWhole:
-    case LocalStore::kIntegerToLong:
+    case DirectStore::kWhole:
+    case DirectStore::kIntegerToLong:
         if (cell->vt != VT_I4 || !m_typed->EvaluateWhole(context, value))
             return false;
         cell->lVal = value;
         return true;
-    case LocalStore::kInteger:
+    case DirectStore::kInteger:
         if (cell->vt != m_typed->ResultKind() || !m_typed->EvaluateWhole(context, value))
             return false;
         cell->iVal = static_cast<SHORT>(value);
@@ -116,13 +116,13 @@ bool AssignStatement::StoreLocal(const RunContext& context) const
 bool AssignStatement::Execute()
 {
     const RunContext context = Context();
-    if (m_localStore >= LocalStore::kWhole) {
-        if (DirectFormsEnabled() && StoreLocal(context))
+    if (m_directStore >= DirectStore::kWhole) {
+        if (DirectFormsEnabled() && StoreDirect(context))
             return true;
     } else if (const FastExpression* fast = m_fast.Get(m_value, context.procedure)) {
-        if (m_localStore == LocalStore::kUntried) {
-            ChooseLocalStore();
-            if (m_localStore >= LocalStore::kWhole && StoreLocal(context))
+        if (m_directStore == DirectStore::kUntried) {
+            ChooseDirectStore();
+            if (m_directStore >= DirectStore::kWhole && StoreDirect(context))
                 return true;
         }
         VARIANT value;

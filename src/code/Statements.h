@@ -39,18 +39,18 @@ public:
     [[nodiscard]] bool Step(ExecEntry& entry) override;
 
 private:
-    // How a typed value reaches a local variable of a fixed kind without a VARIANT in between: the same
-    // kind, or a whole number widened (Integer to Long, Integer or Long to Double).
-    enum class LocalStore : std::uint8_t { kUntried, kNone, kWhole, kInteger, kReal, kWholeToReal, kIntegerToLong };
-    void ChooseLocalStore();
-    [[nodiscard]] bool StoreLocal(const RunContext& context) const;
+    // How a typed value reaches a variable of a fixed kind without a VARIANT in between: the same kind,
+    // or a whole number widened (Integer to Long, Integer or Long to Double).
+    enum class DirectStore : std::uint8_t { kUntried, kNone, kWhole, kInteger, kReal, kWholeToReal, kIntegerToLong };
+    void ChooseDirectStore();
+    [[nodiscard]] bool StoreDirect(const RunContext& context) const;
 
     Expression m_value;
     VariableRef m_target;
     FastTarget m_fastTarget;
     LazyFastExpression m_fast;
     const TypedExpression* m_typed = nullptr;
-    LocalStore m_localStore = LocalStore::kUntried;
+    DirectStore m_directStore = DirectStore::kUntried;
 };
 
 // a(i, ...) = value: the code leaves the indexes and then the value on the stack.
