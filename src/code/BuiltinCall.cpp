@@ -1,5 +1,7 @@
 #include "code/BuiltinCall.h"
 
+#include "code/FastExpression.h"
+#include "code/TypedExpression.h"
 #include "exec/HaltFlags.h"
 #include "exec/Interpreter.h"
 #include "library/BuiltinArguments.h"
@@ -30,6 +32,15 @@ protected:
             // A constant is read where it is: the implementation copies what it changes.
             target.SetByRef(VT_VARIANT, const_cast<VARIANT*>(&m_context.procedure->ConstantAt(code.ops[0].index).Raw()));
             return true;
+        }
+        if (code.ops[0].code == ExprOpCode::kTypedValue && DirectFormsEnabled()) {
+            // A numeric argument's typed form computes it without the value stack.
+            VARIANT value;
+            if (m_context.procedure->TypedFormAt(code.ops[0].index).Evaluate(m_context, value)) {
+                target.Clear();
+                target.Raw() = value;
+                return true;
+            }
         }
         ValueStack& values = m_context.interpreter->Values();
         const std::size_t height = values.Size();

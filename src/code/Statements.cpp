@@ -8,6 +8,7 @@
 #include "exec/ModuleInstance.h"
 #include "values/ArrayStorage.h"
 #include "values/Conversion.h"
+#include "values/StringCapacity.h"
 #include "values/TextForm.h"
 #include "values/ValueCell.h"
 
@@ -146,6 +147,23 @@ bool AssignStatement::Step(ExecEntry& entry)
     values.Pop();
     if (!stored)
         return Fail(context, entry);
+    return Finish(entry);
+}
+
+bool AppendStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    int pc = entry.state;
+    switch (RunExpression(context, m_tail, pc)) {
+    case EvalStatus::kYield: entry.state = pc; return false;
+    case EvalStatus::kFailed: return Fail(context, entry);
+    case EvalStatus::kDone: break;
+    }
+    ValueStack& values = context.interpreter->Values();
+    VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
+    if (!storage || !AppendToStorage(*storage, values.Top()))
+        return Fail(context, entry);
+    values.Pop();
     return Finish(entry);
 }
 

@@ -53,6 +53,18 @@ private:
     DirectStore m_directStore = DirectStore::kUntried;
 };
 
+// s = s & value for a String or Variant variable: the value is appended to the variable's string in
+// place (AppendToStorage), so a loop of such statements does not copy the string each time.
+class AppendStatement final : public Statement {
+public:
+    AppendStatement(Expression tail, VariableRef target) : m_tail(std::move(tail)), m_target(target) {}
+    [[nodiscard]] bool Step(ExecEntry& entry) override;
+
+private:
+    Expression m_tail;
+    VariableRef m_target;
+};
+
 // a(i, ...) = value: the code leaves the indexes and then the value on the stack.
 class AssignElementStatement final : public Statement {
 public:

@@ -217,6 +217,8 @@ private:
     // An argument for a by-reference parameter: a variable, or a record named by an element access,
     // is passed as a reference; any other expression as its value.
     void PassByReference(Expression& argument, bool simple, ParsedArguments& parsed);
+    // value = target & parts (parts without calls): the code of the parts, to be appended in place.
+    [[nodiscard]] bool AppendedTail(const Expression& value, const VariableRef& target, Expression& tail) const;
     // Puts the typed form of a numeric argument value in front of its code (kTypedValue), when it has one.
     void PrefixTypedForm(Expression& argument);
     // True at a record variable or an array of records followed by "(" or "." (an element access), or

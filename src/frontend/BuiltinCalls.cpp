@@ -332,6 +332,7 @@ void BodyParser::EmitBuiltinCall(const BuiltinRecord& record, std::vector<std::o
             code.ops[0].code = ExprOpCode::kLoadRef;
         if (IsConstantCode(code))
             ConvertConstantArgument(*m_code, record.KindOf(static_cast<int>(i)), code);
+        PrefixTypedForm(code);
         argument.mode = BuiltinArgumentCode::Mode::kLazy;
         argument.code = std::move(code);
     }

@@ -200,7 +200,79 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(AssignKind kind)
         }
         return std::make_unique<SetStatement>(std::move(value), target);
     }
+    if (Expression tail; AppendedTail(value, target, tail))
+        return std::make_unique<AppendStatement>(std::move(tail), target);
     return std::make_unique<AssignStatement>(std::move(value), target);
+}
+
+namespace {
+
+// How many values an op of call-free code leaves on the stack beyond what it takes (and how many ops
+// after it belong to it and are not run in line); false for ops that this accounting does not cover.
+bool StackEffect(const ExprOp& op, int& effect, int& skipped)
+{
+    skipped = 0;
+    switch (op.code) {
+    case ExprOpCode::kConstant:
+    case ExprOpCode::kLoad: effect = 1; return true;
+    case ExprOpCode::kBinary: effect = -1; return true;
+    case ExprOpCode::kUnary: effect = 0; return true;
+    case ExprOpCode::kElement: effect = 1 - op.count; return true;
+    case ExprOpCode::kBuiltin:
+        effect = (op.type == TypeCode() ? 0 : 1) - op.count;
+        skipped = op.variable;
+        return true;
+    case ExprOpCode::kTypedValue:
+        effect = 1;
+        skipped = op.count;
+        return true;
+    default: return false;
+    }
+}
+
+} // namespace
+
+bool BodyParser::AppendedTail(const Expression& value, const VariableRef& target, Expression& tail) const
+{
+    // String and Variant variables only (not fixed-length strings), read first and joined last by "&".
+    if (!(target.type.IsString() || target.type.IsVariant()) || target.type.IsArray() || value.ops.size() < 3)
+        return false;
+    const ExprOp& first = value.ops.front();
+    const ExprOp& last = value.ops.back();
+    if (first.code != ExprOpCode::kLoad || first.scope != target.scope || first.index != target.index ||
+        first.module != target.module || last.code != ExprOpCode::kBinary || last.op != OperationId::kConcatenate)
+        return false;
+    // The code is the variable followed by a chain of "& part": each time the stack is back at the
+    // variable alone, a "&" brought it there. The first of those joins the variable; by associativity the
+    // parts joined among themselves and then appended give the same text.
+    int depth = 1;
+    bool joined = false;
+    for (std::size_t i = 1; i < value.ops.size(); ++i) {
+        const ExprOp& op = value.ops[i];
+        int effect = 0;
+        int skipped = 0;
+        if (!StackEffect(op, effect, skipped))
+            return false;
+        depth += effect;
+        if (depth < 1)
+            return false;
+        if (depth == 1) {
+            if (op.code != ExprOpCode::kBinary || op.op != OperationId::kConcatenate)
+                return false;
+            if (!joined) {
+                joined = true;
+                for (std::size_t k = i + 1; k <= i + static_cast<std::size_t>(skipped) && k < value.ops.size(); ++k)
+                    tail.ops.push_back(value.ops[k]);
+                i += static_cast<std::size_t>(skipped);
+                continue;
+            }
+        }
+        tail.ops.push_back(op);
+        for (int k = 0; k < skipped && i + 1 < value.ops.size(); ++k)
+            tail.ops.push_back(value.ops[++i]);
+    }
+    tail.type = TypeCode(TypeCode::kString);
+    return joined && depth == 1;
 }
 
 // array = value: only a dynamic array takes a whole array (or, for Byte arrays, a String).

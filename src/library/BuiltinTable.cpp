@@ -32,10 +32,14 @@ private:
 
 char BuiltinRecord::KindOf(int index) const
 {
-    const std::string_view kinds(parameterKinds);
-    if (kinds.empty() || index < 0)
+    // Asked for on every argument of every call: walked without measuring the text first.
+    const char* kinds = parameterKinds;
+    if (!kinds || *kinds == '\0' || index < 0)
         return parameter_kind::kVariant;
-    return static_cast<std::size_t>(index) < kinds.size() ? kinds[static_cast<std::size_t>(index)] : kinds.back();
+    // Past the last kind, the last one stands for the rest.
+    for (int i = 0; i < index && kinds[1] != '\0'; ++i)
+        ++kinds;
+    return *kinds;
 }
 
 std::string_view BuiltinRecord::ParameterName(int index) const
