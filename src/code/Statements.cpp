@@ -167,6 +167,82 @@ bool AppendStatement::Step(ExecEntry& entry)
     return Finish(entry);
 }
 
+void AssignElementStatement::PrepareDirect()
+{
+    m_direct = Direct::kNone;
+    if (m_count != 1 || !m_target.type.IsArray() || !m_target.type.Scalar().IsNumeric() || !m_owner)
+        return;
+    const VARTYPE kind = static_cast<VARTYPE>(m_target.type.Scalar().ValueTag());
+    if (kind != VT_I2 && kind != VT_I4 && kind != VT_BOOL && kind != VT_R8)
+        return;
+    Expression index;
+    index.ops.assign(m_code.ops.begin(), m_code.ops.begin() + m_valueStart);
+    Expression value;
+    value.ops.assign(m_code.ops.begin() + m_valueStart, m_code.ops.end());
+    if (!m_index.Compile(index, *m_owner) || !m_value.Compile(value, *m_owner))
+        return;
+    const VARTYPE indexKind = m_index.ResultKind();
+    const VARTYPE valueKind = m_value.ResultKind();
+    // The value must go into the element as it is, or as a whole number widened.
+    const bool fits = valueKind == kind || (kind == VT_I4 && valueKind == VT_I2) ||
+                      (kind == VT_R8 && (valueKind == VT_I2 || valueKind == VT_I4));
+    if ((indexKind != VT_I2 && indexKind != VT_I4) || !fits)
+        return;
+    m_elementKind = kind;
+    m_direct = Direct::kReady;
+}
+
+bool AssignElementStatement::StoreDirect(const RunContext& context) const
+{
+    LONG index = 0;
+    if (!m_index.EvaluateWhole(context, index))
+        return false;
+    VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
+    if (!storage)
+        return false;
+    const VARIANT* holder = FollowByRefChain(storage);
+    if ((holder->vt & ~VT_BYREF) != (VT_ARRAY | m_elementKind))
+        return false;
+    SAFEARRAY* array = ArrayOf(storage);
+    if (!array || array->cDims != 1 || !array->pvData)
+        return false;
+    const ULONG offset = static_cast<ULONG>(index - array->rgsabound[0].lLbound);
+    if (offset >= array->rgsabound[0].cElements)
+        return false;
+    char* element = static_cast<char*>(array->pvData) + offset * array->cbElements;
+    if (m_elementKind == VT_R8) {
+        double value = 0;
+        if (m_value.ResultKind() == VT_R8) {
+            if (!m_value.EvaluateReal(context, value))
+                return false;
+        } else {
+            LONG whole = 0;
+            if (!m_value.EvaluateWhole(context, whole))
+                return false;
+            value = whole;
+        }
+        *reinterpret_cast<double*>(element) = value;
+        return true;
+    }
+    LONG value = 0;
+    if (!m_value.EvaluateWhole(context, value))
+        return false;
+    if (m_elementKind == VT_I4)
+        *reinterpret_cast<LONG*>(element) = value;
+    else
+        *reinterpret_cast<SHORT*>(element) = static_cast<SHORT>(value);
+    return true;
+}
+
+bool AssignElementStatement::Execute()
+{
+    if (m_direct == Direct::kUntried)
+        PrepareDirect();
+    if (m_direct == Direct::kReady && DirectFormsEnabled() && StoreDirect(Context()))
+        return true;
+    return ExecuteFrom(0);
+}
+
 bool AssignElementStatement::Step(ExecEntry& entry)
 {
     const RunContext context = Context();
@@ -634,19 +710,28 @@ bool AdvanceCounterFast(VARIANT& counter, VARTYPE declared, const VARIANT& step,
 
 bool NextStatement::Execute()
 {
-    RunContext context = Context();
-    ExecEntry entry{this, 0};
-    ValueStack& values = context.interpreter->Values();
+    const RunContext context = Context();
     VARIANT* storage = StorageOf(context, m_counter.scope, m_counter.index, m_counter.module);
+    if (storage && DirectFormsEnabled()) {
+        bool goOn = false;
+        if (AdvanceCounterFast(*storage, m_counterKind, HiddenSlot(context, m_stepSlot), HiddenSlot(context, m_endSlot),
+                               goOn)) {
+            if (goOn)
+                JumpTo(context, m_loopStart);
+            return true;
+        }
+    }
+    return Advance(context, storage);
+}
+
+bool NextStatement::Advance(const RunContext& context, VARIANT* storage)
+{
+    ExecEntry entry{this, 0};
     if (!storage)
         return Fail(context, entry);
+    ValueStack& values = context.interpreter->Values();
     VARIANT& endSlot = HiddenSlot(context, m_endSlot);
     VARIANT& stepSlot = HiddenSlot(context, m_stepSlot);
-    if (bool goOn = false; DirectFormsEnabled() && AdvanceCounterFast(*storage, m_counterKind, stepSlot, endSlot, goOn)) {
-        if (goOn)
-            JumpTo(context, m_loopStart);
-        return true;
-    }
     Variant* counter = values.Push();
     if (!counter)
         return context.interpreter->RaiseOutOfMemory();

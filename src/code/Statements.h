@@ -65,19 +65,32 @@ private:
     VariableRef m_target;
 };
 
-// a(i, ...) = value: the code leaves the indexes and then the value on the stack.
+// a(i, ...) = value: the code leaves the indexes and then the value (its code from valueStart) on the
+// stack. One numeric index and a numeric value with typed forms go the direct way into an array of
+// Integer, Long, Boolean or Double elements.
 class AssignElementStatement final : public Statement {
 public:
-    AssignElementStatement(Expression code, VariableRef target, int count)
-        : m_code(std::move(code)), m_target(target), m_count(count)
+    AssignElementStatement(Expression code, VariableRef target, int count, int valueStart)
+        : m_code(std::move(code)), m_target(target), m_count(count), m_valueStart(valueStart)
     {
     }
+    [[nodiscard]] bool Execute() override;
     [[nodiscard]] bool Step(ExecEntry& entry) override;
 
 private:
+    // Compiles the typed forms of the index and the value when the array's element kind takes them.
+    void PrepareDirect();
+    [[nodiscard]] bool StoreDirect(const RunContext& context) const;
+
     Expression m_code;
     VariableRef m_target;
     int m_count;
+    int m_valueStart;
+    enum class Direct : std::uint8_t { kUntried, kNone, kReady };
+    Direct m_direct = Direct::kUntried;
+    VARTYPE m_elementKind = VT_EMPTY;
+    TypedExpression m_index;
+    TypedExpression m_value;
 };
 
 // For Each element In array: keeps the array and the position in hidden slots; an empty array skips
@@ -318,6 +331,9 @@ public:
     [[nodiscard]] bool Execute() override;
 
 private:
+    // The general step: any kinds, through the operators (storage null: the counter could not be found).
+    [[nodiscard]] bool Advance(const RunContext& context, VARIANT* storage);
+
     VariableRef m_counter;
     VARTYPE m_counterKind; // VT_VARIANT for a Variant counter
     int m_endSlot;

@@ -168,9 +168,12 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(AssignKind kind)
         m_lexer.NextToken();
         Expression code;
         int count = 0;
-        if (!ParseIndexes(code, count) || !m_lexer.ExpectToken(Token::Equal) || !ParseExpression(code))
+        if (!ParseIndexes(code, count) || !m_lexer.ExpectToken(Token::Equal))
             return nullptr;
-        return std::make_unique<AssignElementStatement>(std::move(code), target, count);
+        const int valueStart = static_cast<int>(code.ops.size());
+        if (!ParseExpression(code))
+            return nullptr;
+        return std::make_unique<AssignElementStatement>(std::move(code), target, count, valueStart);
     }
     if (target.type.IsArray()) {
         if (kind == AssignKind::Set) {

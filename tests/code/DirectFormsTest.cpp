@@ -228,5 +228,41 @@ TEST(DirectForms, VariantsThatChangeKindInALoop)
     }));
 }
 
+// Element stores, appends and call arguments that take typed forms: out-of-range indexes, values that
+// overflow the element kind or need converting, arrays passed by reference, and appended strings.
+TEST(DirectForms, ElementStoresAppendsAndArguments)
+{
+    ExpectSameRuns(JoinLines({
+        "Dim g() As Double",
+        "Function Half(ByVal n As Long, ByVal d As Double) As Double",
+        "    Half = n / 2 + d",
+        "End Function",
+        "Sub Fill(a() As Integer, ByVal k As Long)",
+        "    On Error Resume Next",
+        "    Err.Clear: a(k) = k * 10000: Debug.Print a(k); Err.Number",
+        "    Err.Clear: a(k - 1) = k: Debug.Print a(k - 1); Err.Number",
+        "End Sub",
+        "Sub Main",
+        "    On Error Resume Next",
+        "    Dim b(5) As Boolean, l(-2 To 2) As Long, w(3) As Integer, i As Long, s As String, v",
+        "    ReDim g(4)",
+        "    For i = -3 To 6",
+        "        Err.Clear: b(i) = i Mod 2 = 0: Debug.Print b(i); Err.Number",
+        "        Err.Clear: l(i) = i * 1073741824: Debug.Print l(i); Err.Number",
+        "        Err.Clear: g(i) = i / 3: Debug.Print g(i); Err.Number",
+        "        Err.Clear: g(i \\ 2) = i: Debug.Print g(i \\ 2); Err.Number",
+        "        Err.Clear: w(i) = i * 20000: Debug.Print Err.Number",
+        "        Fill w, i",
+        "        Err.Clear: Debug.Print Half(i * 3, i - 0.5); Half(2147483647 + i, 1); Err.Number",
+        "        s = s & i & \",\": v = v & i",
+        "    Next i",
+        "    Debug.Print s; v; Len(s)",
+        "    Erase g",
+        "    Err.Clear: g(1) = 2: Debug.Print Err.Number",
+        "    Debug.Print \"end\"",
+        "End Sub",
+    }));
+}
+
 } // namespace
 } // namespace brannoc
