@@ -35,7 +35,17 @@ void Interpreter::TearDown()
 
 // ---- Running ----
 
-int Interpreter::RunStep(bool single)
+int Interpreter::RunStep(bool single) { return StepOnce(single); }
+
+int Interpreter::RunSteps(bool single)
+{
+    int result = 0;
+    while ((result = StepOnce(single)) > 0) {
+    }
+    return result;
+}
+
+inline int Interpreter::StepOnce(bool single)
 {
     if (HaltFlags::Any())
         RunHaltHandler();
@@ -227,7 +237,9 @@ bool Interpreter::CallProcedure(ProcedureCode& procedure, ActivationKind kind, M
         return false;
     }
 
-    if (!Schedule(*activation))
+    // Scheduling the activation runs its first step, which only marks state 1 and reports not done: the
+    // activation goes on the pending stack with state 1, the call-end marker after it.
+    if (PushPending(ExecEntry{activation, 1}))
         (void)PushPending(ExecEntry{&CallEndMarker::Instance(), 1});
     if (m_callDepth >= kMaxCallDepth)
         (void)SignalError(ErrorId::Overflow);

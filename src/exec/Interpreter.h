@@ -47,6 +47,8 @@ public:
     // Advances the execution stack by one step. 1: work remains; -1: the step ended with a pause
     // request; 0: nothing is running (run level or step counter below 1).
     int RunStep(bool single);
+    // RunStep again and again while it answers 1 (the host's run loop); answers its last answer.
+    int RunSteps(bool single);
 
     // Runs executor.Step once with state 0. Finished: releases the executor and answers true. Else
     // pushes (executor, state) on the pending stack and answers false.
@@ -170,6 +172,8 @@ private:
     friend class Activation;
     friend class InterpreterScope;
 
+    // The step itself, shared by RunStep and RunSteps.
+    __attribute__((always_inline)) int StepOnce(bool single);
     void BeginRun();
     void EndRun();
     void RunHaltHandler();

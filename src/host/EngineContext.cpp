@@ -124,8 +124,7 @@ RunState EngineContext::Run(long depth)
 
 void EngineContext::RunScheduler(bool single)
 {
-    while (m_interpreter.RunStep(single) > 0) {
-    }
+    (void)m_interpreter.RunSteps(single);
     m_interpreter.SetExecutionMarker(0);
 }
 
