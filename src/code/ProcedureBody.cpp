@@ -56,11 +56,6 @@ void MakeReference(Variant& target, VARIANT* storage, TypeCode type)
         target.SetByRef(tag, reinterpret_cast<char*>(storage) + kPayloadOffset);
 }
 
-VARTYPE StorageTag(TypeCode type)
-{
-    return type.IsArray() ? static_cast<VARTYPE>(VT_VARIANT) : static_cast<VARTYPE>(type.ValueTag());
-}
-
 bool PackValues(ValueStack& values, int count)
 {
     SafeArray array(SafeArrayCreateVector(VT_VARIANT, 0, static_cast<ULONG>(count)));
@@ -298,6 +293,14 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             Variant* slot = values.Push();
             if (!slot)
                 return (void)context.interpreter->RaiseOutOfMemory(), EvalStatus::kFailed;
+            if (const VARTYPE tag = StorageTag(op.type); tag != VT_RECORD) {
+                // The fresh slot is Empty: the reference is written in place.
+                VARIANT& reference = slot->Raw();
+                reference.vt = static_cast<VARTYPE>(VT_BYREF | tag);
+                reference.byref = tag == VT_VARIANT ? static_cast<void*>(storage)
+                                                    : reinterpret_cast<char*>(storage) + kPayloadOffset;
+                break;
+            }
             MakeReference(*slot, storage, op.type);
             break;
         }
@@ -754,9 +757,19 @@ bool CompiledProcedure::BindParameter(int index, void* frame, Variant& argument)
 {
     const ParameterInfo& parameter = m_parameters[static_cast<std::size_t>(index)];
     VARIANT& slot = static_cast<VARIANT*>(frame)[index];
+    const VARIANT& given = argument.Raw();
     // A number, date or Boolean of the parameter's own kind given by value: the copy is the value.
-    if (parameter.byVal && argument.Raw().vt == parameter.storageTag && OwnsNothing(parameter.storageTag)) {
-        slot = argument.Raw();
+    if (parameter.byVal) {
+        if (given.vt == parameter.storageTag && OwnsNothing(parameter.storageTag)) {
+            slot = given;
+            return true;
+        }
+    } else if (given.vt == (VT_BYREF | parameter.storageTag) && parameter.storageTag != VT_RECORD) {
+        // A variable of the parameter's own kind by reference: the parameter is that variable's cell.
+        slot.vt = kReferenceTag;
+        slot.pvarVal = parameter.storageTag == VT_VARIANT
+                           ? given.pvarVal
+                           : reinterpret_cast<VARIANT*>(static_cast<char*>(given.byref) - kPayloadOffset);
         return true;
     }
     if (parameter.type.IsUserType() && !parameter.type.IsArray())

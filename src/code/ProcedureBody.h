@@ -142,7 +142,10 @@ inline VARIANT* StorageOf(const RunContext& context, StorageScope scope, int ind
 // Makes target a reference to a variable's storage of declared type (by-reference arguments).
 void MakeReference(Variant& target, VARIANT* storage, TypeCode type);
 // The tag of a variable's storage: its value kind, VT_VARIANT for Variants and arrays.
-VARTYPE StorageTag(TypeCode type);
+inline VARTYPE StorageTag(TypeCode type)
+{
+    return type.IsArray() ? static_cast<VARTYPE>(VT_VARIANT) : static_cast<VARTYPE>(type.ValueTag());
+}
 // Stores value into storage of kind without the conversion routine when reading it in that kind cannot
 // change it: the same kind, an Integer into a Long, an Integer or Long into a Double, a Long that fits
 // into an Integer, and into a Variant any value that owns nothing. False (nothing stored) otherwise.
