@@ -127,9 +127,10 @@ inline VARIANT* StorageOf(const RunContext& context, StorageScope scope, int ind
 {
     if (scope != StorageScope::Local) {
         // A variable of the module whose instance runs the procedure: read in place.
-        if (scope == StorageScope::Module && !module) {
+        if (scope == StorageScope::Module) {
             if (ModuleInstance* instance = context.activation->Instance();
-                instance && static_cast<std::size_t>(index) < instance->VariableCount())
+                instance && (!module || module == &instance->OwnModule()) &&
+                static_cast<std::size_t>(index) < instance->VariableCount())
                 return &instance->Slot(static_cast<std::size_t>(index));
         }
         return StorageOutsideFrame(context, scope, index, module);
