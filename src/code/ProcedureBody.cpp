@@ -334,14 +334,17 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             Variant* slot = values.Push();
             if (!slot)
                 return (void)context.interpreter->RaiseOutOfMemory(), EvalStatus::kFailed;
-            slot->SetError(kMissingArgumentStatus);
+            // A fresh slot is Empty: the tag and status are written in place.
+            slot->Raw().vt = VT_ERROR;
+            slot->Raw().scode = kMissingArgumentStatus;
             break;
         }
         case ExprOpCode::kEmpty: {
             Variant* slot = values.Push();
             if (!slot)
                 return (void)context.interpreter->RaiseOutOfMemory(), EvalStatus::kFailed;
-            slot->SetError(kResultSlotStatus);
+            slot->Raw().vt = VT_ERROR;
+            slot->Raw().scode = kResultSlotStatus;
             break;
         }
         case ExprOpCode::kCall: {

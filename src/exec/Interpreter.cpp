@@ -91,10 +91,8 @@ bool Interpreter::Schedule(Node& executor)
     return false;
 }
 
-bool Interpreter::PushPending(const ExecEntry& entry)
+bool Interpreter::PendingPushFailed(const ExecEntry& entry)
 {
-    if (m_pending.Push(entry))
-        return true;
     // The executor cannot run; it goes as if it had been popped.
     entry.executor->Release();
     return RaiseOutOfMemory();

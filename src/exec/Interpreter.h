@@ -111,7 +111,10 @@ public:
     [[nodiscard]] bool YieldDue() { return m_yieldSetting != 0 && --m_testsUntilTickRead <= 0 && TimeSliceOver(); }
 
     // Pushes an entry on the pending stack (Node::Execute's default). False after raising out of memory.
-    [[nodiscard]] bool PushPending(const ExecEntry& entry);
+    [[nodiscard]] bool PushPending(const ExecEntry& entry)
+    {
+        return m_pending.Push(entry) || PendingPushFailed(entry);
+    }
 
     // Called by the call-end marker when it is popped.
     void EndCall();
@@ -174,6 +177,8 @@ private:
 
     // The step itself, shared by RunStep and RunSteps.
     __attribute__((always_inline)) int StepOnce(bool single);
+    // The executor of an entry that could not go on the pending stack goes as if popped; out of memory.
+    [[nodiscard]] bool PendingPushFailed(const ExecEntry& entry);
     void BeginRun();
     void EndRun();
     void RunHaltHandler();
