@@ -12,6 +12,7 @@
 #include "values/TextForm.h"
 #include "values/ValueCell.h"
 
+#include <climits>
 #include <cstring>
 
 namespace brannoc {
@@ -678,13 +679,30 @@ namespace {
 // on. Declined (nothing changed) in every other case, which the general Next handles.
 bool AdvanceCounterFast(VARIANT& counter, VARTYPE declared, const VARIANT& step, const VARIANT& end, bool& goOn)
 {
-    // The common case first: a Long counter (or a Variant holding a Long) with a Long end and step.
-    if (counter.vt == VT_I4 && step.vt == VT_I4 && end.vt == VT_I4 && (declared == VT_I4 || declared == VT_VARIANT)) {
-        LONG next = 0;
-        if (__builtin_add_overflow(counter.lVal, step.lVal, &next))
+    // The common case first: whole-number counter, step and end (Integer or Long, declared or held by
+    // Variants). The sum is a Long when either addend is one, else an Integer that must stay in range.
+    const auto whole = [](const VARIANT& value, LONG& out) {
+        if (value.vt == VT_I4)
+            out = value.lVal;
+        else if (value.vt == VT_I2)
+            out = value.iVal;
+        else
             return false;
-        counter.lVal = next;
-        goOn = step.lVal < 0 ? next >= end.lVal : next <= end.lVal;
+        return true;
+    };
+    if (LONG from = 0, by = 0, to = 0; whole(counter, from) && whole(step, by) && whole(end, to)) {
+        const bool isLong = counter.vt == VT_I4 || step.vt == VT_I4;
+        const VARTYPE kind = isLong ? VT_I4 : VT_I2;
+        LONG next = 0;
+        if ((declared != VT_VARIANT && declared != kind) || __builtin_add_overflow(from, by, &next) ||
+            (!isLong && (next < SHRT_MIN || next > SHRT_MAX)))
+            return false;
+        counter.vt = kind;
+        if (isLong)
+            counter.lVal = next;
+        else
+            counter.iVal = static_cast<SHORT>(next);
+        goOn = by < 0 ? next >= to : next <= to;
         return true;
     }
     VARIANT sum = counter;
