@@ -196,7 +196,7 @@ bool ArrayAssignStatement::Step(ExecEntry& entry)
     const ElementKind kind = KindFor(m_target.type, m_record);
     SAFEARRAY* array = nullptr;
     if (const long error = TakeArrayFor(kind, context.interpreter->Values().Top(), array); error != 0)
-        return context.interpreter->SignalError(error), Fail(context, entry);
+        return (void)context.interpreter->SignalError(error), Fail(context, entry);
     Variant result;
     result.SetArray(array, kind.tag);
     ClearSlot(*target);

@@ -92,14 +92,9 @@ VARIANT* VariableStorage(const RunContext& context, const FastOp& op)
 bool ReadElement(VARIANT* storage, LONG index, VARIANT& value)
 {
     const VARIANT* holder = FollowByRefChain(storage);
-    SAFEARRAY* array = ArrayOf(storage);
-    if (!array || array->cDims != 1 || !array->pvData)
+    const char* element = ElementOfVector(storage, index);
+    if (!element)
         return false;
-    const SAFEARRAYBOUND& bound = array->rgsabound[0];
-    const ULONG offset = static_cast<ULONG>(index - bound.lLbound);
-    if (offset >= bound.cElements)
-        return false;
-    const char* element = static_cast<const char*>(array->pvData) + offset * array->cbElements;
     const VARTYPE tag = static_cast<VARTYPE>(holder->vt & VT_TYPEMASK);
     switch (tag) {
     case VT_I2: value.iVal = *reinterpret_cast<const SHORT*>(element); break;

@@ -171,6 +171,18 @@ void* ElementOf(const RunContext& context, VARIANT* storage, int count, VARTYPE&
 [[nodiscard]] bool StoreTypedElement(void* element, VARTYPE tag, TypeCode arrayType, const Variant& value);
 // The array held by a variable's storage (by-reference values followed), or null.
 SAFEARRAY* ArrayOf(VARIANT* storage);
+// The element at index of the one-dimensional array that storage holds, when it holds one with storage
+// and the index lies inside it; null otherwise (nothing raised: the direct forms then give up).
+inline char* ElementOfVector(VARIANT* storage, LONG index)
+{
+    SAFEARRAY* array = ArrayOf(storage);
+    if (!array || array->cDims != 1 || !array->pvData)
+        return nullptr;
+    const ULONG offset = static_cast<ULONG>(index - array->rgsabound[0].lLbound);
+    if (offset >= array->rgsabound[0].cElements)
+        return nullptr;
+    return static_cast<char*>(array->pvData) + offset * array->cbElements;
+}
 
 // Releases what a slot holds and leaves it Empty.
 void ClearSlot(VARIANT& slot);

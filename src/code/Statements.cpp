@@ -204,13 +204,9 @@ bool AssignElementStatement::StoreDirect(const RunContext& context) const
     const VARIANT* holder = FollowByRefChain(storage);
     if ((holder->vt & ~VT_BYREF) != (VT_ARRAY | m_elementKind))
         return false;
-    SAFEARRAY* array = ArrayOf(storage);
-    if (!array || array->cDims != 1 || !array->pvData)
+    char* element = ElementOfVector(storage, index);
+    if (!element)
         return false;
-    const ULONG offset = static_cast<ULONG>(index - array->rgsabound[0].lLbound);
-    if (offset >= array->rgsabound[0].cElements)
-        return false;
-    char* element = static_cast<char*>(array->pvData) + offset * array->cbElements;
     if (m_elementKind == VT_R8) {
         double value = 0;
         if (m_value.ResultKind() == VT_R8) {

@@ -72,14 +72,7 @@ const char* ElementAt(VARIANT* storage, LONG index, VARTYPE kind)
     const VARIANT* holder = FollowByRefChain(storage);
     if ((holder->vt & ~VT_BYREF) != (VT_ARRAY | kind))
         return nullptr;
-    SAFEARRAY* array = ArrayOf(storage);
-    if (!array || array->cDims != 1 || !array->pvData)
-        return nullptr;
-    const SAFEARRAYBOUND& bound = array->rgsabound[0];
-    const ULONG offset = static_cast<ULONG>(index - bound.lLbound);
-    if (offset >= bound.cElements)
-        return nullptr;
-    return static_cast<const char*>(array->pvData) + offset * array->cbElements;
+    return ElementOfVector(storage, index);
 }
 
 template <VARTYPE Kind>
