@@ -246,7 +246,7 @@ public:
         m_conditions.push_back(std::move(condition));
         m_fastConditions.emplace_back();
         m_targets.push_back(target);
-        m_marks.push_back(false);
+        m_marks.push_back(0);
     }
     void SetBranchTarget(std::size_t branch, int target) { m_targets[branch] = target; }
     void SetElseTarget(int target, bool marked = false)
@@ -257,7 +257,7 @@ public:
     // Case lines with statements after ":" are entered through a mark in a hidden slot: a branch added
     // with `marked` sets it before moving to its line.
     void SetMarkSlot(int slot) { m_markSlot = slot; }
-    void MarkLastBranch() { m_marks.back() = true; }
+    void MarkLastBranch() { m_marks.back() = 1; }
     std::size_t BranchCount() const { return m_conditions.size(); }
     // Selector and conditions with a direct form are evaluated directly, the rest through Step.
     [[nodiscard]] bool Execute() override;
@@ -273,7 +273,7 @@ private:
     std::vector<Expression> m_conditions;
     std::vector<LazyFastExpression> m_fastConditions;
     std::vector<int> m_targets;
-    std::vector<bool> m_marks;
+    std::vector<std::uint8_t> m_marks;
     int m_elseTarget = 0;
     bool m_elseMarked = false;
     int m_markSlot = -1;
