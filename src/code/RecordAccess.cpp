@@ -266,6 +266,23 @@ bool ReplaceByRecordSize(const RunContext& context)
     return true;
 }
 
+bool RecordCopyStatement::Execute()
+{
+    const RunContext context = Context();
+    VARIANT* target = StorageOf(context, m_target.scope, m_target.index, m_target.module);
+    VARIANT* source = StorageOf(context, m_source.scope, m_source.index, m_source.module);
+    if (!target || !source)
+        return false;
+    target = FollowByRefChain(target);
+    source = FollowByRefChain(source);
+    if ((target->vt & ~VT_BYREF) != VT_RECORD || (source->vt & ~VT_BYREF) != VT_RECORD || !target->pvRecord ||
+        !source->pvRecord)
+        return Raise(context, ToNumber(ErrorId::TypeMismatch));
+    // The same record on both sides copies onto itself.
+    std::memmove(target->pvRecord, source->pvRecord, m_size);
+    return true;
+}
+
 bool AssignPathStatement::Step(ExecEntry& entry)
 {
     const RunContext context = Context();

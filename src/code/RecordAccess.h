@@ -55,4 +55,20 @@ private:
     int m_path;
 };
 
+// LSet target = source between records of plain data: the source's first `size` bytes are copied over
+// the target's; the target's further bytes stay as they were.
+class RecordCopyStatement final : public Statement {
+public:
+    RecordCopyStatement(VariableRef target, VariableRef source, ULONG size)
+        : m_target(target), m_source(source), m_size(size)
+    {
+    }
+    [[nodiscard]] bool Execute() override;
+
+private:
+    VariableRef m_target;
+    VariableRef m_source;
+    ULONG m_size;
+};
+
 } // namespace brannoc

@@ -377,6 +377,8 @@ private:
     StatementPtr ParseAlign(bool right);
     // A declared variable named at the current token; false after reporting `message`.
     [[nodiscard]] bool ReadExistingVariable(VariableRef& ref, CompileMessage message);
+    // LSet between two record variables (after "LSet" and the target).
+    StatementPtr ParseRecordCopy(const VariableRef& target, const std::string& targetName);
     bool NextIsColonEqual() const;
     bool ParenthesisedToEnd() const;
 

@@ -1,6 +1,7 @@
 #include "frontend/BodyParser.h"
 
 #include "code/ArrayStatements.h"
+#include "code/RecordAccess.h"
 
 #include "frontend/CharClasses.h"
 #include "exec/InterpreterHost.h"
@@ -215,8 +216,11 @@ BodyParser::StatementPtr BodyParser::ParseAlign(bool right)
 {
     m_lexer.NextToken();
     VariableRef target;
+    const std::string targetName(m_lexer.Text());
     if (!ReadExistingVariable(target, CompileMessage::ExpectingAStringOrUserTypeVar))
         return nullptr;
+    if (!right && target.type.IsUserType() && !target.type.IsArray())
+        return ParseRecordCopy(target, targetName);
     if (target.type.IsArray() || !(target.type.IsString() || target.type.IsFixedString() || target.type.IsVariant())) {
         m_lexer.SignalError(target.type.IsUserType() ? CompileMessage::ThisVarCantBeUsedWithLSet
                                                      : CompileMessage::ExpectingAStringOrUserTypeVar);
@@ -227,6 +231,50 @@ BodyParser::StatementPtr BodyParser::ParseAlign(bool right)
         return nullptr;
     auto statement = std::make_unique<AlignStatement>(std::move(value), target, right);
     statement->SetKeyword(TokenNumber(right ? Token::RSet : Token::LSet));
+    return statement;
+}
+
+namespace {
+
+// A record whose bytes are all its value: numbers, fixed-length strings and records of the same.
+bool IsPlainRecord(const RecordType& type)
+{
+    for (std::size_t i = 0; i < type.FieldCount(); ++i) {
+        const RecordField& field = type.FieldAt(i);
+        const bool plain = field.kind == FieldKind::Plain || field.kind == FieldKind::FixedString ||
+                           (field.kind == FieldKind::Record && field.record && IsPlainRecord(*field.record.Get()));
+        if (!plain)
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+// LSet record = record: the source's bytes from the start, as many as both records have. Records that hold
+// strings, objects, arrays or Variants own what their bytes refer to, so they are refused.
+BodyParser::StatementPtr BodyParser::ParseRecordCopy(const VariableRef& target, const std::string& targetName)
+{
+    if (!m_lexer.ExpectToken(Token::Equal))
+        return nullptr;
+    const std::string sourceName(m_lexer.Text());
+    const char* sourcePosition = m_lexer.TokenStart();
+    VariableRef source;
+    if (!ReadExistingVariable(source, CompileMessage::ExpectingAUserTypeVar))
+        return nullptr;
+    if (!source.type.IsUserType() || source.type.IsArray()) {
+        m_lexer.SignalErrorAt(CompileMessage::ExpectingAUserTypeVar, {}, sourcePosition);
+        return nullptr;
+    }
+    RecordType* to = AsRecordType(RecordInfoOf(UserTypeOf(UpperName(targetName))));
+    RecordType* from = AsRecordType(RecordInfoOf(UserTypeOf(UpperName(sourceName))));
+    if (!to || !from || !IsPlainRecord(*to) || !IsPlainRecord(*from)) {
+        m_lexer.SignalErrorAt(CompileMessage::ThisVarCantBeUsedWithLSet, {}, sourcePosition);
+        return nullptr;
+    }
+    const ULONG size = to->Size() < from->Size() ? to->Size() : from->Size();
+    auto statement = std::make_unique<RecordCopyStatement>(target, source, size);
+    statement->SetKeyword(TokenNumber(Token::LSet));
     return statement;
 }
 
