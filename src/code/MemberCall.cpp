@@ -9,6 +9,7 @@
 #include "frontend/CharClasses.h"
 #include "frontend/Module.h"
 #include "values/Conversion.h"
+#include "values/RecordType.h"
 
 namespace brannoc {
 namespace {
@@ -22,6 +23,7 @@ enum ErrorNumber : long {
     kWrongParameterCount = 10097,
     kNoSuchNamedParameter = 10099,
     kWrongWith = 10035,
+    kNotImplemented = 10902,
 };
 
 EvalStatus Raise(const RunContext& context, long number)
@@ -221,6 +223,32 @@ bool FindClassMember(const Module& module, std::string_view name, MemberAccess a
     return false;
 }
 
+namespace {
+
+// value.field on a Variant that holds a record: the field is found by name when the access runs. The
+// Variant's record is a copy of the variable's, so only reading it is offered.
+EvalStatus ReadRecordField(const RunContext& context, const MemberSite& site, const VARIANT& record,
+                           std::size_t first, int count)
+{
+    if (site.access != MemberAccess::Get && site.access != MemberAccess::Call)
+        return Raise(context, kNotImplemented);
+    RecordType* type = AsRecordType(record.pRecInfo);
+    const RecordField* field = type ? type->FindField(site.name) : nullptr;
+    if (!field || !record.pvRecord)
+        return Raise(context, kNoSuchMember);
+    if (count != 0)
+        return Raise(context, kWrongParameterCount);
+    Variant value;
+    if (!RecordType::LoadField(*field, record.pvRecord, value))
+        return EvalStatus::kFailed;
+    ValueStack& values = context.interpreter->Values();
+    values.CutBack(first);
+    values.Top() = std::move(value);
+    return EvalStatus::kDone;
+}
+
+} // namespace
+
 EvalStatus RunMemberCall(const RunContext& context, const ExprOp& op)
 {
     Interpreter& interpreter = *context.interpreter;
@@ -228,6 +256,8 @@ EvalStatus RunMemberCall(const RunContext& context, const ExprOp& op)
     MemberSite& site = context.procedure->MemberSiteAt(op.index);
     const std::size_t first = values.Size() - static_cast<std::size_t>(op.count);
     VARIANT* object = FollowByRefChain(&values.At(first - 2).Raw());
+    if ((object->vt & ~VT_BYREF) == VT_RECORD)
+        return ReadRecordField(context, site, *object, first, op.count);
     if (!IsObjectValue(*object))
         return Raise(context, object->vt == VT_EMPTY ? kObjectIsNothing : kTypeMismatch);
     if (!object->punkVal)
