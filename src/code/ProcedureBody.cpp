@@ -678,6 +678,11 @@ void CompiledProcedure::PrepareInitialSlots()
     m_initialSlots.assign(m_slotTypes.size(), VARIANT{});
     m_perCallSlots.assign(m_slotTypes.size(), 0);
     m_plainFrame = true;
+    m_ownerSlots.clear();
+    for (std::size_t i = 0; i < m_slotTypes.size(); ++i) {
+        if (!m_slotTypes[i].IsNumeric() || m_slotTypes[i].IsArray())
+            m_ownerSlots.push_back(static_cast<int>(i));
+    }
     for (std::size_t i = m_parameters.size(); i < m_slotTypes.size(); ++i) {
         VARIANT& slot = m_initialSlots[i];
         // Records are made for each call.
@@ -825,7 +830,15 @@ void CompiledProcedure::ClearLocals(void* frame)
         }
     }
     // References and values that own nothing need no release; the frame's memory is reused as it is.
-    for (std::size_t i = 0; i < m_slotTypes.size(); ++i) {
+    if (m_initialSlots.size() != m_slotTypes.size()) {
+        // Not prepared yet (no call set the frame up): every slot is looked at.
+        for (std::size_t i = 0; i < m_slotTypes.size(); ++i) {
+            if (!OwnsNothing(slots[i].vt))
+                ClearSlot(slots[i]);
+        }
+        return;
+    }
+    for (const int i : m_ownerSlots) {
         if (!OwnsNothing(slots[i].vt))
             ClearSlot(slots[i]);
     }

@@ -330,6 +330,9 @@ private:
     std::vector<VARIANT> m_initialSlots;
     // Locals set up on each call (arrays, fixed-length strings): 1 at their index.
     std::vector<std::uint8_t> m_perCallSlots;
+    // The slots that can come to own something (all but those of numeric, date and Boolean types, which
+    // hold their own kind or a reference): the only ones a frame's end looks at.
+    std::vector<int> m_ownerSlots;
     // No local needs more than the copy of m_initialSlots.
     bool m_plainFrame = true;
     std::vector<RecordTypeRef> m_slotRecords;
