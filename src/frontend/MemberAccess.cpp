@@ -80,8 +80,12 @@ std::vector<int> BodyParser::WithChain() const
 bool BodyParser::ParseMemberChain(Expression& out, const Module* classModule, const char* start)
 {
     while (m_lexer.Kind() == Token::Dot) {
-        // FIXME: the elements of records (record.element) are selected here once records have them.
-        if (!IsObjectType(out.type)) {
+        // A record that a function returns: its elements are read by name when the access runs, as
+        // for a Variant that holds a record (variables of a record type take the record-path form).
+        const bool recordValue = out.type.IsUserType() && !out.type.IsArray();
+        if (recordValue)
+            classModule = nullptr;
+        if (!recordValue && !IsObjectType(out.type)) {
             m_lexer.SignalErrorAt(CompileMessage::NotAnObjectReference, {}, start);
             return false;
         }
