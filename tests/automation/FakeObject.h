@@ -2,6 +2,7 @@
 // An automation object for tests that records every Invoke (member, flags, locale, arguments in
 // IDispatch order, named identifiers) and answers a few members.
 #include <oaidl.h>
+#include "support/TestComObject.h"
 
 #include <vector>
 
@@ -10,7 +11,7 @@ namespace brannoc::testing {
 // Members: Value (property get/let/set), Add(a, b) (method), Items (no parameters: an array of three
 // Longs), Inner (no parameters: another object whose default member takes an index), Fail (raises an
 // exception), Picky (refuses its argument's type).
-class FakeObject final : public IDispatch {
+class FakeObject final : public TestDispatch {
 public:
     enum Id : DISPID { kValue = 1, kAdd, kItems, kInner, kFail, kPicky, kParamA = 100, kParamB };
 
@@ -27,24 +28,6 @@ public:
     FakeObject* inner = nullptr;
     std::vector<long> innerIndexes;
 
-    HRESULT __stdcall QueryInterface(REFIID id, void** object) override
-    {
-        if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch)) {
-            *object = static_cast<IDispatch*>(this);
-            AddRef();
-            return S_OK;
-        }
-        *object = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG __stdcall AddRef() override { return ++m_references; }
-    ULONG __stdcall Release() override { return --m_references; }
-    HRESULT __stdcall GetTypeInfoCount(UINT* count) override
-    {
-        *count = 0;
-        return S_OK;
-    }
-    HRESULT __stdcall GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
     HRESULT __stdcall GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID locale, DISPID* ids) override
     {
         nameLocales.push_back(locale);
@@ -136,7 +119,6 @@ public:
     }
 
 private:
-    ULONG m_references = 1;
 };
 
 } // namespace brannoc::testing

@@ -2,6 +2,7 @@
 // A host callback for tests of the engine object: serves macro texts from memory and records what the
 // engine tells it (printed text, notifications, the error number at each notification 0).
 #include "brannoc.h"
+#include "support/TestComObject.h"
 
 #include <algorithm>
 #include <map>
@@ -13,7 +14,7 @@ namespace brannoc::testing {
 
 // The host callback: ReadMacro from a map, DebugPrint and Notify recorded. Checks the shape of each
 // call: the engine object first, then the member's own arguments.
-class FakeCallBack final : public IDispatch {
+class FakeCallBack final : public TestDispatch {
 public:
     enum Member : DISPID { kDebugPrint = 1, kNotify, kReadMacro, kMapMacroName };
 
@@ -28,24 +29,6 @@ public:
     std::vector<long> errorNumbers;
     int badCalls = 0;
 
-    HRESULT __stdcall QueryInterface(REFIID id, void** object) override
-    {
-        if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch)) {
-            *object = static_cast<IDispatch*>(this);
-            AddRef();
-            return S_OK;
-        }
-        *object = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG __stdcall AddRef() override { return ++m_references; }
-    ULONG __stdcall Release() override { return --m_references; }
-    HRESULT __stdcall GetTypeInfoCount(UINT* count) override
-    {
-        *count = 0;
-        return S_OK;
-    }
-    HRESULT __stdcall GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
     HRESULT __stdcall GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override
     {
         if (count != 1)
@@ -119,7 +102,6 @@ public:
     int Count(short code) const { return static_cast<int>(std::count(notifications.begin(), notifications.end(), code)); }
 
 private:
-    ULONG m_references = 1;
 };
 
 } // namespace brannoc::testing

@@ -2,6 +2,7 @@
 #include "brannoc.h"
 #include "library/BuiltinArguments.h"
 #include "support/EngineLibrary.h"
+#include "support/TestComObject.h"
 #include "values/TextForm.h"
 
 #include <gtest/gtest.h>
@@ -45,20 +46,9 @@ TEST(Rnd, EachThreadStartsFromSeedOne)
 
 // An automation object whose type information is the engine type library's _BasicObject, or that has
 // none.
-class DescribedObject final : public IDispatch {
+class DescribedObject final : public testing::TestComObject<IDispatch> {
 public:
     explicit DescribedObject(ITypeInfo* info) : m_info(info) {}
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** out) override
-    {
-        if (id == IID_IUnknown || id == IID_IDispatch) {
-            *out = static_cast<IDispatch*>(this);
-            return S_OK;
-        }
-        *out = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
-    ULONG STDMETHODCALLTYPE Release() override { return --m_references; }
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override
     {
         *count = m_info ? 1 : 0;
@@ -80,7 +70,6 @@ public:
 
 private:
     ITypeInfo* m_info;
-    ULONG m_references = 1;
 };
 
 std::wstring TypeNameOf(IDispatch* object)

@@ -2,6 +2,7 @@
 // ReDim Preserve, Erase of fixed arrays, deep copies, and what a large array costs in memory.
 #include "values/ArrayStorage.h"
 #include "values/Variant.h"
+#include "support/TestComObject.h"
 
 #include <gtest/gtest.h>
 #include <psapi.h>
@@ -13,25 +14,13 @@ namespace brannoc {
 namespace {
 
 // Records of 8 bytes: a String at 0 and a Long at 4. Counts what the array code asks of it.
-class FakeRecord final : public IRecordInfo {
+class FakeRecord final : public testing::TestComObject<IRecordInfo> {
 public:
     int inits = 0;
     int clears = 0;
     int copies = 0;
     int destroys = 0;
 
-    HRESULT __stdcall QueryInterface(REFIID id, void** object) override
-    {
-        if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IRecordInfo)) {
-            *object = this;
-            AddRef();
-            return S_OK;
-        }
-        *object = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG __stdcall AddRef() override { return ++m_references; }
-    ULONG __stdcall Release() override { return --m_references; }
     HRESULT __stdcall RecordInit(PVOID record) override
     {
         ++inits;
@@ -89,10 +78,8 @@ public:
         CoTaskMemFree(record);
         return S_OK;
     }
-    ULONG References() const { return m_references; }
 
 private:
-    ULONG m_references = 1;
 };
 
 std::wstring TextOf(BSTR text) { return text ? std::wstring(text, SysStringLen(text)) : std::wstring(); }

@@ -2,6 +2,7 @@
 #include "values/Conversion.h"
 #include "values/Operators.h"
 #include "values/TextForm.h"
+#include "support/TestComObject.h"
 
 #include "RaiseRecorder.h"
 #include "ValueMaker.h"
@@ -14,25 +15,11 @@ namespace {
 using namespace test;
 
 // A dispatch object whose default member answers a fixed value and records how often it was asked.
-class FakeDispatch final : public IDispatch {
+class FakeDispatch final : public testing::TestDispatch {
 public:
     explicit FakeDispatch(Variant value) : m_value(std::move(value)) {}
     int Calls() const { return m_calls; }
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override
-    {
-        if (iid == IID_IUnknown || iid == IID_IDispatch) {
-            *out = static_cast<IDispatch*>(this);
-            AddRef();
-            return S_OK;
-        }
-        *out = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
-    ULONG STDMETHODCALLTYPE Release() override { return --m_references; }
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override { *count = 0; return S_OK; }
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID, LCID locale, WORD flags, DISPPARAMS* params,
                                      VARIANT* result, EXCEPINFO*, UINT*) override
@@ -49,7 +36,6 @@ public:
 
 private:
     Variant m_value;
-    ULONG m_references = 1;
     int m_calls = 0;
 };
 
@@ -100,7 +86,7 @@ TEST(ObjectDisplay, DebugShowsNameAndAddress)
     FakeDispatch object(MakeLong(1));
     std::wstring shown;
     ASSERT_TRUE(WriteDebug(shown, MakeObject(&object)));
-    EXPECT_EQ(shown.rfind(L"[Object@0x", 0), 0u) << testing::PrintToString(shown);
+    EXPECT_EQ(shown.rfind(L"[Object@0x", 0), 0u) << ::testing::PrintToString(shown);
     EXPECT_EQ(shown.back(), L']');
     EXPECT_EQ(object.Calls(), 0);
 }
