@@ -257,6 +257,24 @@ bool Interpreter::RunHostCall(ProcedureCode& procedure, ModuleInstance* instance
     const std::size_t mark = m_exec.Size();
     const std::size_t pendingBase = m_pending.Size();
     const bool outerPassedOut = std::exchange(m_errorPassedOut, false);
+    // A call made while the run is stopped (a terminator that runs as the stopped frames are unwound)
+    // runs to its end as a run of its own; the stopped run stays stopped.
+    struct StoppedRun {
+        Interpreter& machine;
+        int level;
+        int counter;
+        ~StoppedRun()
+        {
+            if (level < 0) {
+                machine.m_runLevel = level;
+                machine.m_stepCounter = counter;
+            }
+        }
+    } stoppedRun{*this, m_runLevel, m_stepCounter};
+    if (m_runLevel < 0) {
+        m_runLevel = 1;
+        m_stepCounter = 1;
+    }
     (void)CallProcedure(procedure, ActivationKind::Call, instance);
     MovePending(pendingBase);
     if (m_exec.Size() > mark && m_current) {
@@ -350,6 +368,10 @@ void Interpreter::UnwindTo(const Activation& activation)
 
 void Interpreter::UnwindAll()
 {
+    // Ending everything supersedes a stop or end that is still pending; left set, it would cut short
+    // the terminators that run as the frames go.
+    m_pendingAction = InterpreterHost::kNoAction;
+    HaltFlags::Clear(HaltFlags::kAction);
     // Pending entries are newer than anything on the execution stack.
     while (!m_pending.IsEmpty()) {
         ExecEntry entry = m_pending.Pop();

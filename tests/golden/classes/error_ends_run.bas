@@ -1,0 +1,12 @@
+'#Uses "lib/Counter.cls"
+' An untrapped error ends the run; the instances that the stopped procedures held still terminate as
+' their frames are unwound.
+Sub Inner
+    Dim c As New Counter
+    c.Name = "local"
+    c.Add 1
+    Debug.Print 1 / 0
+End Sub
+Sub Main
+    Inner
+End Sub
