@@ -183,8 +183,12 @@ EvalStatus CallInstanceMember(const RunContext& context, MemberSite& site, Modul
         return Raise(context, kSubOrFunctionMissing);
     if (!early && !ArrangeArguments(context, first, count, site, *procedure))
         return EvalStatus::kFailed;
-    (void)context.interpreter->CallProcedure(*procedure->code, ActivationKind::Call, &instance, true);
-    return HaltFlags::MustStop() ? EvalStatus::kFailed : EvalStatus::kYield;
+    switch (context.interpreter->CallFromCode(*procedure->code, &instance, true)) {
+    case Interpreter::CallOutcome::kEnded: return EvalStatus::kDone;
+    case Interpreter::CallOutcome::kWaiting: return EvalStatus::kYield;
+    case Interpreter::CallOutcome::kFailed: break;
+    }
+    return EvalStatus::kFailed;
 }
 
 } // namespace

@@ -354,10 +354,10 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             ModuleInstance* instance = context.activation->Instance();
             if (const Module* module = context.procedure->CalleeModuleAt(op.index); module && instance)
                 instance = instance->Find(*module);
-            (void)context.interpreter->CallProcedure(*callee->code, ActivationKind::Call, instance);
-            if (HaltFlags::MustStop())
-                return EvalStatus::kFailed;
-            return EvalStatus::kYield;
+            const Interpreter::CallOutcome outcome = context.interpreter->CallFromCode(*callee->code, instance);
+            if (outcome == Interpreter::CallOutcome::kEnded)
+                break;
+            return outcome == Interpreter::CallOutcome::kWaiting ? EvalStatus::kYield : EvalStatus::kFailed;
         }
         case ExprOpCode::kNew: {
             Variant made;

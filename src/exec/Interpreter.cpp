@@ -189,11 +189,68 @@ void Interpreter::EndRun()
 bool Interpreter::CallProcedure(ProcedureCode& procedure, ActivationKind kind, ModuleInstance* instance,
                                 bool popArguments)
 {
+    if (Activation* activation = BeginCall(procedure, kind, instance, popArguments))
+        QueueCall(*activation);
+    return false;
+}
+
+Interpreter::CallOutcome Interpreter::CallFromCode(ProcedureCode& procedure, ModuleInstance* instance,
+                                                   bool popArguments)
+{
+    Activation* activation = BeginCall(procedure, ActivationKind::Call, instance, popArguments);
+    if (!activation)
+        return CallOutcome::kFailed;
+    // Deep recursion, a pending error or request, or a paused run: the call goes the scheduled way, where
+    // the step loop sees to all of them.
+    if (m_inlineDepth >= kMaxInlineDepth || m_callDepth >= kMaxCallDepth || HaltFlags::Any() ||
+        m_stepCounter < 1 || m_runLevel < 1)
+        return QueueFromCode(*activation);
+    // The callee and its call-end marker stand on the execution stack while it runs, as they would when
+    // scheduled: error dispatch, unwinding and nested runs see the same stack.
+    if (!m_exec.Push(ExecEntry{&CallEndMarker::Instance(), 1}))
+        return QueueFromCode(*activation);
+    if (!m_exec.Push(ExecEntry{activation, 1})) {
+        (void)m_exec.Pop();
+        return QueueFromCode(*activation);
+    }
+    ++m_inlineDepth;
+    ExecEntry entry{activation, 1};
+    const bool done = activation->Step(entry);
+    --m_inlineDepth;
+    // Nested runs inside the callee leave the stack as they found it: the callee and its marker are on top.
+    (void)m_exec.Pop();
+    (void)m_exec.Pop();
+    if (done) {
+        activation->Release();
+        EndCall();
+        // Something the call's end ran (a terminator) left a request or error: the calling statement
+        // yields after the call, as if it had been scheduled, so that the step loop sees to it first.
+        return HaltFlags::Any() ? CallOutcome::kWaiting : CallOutcome::kEnded;
+    }
+    // The callee yielded (it scheduled work, stopped at a break or hit an error): it goes on the pending
+    // stack below whatever it scheduled, exactly as a scheduled call that ran this far, and the calling
+    // statement waits for it even when an error is pending (its dispatch finds the callee first).
+    if (!PushPending(entry) || !PushPending(ExecEntry{&CallEndMarker::Instance(), 1}))
+        return CallOutcome::kFailed;
+    return CallOutcome::kWaiting;
+}
+
+Interpreter::CallOutcome Interpreter::QueueFromCode(Activation& activation)
+{
+    QueueCall(activation);
+    return HaltFlags::MustStop() ? CallOutcome::kFailed : CallOutcome::kWaiting;
+}
+
+Activation* Interpreter::BeginCall(ProcedureCode& procedure, ActivationKind kind, ModuleInstance* instance,
+                                   bool popArguments)
+{
     if (m_exec.IsEmpty())
         BeginRun();
     Activation* activation = NewActivation();
-    if (!activation)
-        return RaiseOutOfMemory();
+    if (!activation) {
+        (void)RaiseOutOfMemory();
+        return nullptr;
+    }
     ++m_callDepth;
 
     activation->m_procedure = &procedure;
@@ -232,16 +289,19 @@ bool Interpreter::CallProcedure(ProcedureCode& procedure, ActivationKind kind, M
         // The call never started: the error belongs to the calling statement.
         activation->Release();
         --m_callDepth;
-        return false;
+        return nullptr;
     }
+    return activation;
+}
 
+void Interpreter::QueueCall(Activation& activation)
+{
     // Scheduling the activation runs its first step, which only marks state 1 and reports not done: the
     // activation goes on the pending stack with state 1, the call-end marker after it.
-    if (PushPending(ExecEntry{activation, 1}))
+    if (PushPending(ExecEntry{&activation, 1}))
         (void)PushPending(ExecEntry{&CallEndMarker::Instance(), 1});
     if (m_callDepth >= kMaxCallDepth)
         (void)SignalError(ErrorId::Overflow);
-    return false;
 }
 
 bool Interpreter::StartEntry(ProcedureCode& procedure, ModuleInstance* instance)

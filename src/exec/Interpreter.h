@@ -26,6 +26,8 @@ class ModuleInstance;
 class Interpreter final {
 public:
     static constexpr int kMaxCallDepth = 32767;
+    // How many calls made by running code may run nested on the native stack (CallFromCode).
+    static constexpr int kMaxInlineDepth = 8;
     static constexpr DWORD kTimeSliceMs = 100;
     // Execution marker value that asks the running step to report a pause.
     static constexpr int kMarkerPause = 99;
@@ -60,6 +62,19 @@ public:
     // slot below them). Always answers false, so that the calling statement yields.
     [[nodiscard]] bool CallProcedure(ProcedureCode& procedure, ActivationKind kind, ModuleInstance* instance,
                                      bool popArguments = false);
+
+    // A call made by running code (the calling statement is on its way and its activation is on the
+    // execution stack). The callee runs at once, on this native stack, when nothing needs the step
+    // loop first; the nesting of such runs is limited (kMaxInlineDepth), so that deep recursion still
+    // goes through the execution stack and the native stack does not grow with the call depth. True when
+    // the call has ended (a Function's result is in its slot); false when the calling statement must
+    // yield: the callee waits on the pending stack (or an error was raised).
+    // kEnded: the call has ended (a Function's result is in its slot). kWaiting: the calling statement
+    // yields; the callee waits on the pending stack. kFailed: an error stops the calling statement (the
+    // call could not start, or the depth limit was reached).
+    enum class CallOutcome { kEnded, kWaiting, kFailed };
+    [[nodiscard]] CallOutcome CallFromCode(ProcedureCode& procedure, ModuleInstance* instance,
+                                           bool popArguments = false);
 
     // Schedules a module's entry procedure (variant A) onto the execution stack; no statement runs.
     // False when an error was raised.
@@ -203,6 +218,14 @@ private:
     // The halt bits that mean an error is already pending (a new one is then dropped).
     std::uint8_t PendingErrorMask() const noexcept;
 
+    // Makes the activation of a call, binds its arguments and makes it current; null after raising an
+    // error (the call never started).
+    [[nodiscard]] Activation* BeginCall(ProcedureCode& procedure, ActivationKind kind, ModuleInstance* instance,
+                                        bool popArguments);
+    // Pushes a begun call on the pending stack, the call-end marker after it.
+    void QueueCall(Activation& activation);
+    // QueueCall for CallFromCode: kFailed when an error is pending afterwards, else kWaiting.
+    [[nodiscard]] CallOutcome QueueFromCode(Activation& activation);
     [[nodiscard]] Activation* NewActivation();
     void FreeActivation(Activation& activation) noexcept;
     void UnlinkEntry(Activation& activation) noexcept;
@@ -222,6 +245,8 @@ private:
     int m_stepCounter = 0;
     int m_runDepth = 0;
     int m_callDepth = 0;
+    // Calls running nested on the native stack (CallFromCode).
+    int m_inlineDepth = 0;
     Activation* m_current = nullptr;
     ExecStack m_exec;
     ExecStack m_pending;
