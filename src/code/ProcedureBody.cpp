@@ -700,14 +700,21 @@ void CompiledProcedure::PrepareInitialSlots()
     }
 }
 
-bool CompiledProcedure::InitializeLocals(void* frame)
+// Frames are small: a loop of slot copies costs less than a call of the library's memcpy.
+__attribute__((optimize("no-tree-loop-distribute-patterns"))) bool CompiledProcedure::InitializeLocals(void* frame)
 {
     auto* slots = static_cast<VARIANT*>(frame);
-    if (m_initialSlots.size() != m_slotTypes.size())
+    const std::size_t total = m_slotTypes.size();
+    if (m_initialSlots.size() != total)
         PrepareInitialSlots();
-    // The slots that own nothing when fresh (numbers, empty strings, Nothing, Empty) are copied whole.
+    // Parameters are Empty until bound (a binding that fails leaves the rest so).
     const std::size_t first = m_parameters.size();
-    std::memcpy(slots + first, m_initialSlots.data() + first, (m_slotTypes.size() - first) * sizeof(VARIANT));
+    for (std::size_t i = 0; i < first; ++i)
+        slots[i].vt = VT_EMPTY;
+    // The slots that own nothing when fresh (numbers, empty strings, Nothing, Empty) are copied whole.
+    const VARIANT* initial = m_initialSlots.data();
+    for (std::size_t i = first; i < total; ++i)
+        slots[i] = initial[i];
     if (m_plainFrame)
         return true;
     for (std::size_t i = m_parameters.size(); i < m_slotTypes.size(); ++i) {
@@ -761,25 +768,48 @@ bool BindRecord(const ParameterInfo& parameter, VARIANT& slot, Variant& argument
 
 } // namespace
 
+namespace {
+
+// The bindings that need no conversion: a number, date or Boolean of the parameter's own kind given by
+// value (the copy is the value), and a variable of the parameter's own kind (not a record) by reference
+// (the parameter is that variable's cell). False, and nothing done, otherwise.
+inline bool BindDirectly(const ParameterInfo& parameter, VARIANT& slot, const VARIANT& given)
+{
+    const VARTYPE tag = parameter.storageTag;
+    if (parameter.byVal) {
+        if (given.vt != tag || !OwnsNothing(tag))
+            return false;
+        slot = given;
+        return true;
+    }
+    if (given.vt != (VT_BYREF | tag) || tag == VT_RECORD)
+        return false;
+    slot.vt = kReferenceTag;
+    slot.pvarVal = tag == VT_VARIANT ? given.pvarVal
+                                     : reinterpret_cast<VARIANT*>(static_cast<char*>(given.byref) - kPayloadOffset);
+    return true;
+}
+
+} // namespace
+
+bool CompiledProcedure::BindArguments(void* frame, Variant* arguments)
+{
+    auto* slots = static_cast<VARIANT*>(frame);
+    const std::size_t count = m_parameters.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        if (!BindDirectly(m_parameters[i], slots[i], arguments[i].Raw()) &&
+            !BindParameter(static_cast<int>(i), frame, arguments[i]))
+            return false;
+    }
+    return true;
+}
+
 bool CompiledProcedure::BindParameter(int index, void* frame, Variant& argument)
 {
     const ParameterInfo& parameter = m_parameters[static_cast<std::size_t>(index)];
     VARIANT& slot = static_cast<VARIANT*>(frame)[index];
-    const VARIANT& given = argument.Raw();
-    // A number, date or Boolean of the parameter's own kind given by value: the copy is the value.
-    if (parameter.byVal) {
-        if (given.vt == parameter.storageTag && OwnsNothing(parameter.storageTag)) {
-            slot = given;
-            return true;
-        }
-    } else if (given.vt == (VT_BYREF | parameter.storageTag) && parameter.storageTag != VT_RECORD) {
-        // A variable of the parameter's own kind by reference: the parameter is that variable's cell.
-        slot.vt = kReferenceTag;
-        slot.pvarVal = parameter.storageTag == VT_VARIANT
-                           ? given.pvarVal
-                           : reinterpret_cast<VARIANT*>(static_cast<char*>(given.byref) - kPayloadOffset);
+    if (BindDirectly(parameter, slot, argument.Raw()))
         return true;
-    }
     if (parameter.type.IsUserType() && !parameter.type.IsArray())
         return BindRecord(parameter, slot, argument);
     const VARTYPE tag = parameter.storageTag;

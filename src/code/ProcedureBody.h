@@ -253,6 +253,7 @@ public:
     std::size_t FrameSize() const override { return m_slotTypes.size() * sizeof(VARIANT); }
     [[nodiscard]] bool InitializeLocals(void* frame) override;
     [[nodiscard]] bool BindParameter(int index, void* frame, Variant& argument) override;
+    [[nodiscard]] bool BindArguments(void* frame, Variant* arguments) override;
     void ClearLocals(void* frame) override;
 
     Procedure& Source() const { return *m_procedure; }

@@ -21,7 +21,6 @@ void Activation::End()
     interpreter.m_values.CutBack(m_valueStackBase);
     if (m_locals) {
         m_procedure->ClearLocals(m_locals);
-        interpreter.m_frames.Free(m_locals);
         m_locals = nullptr;
     }
     if (m_popArguments) {

@@ -118,6 +118,10 @@ private:
     Node* m_auxiliary = nullptr;
     void* m_locals = nullptr;
     std::size_t m_localSize = 0;
+    // The frame storage, kept while the activation waits on the interpreter's free list (m_locals points
+    // at it during a call that has a frame).
+    void* m_frameBlock = nullptr;
+    std::size_t m_frameCapacity = 0;
     Activation* m_nextEntry = nullptr;
     // Link in the interpreter's free list while the object is not in use.
     Activation* m_nextFree = nullptr;

@@ -17,6 +17,7 @@ Interpreter::~Interpreter()
     TearDown();
     while (m_freeActivations) {
         Activation* next = m_freeActivations->m_nextFree;
+        m_frames.Free(m_freeActivations->m_frameBlock);
         delete m_freeActivations;
         m_freeActivations = next;
     }
@@ -269,7 +270,13 @@ Activation* Interpreter::BeginCall(ProcedureCode& procedure, ActivationKind kind
 
     bool bound = true;
     if (const std::size_t frameSize = procedure.FrameSize(); frameSize > 0) {
-        activation->m_locals = m_frames.Acquire(frameSize);
+        // The activation keeps its frame block between calls; a smaller one goes back to the pool.
+        if (activation->m_frameCapacity < frameSize) {
+            m_frames.Free(activation->m_frameBlock);
+            activation->m_frameBlock = m_frames.Acquire(frameSize);
+            activation->m_frameCapacity = activation->m_frameBlock ? frameSize : 0;
+        }
+        activation->m_locals = activation->m_frameBlock;
         activation->m_localSize = frameSize;
         if (!activation->m_locals) {
             bound = RaiseOutOfMemory();
@@ -281,8 +288,8 @@ Activation* Interpreter::BeginCall(ProcedureCode& procedure, ActivationKind kind
             if (static_cast<std::size_t>(count) > size)
                 bound = SignalError(10019);
             // Parameter i binds the entry at size - count + i: the first one the deepest argument.
-            for (int i = 0; bound && i < count; ++i)
-                bound = procedure.BindParameter(i, activation->m_locals, m_values.At(size - count + i));
+            else if (count > 0)
+                bound = procedure.BindArguments(activation->m_locals, &m_values.At(size - count));
         }
     }
     if (!bound) {
@@ -367,13 +374,29 @@ Activation* Interpreter::NewActivation()
     Activation* activation = m_freeActivations;
     if (activation) {
         m_freeActivations = activation->m_nextFree;
+        if (activation->m_frameBlock)
+            --m_idleFrames;
     } else {
         activation = new (std::nothrow) Activation();
         if (!activation)
             return nullptr;
+        activation->m_interpreter = this;
     }
-    activation->m_interpreter = this;
+    // Everything of the previous call that BeginCall does not set anew.
     activation->m_nextFree = nullptr;
+    activation->m_currentIndex = 0;
+    activation->m_nextIndex = 0;
+    activation->m_entryPosition = 0;
+    activation->m_resumeIndex = Activation::kNoResume;
+    activation->m_resumePosition = 0;
+    activation->m_positionLine = -1;
+    activation->m_positionAfter = 0;
+    activation->m_withDepth = 0;
+    activation->m_hostCallBoundary = false;
+    activation->m_passesErrorsOut = false;
+    activation->m_activeHandler = nullptr;
+    activation->m_localSize = 0;
+    activation->m_nextEntry = nullptr;
     return activation;
 }
 
@@ -382,22 +405,17 @@ void Interpreter::FreeActivation(Activation& activation) noexcept
     activation.m_procedure = nullptr;
     activation.m_caller = nullptr;
     activation.m_instance = nullptr;
-    activation.m_kind = ActivationKind::Call;
-    activation.m_currentIndex = 0;
-    activation.m_nextIndex = 0;
-    activation.m_entryPosition = 0;
-    activation.m_resumeIndex = Activation::kNoResume;
-    activation.m_resumePosition = 0;
-    activation.m_positionLine = -1;
-    activation.m_positionAfter = 0;
-    activation.m_valueStackBase = 0;
-    activation.m_withDepth = 0;
-    activation.m_popArguments = false;
-    activation.m_hostCallBoundary = false;
-    activation.m_passesErrorsOut = false;
-    activation.m_activeHandler = nullptr;
-    activation.m_localSize = 0;
-    activation.m_nextEntry = nullptr;
+    // A free activation keeps its frame block for the next call, up to a number of them; the others go
+    // back to the pool, which bounds what it keeps.
+    if (activation.m_frameBlock) {
+        if (m_idleFrames < kMaxIdleFrames) {
+            ++m_idleFrames;
+        } else {
+            m_frames.Free(activation.m_frameBlock);
+            activation.m_frameBlock = nullptr;
+            activation.m_frameCapacity = 0;
+        }
+    }
     activation.m_nextFree = m_freeActivations;
     m_freeActivations = &activation;
 }

@@ -257,6 +257,9 @@ private:
     ElementReferences m_references;
     FramePool m_frames;
     Activation* m_freeActivations = nullptr;
+    // Free activations that keep a frame block, and how many may.
+    std::size_t m_idleFrames = 0;
+    static constexpr std::size_t kMaxIdleFrames = 256;
     ErrorRecord m_error;
     bool m_evaluating = false;
     int m_hostCallDepth = 0;

@@ -12,4 +12,14 @@ bool ProcedureCode::Execute()
     return false;
 }
 
+bool ProcedureCode::BindArguments(void* frame, Variant* arguments)
+{
+    const int count = ParameterCount();
+    for (int i = 0; i < count; ++i) {
+        if (!BindParameter(i, frame, arguments[i]))
+            return false;
+    }
+    return true;
+}
+
 } // namespace brannoc

@@ -35,11 +35,15 @@ public:
     virtual int ParameterCount() const = 0;
     // Bytes of the frame of locals and parameters; 0 when the procedure has none.
     virtual std::size_t FrameSize() const = 0;
-    // Sets up the locals in a zero-filled frame. False after raising an error.
+    // Sets up every slot of a frame whose previous contents mean nothing (a frame block is reused from
+    // call to call): the locals as their types start, the parameters Empty. False after raising an error.
     [[nodiscard]] virtual bool InitializeLocals(void* frame) = 0;
     // Binds parameter index (declaration order) to its argument on the value stack: a reference to the
     // caller's value when the types allow it, else a converted local copy. False after raising an error.
     [[nodiscard]] virtual bool BindParameter(int index, void* frame, Variant& argument) = 0;
+    // Binds every parameter in order to the ParameterCount() arguments from `arguments` on (BindParameter
+    // for each); stops at the first that fails.
+    [[nodiscard]] virtual bool BindArguments(void* frame, Variant* arguments);
     // Frees what the locals of a frame own; the frame memory itself belongs to the activation.
     virtual void ClearLocals(void* frame) = 0;
 
