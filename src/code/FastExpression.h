@@ -48,6 +48,8 @@ public:
     VARTYPE ResultKind() const noexcept { return m_typed.IsReady() ? m_typed.ResultKind() : m_resultKind; }
     // The typed form when the declarations fix every kind, else null.
     const TypedExpression* Typed() const noexcept { return m_typed.IsReady() ? &m_typed : nullptr; }
+    // The typed form made for the kinds the Variant variables held when it was (last) compiled, or null.
+    const TypedExpression* AssumedForm() const noexcept { return m_assumedForm.IsReady() ? &m_assumedForm : nullptr; }
 
     // Evaluates into result (a value that owns nothing). False when it gave up; nothing was changed.
     [[nodiscard]] bool Evaluate(const RunContext& context, VARIANT& result) const;

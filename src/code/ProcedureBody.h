@@ -184,6 +184,24 @@ inline char* ElementOfVector(VARIANT* storage, LONG index)
     return static_cast<char*>(array->pvData) + offset * array->cbElements;
 }
 
+// The same for an array whose elements must be of kind (VT_I2, VT_I4, ...): null as well when storage
+// holds an array of another kind. Reads the tag once, with no call out of line.
+inline char* ElementOfVector(VARIANT* storage, VARTYPE kind, LONG index)
+{
+    const VARIANT* holder = FollowByRefChain(storage);
+    SAFEARRAY* array = nullptr;
+    if (holder->vt == (VT_ARRAY | kind))
+        array = holder->parray;
+    else if (holder->vt == (VT_ARRAY | VT_BYREF | kind) && holder->pparray)
+        array = *holder->pparray;
+    if (!array || array->cDims != 1 || !array->pvData)
+        return nullptr;
+    const ULONG offset = static_cast<ULONG>(index - array->rgsabound[0].lLbound);
+    if (offset >= array->rgsabound[0].cElements)
+        return nullptr;
+    return static_cast<char*>(array->pvData) + offset * array->cbElements;
+}
+
 // Releases what a slot holds and leaves it Empty.
 void ClearSlot(VARIANT& slot);
 

@@ -68,7 +68,14 @@ void AssignStatement::ChooseDirectStore()
     m_directStore = DirectStore::kNone;
     const FastExpression* fast = m_fast.Compiled();
     m_typed = fast ? fast->Typed() : nullptr;
-    if (!m_typed || m_target.type.IsArray() || m_target.type.IsVariant() || !m_fastTarget.IsUsable())
+    if (!fast || m_target.type.IsArray() || !m_fastTarget.IsUsable())
+        return;
+    if (m_target.type.IsVariant()) {
+        m_directStore = DirectStore::kVariant;
+        m_run = &StoreIntoVariant;
+        return;
+    }
+    if (!m_typed)
         return;
     const VARTYPE target = StorageTag(m_target.type);
     const VARTYPE value = m_typed->ResultKind();
@@ -77,55 +84,78 @@ void AssignStatement::ChooseDirectStore()
     else if (target == VT_R8 && (value == VT_I4 || value == VT_I2))
         m_directStore = DirectStore::kWholeToReal;
     else if (target == VT_I4 && value == VT_I2)
-        m_directStore = DirectStore::kIntegerToLong;
+        m_directStore = DirectStore::kWhole;
+    switch (m_directStore) {
+    case DirectStore::kWhole: m_run = &StoreDirect<DirectStore::kWhole>; break;
+    case DirectStore::kInteger: m_run = &StoreDirect<DirectStore::kInteger>; break;
+    case DirectStore::kReal: m_run = &StoreDirect<DirectStore::kReal>; break;
+    case DirectStore::kWholeToReal: m_run = &StoreDirect<DirectStore::kWholeToReal>; break;
+    default: break;
+    }
 }
 
-bool AssignStatement::StoreDirect(const RunContext& context) const
+template <AssignStatement::DirectStore Store>
+bool AssignStatement::StoreDirect(const AssignStatement& self, const RunContext& context)
 {
-    VARIANT* cell = StorageOf(context, m_target.scope, m_target.index, m_target.module);
+    const VariableRef& target = self.m_target;
+    VARIANT* cell = StorageOf(context, target.scope, target.index, target.module);
     if (!cell)
         return false;
     // The value is computed aside: a form that gives up leaves the variable as it was.
-    if (m_directStore == DirectStore::kReal) {
+    if constexpr (Store == DirectStore::kReal) {
         double value = 0;
-        if (cell->vt != VT_R8 || !m_typed->EvaluateReal(context, value))
+        if (cell->vt != VT_R8 || !self.m_typed->EvaluateReal(context, value))
             return false;
         cell->dblVal = value;
-        return true;
+    } else {
+        LONG value = 0;
+        if constexpr (Store == DirectStore::kWholeToReal) {
+            if (cell->vt != VT_R8 || !self.m_typed->EvaluateWhole(context, value))
+                return false;
+            cell->dblVal = value;
+        } else if constexpr (Store == DirectStore::kWhole) {
+            // A Long, or an Integer widened.
+            if (cell->vt != VT_I4 || !self.m_typed->EvaluateWhole(context, value))
+                return false;
+            cell->lVal = value;
+        } else {
+            if (cell->vt != self.m_typed->ResultKind() || !self.m_typed->EvaluateWhole(context, value))
+                return false;
+            cell->iVal = static_cast<SHORT>(value);
+        }
     }
-    LONG value = 0;
-    switch (m_directStore) {
-    case DirectStore::kWholeToReal:
-        if (cell->vt != VT_R8 || !m_typed->EvaluateWhole(context, value))
-            return false;
-        cell->dblVal = value;
-        return true;
-    case DirectStore::kWhole:
-    case DirectStore::kIntegerToLong:
-        if (cell->vt != VT_I4 || !m_typed->EvaluateWhole(context, value))
-            return false;
-        cell->lVal = value;
-        return true;
-    case DirectStore::kInteger:
-        if (cell->vt != m_typed->ResultKind() || !m_typed->EvaluateWhole(context, value))
-            return false;
-        cell->iVal = static_cast<SHORT>(value);
-        return true;
-    default: return false;
-    }
+    return true;
+}
+
+bool AssignStatement::StoreIntoVariant(const AssignStatement& self, const RunContext& context)
+{
+    // The typed form of the declared kinds, or the one assumed for the kinds the Variants held last;
+    // when that gives up, the fast expression assumes the kinds they hold now or works on VARIANTs.
+    const FastExpression& fast = *self.m_fast.Compiled();
+    const TypedExpression* form = self.m_typed ? self.m_typed : fast.AssumedForm();
+    VARIANT value;
+    if (!(form && form->Evaluate(context, value)) && !fast.Evaluate(context, value))
+        return false;
+    return self.m_fastTarget.Store(context, value);
 }
 
 bool AssignStatement::Execute()
 {
+    if (m_run && DirectFormsEnabled()) {
+        const RunContext context = Context();
+        return m_run(*this, context) || ExecuteFrom(0);
+    }
+    return ExecuteOther();
+}
+
+bool AssignStatement::ExecuteOther()
+{
     const RunContext context = Context();
-    if (m_directStore >= DirectStore::kWhole) {
-        if (DirectFormsEnabled() && StoreDirect(context))
-            return true;
-    } else if (const FastExpression* fast = m_fast.Get(m_value, context.procedure)) {
+    if (const FastExpression* fast = m_fast.Get(m_value, context.procedure)) {
         if (m_directStore == DirectStore::kUntried) {
             ChooseDirectStore();
-            if (m_directStore >= DirectStore::kWhole && StoreDirect(context))
-                return true;
+            if (m_run)
+                return m_run(*this, context) || ExecuteFrom(0);
         }
         VARIANT value;
         if (fast->Evaluate(context, value) && m_fastTarget.Store(context, value))
@@ -201,10 +231,7 @@ bool AssignElementStatement::StoreDirect(const RunContext& context) const
     VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
     if (!storage)
         return false;
-    const VARIANT* holder = FollowByRefChain(storage);
-    if ((holder->vt & ~VT_BYREF) != (VT_ARRAY | m_elementKind))
-        return false;
-    char* element = ElementOfVector(storage, index);
+    char* element = ElementOfVector(storage, m_elementKind, index);
     if (!element)
         return false;
     if (m_elementKind == VT_R8) {
@@ -530,9 +557,185 @@ void BranchStatement::Enter(const RunContext& context, int part)
     JumpTo(context, m_elseTarget);
 }
 
+namespace {
+
+template <typename T>
+bool Compares(OperationId op, T a, T b)
+{
+    switch (op) {
+    case OperationId::kEqual: return a == b;
+    case OperationId::kNotEqual: return a != b;
+    case OperationId::kLess: return a < b;
+    case OperationId::kLessEqual: return a <= b;
+    case OperationId::kGreater: return a > b;
+    default: return a >= b;
+    }
+}
+
+// A numeric constant a Case item can test against without the operators: Integer, Long or Double.
+bool CaseConstant(const ExprOp& op, const CompiledProcedure& procedure, VARIANT& value)
+{
+    if (op.code != ExprOpCode::kConstant)
+        return false;
+    value = procedure.ConstantAt(op.index).Raw();
+    return value.vt == VT_I2 || value.vt == VT_I4 || value.vt == VT_R8;
+}
+
+LONG WholeConstant(const VARIANT& value) { return value.vt == VT_I4 ? value.lVal : value.iVal; }
+double RealConstant(const VARIANT& value) { return value.vt == VT_R8 ? value.dblVal : WholeConstant(value); }
+
+} // namespace
+
+bool BranchStatement::ReadCaseTests(const Expression& condition, const CompiledProcedure& procedure)
+{
+    const std::vector<ExprOp>& ops = condition.ops;
+    const std::size_t first = m_caseTests.size();
+    const auto isSelector = [&](std::size_t at) {
+        return at < ops.size() && ops[at].code == ExprOpCode::kLoad && ops[at].scope == StorageScope::Local &&
+               ops[at].index == m_selectorSlot;
+    };
+    const auto isBinary = [&](std::size_t at, OperationId op) {
+        return at < ops.size() && ops[at].code == ExprOpCode::kBinary && ops[at].op == op;
+    };
+    std::size_t at = 0;
+    int items = 0;
+    while (at < ops.size()) {
+        // selector, constant, comparison: a value or an Is item; then, for a range, >= and the upper half.
+        VARIANT low;
+        if (!isSelector(at) || at + 2 >= ops.size() || !CaseConstant(ops[at + 1], procedure, low) ||
+            ops[at + 2].code != ExprOpCode::kBinary || !IsComparison(ops[at + 2].op)) {
+            m_caseTests.resize(first);
+            return false;
+        }
+        CaseTest test;
+        test.op = ops[at + 2].op;
+        test.low = WholeConstant(low);
+        test.lowReal = RealConstant(low);
+        test.whole = low.vt != VT_R8;
+        at += 3;
+        VARIANT high;
+        if (test.op == OperationId::kGreaterEqual && isSelector(at) && at + 3 < ops.size() &&
+            CaseConstant(ops[at + 1], procedure, high) && isBinary(at + 2, OperationId::kLessEqual) &&
+            isBinary(at + 3, OperationId::kAnd)) {
+            test.range = true;
+            test.high = WholeConstant(high);
+            test.highReal = RealConstant(high);
+            test.whole = test.whole && high.vt != VT_R8;
+            at += 4;
+        }
+        if (++items > 1) {
+            if (!isBinary(at, OperationId::kOr)) {
+                m_caseTests.resize(first);
+                return false;
+            }
+            ++at;
+        }
+        m_caseTests.push_back(test);
+    }
+    return items > 0 && m_caseTests.size() <= 0xFFFF;
+}
+
+bool BranchStatement::MatchesCase(const DirectBranch& branch, bool isWhole, LONG whole, double real) const
+{
+    const CaseTest* test = m_caseTests.data() + branch.firstTest;
+    const CaseTest* end = test + branch.testCount;
+    for (; test != end; ++test) {
+        bool holds = false;
+        if (isWhole && test->whole) {
+            holds = test->range ? test->low <= whole && whole <= test->high : Compares(test->op, whole, test->low);
+        } else {
+            const double value = isWhole ? static_cast<double>(whole) : real;
+            holds = test->range ? test->lowReal <= value && value <= test->highReal
+                                : Compares(test->op, value, test->lowReal);
+        }
+        if (holds)
+            return true;
+    }
+    return false;
+}
+
+void BranchStatement::PrepareDirect()
+{
+    m_direct = Direct::kNone;
+    if (!m_owner)
+        return;
+    const FastExpression* selector = nullptr;
+    if (m_selectorSlot >= 0) {
+        (void)m_fastSelector.Get(m_selector, m_owner);
+        selector = m_fastSelector.Compiled();
+        if (!selector)
+            return;
+    }
+    m_directBranches.assign(m_conditions.size(), DirectBranch{});
+    for (std::size_t i = 0; i < m_conditions.size(); ++i) {
+        DirectBranch& branch = m_directBranches[i];
+        const std::size_t first = m_caseTests.size();
+        if (selector && ReadCaseTests(m_conditions[i], *m_owner)) {
+            branch.firstTest = static_cast<std::uint16_t>(first);
+            branch.testCount = static_cast<std::uint16_t>(m_caseTests.size() - first);
+            continue;
+        }
+        (void)m_fastConditions[i].Get(m_conditions[i], m_owner);
+        if (const FastExpression* fast = m_fastConditions[i].Compiled())
+            branch.condition = fast->Typed();
+    }
+    m_direct = Direct::kReady;
+}
+
+bool BranchStatement::ExecuteDirect(const RunContext& context)
+{
+    // The selector of Select Case is kept in its slot (the general code of a later condition reads it
+    // there), and read as a number when it is one.
+    bool numeric = false;
+    bool isWhole = false;
+    LONG whole = 0;
+    double real = 0;
+    if (m_selectorSlot >= 0) {
+        VARIANT value;
+        if (!m_fastSelector.Compiled()->Evaluate(context, value))
+            return ExecuteFrom(0);
+        VARIANT& kept = HiddenSlot(context, m_selectorSlot);
+        if (!OwnsNothing(kept.vt))
+            ClearSlot(kept);
+        kept = value;
+        switch (value.vt) {
+        case VT_I2: numeric = isWhole = true; whole = value.iVal; break;
+        case VT_I4: numeric = isWhole = true; whole = value.lVal; break;
+        case VT_R8: numeric = true; real = value.dblVal; break;
+        default: break;
+        }
+    }
+    const int count = static_cast<int>(m_directBranches.size());
+    for (int part = 1; part <= count; ++part) {
+        const std::size_t index = static_cast<std::size_t>(part - 1);
+        const DirectBranch& branch = m_directBranches[index];
+        bool truth = false;
+        if (branch.testCount != 0 && numeric) {
+            truth = MatchesCase(branch, isWhole, whole, real);
+        } else if (branch.condition) {
+            if (!branch.condition->EvaluateCondition(context, truth))
+                return ExecuteFrom(MakeState(part, 0));
+        } else {
+            const FastExpression* fast = m_fastConditions[index].Get(m_conditions[index], context.procedure);
+            if (!fast || !fast->EvaluateCondition(context, truth))
+                return ExecuteFrom(MakeState(part, 0));
+        }
+        if (truth) {
+            Enter(context, part);
+            return true;
+        }
+    }
+    Enter(context, count + 1);
+    return true;
+}
+
 bool BranchStatement::Execute()
 {
     const RunContext context = Context();
+    if (m_direct == Direct::kUntried)
+        PrepareDirect();
+    if (m_direct == Direct::kReady && DirectFormsEnabled())
+        return ExecuteDirect(context);
     if (m_selectorSlot >= 0) {
         const FastExpression* fast = m_fastSelector.Get(m_selector, context.procedure);
         VARIANT value;
@@ -723,6 +926,28 @@ bool AdvanceCounterFast(VARIANT& counter, VARTYPE declared, const VARIANT& step,
 } // namespace
 
 bool NextStatement::Execute()
+{
+    // The common loop in line: a local Long counter (declared, or held by a Variant) with the Long step
+    // and end that the For statement stored in the counter's kind.
+    if (m_localWhole && DirectFormsEnabled()) {
+        Activation* activation = Interpreter::Current()->CurrentActivation();
+        VARIANT* locals = static_cast<VARIANT*>(activation->Locals());
+        VARIANT& counter = locals[m_counter.index];
+        const VARIANT& step = locals[m_stepSlot];
+        const VARIANT& end = locals[m_endSlot];
+        LONG next = 0;
+        if (counter.vt == VT_I4 && step.vt == VT_I4 && end.vt == VT_I4 &&
+            !__builtin_add_overflow(counter.lVal, step.lVal, &next)) {
+            counter.lVal = next;
+            if (step.lVal < 0 ? next >= end.lVal : next <= end.lVal)
+                activation->SetIndexes(AddressIndex(m_loopStart), AddressPosition(m_loopStart));
+            return true;
+        }
+    }
+    return ExecuteOther();
+}
+
+bool NextStatement::ExecuteOther()
 {
     const RunContext context = Context();
     VARIANT* storage = StorageOf(context, m_counter.scope, m_counter.index, m_counter.module);

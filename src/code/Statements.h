@@ -40,10 +40,17 @@ public:
 
 private:
     // How a typed value reaches a variable of a fixed kind without a VARIANT in between: the same kind,
-    // or a whole number widened (Integer to Long, Integer or Long to Double).
-    enum class DirectStore : std::uint8_t { kUntried, kNone, kWhole, kInteger, kReal, kWholeToReal, kIntegerToLong };
+    // or a whole number widened (Integer to Long, Integer or Long to Double); or how a numeric value
+    // reaches a Variant.
+    enum class DirectStore : std::uint8_t { kUntried, kNone, kWhole, kInteger, kReal, kWholeToReal, kVariant };
+    // The direct store chosen for the statement: false when it gave up, and then nothing was changed.
+    using DirectRun = bool (*)(const AssignStatement& self, const RunContext& context);
     void ChooseDirectStore();
-    [[nodiscard]] bool StoreDirect(const RunContext& context) const;
+    template <DirectStore Store>
+    [[nodiscard]] static bool StoreDirect(const AssignStatement& self, const RunContext& context);
+    [[nodiscard]] static bool StoreIntoVariant(const AssignStatement& self, const RunContext& context);
+    // The first run and every statement without a direct store.
+    [[nodiscard, gnu::noinline]] bool ExecuteOther();
 
     Expression m_value;
     VariableRef m_target;
@@ -51,6 +58,7 @@ private:
     LazyFastExpression m_fast;
     const TypedExpression* m_typed = nullptr;
     DirectStore m_directStore = DirectStore::kUntried;
+    DirectRun m_run = nullptr;
 };
 
 // s = s & value for a String or Variant variable: the value is appended to the variable's string in
@@ -267,6 +275,42 @@ private:
     // Takes the branch of part (1 + branch index; past the last: the Else part).
     void Enter(const RunContext& context, int part);
 
+    // One item of a Case line whose value (or bounds) is a numeric constant: the selector `op` low, or
+    // low <= selector <= high for a range. Whole bounds compare with a whole selector as whole numbers,
+    // everything else as Doubles (every Integer and Long is exact as a Double).
+    struct CaseTest {
+        OperationId op = OperationId::kEqual;
+        bool range = false;
+        bool whole = false;
+        LONG low = 0;
+        LONG high = 0;
+        double lowReal = 0;
+        double highReal = 0;
+    };
+    // How the direct form tests each branch: the typed form of an If or ElseIf condition, or the Case
+    // items m_caseTests[first, first + count) when the Case line has only constant numeric items; with
+    // neither, the branch's fast expression or the general code.
+    struct DirectBranch {
+        const TypedExpression* condition = nullptr;
+        std::uint16_t firstTest = 0;
+        std::uint16_t testCount = 0;
+    };
+    // Works out m_direct (the first time the statement runs, when the procedure is complete).
+    void PrepareDirect();
+    // Reads the Case items of condition (the parser's code over the selector slot) into m_caseTests;
+    // false (nothing added) when an item is anything but a numeric constant, a range of two or an Is
+    // comparison with one.
+    bool ReadCaseTests(const Expression& condition, const CompiledProcedure& procedure);
+    // Whether a numeric selector (whole: in `whole`, else in `real`) matches the items of branch.
+    bool MatchesCase(const DirectBranch& branch, bool isWhole, LONG whole, double real) const;
+    // The direct run: answers as Execute does.
+    [[nodiscard]] bool ExecuteDirect(const RunContext& context);
+
+    std::vector<DirectBranch> m_directBranches;
+    std::vector<CaseTest> m_caseTests;
+    enum class Direct : std::uint8_t { kUntried, kNone, kReady };
+    Direct m_direct = Direct::kUntried;
+
     Expression m_selector;
     LazyFastExpression m_fastSelector;
     int m_selectorSlot = -1;
@@ -325,12 +369,15 @@ class NextStatement final : public Statement {
 public:
     NextStatement(VariableRef counter, int endSlot, int stepSlot, int loopStart)
         : m_counter(counter), m_counterKind(static_cast<VARTYPE>(counter.type.ValueTag())), m_endSlot(endSlot),
-          m_stepSlot(stepSlot), m_loopStart(loopStart)
+          m_stepSlot(stepSlot), m_loopStart(loopStart),
+          m_localWhole(counter.scope == StorageScope::Local && (m_counterKind == VT_I4 || m_counterKind == VT_VARIANT))
     {
     }
     [[nodiscard]] bool Execute() override;
 
 private:
+    // Every other counter, step and end (and a Long counter whose sum overflows).
+    [[nodiscard, gnu::noinline]] bool ExecuteOther();
     // The general step: any kinds, through the operators (storage null: the counter could not be found).
     [[nodiscard]] bool Advance(const RunContext& context, VARIANT* storage);
 
@@ -339,6 +386,7 @@ private:
     int m_endSlot;
     int m_stepSlot;
     int m_loopStart;
+    bool m_localWhole;
 };
 
 // Stores a value into a hidden slot (With's object).

@@ -65,16 +65,6 @@ BRANNOC_NODE_CALL bool ConstantReal(const TypedNode& node, const RunContext&, do
     return true;
 }
 
-// The element at index of the one-dimensional array of elements of kind that storage holds; false when
-// it holds no such array or the index lies outside it.
-const char* ElementAt(VARIANT* storage, LONG index, VARTYPE kind)
-{
-    const VARIANT* holder = FollowByRefChain(storage);
-    if ((holder->vt & ~VT_BYREF) != (VT_ARRAY | kind))
-        return nullptr;
-    return ElementOfVector(storage, index);
-}
-
 template <VARTYPE Kind>
 BRANNOC_NODE_CALL bool ElementWhole(const TypedNode& node, const RunContext& context, LONG& out)
 {
@@ -82,7 +72,7 @@ BRANNOC_NODE_CALL bool ElementWhole(const TypedNode& node, const RunContext& con
     if (!node.left->whole(*node.left, context, index))
         return false;
     VARIANT* storage = StorageOf(context, node.scope, node.index, node.module);
-    const char* element = storage ? ElementAt(storage, index, Kind) : nullptr;
+    const char* element = storage ? ElementOfVector(storage, Kind, index) : nullptr;
     if (!element)
         return false;
     if constexpr (Kind == VT_I4)
@@ -98,7 +88,7 @@ BRANNOC_NODE_CALL bool ElementReal(const TypedNode& node, const RunContext& cont
     if (!node.left->whole(*node.left, context, index))
         return false;
     VARIANT* storage = StorageOf(context, node.scope, node.index, node.module);
-    const char* element = storage ? ElementAt(storage, index, VT_R8) : nullptr;
+    const char* element = storage ? ElementOfVector(storage, VT_R8, index) : nullptr;
     if (!element)
         return false;
     out = *reinterpret_cast<const double*>(element);
