@@ -544,7 +544,7 @@ bool ConditionalJumpStatement::Step(ExecEntry& entry)
     return Finish(entry);
 }
 
-void BranchStatement::Enter(const RunContext& context, int part)
+inline void BranchStatement::Enter(const RunContext& context, int part)
 {
     if (part <= static_cast<int>(m_conditions.size())) {
         if (m_marks[static_cast<std::size_t>(part - 1)])
@@ -679,7 +679,76 @@ void BranchStatement::PrepareDirect()
         if (const FastExpression* fast = m_fastConditions[i].Compiled())
             branch.condition = fast->Typed();
     }
-    m_direct = Direct::kReady;
+    m_direct = PrepareWholeRanges() ? Direct::kWholeRanges : Direct::kReady;
+}
+
+bool BranchStatement::PrepareWholeRanges()
+{
+    const FastExpression* selector = m_fastSelector.Compiled();
+    const TypedExpression* typed = selector ? selector->Typed() : nullptr;
+    if (!typed || (typed->ResultKind() != VT_I2 && typed->ResultKind() != VT_I4))
+        return false;
+    std::vector<WholeRange> ranges;
+    for (std::size_t i = 0; i < m_directBranches.size(); ++i) {
+        const DirectBranch& branch = m_directBranches[i];
+        if (branch.testCount == 0)
+            return false;
+        const int part = static_cast<int>(i) + 1;
+        for (std::size_t t = branch.firstTest; t < std::size_t{branch.firstTest} + branch.testCount; ++t) {
+            const CaseTest& test = m_caseTests[t];
+            if (!test.whole)
+                return false;
+            const LONG c = test.low;
+            // Before and after c, or nothing when c is the first or last whole number.
+            const WholeRange before{LONG_MIN, c == LONG_MIN ? LONG_MIN : c - 1, c == LONG_MIN ? 0 : part};
+            const WholeRange after{c == LONG_MAX ? LONG_MAX : c + 1, LONG_MAX, c == LONG_MAX ? 0 : part};
+            if (test.range) {
+                ranges.push_back({test.low, test.high, part});
+                continue;
+            }
+            switch (test.op) {
+            case OperationId::kEqual: ranges.push_back({c, c, part}); break;
+            case OperationId::kLess: if (before.part) ranges.push_back(before); break;
+            case OperationId::kLessEqual: ranges.push_back({LONG_MIN, c, part}); break;
+            case OperationId::kGreater: if (after.part) ranges.push_back(after); break;
+            case OperationId::kGreaterEqual: ranges.push_back({c, LONG_MAX, part}); break;
+            default: // kNotEqual
+                if (before.part)
+                    ranges.push_back(before);
+                if (after.part)
+                    ranges.push_back(after);
+                break;
+            }
+        }
+    }
+    m_wholeRanges = std::move(ranges);
+    m_wholeSelector = typed;
+    return true;
+}
+
+bool BranchStatement::ExecuteWholeRanges(const RunContext& context)
+{
+    LONG selector = 0;
+    if (!m_wholeSelector->EvaluateWhole(context, selector))
+        return ExecuteFrom(0);
+    // Kept in its slot as the general code keeps it.
+    VARIANT& kept = HiddenSlot(context, m_selectorSlot);
+    if (!OwnsNothing(kept.vt))
+        ClearSlot(kept);
+    kept.vt = m_wholeSelector->ResultKind();
+    if (kept.vt == VT_I4)
+        kept.lVal = selector;
+    else
+        kept.iVal = static_cast<SHORT>(selector);
+    int part = static_cast<int>(m_directBranches.size()) + 1;
+    for (const WholeRange& range : m_wholeRanges) {
+        if (range.low <= selector && selector <= range.high) {
+            part = range.part;
+            break;
+        }
+    }
+    Enter(context, part);
+    return true;
 }
 
 bool BranchStatement::ExecuteDirect(const RunContext& context)
@@ -734,8 +803,8 @@ bool BranchStatement::Execute()
     const RunContext context = Context();
     if (m_direct == Direct::kUntried)
         PrepareDirect();
-    if (m_direct == Direct::kReady && DirectFormsEnabled())
-        return ExecuteDirect(context);
+    if (m_direct >= Direct::kReady && DirectFormsEnabled())
+        return m_direct == Direct::kWholeRanges ? ExecuteWholeRanges(context) : ExecuteDirect(context);
     if (m_selectorSlot >= 0) {
         const FastExpression* fast = m_fastSelector.Get(m_selector, context.procedure);
         VARIANT value;

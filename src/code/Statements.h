@@ -295,6 +295,17 @@ private:
         std::uint16_t firstTest = 0;
         std::uint16_t testCount = 0;
     };
+    // A Select Case whose selector has a whole typed form and whose Case lines all hold whole constant
+    // items: each item as the range of selectors it takes (low > high: none), in the order of the lines,
+    // with the part (1 + branch index) it enters.
+    struct WholeRange {
+        LONG low = 0;
+        LONG high = 0;
+        int part = 0;
+    };
+    // Builds m_wholeRanges when every Case item reads as whole ranges; false otherwise.
+    bool PrepareWholeRanges();
+    [[nodiscard]] bool ExecuteWholeRanges(const RunContext& context);
     // Works out m_direct (the first time the statement runs, when the procedure is complete).
     void PrepareDirect();
     // Reads the Case items of condition (the parser's code over the selector slot) into m_caseTests;
@@ -307,8 +318,10 @@ private:
     [[nodiscard]] bool ExecuteDirect(const RunContext& context);
 
     std::vector<DirectBranch> m_directBranches;
+    std::vector<WholeRange> m_wholeRanges;
+    const TypedExpression* m_wholeSelector = nullptr;
     std::vector<CaseTest> m_caseTests;
-    enum class Direct : std::uint8_t { kUntried, kNone, kReady };
+    enum class Direct : std::uint8_t { kUntried, kNone, kReady, kWholeRanges };
     Direct m_direct = Direct::kUntried;
 
     Expression m_selector;
