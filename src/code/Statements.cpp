@@ -133,6 +133,29 @@ bool AssignStatement::StoreIntoVariant(const AssignStatement& self, const RunCon
     // when that gives up, the fast expression assumes the kinds they hold now or works on VARIANTs.
     const FastExpression& fast = *self.m_fast.Compiled();
     const TypedExpression* form = self.m_typed ? self.m_typed : fast.AssumedForm();
+    if (form) {
+        // A Variant that already holds the kind of the result takes only the new payload.
+        const VariableRef& target = self.m_target;
+        VARIANT* cell = StorageOf(context, target.scope, target.index, target.module);
+        if (cell && cell->vt == form->ResultKind()) {
+            if (cell->vt == VT_R8) {
+                double real = 0;
+                if (form->EvaluateReal(context, real)) {
+                    cell->dblVal = real;
+                    return true;
+                }
+            } else {
+                LONG whole = 0;
+                if (form->EvaluateWhole(context, whole)) {
+                    if (cell->vt == VT_I4)
+                        cell->lVal = whole;
+                    else
+                        cell->iVal = static_cast<SHORT>(whole);
+                    return true;
+                }
+            }
+        }
+    }
     VARIANT value;
     if (!(form && form->Evaluate(context, value)) && !fast.Evaluate(context, value))
         return false;
@@ -518,8 +541,23 @@ bool ConditionalJumpStatement::Execute()
 {
     const RunContext context = Context();
     bool truth = false;
-    if (const FastExpression* fast = m_fast.Get(m_condition, context.procedure);
-        fast && fast->EvaluateCondition(context, truth)) {
+    if (m_typed && DirectFormsEnabled()) {
+        if (!m_typed->EvaluateCondition(context, truth))
+            return ExecuteFrom(0);
+        if (truth == m_jumpWhen)
+            JumpTo(context, m_target);
+        return true;
+    }
+    return ExecuteOther(context);
+}
+
+bool ConditionalJumpStatement::ExecuteOther(const RunContext& context)
+{
+    bool truth = false;
+    const FastExpression* fast = m_fast.Get(m_condition, context.procedure);
+    if (const FastExpression* compiled = m_fast.Compiled())
+        m_typed = compiled->Typed();
+    if (fast && fast->EvaluateCondition(context, truth)) {
         if (truth == m_jumpWhen)
             JumpTo(context, m_target);
         return true;
@@ -996,19 +1034,26 @@ bool AdvanceCounterFast(VARIANT& counter, VARTYPE declared, const VARIANT& step,
 
 bool NextStatement::Execute()
 {
-    // The common loop in line: a local Long counter (declared, or held by a Variant) with the Long step
-    // and end that the For statement stored in the counter's kind.
+    // The common loop in line: a local Long counter (declared, or held by a Variant) with a whole step
+    // and end (a declared counter's are of its kind).
     if (m_localWhole && DirectFormsEnabled()) {
         Activation* activation = Interpreter::Current()->CurrentActivation();
         VARIANT* locals = static_cast<VARIANT*>(activation->Locals());
         VARIANT& counter = locals[m_counter.index];
         const VARIANT& step = locals[m_stepSlot];
         const VARIANT& end = locals[m_endSlot];
+        // A Variant counter's step and end may be Integers: a Long plus an Integer is a Long.
+        const auto whole = [](const VARIANT& value, LONG& out) {
+            out = value.vt == VT_I4 ? value.lVal : value.iVal;
+            return value.vt == VT_I4 || value.vt == VT_I2;
+        };
+        LONG by = 0;
+        LONG to = 0;
         LONG next = 0;
-        if (counter.vt == VT_I4 && step.vt == VT_I4 && end.vt == VT_I4 &&
-            !__builtin_add_overflow(counter.lVal, step.lVal, &next)) {
+        if (counter.vt == VT_I4 && whole(step, by) && whole(end, to) &&
+            !__builtin_add_overflow(counter.lVal, by, &next)) {
             counter.lVal = next;
-            if (step.lVal < 0 ? next >= end.lVal : next <= end.lVal)
+            if (by < 0 ? next >= to : next <= to)
                 activation->SetIndexes(AddressIndex(m_loopStart), AddressPosition(m_loopStart));
             return true;
         }

@@ -232,10 +232,15 @@ public:
     void SetTarget(int index) { m_target = index; }
 
 private:
+    // The first run and conditions without a typed form.
+    [[nodiscard, gnu::noinline]] bool ExecuteOther(const RunContext& context);
+
     Expression m_condition;
     bool m_jumpWhen;
     int m_target = 0;
     LazyFastExpression m_fast;
+    // The typed form of the condition once it is known to have one.
+    const TypedExpression* m_typed = nullptr;
 };
 
 // Block If (with its ElseIf conditions) and Select Case (with its Case conditions over the kept
