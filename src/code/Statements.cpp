@@ -204,6 +204,31 @@ bool AssignStatement::Step(ExecEntry& entry)
     return Finish(entry);
 }
 
+bool AppendStatement::Execute()
+{
+    if (m_direct == Direct::kUntried) {
+        m_direct = Direct::kNone;
+        if (m_owner && m_tail.ops.size() == 1 && m_tail.ops[0].code == ExprOpCode::kBuiltin &&
+            m_slice.Compile(m_tail.ops[0].index, *m_owner))
+            m_direct = Direct::kReady;
+    }
+    if (m_direct == Direct::kReady && DirectFormsEnabled()) {
+        const RunContext context = Context();
+        std::wstring_view part;
+        VARIANT* storage = nullptr;
+        bool appended = false;
+        if (m_slice.Evaluate(context, part) &&
+            (storage = StorageOf(context, m_target.scope, m_target.index, m_target.module)) != nullptr &&
+            AppendPartToStorage(*storage, part, appended)) {
+            if (appended)
+                return true;
+            ExecEntry entry{this, 0};
+            return Fail(context, entry);
+        }
+    }
+    return ExecuteFrom(0);
+}
+
 bool AppendStatement::Step(ExecEntry& entry)
 {
     const RunContext context = Context();
@@ -1179,6 +1204,12 @@ bool SingleLineIfStatement::Execute()
     bool truth = false;
     if (const FastExpression* fast = m_fast.Get(m_condition, context.procedure);
         fast && fast->EvaluateCondition(context, truth)) {
+        ExecEntry entry{this, 0};
+        return FinishOrWait(entry, RunPart(entry, truth));
+    }
+    if (m_direct == Direct::kUntried)
+        m_direct = m_owner && !m_fast.Compiled() && m_slice.Compile(m_condition, *m_owner) ? Direct::kReady : Direct::kNone;
+    if (m_direct == Direct::kReady && DirectFormsEnabled() && m_slice.EvaluateCondition(context, truth)) {
         ExecEntry entry{this, 0};
         return FinishOrWait(entry, RunPart(entry, truth));
     }

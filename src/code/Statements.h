@@ -4,6 +4,7 @@
 // its expression code), so nothing of a statement in progress lives in the statement object.
 #include "code/FastExpression.h"
 #include "code/ProcedureBody.h"
+#include "code/StringForms.h"
 
 namespace brannoc {
 
@@ -66,11 +67,16 @@ private:
 class AppendStatement final : public Statement {
 public:
     AppendStatement(Expression tail, VariableRef target) : m_tail(std::move(tail)), m_target(target) {}
+    // A tail that is a Mid over a string variable is appended from where it is stored.
+    [[nodiscard]] bool Execute() override;
     [[nodiscard]] bool Step(ExecEntry& entry) override;
 
 private:
     Expression m_tail;
     VariableRef m_target;
+    enum class Direct : std::uint8_t { kUntried, kNone, kReady };
+    Direct m_direct = Direct::kUntried;
+    SliceForm m_slice;
 };
 
 // a(i, ...) = value: the code leaves the indexes and then the value (its code from valueStart) on the
@@ -452,6 +458,10 @@ private:
 
     Expression m_condition;
     LazyFastExpression m_fast;
+    // A condition comparing a Mid with a string constant, tried when it has no numeric form.
+    enum class Direct : std::uint8_t { kUntried, kNone, kReady };
+    Direct m_direct = Direct::kUntried;
+    SliceComparison m_slice;
     std::unique_ptr<StatementList> m_then;
     std::unique_ptr<StatementList> m_else;
 };

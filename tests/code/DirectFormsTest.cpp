@@ -308,6 +308,40 @@ TEST(DirectForms, SelectCaseAndConditionChainsOverMixedKinds)
     }));
 }
 
+// Mid over String and Variant variables appended and compared directly: starts below 1 and past the end,
+// negative and long lengths (errors the general code raises), Null and non-string Variants, and a
+// variable appending a part of itself.
+TEST(DirectForms, MidPartsAppendedAndCompared)
+{
+    ExpectSameRuns(JoinLines({
+        "Sub Main",
+        "    On Error Resume Next",
+        "    Dim s As String, t As String, v, w, i As Long, n As Integer, k As Long",
+        "    s = \"ABCDEFGHIJ\": v = \"xyz\": w = Null",
+        "    For i = -1 To 13",
+        "        For n = -1 To 3",
+        "            Err.Clear: t = t & Mid(s, i, n): Debug.Print t; Err.Number",
+        "            Err.Clear: If Mid(s, i, n) = \"CD\" Then Debug.Print \"cd\"; Err.Number Else Debug.Print \"no\"; Err.Number",
+        "            Err.Clear: If Mid(s, i, n) < \"C\" Then Debug.Print \"less\"; Err.Number Else Debug.Print \"not\"; Err.Number",
+        "            Err.Clear: If Mid(v, i, n) <> \"y\" Then Debug.Print \"other\"; Err.Number Else Debug.Print \"y\"; Err.Number",
+        "            Err.Clear: If Mid(w, i, n) = \"\" Then Debug.Print \"empty\"; Err.Number Else Debug.Print \"else\"; Err.Number",
+        "            Err.Clear: v = v & Mid(v, i, n): Debug.Print v; Err.Number",
+        "        Next n",
+        "        k = i Mod 3",
+        "        Select Case k",
+        "            Case 0: w = 12.5",
+        "            Case 1: w = Empty",
+        "            Case Else: w = \"pq\" & i",
+        "        End Select",
+        "        Err.Clear: w = w & Mid(s, k + 1, 2): Debug.Print w; Err.Number",
+        "        Err.Clear: t = Mid(t, 2, 40): s = s & Mid(s, 3, 2)",
+        "    Next i",
+        "    Err.Clear: If Mid$(s, 2, 3) >= \"BC\" Then Debug.Print \"ge\"; Err.Number",
+        "    Debug.Print s; Len(s); t; Len(t)",
+        "End Sub",
+    }));
+}
+
 // Element stores, appends and call arguments that take typed forms: out-of-range indexes, values that
 // overflow the element kind or need converting, arrays passed by reference, and appended strings.
 TEST(DirectForms, ElementStoresAppendsAndArguments)
