@@ -742,7 +742,10 @@ void BranchStatement::PrepareDirect()
         if (const FastExpression* fast = m_fastConditions[i].Compiled())
             branch.condition = fast->Typed();
     }
-    m_direct = PrepareWholeRanges() ? Direct::kWholeRanges : Direct::kReady;
+    bool typed = m_selectorSlot < 0;
+    for (const DirectBranch& branch : m_directBranches)
+        typed = typed && branch.condition != nullptr;
+    m_direct = typed ? Direct::kConditions : PrepareWholeRanges() ? Direct::kWholeRanges : Direct::kReady;
 }
 
 bool BranchStatement::PrepareWholeRanges()
@@ -861,29 +864,13 @@ bool BranchStatement::ExecuteDirect(const RunContext& context)
     return true;
 }
 
-bool BranchStatement::Execute()
+bool BranchStatement::ExecuteConditions(const RunContext& context)
 {
-    const RunContext context = Context();
-    if (m_direct == Direct::kUntried)
-        PrepareDirect();
-    if (m_direct >= Direct::kReady && DirectFormsEnabled())
-        return m_direct == Direct::kWholeRanges ? ExecuteWholeRanges(context) : ExecuteDirect(context);
-    if (m_selectorSlot >= 0) {
-        const FastExpression* fast = m_fastSelector.Get(m_selector, context.procedure);
-        VARIANT value;
-        if (!fast || !fast->Evaluate(context, value))
-            return ExecuteFrom(0);
-        VARIANT& kept = HiddenSlot(context, m_selectorSlot);
-        if (!OwnsNothing(kept.vt))
-            ClearSlot(kept);
-        kept = value;
-    }
-    const int count = static_cast<int>(m_conditions.size());
-    for (int part = 1; part <= count; ++part) {
-        const std::size_t branch = static_cast<std::size_t>(part - 1);
-        const FastExpression* fast = m_fastConditions[branch].Get(m_conditions[branch], context.procedure);
+    const int count = static_cast<int>(m_directBranches.size());
+    const DirectBranch* branch = m_directBranches.data();
+    for (int part = 1; part <= count; ++part, ++branch) {
         bool truth = false;
-        if (!fast || !fast->EvaluateCondition(context, truth))
+        if (!branch->condition->EvaluateCondition(context, truth))
             return ExecuteFrom(MakeState(part, 0));
         if (truth) {
             Enter(context, part);
@@ -892,6 +879,22 @@ bool BranchStatement::Execute()
     }
     Enter(context, count + 1);
     return true;
+}
+
+bool BranchStatement::Execute()
+{
+    if (m_direct == Direct::kUntried)
+        PrepareDirect();
+    if (DirectFormsEnabled()) {
+        switch (m_direct) {
+        case Direct::kConditions: return ExecuteConditions(Context());
+        case Direct::kWholeRanges: return ExecuteWholeRanges(Context());
+        case Direct::kReady: return ExecuteDirect(Context());
+        default: break;
+        }
+    }
+    // Without a direct form (or with the direct forms off) the general code runs from the start.
+    return ExecuteFrom(0);
 }
 
 bool BranchStatement::Step(ExecEntry& entry)

@@ -317,6 +317,7 @@ private:
     // Builds m_wholeRanges when every Case item reads as whole ranges; false otherwise.
     bool PrepareWholeRanges();
     [[nodiscard]] bool ExecuteWholeRanges(const RunContext& context);
+    [[nodiscard]] bool ExecuteConditions(const RunContext& context);
     // Works out m_direct (the first time the statement runs, when the procedure is complete).
     void PrepareDirect();
     // Reads the Case items of condition (the parser's code over the selector slot) into m_caseTests;
@@ -332,7 +333,8 @@ private:
     std::vector<WholeRange> m_wholeRanges;
     const TypedExpression* m_wholeSelector = nullptr;
     std::vector<CaseTest> m_caseTests;
-    enum class Direct : std::uint8_t { kUntried, kNone, kReady, kWholeRanges };
+    // kConditions: an If whose conditions all have typed forms.
+    enum class Direct : std::uint8_t { kUntried, kNone, kReady, kWholeRanges, kConditions };
     Direct m_direct = Direct::kUntried;
 
     Expression m_selector;
