@@ -237,10 +237,25 @@ bool TreeBuilder::Binary(OperationId op)
     } else if ((leftKind == VT_R8 || IsWhole(leftKind)) && (rightKind == VT_R8 || IsWhole(rightKind))) {
         if (!IsFourRules(op) && !IsComparison(op))
             return false;
-        const RightOperand from = FuseRight(right, true, built);
-        const LeftOperand source = FuseLeft(left, true, built);
-        built.left = source == LeftOperand::kNode ? AsReal(left) : -1;
-        built.right = from == RightOperand::kNode ? AsReal(right) : -1;
+        RightOperand from = FuseRight(right, true, built);
+        LeftOperand source = FuseLeft(left, true, built);
+        // A whole operand is read as a Double by the operation itself: a local in place, another node
+        // through its whole evaluator.
+        if (from == RightOperand::kNode && IsWhole(rightKind)) {
+            const Built& leaf = m_built[right];
+            if (right == static_cast<int>(m_built.size()) - 1 && leaf.leaf == Leaf::kLocal) {
+                built.node.index = leaf.node.index;
+                built.node.variableKind = leaf.node.kind;
+                m_built.pop_back();
+                from = RightOperand::kWholeLocal;
+            } else {
+                from = RightOperand::kWholeNode;
+            }
+        }
+        if (source == LeftOperand::kNode && IsWhole(leftKind))
+            source = LeftOperand::kWholeNode;
+        built.left = source == LeftOperand::kLocal ? -1 : source == LeftOperand::kWholeNode ? left : AsReal(left);
+        built.right = from == RightOperand::kNode ? AsReal(right) : from == RightOperand::kWholeNode ? right : -1;
         if (IsComparison(op)) {
             built.node.whole = RealComparison(op, source, from);
             built.node.kind = VT_BOOL;

@@ -11,8 +11,11 @@ using Op = OperationId;
 
 // ---- Reading variables ----
 
+// Operand readers and operations are always inlined into the node functions: each node is one call.
+#define BRANNOC_INLINE inline __attribute__((always_inline))
+
 // A local variable's cell, by-reference parameters followed.
-inline const VARIANT* LocalCell(const RunContext& context, int index)
+BRANNOC_INLINE const VARIANT* LocalCell(const RunContext& context, int index)
 {
     const VARIANT* cell = static_cast<const VARIANT*>(context.activation->Locals()) + index;
     while (cell->vt == (VT_BYREF | VT_VARIANT))
@@ -21,7 +24,7 @@ inline const VARIANT* LocalCell(const RunContext& context, int index)
 }
 
 template <VARTYPE Kind>
-inline LONG WholeOf(const VARIANT& value)
+BRANNOC_INLINE LONG WholeOf(const VARIANT& value)
 {
     if constexpr (Kind == VT_I4)
         return value.lVal;
@@ -98,7 +101,7 @@ BRANNOC_NODE_CALL bool ElementReal(const TypedNode& node, const RunContext& cont
 // ---- Operands ----
 
 template <LeftOperand Left>
-inline bool LeftWhole(const TypedNode& node, const RunContext& context, LONG& out)
+BRANNOC_INLINE bool LeftWhole(const TypedNode& node, const RunContext& context, LONG& out)
 {
     if constexpr (Left == LeftOperand::kNode) {
         return node.left->whole(*node.left, context, out);
@@ -112,10 +115,16 @@ inline bool LeftWhole(const TypedNode& node, const RunContext& context, LONG& ou
 }
 
 template <LeftOperand Left>
-inline bool LeftReal(const TypedNode& node, const RunContext& context, double& out)
+BRANNOC_INLINE bool LeftReal(const TypedNode& node, const RunContext& context, double& out)
 {
     if constexpr (Left == LeftOperand::kNode) {
         return node.left->real(*node.left, context, out);
+    } else if constexpr (Left == LeftOperand::kWholeNode) {
+        LONG value = 0;
+        if (!node.left->whole(*node.left, context, value))
+            return false;
+        out = value;
+        return true;
     } else {
         const VARIANT* cell = LocalCell(context, node.leftIndex);
         if (cell->vt != VT_R8)
@@ -126,7 +135,7 @@ inline bool LeftReal(const TypedNode& node, const RunContext& context, double& o
 }
 
 template <RightOperand Right>
-inline bool RightWhole(const TypedNode& node, const RunContext& context, LONG& out)
+BRANNOC_INLINE bool RightWhole(const TypedNode& node, const RunContext& context, LONG& out)
 {
     if constexpr (Right == RightOperand::kNode) {
         return node.right->whole(*node.right, context, out);
@@ -143,12 +152,24 @@ inline bool RightWhole(const TypedNode& node, const RunContext& context, LONG& o
 }
 
 template <RightOperand Right>
-inline bool RightReal(const TypedNode& node, const RunContext& context, double& out)
+BRANNOC_INLINE bool RightReal(const TypedNode& node, const RunContext& context, double& out)
 {
     if constexpr (Right == RightOperand::kNode) {
         return node.right->real(*node.right, context, out);
     } else if constexpr (Right == RightOperand::kConstant) {
         out = node.realValue;
+        return true;
+    } else if constexpr (Right == RightOperand::kWholeNode) {
+        LONG value = 0;
+        if (!node.right->whole(*node.right, context, value))
+            return false;
+        out = value;
+        return true;
+    } else if constexpr (Right == RightOperand::kWholeLocal) {
+        const VARIANT* cell = LocalCell(context, node.index);
+        if (cell->vt != node.variableKind)
+            return false;
+        out = node.variableKind == VT_I4 ? cell->lVal : cell->iVal;
         return true;
     } else {
         const VARIANT* cell = LocalCell(context, node.index);
@@ -167,7 +188,7 @@ constexpr LONG kSmallest = Kind == VT_I2 ? SHRT_MIN : LONG_MIN;
 // The operation in kind; comparisons give -1 or 0. False when the result leaves the kind or the divisor
 // is zero.
 template <Op Operation, VARTYPE Kind>
-inline bool ApplyWhole(LONG a, LONG b, LONG& result)
+BRANNOC_INLINE bool ApplyWhole(LONG a, LONG b, LONG& result)
 {
     if constexpr (Operation == Op::kAdd) {
         if (__builtin_add_overflow(a, b, &result))
@@ -260,8 +281,8 @@ WholeEvaluator PickWhole(Op operation, RightOperand right)
     case RightOperand::kNode: return PickWhole<Kind, L, RightOperand::kNode>(operation);
     case RightOperand::kConstant: return PickWhole<Kind, L, RightOperand::kConstant>(operation);
     case RightOperand::kLocal: return PickWhole<Kind, L, RightOperand::kLocal>(operation);
+    default: return nullptr; // the whole-as-Double operands belong to Double operations
     }
-    return nullptr;
 }
 
 template <VARTYPE Kind>
@@ -275,7 +296,7 @@ WholeEvaluator PickWhole(Op operation, LeftOperand left, RightOperand right)
 
 // Arithmetic into a normal result, or a zero that is exact; false otherwise (and for a zero divisor).
 template <Op Operation>
-inline bool ApplyReal(double a, double b, double& result)
+BRANNOC_INLINE bool ApplyReal(double a, double b, double& result)
 {
 #if defined(__SSE2_MATH__)
     // SSE arithmetic rounds each result to double.
@@ -439,6 +460,9 @@ RealEvaluator RealElement() { return &ElementReal; }
 
 WholeEvaluator WholeBinary(OperationId op, VARTYPE kind, LeftOperand left, RightOperand right)
 {
+    // Whole operations read their operands in their own kinds only.
+    if (left == LeftOperand::kWholeNode || right == RightOperand::kWholeNode || right == RightOperand::kWholeLocal)
+        return nullptr;
     switch (kind) {
     case VT_I2: return PickWhole<VT_I2>(op, left, right);
     case VT_I4: return PickWhole<VT_I4>(op, left, right);
@@ -456,6 +480,8 @@ RealEvaluator PickRealArithmetic(OperationId op, RightOperand right)
     case RightOperand::kNode: return PickRealArithmetic<L, RightOperand::kNode>(op);
     case RightOperand::kConstant: return PickRealArithmetic<L, RightOperand::kConstant>(op);
     case RightOperand::kLocal: return PickRealArithmetic<L, RightOperand::kLocal>(op);
+    case RightOperand::kWholeNode: return PickRealArithmetic<L, RightOperand::kWholeNode>(op);
+    case RightOperand::kWholeLocal: return PickRealArithmetic<L, RightOperand::kWholeLocal>(op);
     }
     return nullptr;
 }
@@ -467,6 +493,8 @@ WholeEvaluator PickRealComparison(OperationId op, RightOperand right)
     case RightOperand::kNode: return PickRealComparison<L, RightOperand::kNode>(op);
     case RightOperand::kConstant: return PickRealComparison<L, RightOperand::kConstant>(op);
     case RightOperand::kLocal: return PickRealComparison<L, RightOperand::kLocal>(op);
+    case RightOperand::kWholeNode: return PickRealComparison<L, RightOperand::kWholeNode>(op);
+    case RightOperand::kWholeLocal: return PickRealComparison<L, RightOperand::kWholeLocal>(op);
     }
     return nullptr;
 }
@@ -475,14 +503,20 @@ WholeEvaluator PickRealComparison(OperationId op, RightOperand right)
 
 RealEvaluator RealArithmetic(OperationId op, LeftOperand left, RightOperand right)
 {
-    return left == LeftOperand::kLocal ? PickRealArithmetic<LeftOperand::kLocal>(op, right)
-                                       : PickRealArithmetic<LeftOperand::kNode>(op, right);
+    switch (left) {
+    case LeftOperand::kLocal: return PickRealArithmetic<LeftOperand::kLocal>(op, right);
+    case LeftOperand::kWholeNode: return PickRealArithmetic<LeftOperand::kWholeNode>(op, right);
+    default: return PickRealArithmetic<LeftOperand::kNode>(op, right);
+    }
 }
 
 WholeEvaluator RealComparison(OperationId op, LeftOperand left, RightOperand right)
 {
-    return left == LeftOperand::kLocal ? PickRealComparison<LeftOperand::kLocal>(op, right)
-                                       : PickRealComparison<LeftOperand::kNode>(op, right);
+    switch (left) {
+    case LeftOperand::kLocal: return PickRealComparison<LeftOperand::kLocal>(op, right);
+    case LeftOperand::kWholeNode: return PickRealComparison<LeftOperand::kWholeNode>(op, right);
+    default: return PickRealComparison<LeftOperand::kNode>(op, right);
+    }
 }
 
 WholeEvaluator WholeUnary(OperationId op, VARTYPE kind)

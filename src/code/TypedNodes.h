@@ -19,9 +19,10 @@ using WholeEvaluator = bool(BRANNOC_NODE_CALL*)(const TypedNode& node, const Run
 using RealEvaluator = bool(BRANNOC_NODE_CALL*)(const TypedNode& node, const RunContext& context, double& out);
 
 // Where a binary node's right operand comes from: another node, the node's constant, or a local
-// variable read in place; its left operand: another node or a local variable.
-enum class RightOperand : std::uint8_t { kNode, kConstant, kLocal };
-enum class LeftOperand : std::uint8_t { kNode, kLocal };
+// variable read in place; its left operand: another node or a local variable. Double operations also
+// read a whole-number node (kWholeNode) or local (kWholeLocal) as a Double without a conversion node.
+enum class RightOperand : std::uint8_t { kNode, kConstant, kLocal, kWholeNode, kWholeLocal };
+enum class LeftOperand : std::uint8_t { kNode, kLocal, kWholeNode };
 
 struct TypedNode {
     // The node's result kind: VT_I2, VT_I4 or VT_BOOL (evaluated by `whole`) or VT_R8 (by `real`).

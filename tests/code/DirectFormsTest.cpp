@@ -342,6 +342,35 @@ TEST(DirectForms, MidPartsAppendedAndCompared)
     }));
 }
 
+// Double operations whose whole operands (Integer and Long locals, whole subexpressions, Variants
+// holding whole numbers) are read as Doubles in place: overflowing whole subexpressions, comparisons
+// and Variants that change kind.
+TEST(DirectForms, WholeOperandsReadAsDoubles)
+{
+    ExpectSameRuns(JoinLines({
+        "Sub Main",
+        "    On Error Resume Next",
+        "    Dim i As Integer, l As Long, d As Double, r As Double, b As Boolean, v, w, k As Long",
+        "    d = 0.5: v = 3",
+        "    For k = -3 To 3",
+        "        i = k * 10922: l = k * 715827882: w = k",
+        "        Err.Clear: r = d * 0.5 + l: Debug.Print r; Err.Number",
+        "        Err.Clear: r = (l Mod 7) * 0.5 - i: Debug.Print r; Err.Number",
+        "        Err.Clear: r = i / d + (i + l): Debug.Print r; Err.Number",
+        "        Err.Clear: r = (i * 3) - d * (l \\ 2): Debug.Print r; Err.Number",
+        "        Err.Clear: b = d * 4 < i: Debug.Print b; Err.Number",
+        "        Err.Clear: b = (i + i) >= d - 1: Debug.Print b; Err.Number",
+        "        Err.Clear: If l * 2 > d Then Debug.Print \"gt\"; Err.Number Else Debug.Print \"le\"; Err.Number",
+        "        Err.Clear: v = v * 0.5 + w: Debug.Print v; Err.Number",
+        "        Err.Clear: v = (w And 255) * 1.5 + v: Debug.Print v; Err.Number",
+        "        Err.Clear: d = d + (k Mod 7) * 0.25 + i: Debug.Print d; Err.Number",
+        "        If k = 0 Then w = \"2.5\" Else w = k * 30000",
+        "    Next k",
+        "    Debug.Print \"end\"",
+        "End Sub",
+    }));
+}
+
 // Element stores, appends and call arguments that take typed forms: out-of-range indexes, values that
 // overflow the element kind or need converting, arrays passed by reference, and appended strings.
 TEST(DirectForms, ElementStoresAppendsAndArguments)
