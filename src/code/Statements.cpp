@@ -268,14 +268,27 @@ void AssignElementStatement::PrepareDirect()
     if ((indexKind != VT_I2 && indexKind != VT_I4) || !fits)
         return;
     m_elementKind = kind;
+    // An index that is a local whole variable is read in place.
+    if (index.ops.size() == 1 && index.ops[0].code == ExprOpCode::kLoad && index.ops[0].scope == StorageScope::Local &&
+        !index.ops[0].type.IsVariant())
+        m_localIndex = index.ops[0].index;
     m_direct = Direct::kReady;
 }
 
 bool AssignElementStatement::StoreDirect(const RunContext& context) const
 {
     LONG index = 0;
-    if (!m_index.EvaluateWhole(context, index))
+    if (m_localIndex >= 0) {
+        const VARIANT* cell = FollowByRefChain(static_cast<VARIANT*>(context.activation->Locals()) + m_localIndex);
+        if (cell->vt == VT_I4)
+            index = cell->lVal;
+        else if (cell->vt == VT_I2)
+            index = cell->iVal;
+        else
+            return false;
+    } else if (!m_index.EvaluateWhole(context, index)) {
         return false;
+    }
     VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
     if (!storage)
         return false;

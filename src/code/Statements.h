@@ -103,6 +103,8 @@ private:
     enum class Direct : std::uint8_t { kUntried, kNone, kReady };
     Direct m_direct = Direct::kUntried;
     VARTYPE m_elementKind = VT_EMPTY;
+    // The frame slot of an index that is a local Integer or Long variable, else -1.
+    int m_localIndex = -1;
     TypedExpression m_index;
     TypedExpression m_value;
 };

@@ -154,11 +154,13 @@ bool TreeBuilder::Element(const ExprOp& source)
     built.node.scope = source.scope;
     built.node.index = source.index;
     built.node.module = source.module;
+    // A local index is read by the element node itself.
+    const LeftOperand index = FuseLeft(m_stack[m_depth - 1], false, built);
     if (kind == VT_R8)
-        built.node.real = RealElement();
+        built.node.real = RealElement(index);
     else
-        built.node.whole = WholeElement(kind);
-    built.left = m_stack[m_depth - 1];
+        built.node.whole = WholeElement(kind, index);
+    built.left = index == LeftOperand::kNode ? m_stack[m_depth - 1] : -1;
     m_stack[m_depth - 1] = Push(built);
     return true;
 }

@@ -68,36 +68,6 @@ BRANNOC_NODE_CALL bool ConstantReal(const TypedNode& node, const RunContext&, do
     return true;
 }
 
-template <VARTYPE Kind>
-BRANNOC_NODE_CALL bool ElementWhole(const TypedNode& node, const RunContext& context, LONG& out)
-{
-    LONG index = 0;
-    if (!node.left->whole(*node.left, context, index))
-        return false;
-    VARIANT* storage = StorageOf(context, node.scope, node.index, node.module);
-    const char* element = storage ? ElementOfVector(storage, Kind, index) : nullptr;
-    if (!element)
-        return false;
-    if constexpr (Kind == VT_I4)
-        out = *reinterpret_cast<const LONG*>(element);
-    else
-        out = *reinterpret_cast<const SHORT*>(element);
-    return true;
-}
-
-BRANNOC_NODE_CALL bool ElementReal(const TypedNode& node, const RunContext& context, double& out)
-{
-    LONG index = 0;
-    if (!node.left->whole(*node.left, context, index))
-        return false;
-    VARIANT* storage = StorageOf(context, node.scope, node.index, node.module);
-    const char* element = storage ? ElementOfVector(storage, VT_R8, index) : nullptr;
-    if (!element)
-        return false;
-    out = *reinterpret_cast<const double*>(element);
-    return true;
-}
-
 // ---- Operands ----
 
 template <LeftOperand Left>
@@ -178,6 +148,40 @@ BRANNOC_INLINE bool RightReal(const TypedNode& node, const RunContext& context, 
         out = cell->dblVal;
         return true;
     }
+}
+
+// ---- Array elements ----
+
+// The index comes from another node or, read in place, from a local variable (LeftWhole's operands).
+template <VARTYPE Kind, LeftOperand Index>
+BRANNOC_NODE_CALL bool ElementWhole(const TypedNode& node, const RunContext& context, LONG& out)
+{
+    LONG index = 0;
+    if (!LeftWhole<Index>(node, context, index))
+        return false;
+    VARIANT* storage = StorageOf(context, node.scope, node.index, node.module);
+    const char* element = storage ? ElementOfVector(storage, Kind, index) : nullptr;
+    if (!element)
+        return false;
+    if constexpr (Kind == VT_I4)
+        out = *reinterpret_cast<const LONG*>(element);
+    else
+        out = *reinterpret_cast<const SHORT*>(element);
+    return true;
+}
+
+template <LeftOperand Index>
+BRANNOC_NODE_CALL bool ElementReal(const TypedNode& node, const RunContext& context, double& out)
+{
+    LONG index = 0;
+    if (!LeftWhole<Index>(node, context, index))
+        return false;
+    VARIANT* storage = StorageOf(context, node.scope, node.index, node.module);
+    const char* element = storage ? ElementOfVector(storage, VT_R8, index) : nullptr;
+    if (!element)
+        return false;
+    out = *reinterpret_cast<const double*>(element);
+    return true;
 }
 
 // ---- Whole-number operations ----
@@ -446,17 +450,21 @@ WholeEvaluator WholeVariable(VARTYPE kind, bool local)
 
 RealEvaluator RealVariable(bool local) { return local ? &LoadReal<true> : &LoadReal<false>; }
 
-WholeEvaluator WholeElement(VARTYPE kind)
+WholeEvaluator WholeElement(VARTYPE kind, LeftOperand index)
 {
+    const bool local = index == LeftOperand::kLocal;
     switch (kind) {
-    case VT_I2: return &ElementWhole<VT_I2>;
-    case VT_I4: return &ElementWhole<VT_I4>;
-    case VT_BOOL: return &ElementWhole<VT_BOOL>;
+    case VT_I2: return local ? &ElementWhole<VT_I2, LeftOperand::kLocal> : &ElementWhole<VT_I2, LeftOperand::kNode>;
+    case VT_I4: return local ? &ElementWhole<VT_I4, LeftOperand::kLocal> : &ElementWhole<VT_I4, LeftOperand::kNode>;
+    case VT_BOOL: return local ? &ElementWhole<VT_BOOL, LeftOperand::kLocal> : &ElementWhole<VT_BOOL, LeftOperand::kNode>;
     default: return nullptr;
     }
 }
 
-RealEvaluator RealElement() { return &ElementReal; }
+RealEvaluator RealElement(LeftOperand index)
+{
+    return index == LeftOperand::kLocal ? &ElementReal<LeftOperand::kLocal> : &ElementReal<LeftOperand::kNode>;
+}
 
 WholeEvaluator WholeBinary(OperationId op, VARTYPE kind, LeftOperand left, RightOperand right)
 {

@@ -50,9 +50,10 @@ RealEvaluator RealConstant();
 // A variable holding kind (VT_I2, VT_I4, VT_BOOL; VT_R8 for the real form); local or not.
 WholeEvaluator WholeVariable(VARTYPE kind, bool local);
 RealEvaluator RealVariable(bool local);
-// The element of a one-dimensional array variable of kind at the whole index of `left`.
-WholeEvaluator WholeElement(VARTYPE kind);
-RealEvaluator RealElement();
+// The element of a one-dimensional array variable of kind at the whole index of `left`, or (index
+// kLocal) of the local variable `leftIndex` of kind `leftKind`.
+WholeEvaluator WholeElement(VARTYPE kind, LeftOperand index);
+RealEvaluator RealElement(LeftOperand index);
 
 // Binary nodes: null when the combination has no evaluator. `kind` is the whole kind the operation works
 // in (VT_I2, VT_I4, or VT_BOOL for logic and comparisons of Booleans).

@@ -371,6 +371,35 @@ TEST(DirectForms, WholeOperandsReadAsDoubles)
     }));
 }
 
+// Array elements at indexes that are local variables read in place: Integer and Long locals, by-reference
+// parameters and Variants, inside and outside the bounds, and values that do not fit the element.
+TEST(DirectForms, ElementsAtLocalIndexes)
+{
+    ExpectSameRuns(JoinLines({
+        "Dim m(1 To 4) As Long",
+        "Sub Place(ByRef k As Long, ByRef n As Integer, ByVal x As Double)",
+        "    On Error Resume Next",
+        "    Err.Clear: m(k) = n * 1000: Debug.Print Err.Number",
+        "    Err.Clear: m(n) = m(k) + x: Debug.Print Err.Number",
+        "    Err.Clear: Debug.Print m(k) - m(n); Err.Number",
+        "End Sub",
+        "Sub Main",
+        "    On Error Resume Next",
+        "    Dim d(2) As Double, i As Integer, l As Long, v, t As Long",
+        "    For l = -1 To 5",
+        "        i = 5 - l: v = l",
+        "        Err.Clear: d(i) = l / 4: Debug.Print Err.Number",
+        "        Err.Clear: d(v) = d(i) + i: Debug.Print Err.Number",
+        "        Err.Clear: t = d(l) * 8: Debug.Print t; Err.Number",
+        "        Place l, i, 0.5",
+        "        Place l, i, 1E+300",
+        "    Next l",
+        "    For l = 1 To 4: Debug.Print m(l);: Next l",
+        "    Debug.Print d(0); d(1); d(2)",
+        "End Sub",
+    }));
+}
+
 // Element stores, appends and call arguments that take typed forms: out-of-range indexes, values that
 // overflow the element kind or need converting, arrays passed by reference, and appended strings.
 TEST(DirectForms, ElementStoresAppendsAndArguments)
