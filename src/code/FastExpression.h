@@ -50,6 +50,8 @@ public:
     const TypedExpression* Typed() const noexcept { return m_typed.IsReady() ? &m_typed : nullptr; }
     // The typed form made for the kinds the Variant variables held when it was (last) compiled, or null.
     const TypedExpression* AssumedForm() const noexcept { return m_assumedForm.IsReady() ? &m_assumedForm : nullptr; }
+    // The same form whether or not it is ready now (it is compiled again in place when the kinds change).
+    const TypedExpression& AssumedFormSlot() const noexcept { return m_assumedForm; }
 
     // Evaluates into result (a value that owns nothing). False when it gave up; nothing was changed.
     [[nodiscard]] bool Evaluate(const RunContext& context, VARIANT& result) const;

@@ -72,6 +72,7 @@ void AssignStatement::ChooseDirectStore()
         return;
     if (m_target.type.IsVariant()) {
         m_directStore = DirectStore::kVariant;
+        m_variantForm = m_typed ? m_typed : &fast->AssumedFormSlot();
         m_run = &StoreIntoVariant;
         return;
     }
@@ -129,24 +130,22 @@ bool AssignStatement::StoreDirect(const AssignStatement& self, const RunContext&
 
 bool AssignStatement::StoreIntoVariant(const AssignStatement& self, const RunContext& context)
 {
-    // The typed form of the declared kinds, or the one assumed for the kinds the Variants held last;
-    // when that gives up, the fast expression assumes the kinds they hold now or works on VARIANTs.
-    const FastExpression& fast = *self.m_fast.Compiled();
-    const TypedExpression* form = self.m_typed ? self.m_typed : fast.AssumedForm();
-    if (form) {
-        // A Variant that already holds the kind of the result takes only the new payload.
+    // The typed form of the declared kinds, or the one assumed for the kinds the Variants held last: a
+    // Variant that already holds the kind of its result takes only the new payload.
+    const TypedExpression& form = *self.m_variantForm;
+    if (form.IsReady()) {
         const VariableRef& target = self.m_target;
         VARIANT* cell = StorageOf(context, target.scope, target.index, target.module);
-        if (cell && cell->vt == form->ResultKind()) {
+        if (cell && cell->vt == form.ResultKind()) {
             if (cell->vt == VT_R8) {
                 double real = 0;
-                if (form->EvaluateReal(context, real)) {
+                if (form.EvaluateReal(context, real)) {
                     cell->dblVal = real;
                     return true;
                 }
             } else {
                 LONG whole = 0;
-                if (form->EvaluateWhole(context, whole)) {
+                if (form.EvaluateWhole(context, whole)) {
                     if (cell->vt == VT_I4)
                         cell->lVal = whole;
                     else
@@ -156,6 +155,15 @@ bool AssignStatement::StoreIntoVariant(const AssignStatement& self, const RunCon
             }
         }
     }
+    return StoreIntoVariantOther(self, context);
+}
+
+bool AssignStatement::StoreIntoVariantOther(const AssignStatement& self, const RunContext& context)
+{
+    // Another kind: the form's value through a VARIANT; when the form gives up, the fast expression
+    // assumes the kinds the Variants hold now or works on VARIANTs.
+    const FastExpression& fast = *self.m_fast.Compiled();
+    const TypedExpression* form = self.m_variantForm->IsReady() ? self.m_variantForm : nullptr;
     VARIANT value;
     if (!(form && form->Evaluate(context, value)) && !fast.Evaluate(context, value))
         return false;

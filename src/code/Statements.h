@@ -50,6 +50,8 @@ private:
     template <DirectStore Store>
     [[nodiscard]] static bool StoreDirect(const AssignStatement& self, const RunContext& context);
     [[nodiscard]] static bool StoreIntoVariant(const AssignStatement& self, const RunContext& context);
+    [[nodiscard, gnu::noinline]] static bool StoreIntoVariantOther(const AssignStatement& self,
+                                                                  const RunContext& context);
     // The first run and every statement without a direct store.
     [[nodiscard, gnu::noinline]] bool ExecuteOther();
 
@@ -60,6 +62,8 @@ private:
     const TypedExpression* m_typed = nullptr;
     DirectStore m_directStore = DirectStore::kUntried;
     DirectRun m_run = nullptr;
+    // A Variant target: the typed form of the declared kinds or the fast expression's assumed form.
+    const TypedExpression* m_variantForm = nullptr;
 };
 
 // s = s & value for a String or Variant variable: the value is appended to the variable's string in
