@@ -171,11 +171,10 @@ void* ElementOf(const RunContext& context, VARIANT* storage, int count, VARTYPE&
 [[nodiscard]] bool StoreTypedElement(void* element, VARTYPE tag, TypeCode arrayType, const Variant& value);
 // The array held by a variable's storage (by-reference values followed), or null.
 SAFEARRAY* ArrayOf(VARIANT* storage);
-// The element at index of the one-dimensional array that storage holds, when it holds one with storage
-// and the index lies inside it; null otherwise (nothing raised: the direct forms then give up).
-inline char* ElementOfVector(VARIANT* storage, LONG index)
+// The element at index of a one-dimensional array, when it has storage and the index lies inside it;
+// null otherwise, and for a null array (nothing raised: the direct forms then give up).
+inline char* ElementOfVector(SAFEARRAY* array, LONG index)
 {
-    SAFEARRAY* array = ArrayOf(storage);
     if (!array || array->cDims != 1 || !array->pvData)
         return nullptr;
     const ULONG offset = static_cast<ULONG>(index - array->rgsabound[0].lLbound);
@@ -183,6 +182,8 @@ inline char* ElementOfVector(VARIANT* storage, LONG index)
         return nullptr;
     return static_cast<char*>(array->pvData) + offset * array->cbElements;
 }
+// The same for the array that storage holds.
+inline char* ElementOfVector(VARIANT* storage, LONG index) { return ElementOfVector(ArrayOf(storage), index); }
 
 // The same for an array whose elements must be of kind (VT_I2, VT_I4, ...): null as well when storage
 // holds an array of another kind. Reads the tag once, with no call out of line.
@@ -194,12 +195,7 @@ inline char* ElementOfVector(VARIANT* storage, VARTYPE kind, LONG index)
         array = holder->parray;
     else if (holder->vt == (VT_ARRAY | VT_BYREF | kind) && holder->pparray)
         array = *holder->pparray;
-    if (!array || array->cDims != 1 || !array->pvData)
-        return nullptr;
-    const ULONG offset = static_cast<ULONG>(index - array->rgsabound[0].lLbound);
-    if (offset >= array->rgsabound[0].cElements)
-        return nullptr;
-    return static_cast<char*>(array->pvData) + offset * array->cbElements;
+    return ElementOfVector(array, index);
 }
 
 // Releases what a slot holds and leaves it Empty.

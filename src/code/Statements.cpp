@@ -838,6 +838,23 @@ bool BranchStatement::ExecuteWholeRanges(const RunContext& context)
     return true;
 }
 
+template <typename Test>
+bool BranchStatement::TakeFirstTrue(const RunContext& context, Test test)
+{
+    const int count = static_cast<int>(m_directBranches.size());
+    for (int part = 1; part <= count; ++part) {
+        bool truth = false;
+        if (!test(static_cast<std::size_t>(part - 1), truth))
+            return ExecuteFrom(MakeState(part, 0));
+        if (truth) {
+            Enter(context, part);
+            return true;
+        }
+    }
+    Enter(context, count + 1);
+    return true;
+}
+
 bool BranchStatement::ExecuteDirect(const RunContext& context)
 {
     // The selector of Select Case is kept in its slot (the general code of a later condition reads it
@@ -861,45 +878,25 @@ bool BranchStatement::ExecuteDirect(const RunContext& context)
         default: break;
         }
     }
-    const int count = static_cast<int>(m_directBranches.size());
-    for (int part = 1; part <= count; ++part) {
-        const std::size_t index = static_cast<std::size_t>(part - 1);
+    return TakeFirstTrue(context, [&](std::size_t index, bool& truth) {
         const DirectBranch& branch = m_directBranches[index];
-        bool truth = false;
         if (branch.testCount != 0 && numeric) {
             truth = MatchesCase(branch, isWhole, whole, real);
-        } else if (branch.condition) {
-            if (!branch.condition->EvaluateCondition(context, truth))
-                return ExecuteFrom(MakeState(part, 0));
-        } else {
-            const FastExpression* fast = m_fastConditions[index].Get(m_conditions[index], context.procedure);
-            if (!fast || !fast->EvaluateCondition(context, truth))
-                return ExecuteFrom(MakeState(part, 0));
-        }
-        if (truth) {
-            Enter(context, part);
             return true;
         }
-    }
-    Enter(context, count + 1);
-    return true;
+        if (branch.condition)
+            return branch.condition->EvaluateCondition(context, truth);
+        const FastExpression* fast = m_fastConditions[index].Get(m_conditions[index], context.procedure);
+        return fast && fast->EvaluateCondition(context, truth);
+    });
 }
 
 bool BranchStatement::ExecuteConditions(const RunContext& context)
 {
-    const int count = static_cast<int>(m_directBranches.size());
-    const DirectBranch* branch = m_directBranches.data();
-    for (int part = 1; part <= count; ++part, ++branch) {
-        bool truth = false;
-        if (!branch->condition->EvaluateCondition(context, truth))
-            return ExecuteFrom(MakeState(part, 0));
-        if (truth) {
-            Enter(context, part);
-            return true;
-        }
-    }
-    Enter(context, count + 1);
-    return true;
+    const DirectBranch* branches = m_directBranches.data();
+    return TakeFirstTrue(context, [branches, &context](std::size_t index, bool& truth) {
+        return branches[index].condition->EvaluateCondition(context, truth);
+    });
 }
 
 bool BranchStatement::Execute()

@@ -324,6 +324,10 @@ private:
     bool PrepareWholeRanges();
     [[nodiscard]] bool ExecuteWholeRanges(const RunContext& context);
     [[nodiscard]] bool ExecuteConditions(const RunContext& context);
+    // Tries the branches in order with test(branch index, truth), which answers false when it gave up
+    // (the general code then runs from that branch); takes the first true one, or the Else part.
+    template <typename Test>
+    [[nodiscard]] bool TakeFirstTrue(const RunContext& context, Test test);
     // Works out m_direct (the first time the statement runs, when the procedure is complete).
     void PrepareDirect();
     // Reads the Case items of condition (the parser's code over the selector slot) into m_caseTests;

@@ -102,15 +102,7 @@ bool SliceComparison::EvaluateCondition(const RunContext& context, bool& truth) 
     std::wstring_view part;
     if (!m_slice.Evaluate(context, part))
         return false;
-    const int order = part.compare(m_constant);
-    switch (m_op) {
-    case OperationId::kEqual: truth = order == 0; break;
-    case OperationId::kNotEqual: truth = order != 0; break;
-    case OperationId::kLess: truth = order < 0; break;
-    case OperationId::kLessEqual: truth = order <= 0; break;
-    case OperationId::kGreater: truth = order > 0; break;
-    default: truth = order >= 0; break;
-    }
+    truth = OrderHolds(m_op, part.compare(m_constant));
     return true;
 }
 

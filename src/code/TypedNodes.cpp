@@ -152,15 +152,22 @@ BRANNOC_INLINE bool RightReal(const TypedNode& node, const RunContext& context, 
 
 // ---- Array elements ----
 
-// The index comes from another node or, read in place, from a local variable (LeftWhole's operands).
-template <VARTYPE Kind, LeftOperand Index>
-BRANNOC_NODE_CALL bool ElementWhole(const TypedNode& node, const RunContext& context, LONG& out)
+// The element of the node's array variable (elements of kind) at the index that comes from another node
+// or, read in place, from a local variable (LeftWhole's operands); null when the form gives up.
+template <LeftOperand Index>
+BRANNOC_INLINE const char* ElementOfNode(const TypedNode& node, const RunContext& context, VARTYPE kind)
 {
     LONG index = 0;
     if (!LeftWhole<Index>(node, context, index))
-        return false;
+        return nullptr;
     VARIANT* storage = StorageOf(context, node.scope, node.index, node.module);
-    const char* element = storage ? ElementOfVector(storage, Kind, index) : nullptr;
+    return storage ? ElementOfVector(storage, kind, index) : nullptr;
+}
+
+template <VARTYPE Kind, LeftOperand Index>
+BRANNOC_NODE_CALL bool ElementWhole(const TypedNode& node, const RunContext& context, LONG& out)
+{
+    const char* element = ElementOfNode<Index>(node, context, Kind);
     if (!element)
         return false;
     if constexpr (Kind == VT_I4)
@@ -173,11 +180,7 @@ BRANNOC_NODE_CALL bool ElementWhole(const TypedNode& node, const RunContext& con
 template <LeftOperand Index>
 BRANNOC_NODE_CALL bool ElementReal(const TypedNode& node, const RunContext& context, double& out)
 {
-    LONG index = 0;
-    if (!LeftWhole<Index>(node, context, index))
-        return false;
-    VARIANT* storage = StorageOf(context, node.scope, node.index, node.module);
-    const char* element = storage ? ElementOfVector(storage, VT_R8, index) : nullptr;
+    const char* element = ElementOfNode<Index>(node, context, VT_R8);
     if (!element)
         return false;
     out = *reinterpret_cast<const double*>(element);

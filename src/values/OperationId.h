@@ -44,5 +44,19 @@ constexpr bool IsComparison(OperationId op) { return op >= OperationId::kEqual &
 constexpr bool IsLogic(OperationId op) { return op >= OperationId::kAnd && op <= OperationId::kImp; }
 constexpr bool IsArithmetic(OperationId op) { return op <= OperationId::kSubtract; }
 constexpr bool IsUnary(OperationId op) { return op >= OperationId::kNegate; }
+// Whether the comparison op holds for two values whose order is `order` (negative: the left one is less,
+// 0: equal, positive: greater); false for operations that are not comparisons.
+constexpr bool OrderHolds(OperationId op, int order)
+{
+    switch (op) {
+    case OperationId::kEqual: return order == 0;
+    case OperationId::kNotEqual: return order != 0;
+    case OperationId::kLess: return order < 0;
+    case OperationId::kLessEqual: return order <= 0;
+    case OperationId::kGreater: return order > 0;
+    case OperationId::kGreaterEqual: return order >= 0;
+    default: return false;
+    }
+}
 
 } // namespace brannoc

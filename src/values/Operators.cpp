@@ -109,17 +109,7 @@ bool FailWithZero(Variant& left, VARTYPE kind, long number)
 
 bool CompareResult(OperationId op, int order, Variant& left)
 {
-    bool result = false;
-    switch (op) {
-    case OperationId::kEqual: result = order == 0; break;
-    case OperationId::kNotEqual: result = order != 0; break;
-    case OperationId::kLess: result = order < 0; break;
-    case OperationId::kLessEqual: result = order <= 0; break;
-    case OperationId::kGreater: result = order > 0; break;
-    case OperationId::kGreaterEqual: result = order >= 0; break;
-    default: break;
-    }
-    left.SetBoolean(result);
+    left.SetBoolean(OrderHolds(op, order));
     return true;
 }
 

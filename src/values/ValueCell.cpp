@@ -99,17 +99,7 @@ public:
 private:
     static void StoreStringComparison(OperationId op, Variant& left, const Variant& right)
     {
-        int order = left.StringView().compare(right.StringView());
-        bool result = false;
-        switch (op) {
-        case OperationId::kEqual: result = order == 0; break;
-        case OperationId::kNotEqual: result = order != 0; break;
-        case OperationId::kLess: result = order < 0; break;
-        case OperationId::kLessEqual: result = order <= 0; break;
-        case OperationId::kGreater: result = order > 0; break;
-        default: result = order >= 0; break;
-        }
-        left.SetBoolean(result);
+        left.SetBoolean(OrderHolds(op, left.StringView().compare(right.StringView())));
     }
 };
 
