@@ -20,6 +20,10 @@ void ReleaseValue(VARIANT& value) noexcept
                 (void)record->RecordDestroy(value.pvRecord);
             record->Release();
         }
+    } else if (tag == VT_DISPATCH || tag == VT_UNKNOWN) {
+        // An object reference: what VariantClear does, without the trip through the platform.
+        if (value.punkVal)
+            value.punkVal->Release();
     } else {
         VariantClear(&value);
     }
@@ -51,6 +55,13 @@ bool CopyValue(VARIANT& target, const VARIANT& source)
         target.vt = VT_RECORD;
         target.pvRecord = copy;
         target.pRecInfo = record;
+        return true;
+    }
+    if (tag == VT_DISPATCH || tag == VT_UNKNOWN) {
+        // An object reference: what VariantCopy does, without the trip through the platform.
+        target = source;
+        if (target.punkVal)
+            target.punkVal->AddRef();
         return true;
     }
     return SUCCEEDED(VariantCopy(&target, const_cast<VARIANT*>(&source)));
@@ -203,6 +214,18 @@ bool Variant::CopyIndirectFrom(const VARIANT& source)
         if (end != &m_value) {
             Clear();
             m_value = *end;
+        }
+        return true;
+    }
+    if (end->vt == VT_DISPATCH || end->vt == VT_UNKNOWN) {
+        // An object reference (the object of a member call): one more reference, taken before the
+        // previous contents go.
+        if (end != &m_value) {
+            VARIANT copy = *end;
+            if (copy.punkVal)
+                copy.punkVal->AddRef();
+            Clear();
+            m_value = copy;
         }
         return true;
     }
