@@ -698,6 +698,22 @@ void CompiledProcedure::PrepareInitialSlots()
         m_perCallSlots[i] = 1;
         m_plainFrame = false;
     }
+    if (!m_plainFrame) {
+        SetLayout(FrameLayout{});
+        return;
+    }
+    m_bindings.clear();
+    for (const ParameterInfo& parameter : m_parameters)
+        m_bindings.push_back(ParameterBinding{parameter.storageTag, parameter.byVal});
+    FrameLayout layout;
+    layout.image = m_initialSlots.data();
+    layout.bindings = m_bindings.data();
+    layout.ownerSlots = m_ownerSlots.data();
+    layout.ownerCount = static_cast<int>(m_ownerSlots.size());
+    layout.slotCount = static_cast<int>(m_slotTypes.size());
+    layout.parameterCount = static_cast<int>(m_parameters.size());
+    layout.resultSlot = m_resultSlot;
+    SetLayout(layout);
 }
 
 // Frames are small: a loop of slot copies costs less than a call of the library's memcpy.
@@ -770,24 +786,10 @@ bool BindRecord(const ParameterInfo& parameter, VARIANT& slot, Variant& argument
 
 namespace {
 
-// The bindings that need no conversion: a number, date or Boolean of the parameter's own kind given by
-// value (the copy is the value), and a variable of the parameter's own kind (not a record) by reference
-// (the parameter is that variable's cell). False, and nothing done, otherwise.
+// The bindings that need no conversion (see the quick call path's BindDirectly).
 inline bool BindDirectly(const ParameterInfo& parameter, VARIANT& slot, const VARIANT& given)
 {
-    const VARTYPE tag = parameter.storageTag;
-    if (parameter.byVal) {
-        if (given.vt != tag || !OwnsNothing(tag))
-            return false;
-        slot = given;
-        return true;
-    }
-    if (given.vt != (VT_BYREF | tag) || tag == VT_RECORD)
-        return false;
-    slot.vt = kReferenceTag;
-    slot.pvarVal = tag == VT_VARIANT ? given.pvarVal
-                                     : reinterpret_cast<VARIANT*>(static_cast<char*>(given.byref) - kPayloadOffset);
-    return true;
+    return brannoc::BindDirectly(ParameterBinding{parameter.storageTag, parameter.byVal}, slot, given);
 }
 
 } // namespace
@@ -876,6 +878,8 @@ void CompiledProcedure::ClearLocals(void* frame)
 
 int CompiledProcedure::AddSlot(TypeCode type, RecordType* record)
 {
+    // The image is made again for the new frame before the next call.
+    SetLayout(FrameLayout{});
     m_slotTypes.push_back(type);
     m_slotBounds.emplace_back();
     if (record)

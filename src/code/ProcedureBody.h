@@ -26,8 +26,6 @@
 
 namespace brannoc {
 
-// Status of the placeholder a Function's caller pushes for the result.
-constexpr SCODE kResultSlotStatus = static_cast<SCODE>(0x8004FFFE);
 
 class Activation;
 struct BuiltinCall;
@@ -305,8 +303,13 @@ public:
     {
         parameter.storageTag = StorageTag(parameter.type);
         m_parameters.push_back(std::move(parameter));
+        SetLayout(FrameLayout{});
     }
-    void SetResultSlot(int slot) { m_resultSlot = slot; }
+    void SetResultSlot(int slot)
+    {
+        m_resultSlot = slot;
+        SetLayout(FrameLayout{});
+    }
     // Takes ownership of statement and appends it to the statement vector.
     Statement* Append(std::unique_ptr<Statement> statement);
     void AppendShared(Statement* statement)
@@ -330,8 +333,12 @@ public:
 
 private:
     // Points the interpreter's table at the vectors (after each append, which may move them).
-    void PublishTable() noexcept { SetTable(StatementTable{m_statements.data(), m_emptyFlags.data()}); }
-    // Builds the image of a fresh frame that InitializeLocals copies (after the last slot was added).
+    void PublishTable() noexcept
+    {
+        SetTable(StatementTable{m_statements.data(), m_emptyFlags.data(), static_cast<int>(m_statements.size()) - 1});
+    }
+    // Builds the image of a fresh frame that InitializeLocals copies (after the last slot was added), and
+    // publishes the quick call path's layout when the image is the whole fresh frame.
     void PrepareInitialSlots();
 
     Procedure* m_procedure;
@@ -348,6 +355,8 @@ private:
     // The slots that can come to own something (all but those of numeric, date and Boolean types, which
     // hold their own kind or a reference): the only ones a frame's end looks at.
     std::vector<int> m_ownerSlots;
+    // The parameters' common bindings, for the quick call path's layout.
+    std::vector<ParameterBinding> m_bindings;
     // No local needs more than the copy of m_initialSlots.
     bool m_plainFrame = true;
     std::vector<RecordTypeRef> m_slotRecords;

@@ -20,7 +20,10 @@ void Activation::End()
         interpreter.UnlinkEntry(*this);
     interpreter.m_values.CutBack(m_valueStackBase);
     if (m_locals) {
-        m_procedure->ClearLocals(m_locals);
+        if (m_procedure->Layout().image)
+            EndFrame(interpreter);
+        else
+            m_procedure->ClearLocals(m_locals);
         m_locals = nullptr;
     }
     if (m_popArguments) {
@@ -34,6 +37,33 @@ void Activation::End()
     if (ModuleInstance* instance = m_instance) {
         m_instance = nullptr;
         instance->EndUse();
+    }
+}
+
+void Activation::EndFrame(Interpreter& interpreter)
+{
+    const FrameLayout& layout = m_procedure->Layout();
+    auto* slots = static_cast<VARIANT*>(m_locals);
+    if (layout.resultSlot >= 0) {
+        // The caller pushed the result slot below the arguments; the stack is back at that height. The
+        // placeholder owns nothing: the result moves over it.
+        ValueStack& values = interpreter.m_values;
+        const auto below = static_cast<std::size_t>(layout.parameterCount) + 1;
+        if (values.Size() >= below) {
+            VARIANT& target = values.At(values.Size() - below).Raw();
+            if (target.vt == VT_ERROR && target.scode == kResultSlotStatus) {
+                target = slots[layout.resultSlot];
+                slots[layout.resultSlot].vt = VT_EMPTY;
+            }
+        }
+    }
+    // References and values that own nothing need no release; the frame's memory is reused as it is.
+    for (int i = 0; i < layout.ownerCount; ++i) {
+        VARIANT& slot = slots[layout.ownerSlots[i]];
+        if (!OwnsNothing(slot.vt)) {
+            Variant owner;
+            owner.Attach(slot);
+        }
     }
 }
 
@@ -57,26 +87,52 @@ bool Activation::Step(ExecEntry& entry)
         if (interpreter.m_exec.Size() == 2)
             interpreter.m_stepCounter = 2;
     }
-    const int last = m_procedure->LastStatementIndex();
     const StatementTable& table = m_procedure->Table();
-    while (m_nextIndex <= last) {
-        m_currentIndex = m_nextIndex;
-        const bool empty = table.empty ? table.empty[m_currentIndex] != 0 : m_procedure->IsEmptyStatement(m_currentIndex);
-        if (empty) {
-            ++m_nextIndex;
+    if (!table.statements)
+        return StepThroughProcedure(entry);
+    Node* const* statements = table.statements;
+    const std::uint8_t* empty = table.empty;
+    const int last = table.last;
+    int next = m_nextIndex;
+    while (next <= last) {
+        m_currentIndex = next;
+        if (empty[next]) {
+            m_nextIndex = ++next;
             continue;
         }
         // The same statement is tried again on the next step.
         if (interpreter.BreakTestStops())
             return false;
-        Node* statement = table.statements ? table.statements[m_currentIndex] : m_procedure->StatementAt(m_currentIndex);
+        m_nextIndex = next + 1;
+        if (!statements[next]->Execute())
+            return false;
+        // A request recorded while the statement ran is carried out before the next one.
+        if (HaltFlags::Any() || interpreter.YieldDue())
+            return false;
+        // The statement may have moved the execution point.
+        next = m_nextIndex;
+    }
+    entry.state = ExecEntry::kFinished;
+    return !HaltFlags::Any();
+}
+
+bool Activation::StepThroughProcedure(ExecEntry& entry)
+{
+    Interpreter& interpreter = *m_interpreter;
+    const int last = m_procedure->LastStatementIndex();
+    while (m_nextIndex <= last) {
+        m_currentIndex = m_nextIndex;
+        if (m_procedure->IsEmptyStatement(m_currentIndex)) {
+            ++m_nextIndex;
+            continue;
+        }
+        if (interpreter.BreakTestStops())
+            return false;
+        Node* statement = m_procedure->StatementAt(m_currentIndex);
         ++m_nextIndex;
         if (!statement->Execute())
             return false;
-        // A request recorded while the statement ran is carried out before the next one.
-        if (HaltFlags::Any())
-            return false;
-        if (interpreter.YieldDue())
+        if (HaltFlags::Any() || interpreter.YieldDue())
             return false;
     }
     entry.state = ExecEntry::kFinished;

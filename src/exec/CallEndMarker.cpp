@@ -4,11 +4,7 @@
 
 namespace brannoc {
 
-CallEndMarker& CallEndMarker::Instance() noexcept
-{
-    static CallEndMarker s_instance;
-    return s_instance;
-}
+CallEndMarker CallEndMarker::s_instance;
 
 void CallEndMarker::Release()
 {

@@ -7,13 +7,15 @@ namespace brannoc {
 
 class CallEndMarker final : public Node {
 public:
-    static CallEndMarker& Instance() noexcept;
+    static CallEndMarker& Instance() noexcept { return s_instance; }
 
     void Release() override;
     [[nodiscard]] bool Step(ExecEntry& entry) override;
 
 private:
     CallEndMarker() = default;
+
+    static CallEndMarker s_instance;
 };
 
 } // namespace brannoc

@@ -269,7 +269,10 @@ Activation* Interpreter::BeginCall(ProcedureCode& procedure, ActivationKind kind
     }
 
     bool bound = true;
-    if (const std::size_t frameSize = procedure.FrameSize(); frameSize > 0) {
+    const FrameLayout& layout = procedure.Layout();
+    const std::size_t frameSize =
+        layout.image ? static_cast<std::size_t>(layout.slotCount) * sizeof(VARIANT) : procedure.FrameSize();
+    if (frameSize > 0) {
         // The activation keeps its frame block between calls; a smaller one goes back to the pool.
         if (activation->m_frameCapacity < frameSize) {
             m_frames.Free(activation->m_frameBlock);
@@ -280,6 +283,8 @@ Activation* Interpreter::BeginCall(ProcedureCode& procedure, ActivationKind kind
         activation->m_localSize = frameSize;
         if (!activation->m_locals) {
             bound = RaiseOutOfMemory();
+        } else if (layout.image) {
+            bound = SetUpFrame(procedure, layout, static_cast<VARIANT*>(activation->m_locals));
         } else if (!procedure.InitializeLocals(activation->m_locals)) {
             bound = false;
         } else {
@@ -299,6 +304,38 @@ Activation* Interpreter::BeginCall(ProcedureCode& procedure, ActivationKind kind
         return nullptr;
     }
     return activation;
+}
+
+bool Interpreter::SetUpFrame(ProcedureCode& procedure, const FrameLayout& layout, VARIANT* slots)
+{
+    const int count = layout.parameterCount;
+    // Frames are small: a loop of slot copies costs less than a call of the library's memcpy.
+    for (int i = count; i < layout.slotCount; ++i)
+        slots[i] = layout.image[i];
+    if (count == 0)
+        return true;
+    const std::size_t size = m_values.Size();
+    if (static_cast<std::size_t>(count) > size) {
+        for (int i = 0; i < count; ++i)
+            slots[i].vt = VT_EMPTY;
+        return SignalError(10019);
+    }
+    // Parameter i binds the entry at size - count + i: the first one the deepest argument.
+    Variant* arguments = &m_values.At(size - static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i) {
+        if (BindDirectly(layout.bindings[i], slots[i], arguments[i].Raw()))
+            continue;
+        // A conversion, a default or a record: the procedure binds the rest, with the parameters it has
+        // not reached yet Empty (so that ending the call after a failure finds nothing to release).
+        for (int j = i; j < count; ++j)
+            slots[j].vt = VT_EMPTY;
+        for (; i < count; ++i) {
+            if (!procedure.BindParameter(i, slots, arguments[i]))
+                return false;
+        }
+        return true;
+    }
+    return true;
 }
 
 void Interpreter::QueueCall(Activation& activation)

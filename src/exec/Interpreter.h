@@ -22,6 +22,7 @@ namespace brannoc {
 
 class ProcedureCode;
 class ModuleInstance;
+struct FrameLayout;
 
 class Interpreter final {
 public:
@@ -222,6 +223,9 @@ private:
     // error (the call never started).
     [[nodiscard]] Activation* BeginCall(ProcedureCode& procedure, ActivationKind kind, ModuleInstance* instance,
                                         bool popArguments);
+    // Sets up a frame from the procedure's layout: the image copied, the parameters bound (directly where
+    // they can be, else by the procedure). False after raising an error.
+    [[nodiscard]] bool SetUpFrame(ProcedureCode& procedure, const FrameLayout& layout, VARIANT* slots);
     // Pushes a begun call on the pending stack, the call-end marker after it.
     void QueueCall(Activation& activation);
     // QueueCall for CallFromCode: kFailed when an error is pending afterwards, else kWaiting.

@@ -9,11 +9,61 @@
 
 namespace brannoc {
 
+// Status of the placeholder a Function's caller pushes for the result.
+constexpr SCODE kResultSlotStatus = static_cast<SCODE>(0x8004FFFE);
+
 // A procedure's statement vector laid out for the interpreter's statement loop: entry i and whether it
 // is empty, read without a virtual call per statement.
 struct StatementTable {
     Node* const* statements = nullptr;
     const std::uint8_t* empty = nullptr;
+    // Index of the last entry.
+    int last = -1;
+};
+
+// How one parameter binds in the common case: a value of the parameter's own storage kind by value
+// (when that kind owns nothing), or a reference to a variable of that kind.
+struct ParameterBinding {
+    VARTYPE tag = VT_EMPTY;
+    bool byVal = false;
+};
+
+// Binds a parameter slot in the common case: a number, date or Boolean of the parameter's own kind given
+// by value (the copy is the value), or a variable of the parameter's own kind (not a record) by reference
+// (the slot refers to that variable's cell). False, and nothing done, otherwise.
+inline bool BindDirectly(const ParameterBinding& binding, VARIANT& slot, const VARIANT& given)
+{
+    // Offset of the payload inside a VARIANT (where typed references point).
+    constexpr std::size_t kPayloadOffset = 8;
+    const VARTYPE tag = binding.tag;
+    if (binding.byVal) {
+        if (given.vt != tag || !OwnsNothing(tag))
+            return false;
+        slot = given;
+        return true;
+    }
+    if (given.vt != (VT_BYREF | tag) || tag == VT_RECORD)
+        return false;
+    slot.vt = VT_BYREF | VT_VARIANT;
+    slot.pvarVal = tag == VT_VARIANT ? given.pvarVal
+                                     : reinterpret_cast<VARIANT*>(static_cast<char*>(given.byref) - kPayloadOffset);
+    return true;
+}
+
+// The frame of a procedure laid out for the interpreter's quick call path, published by procedures
+// whose fresh frame is a fixed image: the interpreter copies the image, binds the parameters and ends
+// the call without the virtual operations below. `image` is null while a procedure has no such layout
+// (its calls then take the virtual operations).
+struct FrameLayout {
+    const VARIANT* image = nullptr;
+    const ParameterBinding* bindings = nullptr;
+    // Slots that may come to own something and are cleared when the call ends.
+    const int* ownerSlots = nullptr;
+    int ownerCount = 0;
+    int slotCount = 0;
+    int parameterCount = 0;
+    // The slot of a Function's result, or -1.
+    int resultSlot = -1;
 };
 
 class ProcedureCode : public Node {
@@ -22,6 +72,8 @@ public:
     // StatementAt and IsEmptyStatement. A table stays valid while the procedure exists and is not
     // being built; replacing a statement (breakpoints) changes its entry in place.
     const StatementTable& Table() const noexcept { return m_table; }
+    // The quick call path's frame layout (image null: none).
+    const FrameLayout& Layout() const noexcept { return m_layout; }
 
     // Calls the procedure through the current interpreter (an ordinary call, variant B) and yields.
     [[nodiscard]] bool Execute() override;
@@ -49,9 +101,11 @@ public:
 
 protected:
     void SetTable(const StatementTable& table) noexcept { m_table = table; }
+    void SetLayout(const FrameLayout& layout) noexcept { m_layout = layout; }
 
 private:
     StatementTable m_table;
+    FrameLayout m_layout;
 };
 
 } // namespace brannoc
