@@ -279,10 +279,15 @@ bool BodyParser::ParseNumber(Expression& out)
     const char* end = m_lexer.TokenEnd();
     Variant value;
     if (!text.empty() && text[0] == '&') {
-        if (!value.SetString(Widen(text)) || !StringToNumber(value)) {
+        const std::optional<RadixLiteral> literal = ReadRadixLiteral(text, *end == '&');
+        if (!literal) {
             m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
             return false;
         }
+        if (literal->isInteger)
+            value.SetInteger(static_cast<SHORT>(literal->value));
+        else
+            value.SetLong(literal->value);
     } else if (text.find_first_of(".EeDd") != std::string::npos) {
         std::string normal = text;
         for (char& c : normal) {
