@@ -23,6 +23,7 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
         OperationId op;
         int precedence;
         bool unary;
+        const char* position;
     };
     Pending stack[64];
     int depth = 0;
@@ -37,7 +38,7 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
                 op.op = top.op;
                 out.ops.push_back(op);
             } else {
-                AppendBinary(out, top.op);
+                AppendBinary(out, top.op, top.position);
             }
         }
     };
@@ -65,7 +66,7 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
             if (unary == Token::Plus)
                 continue;
             stack[depth++] = Pending{unary == Token::Minus ? OperationId::kNegate : OperationId::kNot,
-                                     unary == Token::Minus ? 900 : 190, true};
+                                     unary == Token::Minus ? 900 : 190, true, nullptr};
             first = false;
         }
         if (!ParseFactor(out, &simple))
@@ -85,7 +86,7 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
             m_lexer.SignalError(CompileMessage::ExpectingASimpleExpression);
             return false;
         }
-        stack[depth++] = Pending{binary->op, binary->precedence, false};
+        stack[depth++] = Pending{binary->op, binary->precedence, false, m_lexer.TokenStart()};
         m_lexer.NextToken();
         const Token next = m_lexer.Kind();
         if (next == Token::EndOfLine || next == Token::Apostrophe || next == Token::Colon ||
@@ -249,21 +250,40 @@ bool BodyParser::EvaluateConstant(const Expression& code, Variant& result)
     return true;
 }
 
-// Appends a binary operator, folding it at once when both operands are constants.
-void BodyParser::AppendBinary(Expression& out, OperationId op)
+namespace {
+
+// The first error raised while an operator is folded.
+long s_foldError = 0;
+void RecordFoldError(long number)
+{
+    if (s_foldError == 0)
+        s_foldError = number;
+}
+
+} // namespace
+
+void BodyParser::AppendBinary(Expression& out, OperationId op, const char* position)
 {
     const std::size_t size = out.ops.size();
     if (size >= 2 && out.ops[size - 2].code == ExprOpCode::kConstant && out.ops[size - 1].code == ExprOpCode::kConstant) {
         Variant left(m_code->ConstantAt(out.ops[size - 2].index));
         const Variant& right = m_code->ConstantAt(out.ops[size - 1].index);
-        // Folding errors are left to run time, where they raise with the statement's location.
-        const RaiseFn previous = SetRaiseHandler(nullptr);
+        s_foldError = 0;
+        const RaiseFn previous = SetRaiseHandler(&RecordFoldError);
         const bool folded = ApplyBinary(op, left, right);
         (void)SetRaiseHandler(previous);
         if (folded) {
             out.ops.resize(size - 2);
             AppendConstant(out, std::move(left));
             return;
+        }
+        // The same operation would fail each time the statement runs ("Divide by zero.", "Type mismatch.").
+        if (s_foldError != 0) {
+            const auto message = static_cast<CompileMessage>(s_foldError);
+            if (position)
+                m_lexer.SignalErrorAt(message, {}, position);
+            else
+                m_lexer.SignalError(message);
         }
     }
     ExprOp entry{ExprOpCode::kBinary};

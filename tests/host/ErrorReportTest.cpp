@@ -153,7 +153,7 @@ TEST(DefaultErrorBox, AnUntrappedErrorShowsTheLocationAndDescription)
     wchar_t path[MAX_PATH];
     ASSERT_NE(0u, GetTempPathW(MAX_PATH, folder));
     ASSERT_NE(0u, GetTempFileNameW(folder, L"bbe", 0, path));
-    const char text[] = "Sub Main\r\n    Dim x As Integer\r\n    x = 1 \\ 0\r\nEnd Sub\r\n";
+    const char text[] = "Sub Main\r\n    Dim x As Integer, zero As Integer\r\n    x = 1 \\ zero\r\nEnd Sub\r\n";
     HANDLE file = CreateFileW(path, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
     ASSERT_NE(INVALID_HANDLE_VALUE, file);
     DWORD written = 0;
@@ -174,7 +174,7 @@ TEST(DefaultErrorBox, AnUntrappedErrorShowsTheLocationAndDescription)
         std::vector<brannoc::test::CapturedMessageBox> boxes = capture.Boxes();
         ASSERT_EQ(1u, boxes.size());
         EXPECT_EQ(L"Error", boxes[0].caption);
-        EXPECT_EQ(L"[" + macroName + L"#3]     x = 1 \\ 0\nDivide by zero.", boxes[0].text);
+        EXPECT_EQ(L"[" + macroName + L"#3]     x = 1 \\ zero\nDivide by zero.", boxes[0].text);
         EXPECT_EQ(static_cast<UINT>(MB_OK), boxes[0].buttons);
         VARIANT_BOOL idle = VARIANT_FALSE;
         unit->HaltAll(&idle);
