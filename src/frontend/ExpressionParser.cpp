@@ -129,6 +129,7 @@ bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
         case ExprOpCode::kErrProperty:
         case ExprOpCode::kLoadNew:
         case ExprOpCode::kMe:
+        case ExprOpCode::kDefaultObject:
         case ExprOpCode::kWithObject: types.push_back(op.type); break;
         case ExprOpCode::kLoadPath:
         case ExprOpCode::kRefPath:
@@ -520,6 +521,18 @@ bool BodyParser::ParseNameValue(Expression& out, bool* simpleVariable)
         // The language's own constants, unless the macro declared the name.
         if (ConstantValue language; found == m_state.names.end() && FindLanguageConstant(key, language)) {
             AppendConstant(out, FromConstant(language));
+            return true;
+        }
+    }
+    // The name of an object module that this module reaches: its default instance.
+    if (!local && suffix == TypeCode() && m_state.names.count(key) == 0) {
+        if (const Module* objectModule = FindClassModule(name); objectModule && objectModule->Kind() == ModuleKind::Object) {
+            ExprOp instance{ExprOpCode::kDefaultObject};
+            instance.module = objectModule;
+            instance.type = TypeCode(TypeCode::kObject);
+            out.ops.push_back(instance);
+            out.type = instance.type;
+            m_factorClass = objectModule;
             return true;
         }
     }

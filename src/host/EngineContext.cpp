@@ -320,14 +320,18 @@ void EngineContext::DebugPrint(const std::wstring& text)
 bool EngineContext::NewInstance(const Module& module, Variant& result)
 {
     // The compiled module is shared; the instance only reads it.
-    std::unique_ptr<ModuleInstance> instance = m_modules.CreateInstance(const_cast<Module&>(module));
-    if (!instance)
+    IDispatch* object = m_modules.NewObject(const_cast<Module&>(module));
+    if (!object)
         return false;
-    auto* object = new (std::nothrow) ClassObject(m_modules, std::move(instance));
-    if (!object) {
-        (void)m_interpreter.RaiseOutOfMemory();
+    result.SetObject(object, false);
+    return true;
+}
+
+bool EngineContext::DefaultObject(const Module& module, Variant& result)
+{
+    IDispatch* object = m_modules.DefaultObject(const_cast<Module&>(module));
+    if (!object)
         return false;
-    }
     result.SetObject(object, false);
     return true;
 }

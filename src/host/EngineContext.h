@@ -91,6 +91,7 @@ public:
     // Output of Debug.Print: the callback's DebugPrint, or a task-modal box captioned "Debug.Print".
     void DebugPrint(const std::wstring& text) override;
     [[nodiscard]] bool NewInstance(const Module& module, Variant& result) override;
+    [[nodiscard]] bool DefaultObject(const Module& module, Variant& result) override;
     ModuleInstance* InstanceOf(IUnknown* object) override;
     std::wstring CommandText() const override;
 
