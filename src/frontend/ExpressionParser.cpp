@@ -328,9 +328,18 @@ bool BodyParser::ParseNumber(Expression& out)
     m_lexer.NextToken();
     const TypeCode suffix = TypeOfSuffix(following);
     if (suffix != TypeCode() && m_lexer.TokenStart() == end) {
+        // A number with the String suffix is a type mismatch; one that its suffix's kind cannot hold
+        // overflows (as in Const declarations).
+        if (suffix.IsString()) {
+            m_lexer.SignalError(CompileMessage::TypeMismatch);
+            return false;
+        }
         m_lexer.NextToken();
-        if (suffix.IsString() || !ChangeType(value, static_cast<VARTYPE>(suffix.ValueTag()))) {
-            m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
+        const RaiseFn previous = SetRaiseHandler(nullptr);
+        const bool converted = ChangeType(value, static_cast<VARTYPE>(suffix.ValueTag()));
+        (void)SetRaiseHandler(previous);
+        if (!converted) {
+            m_lexer.SignalErrorAt(CompileMessage::Overflow, {}, end - text.size());
             return false;
         }
     }

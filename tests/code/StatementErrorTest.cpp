@@ -106,6 +106,16 @@ const ErrorCase kErrorCases[] = {
      CompileMessage::UnexpectedText, 4},
     {"SuffixDisagreesWithDeclaration", {"Sub Main", "  Dim a As Integer", "  a$ = \"x\"", "End Sub"},
      CompileMessage::VarIsAlreadyDefinedAsADifferentType, 3},
+    {"StringSuffixOnNumber", {"Sub Main", "  Debug.Print 1", "  Debug.Print 5$", "End Sub"},
+     CompileMessage::TypeMismatch, 3},
+    {"NumberTooLargeForItsSuffix", {"Sub Main", "  Debug.Print 1", "  Debug.Print 40000%", "End Sub"},
+     CompileMessage::Overflow, 3},
+    {"HexDigitExpected", {"Sub Main", "  Debug.Print 1", "  Debug.Print &HG1", "End Sub"},
+     CompileMessage::InvalidNumericConstant, 3},
+    {"HexLiteralTooLong", {"Sub Main", "  Debug.Print 1", "  Debug.Print &H123456789", "End Sub"},
+     CompileMessage::InvalidNumericConstant, 3},
+    {"OctalDigitExpected", {"Sub Main", "  Debug.Print 1", "  Debug.Print &O8", "End Sub"},
+     CompileMessage::InvalidNumericConstant, 3},
 };
 
 INSTANTIATE_TEST_SUITE_P(Statements, CompileErrorTest, ::testing::ValuesIn(kErrorCases),
