@@ -338,6 +338,9 @@ private:
     [[nodiscard]] bool AppendWithObject(Expression& out, const Module*& classModule);
     // "Me": the current instance's object (class modules only).
     [[nodiscard]] bool AppendMe(Expression& out, const Module*& classModule);
+    // Appends an op that pushes an object of module (kNew: a new instance; kDefaultObject: the default
+    // instance), whose members then bind to the module's procedures.
+    void AppendModuleObject(Expression& out, ExprOpCode code, const Module& module);
     // At a member name: true when a "." follows it (after its parenthesised arguments); assignment
     // tells whether "=" follows instead.
     bool MemberContinues(bool& assignment) const;

@@ -427,12 +427,7 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
             return false;
         }
         m_lexer.NextToken();
-        ExprOp made{ExprOpCode::kNew};
-        made.module = classModule;
-        made.type = TypeCode(TypeCode::kObject);
-        out.ops.push_back(made);
-        out.type = made.type;
-        m_factorClass = classModule;
+        AppendModuleObject(out, ExprOpCode::kNew, *classModule);
         return true;
     }
     case Token::Dot: {
@@ -465,6 +460,16 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
     if (AtRecordPath())
         return ParseRecordFactor(out, simpleVariable);
     return ParseName(out, simpleVariable);
+}
+
+void BodyParser::AppendModuleObject(Expression& out, ExprOpCode code, const Module& module)
+{
+    ExprOp object{code};
+    object.module = &module;
+    object.type = TypeCode(TypeCode::kObject);
+    out.ops.push_back(object);
+    out.type = object.type;
+    m_factorClass = &module;
 }
 
 bool BodyParser::ParseName(Expression& out, bool* simpleVariable)
@@ -536,12 +541,7 @@ bool BodyParser::ParseNameValue(Expression& out, bool* simpleVariable)
     // The name of an object module that this module reaches: its default instance.
     if (!local && suffix == TypeCode() && m_state.names.count(key) == 0) {
         if (const Module* objectModule = FindClassModule(name); objectModule && objectModule->Kind() == ModuleKind::Object) {
-            ExprOp instance{ExprOpCode::kDefaultObject};
-            instance.module = objectModule;
-            instance.type = TypeCode(TypeCode::kObject);
-            out.ops.push_back(instance);
-            out.type = instance.type;
-            m_factorClass = objectModule;
+            AppendModuleObject(out, ExprOpCode::kDefaultObject, *objectModule);
             return true;
         }
     }
