@@ -28,7 +28,8 @@ struct ErrorLocation {
     std::wstring macroName;
     std::wstring lineText;
     short lineNumber = 0;
-    short offset = 0;
+    // Character offset of the failing token in the line; -1 when the error has none.
+    short offset = -1;
     std::wstring source;
     std::wstring helpFile;
     long helpContext = 0;
