@@ -222,9 +222,9 @@ std::optional<RadixLiteral> ReadRadixLiteral(std::string_view text, bool longSuf
     if (digits.empty() || digitOf(digits[0]) >= (hex ? 16 : 8))
         return std::nullopt;
     std::uint32_t number = 0;
-    for (std::size_t i = 0; i < digits.size(); ++i) {
-        const int digit = digitOf(digits[i]);
-        if (digit >= (hex ? 16 : 8) || (i > 0 && (number & topBits) != 0))
+    for (const char c : digits) {
+        const int digit = digitOf(c);
+        if (digit >= (hex ? 16 : 8) || (number & topBits) != 0)
             return std::nullopt;
         number = (number << shift) | static_cast<std::uint32_t>(digit);
     }

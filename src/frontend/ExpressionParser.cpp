@@ -297,6 +297,7 @@ bool BodyParser::ParseNumber(Expression& out)
 {
     const std::string text(m_lexer.Text());
     const char following = m_lexer.FollowingChar();
+    const char* start = m_lexer.TokenStart();
     const char* end = m_lexer.TokenEnd();
     Variant value;
     if (!text.empty() && text[0] == '&') {
@@ -339,7 +340,7 @@ bool BodyParser::ParseNumber(Expression& out)
         const bool converted = ChangeType(value, static_cast<VARTYPE>(suffix.ValueTag()));
         (void)SetRaiseHandler(previous);
         if (!converted) {
-            m_lexer.SignalErrorAt(CompileMessage::Overflow, {}, end - text.size());
+            m_lexer.SignalErrorAt(CompileMessage::Overflow, {}, start);
             return false;
         }
     }

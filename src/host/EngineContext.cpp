@@ -317,23 +317,28 @@ void EngineContext::DebugPrint(const std::wstring& text)
     MessageBoxW(nullptr, text.c_str(), L"Debug.Print", MB_TASKMODAL | MB_OK);
 }
 
-bool EngineContext::NewInstance(const Module& module, Variant& result)
+namespace {
+
+// Puts the reference that object carries into result; false for none.
+bool TakeObject(IDispatch* object, Variant& result)
 {
-    // The compiled module is shared; the instance only reads it.
-    IDispatch* object = m_modules.NewObject(const_cast<Module&>(module));
     if (!object)
         return false;
     result.SetObject(object, false);
     return true;
 }
 
+} // namespace
+
+// The compiled module is shared; its instances only read it.
+bool EngineContext::NewInstance(const Module& module, Variant& result)
+{
+    return TakeObject(m_modules.NewObject(const_cast<Module&>(module)), result);
+}
+
 bool EngineContext::DefaultObject(const Module& module, Variant& result)
 {
-    IDispatch* object = m_modules.DefaultObject(const_cast<Module&>(module));
-    if (!object)
-        return false;
-    result.SetObject(object, false);
-    return true;
+    return TakeObject(m_modules.DefaultObject(const_cast<Module&>(module)), result);
 }
 
 ModuleInstance* EngineContext::InstanceOf(IUnknown* object)
