@@ -11,8 +11,6 @@
 #include "values/Variant.h"
 #include <windows.h>
 
-#include <new>
-
 namespace brannoc {
 
 EngineContext::EngineContext(CodeUnit& owner) : m_owner(owner), m_modules(*this), m_interpreter(*this)
