@@ -359,9 +359,11 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
                 break;
             return outcome == Interpreter::CallOutcome::kWaiting ? EvalStatus::kYield : EvalStatus::kFailed;
         }
-        case ExprOpCode::kNew: {
+        case ExprOpCode::kNew:
+        case ExprOpCode::kDefaultObject: {
             Variant made;
-            if (!context.interpreter->Host().NewInstance(*op.module, made)) {
+            InterpreterHost& host = context.interpreter->Host();
+            if (!(op.code == ExprOpCode::kNew ? host.NewInstance(*op.module, made) : host.DefaultObject(*op.module, made))) {
                 if (!HaltFlags::MustStop())
                     (void)context.interpreter->SignalError(10092);
                 return EvalStatus::kFailed;

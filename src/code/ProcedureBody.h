@@ -64,6 +64,7 @@ enum class ExprOpCode : std::uint8_t {
     kLoadNew,    // as kLoad for an "As New" variable: a new instance of `classModule` first when it holds
                  // Nothing
     kMe,         // push the object of the current module instance
+    kDefaultObject, // push the default instance of object module `module` (made at its first use)
     kWithObject, // push the object of the With block at nesting level `index` of the procedure
     kMemberCall, // member site `index` on the object below the result slot and `count` arguments; a
                  // procedure member yields, other members finish at once; leaves object and result

@@ -63,6 +63,15 @@ public:
         (void)result;
         return false;
     }
+    // The default instance of an object module as an object value in result: made (its initializer run)
+    // at its first use and kept until the module is unloaded. False when it could not be made (an error
+    // has then been raised or reported).
+    [[nodiscard]] virtual bool DefaultObject(const Module& module, Variant& result)
+    {
+        (void)module;
+        (void)result;
+        return false;
+    }
     // The command text of the current run (what the language's Command gives).
     virtual std::wstring CommandText() const { return {}; }
     // The module instance behind an object value made by NewInstance, else null.

@@ -274,7 +274,9 @@ private:
     [[nodiscard]] bool ParseCallArguments(Procedure& callee, Expression& out, ArgumentList list);
     [[nodiscard]] bool ParseArguments(Procedure& callee, ArgumentList list, std::size_t limit, ParsedArguments& parsed);
     [[nodiscard]] bool AppendArguments(Procedure& callee, const ParsedArguments& parsed, Expression& out);
-    void AppendBinary(Expression& out, OperationId op);
+    // Appends a binary operator, folding it when both operands are constants; an error of the folding
+    // is a compile error, reported at position (the operator) or, without one, at the current token.
+    void AppendBinary(Expression& out, OperationId op, const char* position = nullptr);
     // Walks the postfix code with a stack of operand types; the first operator that refuses its operands
     // reports "Operand/operator type mismatch.". Sets the expression's result type.
     [[nodiscard]] bool TypeCheck(Expression& expression, std::size_t start);
@@ -336,6 +338,9 @@ private:
     [[nodiscard]] bool AppendWithObject(Expression& out, const Module*& classModule);
     // "Me": the current instance's object (class modules only).
     [[nodiscard]] bool AppendMe(Expression& out, const Module*& classModule);
+    // Appends an op that pushes an object of module (kNew: a new instance; kDefaultObject: the default
+    // instance), whose members then bind to the module's procedures.
+    void AppendModuleObject(Expression& out, ExprOpCode code, const Module& module);
     // At a member name: true when a "." follows it (after its parenthesised arguments); assignment
     // tells whether "=" follows instead.
     bool MemberContinues(bool& assignment) const;

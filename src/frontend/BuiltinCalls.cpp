@@ -250,7 +250,9 @@ bool BodyParser::CheckBuiltinArgument(const BuiltinRecord& record, int index, co
         }
         return true;
     }
-    const bool accepts = type.IsUserType() ? false : !type.IsArray() || kind == parameter_kind::kVariant;
+    // A Variant parameter takes any value: a record or an array (of records too) goes in as a Variant
+    // that holds it (TypeName, VarType, IsArray ...).
+    const bool accepts = kind == parameter_kind::kVariant || (!type.IsUserType() && !type.IsArray());
     if (!accepts) {
         m_lexer.SignalError(CompileMessage::ExpressionDoesNotMatchParameterType, record.ParameterName(index));
         return false;

@@ -200,35 +200,57 @@ bool ConstantReader::ReadDate(ConstantValue& value)
     return true;
 }
 
+std::optional<RadixLiteral> ReadRadixLiteral(std::string_view text, bool longSuffix)
+{
+    if (text.size() < 2 || text[0] != '&')
+        return std::nullopt;
+    const bool hex = text[1] == 'H' || text[1] == 'h';
+    if (!hex && text[1] != 'O' && text[1] != 'o')
+        return std::nullopt;
+    const unsigned shift = hex ? 4 : 3;
+    const std::uint32_t topBits = hex ? 0xF0000000u : 0xE0000000u;
+    auto digitOf = [hex](char c) {
+        if (c >= '0' && c <= '9')
+            return c - '0';
+        if (hex && c >= 'A' && c <= 'F')
+            return c - 'A' + 10;
+        if (hex && c >= 'a' && c <= 'f')
+            return c - 'a' + 10;
+        return 99;
+    };
+    const std::string_view digits = text.substr(2);
+    if (digits.empty() || digitOf(digits[0]) >= (hex ? 16 : 8))
+        return std::nullopt;
+    std::uint32_t number = 0;
+    for (const char c : digits) {
+        const int digit = digitOf(c);
+        if (digit >= (hex ? 16 : 8) || (number & topBits) != 0)
+            return std::nullopt;
+        number = (number << shift) | static_cast<std::uint32_t>(digit);
+    }
+    RadixLiteral literal;
+    if (number <= 0xFFFF && !longSuffix) {
+        literal.value = static_cast<std::int16_t>(number);
+        literal.isInteger = true;
+    } else {
+        literal.value = static_cast<std::int32_t>(number);
+    }
+    return literal;
+}
+
 // Decimal numbers become Integer, Long or Double by size (Double with a point or exponent); "&H" and
-// "&O" numbers of up to 4 hex digits are Integer, longer ones Long.
+// "&O" numbers follow ReadRadixLiteral.
 bool ConstantReader::ReadNumber(ConstantValue& value)
 {
     std::string text(m_lexer.Text());
     if (text[0] == '&') {
-        const bool hex = text[1] == 'H' || text[1] == 'h';
-        const std::string digits = text.substr(2);
-        if (digits.empty()) {
+        const std::optional<RadixLiteral> literal = ReadRadixLiteral(text, *m_lexer.TokenEnd() == '&');
+        if (!literal) {
             m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
             return false;
         }
-        unsigned long long number = 0;
-        for (char c : digits) {
-            int digit = c >= '0' && c <= '9' ? c - '0' : c >= 'A' && c <= 'F' ? c - 'A' + 10 : 99;
-            if (digit >= (hex ? 16 : 8)) {
-                m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
-                return false;
-            }
-            number = number * (hex ? 16 : 8) + static_cast<unsigned>(digit);
-            if (number > 0xFFFFFFFFull) {
-                m_lexer.SignalError(CompileMessage::HexConstantIsTooLong);
-                return false;
-            }
-        }
-        if (number <= 0xFFFF && (hex ? digits.size() <= 4 : number <= 0xFFFF))
-            value = ConstantValue::Integer(static_cast<std::int16_t>(number), TypeCode::kInteger);
-        else
-            value = ConstantValue::Integer(static_cast<std::int32_t>(number), TypeCode::kLong);
+        value = literal->isInteger ? ConstantValue::Integer(literal->value, TypeCode::kInteger)
+                                   : ConstantValue::Integer(literal->value, TypeCode::kLong);
     } else if (text.find_first_of(".EeDd") != std::string::npos) {
         for (char& c : text)
             if (c == 'D' || c == 'd')

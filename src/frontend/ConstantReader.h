@@ -3,7 +3,22 @@
 // module, parentheses and the arithmetic, text, comparison and logical operators.
 #include "frontend/ConstantValue.h"
 
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
 namespace brannoc {
+
+// The value of an "&H" or "&O" literal (text includes the "&H"/"&O"): digits are shifted in while the
+// value's top 4 (hexadecimal) or 3 (octal) bits are clear. A value that fits in 16 bits is the Integer
+// it sign-extends to unless a Long suffix ("&") follows, which keeps it unsigned; others are Longs.
+// Nothing when the first character is not a digit or characters are left over ("Invalid numeric
+// constant.").
+struct RadixLiteral {
+    std::int32_t value = 0;
+    bool isInteger = false;
+};
+std::optional<RadixLiteral> ReadRadixLiteral(std::string_view text, bool longSuffix);
 
 class Lexer;
 struct ParseState;

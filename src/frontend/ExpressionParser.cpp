@@ -23,6 +23,7 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
         OperationId op;
         int precedence;
         bool unary;
+        const char* position;
     };
     Pending stack[64];
     int depth = 0;
@@ -37,7 +38,7 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
                 op.op = top.op;
                 out.ops.push_back(op);
             } else {
-                AppendBinary(out, top.op);
+                AppendBinary(out, top.op, top.position);
             }
         }
     };
@@ -65,7 +66,7 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
             if (unary == Token::Plus)
                 continue;
             stack[depth++] = Pending{unary == Token::Minus ? OperationId::kNegate : OperationId::kNot,
-                                     unary == Token::Minus ? 900 : 190, true};
+                                     unary == Token::Minus ? 900 : 190, true, nullptr};
             first = false;
         }
         if (!ParseFactor(out, &simple))
@@ -85,7 +86,7 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
             m_lexer.SignalError(CompileMessage::ExpectingASimpleExpression);
             return false;
         }
-        stack[depth++] = Pending{binary->op, binary->precedence, false};
+        stack[depth++] = Pending{binary->op, binary->precedence, false, m_lexer.TokenStart()};
         m_lexer.NextToken();
         const Token next = m_lexer.Kind();
         if (next == Token::EndOfLine || next == Token::Apostrophe || next == Token::Colon ||
@@ -128,6 +129,7 @@ bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
         case ExprOpCode::kErrProperty:
         case ExprOpCode::kLoadNew:
         case ExprOpCode::kMe:
+        case ExprOpCode::kDefaultObject:
         case ExprOpCode::kWithObject: types.push_back(op.type); break;
         case ExprOpCode::kLoadPath:
         case ExprOpCode::kRefPath:
@@ -249,21 +251,40 @@ bool BodyParser::EvaluateConstant(const Expression& code, Variant& result)
     return true;
 }
 
-// Appends a binary operator, folding it at once when both operands are constants.
-void BodyParser::AppendBinary(Expression& out, OperationId op)
+namespace {
+
+// The first error raised while an operator is folded.
+long s_foldError = 0;
+void RecordFoldError(long number)
+{
+    if (s_foldError == 0)
+        s_foldError = number;
+}
+
+} // namespace
+
+void BodyParser::AppendBinary(Expression& out, OperationId op, const char* position)
 {
     const std::size_t size = out.ops.size();
     if (size >= 2 && out.ops[size - 2].code == ExprOpCode::kConstant && out.ops[size - 1].code == ExprOpCode::kConstant) {
         Variant left(m_code->ConstantAt(out.ops[size - 2].index));
         const Variant& right = m_code->ConstantAt(out.ops[size - 1].index);
-        // Folding errors are left to run time, where they raise with the statement's location.
-        const RaiseFn previous = SetRaiseHandler(nullptr);
+        s_foldError = 0;
+        const RaiseFn previous = SetRaiseHandler(&RecordFoldError);
         const bool folded = ApplyBinary(op, left, right);
         (void)SetRaiseHandler(previous);
         if (folded) {
             out.ops.resize(size - 2);
             AppendConstant(out, std::move(left));
             return;
+        }
+        // The same operation would fail each time the statement runs ("Divide by zero.", "Type mismatch.").
+        if (s_foldError != 0) {
+            const auto message = static_cast<CompileMessage>(s_foldError);
+            if (position)
+                m_lexer.SignalErrorAt(message, {}, position);
+            else
+                m_lexer.SignalError(message);
         }
     }
     ExprOp entry{ExprOpCode::kBinary};
@@ -276,13 +297,19 @@ bool BodyParser::ParseNumber(Expression& out)
 {
     const std::string text(m_lexer.Text());
     const char following = m_lexer.FollowingChar();
+    const char* start = m_lexer.TokenStart();
     const char* end = m_lexer.TokenEnd();
     Variant value;
     if (!text.empty() && text[0] == '&') {
-        if (!value.SetString(Widen(text)) || !StringToNumber(value)) {
+        const std::optional<RadixLiteral> literal = ReadRadixLiteral(text, *end == '&');
+        if (!literal) {
             m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
             return false;
         }
+        if (literal->isInteger)
+            value.SetInteger(static_cast<SHORT>(literal->value));
+        else
+            value.SetLong(literal->value);
     } else if (text.find_first_of(".EeDd") != std::string::npos) {
         std::string normal = text;
         for (char& c : normal) {
@@ -302,9 +329,18 @@ bool BodyParser::ParseNumber(Expression& out)
     m_lexer.NextToken();
     const TypeCode suffix = TypeOfSuffix(following);
     if (suffix != TypeCode() && m_lexer.TokenStart() == end) {
+        // A number with the String suffix is a type mismatch; one that its suffix's kind cannot hold
+        // overflows (as in Const declarations).
+        if (suffix.IsString()) {
+            m_lexer.SignalError(CompileMessage::TypeMismatch);
+            return false;
+        }
         m_lexer.NextToken();
-        if (suffix.IsString() || !ChangeType(value, static_cast<VARTYPE>(suffix.ValueTag()))) {
-            m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
+        const RaiseFn previous = SetRaiseHandler(nullptr);
+        const bool converted = ChangeType(value, static_cast<VARTYPE>(suffix.ValueTag()));
+        (void)SetRaiseHandler(previous);
+        if (!converted) {
+            m_lexer.SignalErrorAt(CompileMessage::Overflow, {}, start);
             return false;
         }
     }
@@ -392,12 +428,7 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
             return false;
         }
         m_lexer.NextToken();
-        ExprOp made{ExprOpCode::kNew};
-        made.module = classModule;
-        made.type = TypeCode(TypeCode::kObject);
-        out.ops.push_back(made);
-        out.type = made.type;
-        m_factorClass = classModule;
+        AppendModuleObject(out, ExprOpCode::kNew, *classModule);
         return true;
     }
     case Token::Dot: {
@@ -430,6 +461,16 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
     if (AtRecordPath())
         return ParseRecordFactor(out, simpleVariable);
     return ParseName(out, simpleVariable);
+}
+
+void BodyParser::AppendModuleObject(Expression& out, ExprOpCode code, const Module& module)
+{
+    ExprOp object{code};
+    object.module = &module;
+    object.type = TypeCode(TypeCode::kObject);
+    out.ops.push_back(object);
+    out.type = object.type;
+    m_factorClass = &module;
 }
 
 bool BodyParser::ParseName(Expression& out, bool* simpleVariable)
@@ -495,6 +536,13 @@ bool BodyParser::ParseNameValue(Expression& out, bool* simpleVariable)
         // The language's own constants, unless the macro declared the name.
         if (ConstantValue language; found == m_state.names.end() && FindLanguageConstant(key, language)) {
             AppendConstant(out, FromConstant(language));
+            return true;
+        }
+    }
+    // The name of an object module that this module reaches: its default instance.
+    if (!local && suffix == TypeCode() && m_state.names.count(key) == 0) {
+        if (const Module* objectModule = FindClassModule(name); objectModule && objectModule->Kind() == ModuleKind::Object) {
+            AppendModuleObject(out, ExprOpCode::kDefaultObject, *objectModule);
             return true;
         }
     }

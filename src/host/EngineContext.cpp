@@ -11,8 +11,6 @@
 #include "values/Variant.h"
 #include <windows.h>
 
-#include <new>
-
 namespace brannoc {
 
 EngineContext::EngineContext(CodeUnit& owner) : m_owner(owner), m_modules(*this), m_interpreter(*this)
@@ -317,19 +315,28 @@ void EngineContext::DebugPrint(const std::wstring& text)
     MessageBoxW(nullptr, text.c_str(), L"Debug.Print", MB_TASKMODAL | MB_OK);
 }
 
-bool EngineContext::NewInstance(const Module& module, Variant& result)
+namespace {
+
+// Puts the reference that object carries into result; false for none.
+bool TakeObject(IDispatch* object, Variant& result)
 {
-    // The compiled module is shared; the instance only reads it.
-    std::unique_ptr<ModuleInstance> instance = m_modules.CreateInstance(const_cast<Module&>(module));
-    if (!instance)
+    if (!object)
         return false;
-    auto* object = new (std::nothrow) ClassObject(m_modules, std::move(instance));
-    if (!object) {
-        (void)m_interpreter.RaiseOutOfMemory();
-        return false;
-    }
     result.SetObject(object, false);
     return true;
+}
+
+} // namespace
+
+// The compiled module is shared; its instances only read it.
+bool EngineContext::NewInstance(const Module& module, Variant& result)
+{
+    return TakeObject(m_modules.NewObject(const_cast<Module&>(module)), result);
+}
+
+bool EngineContext::DefaultObject(const Module& module, Variant& result)
+{
+    return TakeObject(m_modules.DefaultObject(const_cast<Module&>(module)), result);
 }
 
 ModuleInstance* EngineContext::InstanceOf(IUnknown* object)

@@ -28,7 +28,8 @@ struct ErrorLocation {
     std::wstring macroName;
     std::wstring lineText;
     short lineNumber = 0;
-    short offset = 0;
+    // Character offset of the failing token in the line; -1 when the error has none.
+    short offset = -1;
     std::wstring source;
     std::wstring helpFile;
     long helpContext = 0;
@@ -91,6 +92,7 @@ public:
     // Output of Debug.Print: the callback's DebugPrint, or a task-modal box captioned "Debug.Print".
     void DebugPrint(const std::wstring& text) override;
     [[nodiscard]] bool NewInstance(const Module& module, Variant& result) override;
+    [[nodiscard]] bool DefaultObject(const Module& module, Variant& result) override;
     ModuleInstance* InstanceOf(IUnknown* object) override;
     std::wstring CommandText() const override;
 

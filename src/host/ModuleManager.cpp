@@ -1,7 +1,9 @@
 #include "host/ModuleManager.h"
 #include "exec/Activation.h"
+#include "exec/HaltFlags.h"
 #include "exec/ModuleInstance.h"
 #include "exec/ProcedureCode.h"
+#include "host/ClassObject.h"
 #include "host/CodeUnit.h"
 #include "host/AnsiText.h"
 #include "host/EngineContext.h"
@@ -10,6 +12,8 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <new>
+#include <utility>
 #include <cctype>
 
 namespace brannoc {
@@ -170,9 +174,12 @@ void ModuleManager::CollectUnreachableModules()
         if (!reached)
             unreachable.push_back(module.get());
     }
-    // Newest first, so that a module goes before the modules it uses.
-    for (auto module = unreachable.rbegin(); module != unreachable.rend(); ++module)
+    // Newest first, so that a module goes before the modules it uses; a default object ends while its
+    // module's code still exists.
+    for (auto module = unreachable.rbegin(); module != unreachable.rend(); ++module) {
+        ReleaseDefaultObject(**module);
         m_compiler->Release(*module);
+    }
 }
 
 // A module that other loaded modules already use is compiled once and shared; loading a loaded module
@@ -249,8 +256,16 @@ ModuleStatus ModuleManager::Start(const std::string& name, const std::string& co
     std::vector<ModuleInstance*> made;
     if (!loaded || !loaded->module || !HoldDefaultInstances(*loaded, made))
         return ModuleStatus::AllocFailed;
+    // A class or object module has no Main: starting it makes its default instance, whose initializer
+    // runs to its end now.
+    const bool plain = loaded->module->Kind() == ModuleKind::Plain;
+    if (!plain) {
+        ComRef<IDispatch> instance = ComRef<IDispatch>::Adopt(DefaultObject(*loaded->module));
+        if (!instance)
+            return ModuleStatus::AllocFailed;
+    }
     const CompiledModule* compiled = loaded->module->Compiled();
-    Procedure* entry = compiled ? compiled->entry : nullptr;
+    Procedure* entry = compiled && plain ? compiled->entry : nullptr;
     ProcedureCode* code = entry ? entry->code.get() : nullptr;
     m_command = command;
     m_running = loaded->name;
@@ -389,11 +404,64 @@ std::unique_ptr<ModuleInstance> ModuleManager::CreateInstance(Module& module)
     instance->AddUse();
     const CompiledModule* compiled = module.Compiled();
     ProcedureCode* entry = compiled && compiled->entry ? compiled->entry->code.get() : nullptr;
-    if (entry && !RunNested(*entry, *instance)) {
+    // Made by running code (New, the first use of a default instance), the initializer hands an error
+    // that it does not trap back to that code, which raises it again where it can be trapped.
+    Interpreter& machine = m_context.Machine();
+    const bool madeByCode = machine.ExecutionMarker() < 0;
+    if (entry && !RunNested(*entry, *instance, {}, nullptr,
+                            madeByCode ? Interpreter::ErrorExit::kToCaller : Interpreter::ErrorExit::kReport)) {
+        // The terminator may change the error object: the initializer's error is kept first.
+        const ErrorRecord error = machine.Error();
         DestroyInstance(std::move(instance));
+        if (madeByCode && !HaltFlags::MustStop() && error.number != 0)
+            (void)machine.RaiseRuntimeError(error.number, error.description, error.source, error.helpFile,
+                                            error.helpContext);
         return nullptr;
     }
     return instance;
+}
+
+IDispatch* ModuleManager::NewObject(Module& module)
+{
+    std::unique_ptr<ModuleInstance> instance = CreateInstance(module);
+    if (!instance)
+        return nullptr;
+    auto* object = new (std::nothrow) ClassObject(*this, std::move(instance));
+    if (!object)
+        (void)m_context.Machine().RaiseOutOfMemory();
+    return object;
+}
+
+IDispatch* ModuleManager::DefaultObject(Module& module)
+{
+    for (HeldObject& held : m_defaultObjects) {
+        if (held.module == &module)
+            return ComRef<IDispatch>(held.object).Detach();
+    }
+    if (m_makingDefault == &module) {
+        // Its own initializer names the default instance that it is making.
+        (void)m_context.Machine().SignalError(10637);
+        return nullptr;
+    }
+    const Module* outer = std::exchange(m_makingDefault, &module);
+    ComRef<IDispatch> object = ComRef<IDispatch>::Adopt(NewObject(module));
+    m_makingDefault = outer;
+    if (!object)
+        return nullptr;
+    m_defaultObjects.push_back(HeldObject{&module, object});
+    return object.Detach();
+}
+
+void ModuleManager::ReleaseDefaultObject(const Module& module)
+{
+    for (auto held = m_defaultObjects.begin(); held != m_defaultObjects.end(); ++held) {
+        if (held->module != &module)
+            continue;
+        // Out of the list first: the terminator that the release runs may reach the list again.
+        ComRef<IDispatch> object = std::move(held->object);
+        m_defaultObjects.erase(held);
+        return;
+    }
 }
 
 void ModuleManager::TerminateInstance(ModuleInstance& instance)
@@ -403,7 +471,8 @@ void ModuleManager::TerminateInstance(ModuleInstance& instance)
     instance.MarkTerminated();
     const CompiledModule* compiled = instance.OwnModule().Compiled();
     ProcedureCode* terminate = compiled && compiled->terminate ? compiled->terminate->code.get() : nullptr;
-    if (terminate && !instance.OwnModule().IsMacro())
+    // Only class and object modules have one, also when one is started as the macro of a run.
+    if (terminate)
         (void)RunNested(*terminate, instance);
 }
 

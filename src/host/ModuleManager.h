@@ -3,6 +3,9 @@
 // name and answers their status. Texts come through the host callback's ReadMacro, or once from a text
 // given directly for a name.
 #include "frontend/Compiler.h"
+#include "host/ComRef.h"
+
+#include <oaidl.h>
 #include "frontend/ModuleSource.h"
 #include "exec/Interpreter.h"
 
@@ -86,6 +89,13 @@ public:
     // for its creator until DestroyInstance. Null when the initializer failed; the instance has then
     // been terminated and freed.
     std::unique_ptr<ModuleInstance> CreateInstance(Module& module);
+    // A new instance of a class or object module as the object that holds it (CreateInstance, then the
+    // object). The caller owns the one reference; null when it could not be made (raised or reported).
+    IDispatch* NewObject(Module& module);
+    // The default instance of a class or object module as an object: made at its first use and held
+    // until the module goes (its terminator runs then). The caller owns the reference it gets; null when
+    // it could not be made.
+    IDispatch* DefaultObject(Module& module);
     // Runs the instance's terminate procedure (Class_Terminate, Form_Terminate) as a nested call, then
     // gives the instance up: it is freed now, or when the last activation running in it ends.
     void DestroyInstance(std::unique_ptr<ModuleInstance> instance);
@@ -129,6 +139,11 @@ private:
         // from a mode 2 load).
         bool holdsInstances = false;
     };
+    // The default instance of a class or object module, held as its object.
+    struct HeldObject {
+        const Module* module = nullptr;
+        ComRef<IDispatch> object;
+    };
     // The default instance of a plain module, shared by the loaded modules that reach it.
     struct SharedInstance {
         Module* module = nullptr;
@@ -155,6 +170,8 @@ private:
     [[nodiscard]] bool HoldDefaultInstances(Loaded& loaded, std::vector<ModuleInstance*>& made);
     void ReleaseDefaultInstances(Loaded& loaded);
     SharedInstance* FindShared(const Module& module);
+    // Ends the default object of module, if it has one (its terminator runs when nothing else holds it).
+    void ReleaseDefaultObject(const Module& module);
     // Runs the entry procedures (Private Sub Main) of the given used modules' instances, each to its end.
     [[nodiscard]] bool InitializeUsedModules(const std::vector<ModuleInstance*>& instances, const Module* top);
 
@@ -164,6 +181,9 @@ private:
     std::unique_ptr<Compiler> m_compiler;
     std::vector<std::unique_ptr<Loaded>> m_loaded;
     std::vector<SharedInstance> m_instances;
+    std::vector<HeldObject> m_defaultObjects;
+    // The module whose default object is being made (its initializer runs), else null.
+    const Module* m_makingDefault = nullptr;
     std::map<std::string, std::string> m_givenTexts;
     std::string m_running;
     std::string m_command;

@@ -194,10 +194,14 @@ double ReadLeadingNumber(std::string_view text)
     const RaiseFn previous = SetRaiseHandler(nullptr);
     Variant value;
     bool read = value.SetString(std::wstring(number.begin(), number.end()));
-    if (text[0] == '&')
+    // A hexadecimal or octal number without a type character takes the kind its size gives (&HFFFF is
+    // the Integer -1); with one it is read in that kind (&HFFFF& is the Long 65535).
+    const char following = scanner.Following();
+    const bool typed = following == '%' || following == '&' || following == '!' || following == '#' || following == '@';
+    if (text[0] == '&' && !typed)
         read = read && StringToNumber(value) && ChangeType(value, VT_R8);
     else
-        read = read && ParseInvariant(value, KindOfTypeCharacter(scanner.Following()), RaiseMode::kQuiet) &&
+        read = read && ParseInvariant(value, KindOfTypeCharacter(following), RaiseMode::kQuiet) &&
                ChangeType(value, VT_R8);
     (void)SetRaiseHandler(previous);
     return read ? value.Double() : 0;

@@ -32,6 +32,8 @@ public:
     Interpreter* interpreter = nullptr;
     std::wstring output;
     std::vector<ErrorRecord> errors;
+    // Called with each printed text (when set), while the statement that printed it runs.
+    std::function<void(const std::wstring&)> printed;
 
     void Notify(Notification) override {}
     void PerformControlAction(int action, long) override
@@ -43,7 +45,12 @@ public:
     }
     void PumpMessages() override {}
     void ReportUntrappedError(const ErrorRecord& error) override { errors.push_back(error); }
-    void DebugPrint(const std::wstring& text) override { output += text; }
+    void DebugPrint(const std::wstring& text) override
+    {
+        output += text;
+        if (printed)
+            printed(text);
+    }
 };
 
 struct ProgramResult {

@@ -106,6 +106,16 @@ const ErrorCase kErrorCases[] = {
      CompileMessage::UnexpectedText, 4},
     {"SuffixDisagreesWithDeclaration", {"Sub Main", "  Dim a As Integer", "  a$ = \"x\"", "End Sub"},
      CompileMessage::VarIsAlreadyDefinedAsADifferentType, 3},
+    {"StringSuffixOnNumber", {"Sub Main", "  Debug.Print 1", "  Debug.Print 5$", "End Sub"},
+     CompileMessage::TypeMismatch, 3},
+    {"NumberTooLargeForItsSuffix", {"Sub Main", "  Debug.Print 1", "  Debug.Print 40000%", "End Sub"},
+     CompileMessage::Overflow, 3},
+    {"HexDigitExpected", {"Sub Main", "  Debug.Print 1", "  Debug.Print &HG1", "End Sub"},
+     CompileMessage::InvalidNumericConstant, 3},
+    {"HexLiteralTooLong", {"Sub Main", "  Debug.Print 1", "  Debug.Print &H123456789", "End Sub"},
+     CompileMessage::InvalidNumericConstant, 3},
+    {"OctalDigitExpected", {"Sub Main", "  Debug.Print 1", "  Debug.Print &O8", "End Sub"},
+     CompileMessage::InvalidNumericConstant, 3},
 };
 
 INSTANTIATE_TEST_SUITE_P(Statements, CompileErrorTest, ::testing::ValuesIn(kErrorCases),
@@ -137,12 +147,31 @@ TEST(EndStatements, ExitAllEndsTheRunFromInsideACall)
     EXPECT_TRUE(result.finished);
 }
 
-TEST(RunTimeErrors, FoldingErrorIsLeftToRunTime)
+TEST(CompileErrorText, AnOperatorOnConstantsThatFailsIsACompileErrorAtTheOperator)
 {
-    const auto result = RunProgram(JoinLines({"Sub Main", "  Debug.Print 1", "  Debug.Print 1 / 0", "End Sub"}));
-    ASSERT_EQ(result.parse, ParseResult::Okay);
-    EXPECT_EQ(result.output, L"1%\r\n");
-    EXPECT_EQ(result.runErrors.size(), 1u);
+    struct Row {
+        const char* line;
+        unsigned number;
+        const wchar_t* message;
+        int offset;
+    };
+    const Row rows[] = {
+        {"  Debug.Print 1 / 0", 10061, L"Divide by zero.", 16},
+        {"  Debug.Print 2 + 10 \\ (3 - 3)", 10061, L"Divide by zero.", 21},
+        {"  Debug.Print 7 Mod 0", 10061, L"Divide by zero.", 16},
+        {"  Debug.Print \"a\" * 2", 10080, L"Type mismatch.", 18},
+        {"  Const K = 1 / 0", 10061, L"Divide by zero.", 14},
+    };
+    for (const Row& row : rows) {
+        const auto result = RunProgram(JoinLines({"Sub Main", "  Debug.Print 1", row.line, "End Sub"}));
+        EXPECT_EQ(result.parse, ParseResult::SyntaxErrors) << row.line;
+        ASSERT_EQ(result.compileErrors.size(), 1u) << row.line;
+        EXPECT_EQ(result.compileErrors.front().number, row.number) << row.line;
+        EXPECT_EQ(result.compileErrors.front().message, row.message) << row.line;
+        EXPECT_EQ(result.compileErrors.front().line, 3) << row.line;
+        EXPECT_EQ(result.compileErrors.front().offset, row.offset) << row.line;
+        EXPECT_EQ(result.output, L"") << row.line;
+    }
 }
 
 TEST(RunTimeErrors, IndexOutOfRange)

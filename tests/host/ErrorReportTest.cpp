@@ -145,40 +145,77 @@ TEST_F(ErrorReportTest, TrappedErrorsAreNeverReported)
     EXPECT_EQ(0, Number()) << "the record belongs to untrapped errors only";
 }
 
-TEST(DefaultErrorBox, AnUntrappedErrorShowsTheLocationAndDescription)
+// A macro text in a new temporary file, whose path is returned (empty when it could not be written).
+std::wstring WriteTemporaryMacro(const std::string& text)
 {
-    CodeUnit* unit = static_cast<CodeUnit*>(static_cast<_CodeUnit*>(KZ_CreateCodeUnit()));
-    ASSERT_NE(nullptr, unit);
     wchar_t folder[MAX_PATH];
     wchar_t path[MAX_PATH];
-    ASSERT_NE(0u, GetTempPathW(MAX_PATH, folder));
-    ASSERT_NE(0u, GetTempFileNameW(folder, L"bbe", 0, path));
-    const char text[] = "Sub Main\r\n    Dim x As Integer\r\n    x = 1 \\ 0\r\nEnd Sub\r\n";
+    if (GetTempPathW(MAX_PATH, folder) == 0 || GetTempFileNameW(folder, L"bbe", 0, path) == 0)
+        return {};
     HANDLE file = CreateFileW(path, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-    ASSERT_NE(INVALID_HANDLE_VALUE, file);
+    if (file == INVALID_HANDLE_VALUE)
+        return {};
     DWORD written = 0;
-    WriteFile(file, text, sizeof text - 1, &written, nullptr);
+    const bool wrote = WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) &&
+                       written == text.size();
     CloseHandle(file);
+    return wrote ? std::wstring(path) : std::wstring();
+}
+
+// Starts the macro file at path on an engine object without a callback and runs it; the boxes that
+// appeared meanwhile and the macro name of the error record.
+std::vector<brannoc::test::CapturedMessageBox> BoxesOfRun(const std::wstring& path, std::wstring& macroName)
+{
+    CodeUnit* unit = static_cast<CodeUnit*>(static_cast<_CodeUnit*>(KZ_CreateCodeUnit()));
+    EXPECT_NE(nullptr, unit);
+    if (!unit)
+        return {};
+    std::vector<brannoc::test::CapturedMessageBox> boxes;
     {
         brannoc::test::MessageBoxCapture capture;
-        BSTR name = SysAllocString(path);
+        BSTR name = SysAllocString(path.c_str());
         VARIANT_BOOL result = VARIANT_FALSE;
         EXPECT_EQ(S_OK, unit->Start(name, &result));
-        EXPECT_EQ(VARIANT_TRUE, result);
-        EXPECT_EQ(S_OK, unit->Run(0, &result));
+        if (result == VARIANT_TRUE)
+            EXPECT_EQ(S_OK, unit->Run(0, &result));
         SysFreeString(name);
         BSTR macro = nullptr;
         EXPECT_EQ(S_OK, unit->get_ErrorMacroName(&macro));
-        const std::wstring macroName = TakeText(macro);
-        EXPECT_FALSE(macroName.empty());
-        std::vector<brannoc::test::CapturedMessageBox> boxes = capture.Boxes();
-        ASSERT_EQ(1u, boxes.size());
-        EXPECT_EQ(L"Error", boxes[0].caption);
-        EXPECT_EQ(L"[" + macroName + L"#3]     x = 1 \\ 0\nDivide by zero.", boxes[0].text);
-        EXPECT_EQ(static_cast<UINT>(MB_OK), boxes[0].buttons);
+        macroName = TakeText(macro);
+        boxes = capture.Boxes();
         VARIANT_BOOL idle = VARIANT_FALSE;
         unit->HaltAll(&idle);
     }
-    DeleteFileW(path);
     unit->Release();
+    return boxes;
+}
+
+TEST(DefaultErrorBox, AnUntrappedErrorShowsTheLocationAndDescription)
+{
+    const std::wstring path =
+        WriteTemporaryMacro("Sub Main\r\n    Dim x As Integer, zero As Integer\r\n    x = 1 \\ zero\r\nEnd Sub\r\n");
+    ASSERT_FALSE(path.empty());
+    std::wstring macroName;
+    const std::vector<brannoc::test::CapturedMessageBox> boxes = BoxesOfRun(path, macroName);
+    DeleteFileW(path.c_str());
+    EXPECT_FALSE(macroName.empty());
+    ASSERT_EQ(1u, boxes.size());
+    EXPECT_EQ(L"Error", boxes[0].caption);
+    EXPECT_EQ(L"[" + macroName + L"#3]     x = 1 \\ zero\nDivide by zero.", boxes[0].text);
+    EXPECT_EQ(static_cast<UINT>(MB_OK), boxes[0].buttons);
+}
+
+TEST(DefaultErrorBox, ACompileErrorMarksItsPlaceInTheLine)
+{
+    const std::wstring path = WriteTemporaryMacro("Sub Main\r\n    Debug.Print 1 +\r\nEnd Sub\r\n");
+    ASSERT_FALSE(path.empty());
+    std::wstring macroName;
+    const std::vector<brannoc::test::CapturedMessageBox> boxes = BoxesOfRun(path, macroName);
+    DeleteFileW(path.c_str());
+    ASSERT_EQ(2u, boxes.size());
+    EXPECT_EQ(L"Error", boxes[0].caption);
+    EXPECT_EQ(L"[" + macroName + L"#2]     Debug.Print 1 +<here>\nExpecting a factor.", boxes[0].text);
+    // The failed start has no place in a line: no marker.
+    EXPECT_EQ(L"Error", boxes[1].caption);
+    EXPECT_EQ(L"[" + macroName + L"#0] \nMacro/module has syntax errors.", boxes[1].text);
 }

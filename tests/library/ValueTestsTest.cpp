@@ -49,11 +49,11 @@ const BuiltinRow kTestRows[] = {
 INSTANTIATE_TEST_SUITE_P(ValueTests, BuiltinRowTest, ::testing::ValuesIn(kTestRows));
 
 const BuiltinRow kChoiceRows[] = {
-    {"IIf(True, 1, 1 / 0)", L"1%"},
-    {"IIf(False, 1 / 0, \"b\")", L"\"b\""},
+    {"IIf(True, 1, 1 / Len(e))", L"1%"},
+    {"IIf(False, 1 / Len(e), \"b\")", L"\"b\""},
     {"IIf(n, 1, 2)", L"2%"},
     {"IIf(\"x\", 1, 2)", nullptr, 10080},
-    {"Choose(2, \"a\", \"b\", 1 / 0)", L"\"b\""},
+    {"Choose(2, \"a\", \"b\", 1 / Len(e))", L"\"b\""},
     {"Choose(0, \"a\")", L"Null"},
     {"Choose(3, \"a\", \"b\")", L"Null"},
     {"Choose(1.6, \"a\", \"b\")", L"\"b\""},

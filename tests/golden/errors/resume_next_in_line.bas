@@ -16,9 +16,9 @@ Recover:
 End Sub
 
 Sub Main
-    Dim x As Integer, i As Integer
+    Dim x As Integer, i As Integer, zero As Integer
     On Error Resume Next
-    x = 1 / 0: Debug.Print "same line"; Err.Number
+    x = 1 / zero: Debug.Print "same line"; Err.Number
     Err.Clear
     x = Fails(0): Debug.Print "after the call"; Err.Number
     Err.Clear

@@ -2,20 +2,20 @@
 ' Errors inside With blocks: the With object survives a trapped error and Err statements; Resume to
 ' a label outside the block drops it.
 Sub Main
-    Dim n As New Node
+    Dim n As New Node, zero As Integer
     n.Label = "kept"
     On Error Resume Next
     With n
         Err.Clear
         .Rename "after clear"
-        Debug.Print 1 / 0
+        Debug.Print 1 / zero
         Debug.Print "error"; Err.Number; .Label
     End With
     On Error GoTo Handler
     With New Node
         .Label = "temporary"
         Debug.Print .Describe()
-        Debug.Print 1 / 0
+        Debug.Print 1 / zero
         Debug.Print "not reached"
     End With
 Done:

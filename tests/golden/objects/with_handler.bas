@@ -3,13 +3,13 @@
 ' references reach its own object, and after Resume Next the interrupted block's references reach
 ' that block's object again.
 Sub Main
-    Dim outer As New Node, second As New Node
+    Dim outer As New Node, second As New Node, zero As Integer
     outer.Label = "outer"
     second.Label = "second"
     On Error GoTo Handler
     With outer
         Debug.Print .Label
-        Debug.Print 1 / 0
+        Debug.Print 1 / zero
         Debug.Print "back in"; .Label
     End With
     Debug.Print "done"
