@@ -86,6 +86,7 @@ bool Activation::Step(ExecEntry& entry)
         // Only this activation and its call-end marker: the run is at its very start.
         if (interpreter.m_exec.Size() == 2)
             interpreter.m_stepCounter = 2;
+            interpreter.CheckNextStatement();
     }
     const StatementTable& table = m_procedure->Table();
     if (!table.statements)
@@ -100,14 +101,14 @@ bool Activation::Step(ExecEntry& entry)
             m_nextIndex = ++next;
             continue;
         }
-        // The same statement is tried again on the next step.
-        if (interpreter.BreakTestStops())
+        // A statement that must not run now is tried again on a later step.
+        if (interpreter.StatementCheckStops())
             return false;
         m_nextIndex = next + 1;
         if (!statements[next]->Execute())
             return false;
         // A request recorded while the statement ran is carried out before the next one.
-        if (HaltFlags::Any() || interpreter.YieldDue())
+        if (HaltFlags::Any())
             return false;
         // The statement may have moved the execution point.
         next = m_nextIndex;
@@ -126,13 +127,13 @@ bool Activation::StepThroughProcedure(ExecEntry& entry)
             ++m_nextIndex;
             continue;
         }
-        if (interpreter.BreakTestStops())
+        if (interpreter.StatementCheckStops())
             return false;
         Node* statement = m_procedure->StatementAt(m_currentIndex);
         ++m_nextIndex;
         if (!statement->Execute())
             return false;
-        if (HaltFlags::Any() || interpreter.YieldDue())
+        if (HaltFlags::Any())
             return false;
     }
     entry.state = ExecEntry::kFinished;

@@ -126,7 +126,7 @@ bool Interpreter::TimeSliceOver()
     else
         m_tickReadInterval = 1;
     m_lastTickRead = tick;
-    m_testsUntilTickRead = m_tickReadInterval;
+    RefreshTestCount();
     // Unsigned difference: correct across the wrap of the 32-bit millisecond counter.
     if (tick - m_lastYieldTick < kTimeSliceMs)
         return false;
@@ -135,16 +135,40 @@ bool Interpreter::TimeSliceOver()
     return true;
 }
 
+void Interpreter::RefreshTestCount() noexcept
+{
+    // Without yielding nothing but a break test needs the tick counter or the budget.
+    constexpr int kTestsWithoutYielding = 1 << 30;
+    if (m_stepCounter <= 2 || m_runDepth > 0)
+        m_testsUntilTickRead = 1;
+    else
+        m_testsUntilTickRead = m_yieldSetting != 0 ? m_tickReadInterval : kTestsWithoutYielding;
+}
+
+bool Interpreter::StatementCheckSlow()
+{
+    if (BreakTestStops()) {
+        CheckNextStatement();
+        return true;
+    }
+    if (m_yieldSetting != 0)
+        return TimeSliceOver();
+    RefreshTestCount();
+    return false;
+}
+
 void Interpreter::SetYielding(bool on) noexcept
 {
     m_yieldSetting = on ? 1 : 0;
     m_yieldRequest = m_yieldSetting;
+    CheckNextStatement();
 }
 
 void Interpreter::PrepareRun(int runDepth) noexcept
 {
     m_runDepth = runDepth < 0 ? 0 : runDepth;
     m_stepCounter = 1;
+    CheckNextStatement();
 }
 
 bool Interpreter::BreakTestSlow()
@@ -171,6 +195,7 @@ void Interpreter::BeginRun()
     ClearErr();
     m_runLevel = 1;
     m_stepCounter = 1;
+    CheckNextStatement();
     m_yieldRequest = m_yieldSetting;
     if (m_yieldSetting != 0)
         m_lastYieldTick = m_tick();
@@ -372,12 +397,14 @@ bool Interpreter::RunHostCall(ProcedureCode& procedure, ModuleInstance* instance
             if (level < 0) {
                 machine.m_runLevel = level;
                 machine.m_stepCounter = counter;
+                machine.CheckNextStatement();
             }
         }
     } stoppedRun{*this, m_runLevel, m_stepCounter};
     if (m_runLevel < 0) {
         m_runLevel = 1;
         m_stepCounter = 1;
+        CheckNextStatement();
     }
     (void)CallProcedure(procedure, ActivationKind::Call, instance);
     MovePending(pendingBase);

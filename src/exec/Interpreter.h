@@ -126,6 +126,13 @@ public:
     // statements does not read it for each one and a slow statement is never followed by a late yield.
     [[nodiscard]] bool YieldDue() { return m_yieldSetting != 0 && --m_testsUntilTickRead <= 0 && TimeSliceOver(); }
 
+    // The checks the statement loop makes before each non-empty statement: the break test, then the
+    // time-slice test. True when the run must pause or yield before the statement (it runs on a later
+    // step). Both are made in full only when the count of tests until the next tick read runs out; while
+    // a break test can stop a statement (the first statements of a run, a run depth) that count stays at
+    // one, so that every statement is tested.
+    [[nodiscard]] bool StatementCheckStops() { return --m_testsUntilTickRead <= 0 && StatementCheckSlow(); }
+
     // Pushes an entry on the pending stack (Node::Execute's default). False after raising out of memory.
     [[nodiscard]] bool PushPending(const ExecEntry& entry)
     {
@@ -202,6 +209,12 @@ private:
     // first statements of a run and at or below the run depth there is nothing to test.
     [[nodiscard]] bool BreakTestStops() { return (m_stepCounter <= 2 || m_callDepth < m_runDepth) && BreakTestSlow(); }
     [[nodiscard]] bool BreakTestSlow();
+    [[nodiscard]] bool StatementCheckSlow();
+    // Sets the number of tests until the next full check: one while break tests can stop, the read
+    // interval while yielding, and a long count otherwise.
+    void RefreshTestCount() noexcept;
+    // A full check at the next test (the step counter or the run depth changed).
+    void CheckNextStatement() noexcept { m_testsUntilTickRead = 1; }
     // Reads the tick counter: true (and a yield asked for) when the time slice is over.
     [[nodiscard]] bool TimeSliceOver();
     // Moves the pending entries above base onto the execution stack, first pushed ending on top.
