@@ -6,6 +6,7 @@
 #include "code/TypedExpression.h"
 #include "code/ErrorStatements.h"
 #include "code/RecordAccess.h"
+#include "code/RegisterBuilder.h"
 #include "code/MemberCall.h"
 #include "exec/Activation.h"
 #include "exec/HaltFlags.h"
@@ -669,14 +670,51 @@ int CompiledProcedure::FirstLine() const { return m_procedure->firstLine; }
 
 Node* CompiledProcedure::ReplaceStatement(int index, Node* statement)
 {
+    // The register form would run past a replacement (a break point): the table's own loop runs.
+    if (m_registers)
+        SetTable(StatementTable{m_statements.data(), m_emptyFlags.data(), static_cast<int>(m_statements.size()) - 1});
     Node*& entry = m_statements[static_cast<std::size_t>(index)];
     Node* previous = entry;
     entry = statement;
     return previous;
 }
 
+void CompiledProcedure::PublishTable() noexcept
+{
+    StatementTable table{m_statements.data(), m_emptyFlags.data(), static_cast<int>(m_statements.size()) - 1};
+    if (m_registers) {
+        table.runner = &RunRegisterProgram;
+        table.runnerData = m_registers.get();
+    }
+    SetTable(table);
+}
+
+void CompiledProcedure::BuildRegisters()
+{
+    m_registersTried = true;
+    // Built from the published table (no runner yet) with the slots as they are.
+    PublishTable();
+    auto program = std::make_unique<RegisterProgram>();
+    RegisterBuilder builder(*this, *program);
+    builder.Build();
+    if (program->registerStatements == 0)
+        return;
+    m_registerTemporaries = program->temporaryCount;
+    // Temporaries hold plain numbers: as Double slots they are never released.
+    for (int i = 0; i < m_registerTemporaries; ++i) {
+        m_slotTypes.emplace_back(TypeCode::kDouble);
+        m_slotBounds.emplace_back();
+        m_slotRecords.emplace_back(nullptr);
+    }
+    m_registers = std::move(program);
+    PublishTable();
+}
+
 void CompiledProcedure::PrepareInitialSlots()
 {
+    if (!m_registersTried && !m_statements.empty())
+        BuildRegisters();
+    m_prepared = true;
     m_initialSlots.assign(m_slotTypes.size(), VARIANT{});
     m_perCallSlots.assign(m_slotTypes.size(), 0);
     m_plainFrame = true;
@@ -880,8 +918,18 @@ void CompiledProcedure::ClearLocals(void* frame)
 
 int CompiledProcedure::AddSlot(TypeCode type, RecordType* record)
 {
-    // The image is made again for the new frame before the next call.
+    // The image is made again for the new frame before the next call; a register form made for the
+    // old frame has temporaries where the new slot goes, so it is dropped.
     SetLayout(FrameLayout{});
+    m_prepared = false;
+    if (m_registers) {
+        m_slotTypes.resize(m_slotTypes.size() - static_cast<std::size_t>(m_registerTemporaries));
+        m_slotBounds.resize(m_slotTypes.size());
+        m_slotRecords.resize(m_slotTypes.size());
+        m_registers.reset();
+        m_registerTemporaries = 0;
+        PublishTable();
+    }
     m_slotTypes.push_back(type);
     m_slotBounds.emplace_back();
     if (record)
@@ -975,6 +1023,7 @@ Statement* CompiledProcedure::Append(std::unique_ptr<Statement> statement)
     raw->SetOwner(this);
     m_owned.push_back(std::move(statement));
     m_statements.push_back(raw);
+    m_statementObjects.push_back(raw);
     m_emptyFlags.push_back(raw->IsEmpty());
     PublishTable();
     return raw;

@@ -29,6 +29,8 @@ namespace brannoc {
 
 class Activation;
 struct BuiltinCall;
+class RegisterBuilder;
+class RegisterProgram;
 class TypedExpression;
 class CompiledProcedure;
 struct RecordPath;
@@ -212,6 +214,10 @@ public:
     int KeywordToken() const override { return m_keyword; }
     // True for blank, comment and label-only lines and for Dim and Const inside the procedure.
     virtual bool IsEmpty() const { return false; }
+    // Emits the statement's register form (RegisterCode.h) after its entry marker; false when it has
+    // none (the register loop then runs the statement object). Called once, when the procedure is
+    // complete.
+    virtual bool EmitRegisters(RegisterBuilder& builder) { return false; }
 
     void SetListing(std::string listing) { m_listing = std::move(listing); }
     const std::string& Listing() const { return m_listing; }
@@ -278,6 +284,24 @@ public:
     // it is empty.
     Node* ReplaceStatement(int index, Node* statement);
     bool IsFunction() const { return m_resultSlot >= 0; }
+    // Lays out the frame (and builds the register form) before the first call.
+    void PrepareForCalls() override
+    {
+        if (!m_prepared)
+            PrepareInitialSlots();
+    }
+    // The slots the statements use, without the register form's temporaries.
+    int StatementSlotCount() const
+    {
+        return static_cast<int>(m_slotTypes.size()) - (m_registers ? m_registerTemporaries : 0);
+    }
+    const ParameterInfo& ParameterAt(int index) const { return m_parameters[static_cast<std::size_t>(index)]; }
+    // Statement index's own object while it is in the vector; null while a replacement stands there.
+    Statement* StatementObject(int index) const
+    {
+        const auto at = static_cast<std::size_t>(index);
+        return m_statements[at] == m_statementObjects[at] ? m_statementObjects[at] : nullptr;
+    }
     int ResultSlot() const { return m_resultSlot; }
 
     // Building (the body compiler).
@@ -305,17 +329,20 @@ public:
         parameter.storageTag = StorageTag(parameter.type);
         m_parameters.push_back(std::move(parameter));
         SetLayout(FrameLayout{});
+        m_prepared = false;
     }
     void SetResultSlot(int slot)
     {
         m_resultSlot = slot;
         SetLayout(FrameLayout{});
+        m_prepared = false;
     }
     // Takes ownership of statement and appends it to the statement vector.
     Statement* Append(std::unique_ptr<Statement> statement);
     void AppendShared(Statement* statement)
     {
         m_statements.push_back(statement);
+        m_statementObjects.push_back(statement);
         m_emptyFlags.push_back(statement->IsEmpty());
         PublishTable();
     }
@@ -334,16 +361,18 @@ public:
 
 private:
     // Points the interpreter's table at the vectors (after each append, which may move them).
-    void PublishTable() noexcept
-    {
-        SetTable(StatementTable{m_statements.data(), m_emptyFlags.data(), static_cast<int>(m_statements.size()) - 1});
-    }
+    // The table runs on the register form while there is one.
+    void PublishTable() noexcept;
+    // Builds the register form once the procedure is complete (its temporaries become frame slots).
+    void BuildRegisters();
     // Builds the image of a fresh frame that InitializeLocals copies (after the last slot was added), and
     // publishes the quick call path's layout when the image is the whole fresh frame.
     void PrepareInitialSlots();
 
     Procedure* m_procedure;
     std::vector<Node*> m_statements;
+    // The statement objects in the order of the vector (entries of m_statements may be replaced).
+    std::vector<Statement*> m_statementObjects;
     std::vector<std::uint8_t> m_emptyFlags;
     std::vector<std::unique_ptr<Statement>> m_owned;
     std::vector<ParameterInfo> m_parameters;
@@ -360,6 +389,12 @@ private:
     std::vector<ParameterBinding> m_bindings;
     // No local needs more than the copy of m_initialSlots.
     bool m_plainFrame = true;
+    // The frame image and layout are up to date with the slots.
+    bool m_prepared = false;
+    std::unique_ptr<RegisterProgram> m_registers;
+    int m_registerTemporaries = 0;
+    // Set once the register form was built or found unusable.
+    bool m_registersTried = false;
     std::vector<RecordTypeRef> m_slotRecords;
     std::vector<std::unique_ptr<RecordPath>> m_recordPaths;
     std::vector<VARIANT> m_statics;

@@ -26,6 +26,7 @@ public:
 class NoOperationStatement final : public Statement {
 public:
     [[nodiscard]] bool Execute() override { return true; }
+    bool EmitRegisters(RegisterBuilder& builder) override;
 };
 
 // Let / Set / implicit assignment to a variable.
@@ -38,6 +39,7 @@ public:
     // A numeric value stored without conversion goes the direct way; everything else through Step.
     [[nodiscard]] bool Execute() override;
     [[nodiscard]] bool Step(ExecEntry& entry) override;
+    bool EmitRegisters(RegisterBuilder& builder) override;
 
 private:
     // How a typed value reaches a variable of a fixed kind without a VARIANT in between: the same kind,
@@ -94,6 +96,7 @@ public:
     }
     [[nodiscard]] bool Execute() override;
     [[nodiscard]] bool Step(ExecEntry& entry) override;
+    bool EmitRegisters(RegisterBuilder& builder) override;
 
 private:
     // Compiles the typed forms of the index and the value when the array's element kind takes them.
@@ -208,6 +211,7 @@ private:
 class JumpStatement final : public Statement {
 public:
     [[nodiscard]] bool Execute() override;
+    bool EmitRegisters(RegisterBuilder& builder) override;
     void SetTarget(int index) { m_target = index; }
     int Target() const { return m_target; }
     // A jump out of With blocks drops their objects; a GoTo into a With block from outside is refused
@@ -241,6 +245,7 @@ public:
     }
     [[nodiscard]] bool Execute() override;
     [[nodiscard]] bool Step(ExecEntry& entry) override;
+    bool EmitRegisters(RegisterBuilder& builder) override;
     void SetTarget(int index) { m_target = index; }
 
 private:
@@ -287,6 +292,7 @@ public:
     // Selector and conditions with a direct form are evaluated directly, the rest through Step.
     [[nodiscard]] bool Execute() override;
     [[nodiscard]] bool Step(ExecEntry& entry) override;
+    bool EmitRegisters(RegisterBuilder& builder) override;
 
 private:
     // Takes the branch of part (1 + branch index; past the last: the Else part).
@@ -410,6 +416,7 @@ public:
     {
     }
     [[nodiscard]] bool Execute() override;
+    bool EmitRegisters(RegisterBuilder& builder) override;
 
 private:
     // Every other counter, step and end (and a Long counter whose sum overflows).
@@ -443,6 +450,8 @@ public:
     void Add(std::unique_ptr<Statement> statement) { m_statements.push_back(std::move(statement)); }
     bool IsEmptyList() const { return m_statements.empty(); }
     std::size_t Size() const { return m_statements.size(); }
+    // The list's only statement, or null when it holds none or several.
+    Statement* Only() const { return m_statements.size() == 1 ? m_statements.front().get() : nullptr; }
     void SetLineLevel() { m_lineLevel = true; }
     // Runs the statements from position start; answers as Step does, with entry.state the position of
     // the statement to resume after.
@@ -463,6 +472,7 @@ public:
     }
     [[nodiscard]] bool Execute() override;
     [[nodiscard]] bool Step(ExecEntry& entry) override;
+    bool EmitRegisters(RegisterBuilder& builder) override;
 
 private:
     // Runs the Then (true) or Else part from its start.
@@ -494,6 +504,7 @@ public:
     explicit LabelledStatement(std::unique_ptr<Statement> inner) : m_inner(std::move(inner)) {}
     [[nodiscard]] bool Execute() override { return m_inner->Execute(); }
     bool IsEmpty() const override { return m_inner->IsEmpty(); }
+    bool EmitRegisters(RegisterBuilder& builder) override { return m_inner->EmitRegisters(builder); }
 
 private:
     std::unique_ptr<Statement> m_inner;

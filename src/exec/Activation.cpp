@@ -84,10 +84,20 @@ bool Activation::Step(ExecEntry& entry)
     if (m_kind == ActivationKind::Entry && entry.state == 1) {
         entry.state = 2;
         // Only this activation and its call-end marker: the run is at its very start.
-        if (interpreter.m_exec.Size() == 2)
+        if (interpreter.m_exec.Size() == 2) {
             interpreter.m_stepCounter = 2;
             interpreter.CheckNextStatement();
+        }
     }
+    const StatementTable& table = m_procedure->Table();
+    if (table.runner)
+        return table.runner(*this, entry, table.runnerData);
+    return RunStatements(entry);
+}
+
+bool Activation::RunStatements(ExecEntry& entry)
+{
+    Interpreter& interpreter = *m_interpreter;
     const StatementTable& table = m_procedure->Table();
     if (!table.statements)
         return StepThroughProcedure(entry);

@@ -30,7 +30,19 @@ public:
     Activation* Caller() const noexcept { return m_caller; }
     ModuleInstance* Instance() const noexcept { return m_instance; }
 
+    // The statement loop: runs the statements from the next index until one yields or the procedure
+    // ends (Step's work from state 1 on).
+    [[nodiscard]] bool RunStatements(ExecEntry& entry);
+
     int CurrentIndex() const noexcept { return m_currentIndex; }
+    // A statement loop enters statement index: it is current, the one after it next.
+    void EnterStatement(int index) noexcept
+    {
+        m_currentIndex = index;
+        m_nextIndex = index + 1;
+    }
+    // A statement loop stops before statement index, which runs when the loop goes on.
+    void HoldAt(int index) noexcept { m_currentIndex = m_nextIndex = index; }
     int NextIndex() const noexcept { return m_nextIndex; }
     // Moves the execution point: the statement at index runs next, from its start.
     void SetIndexes(int index) noexcept

@@ -294,6 +294,8 @@ Activation* Interpreter::BeginCall(ProcedureCode& procedure, ActivationKind kind
     }
 
     bool bound = true;
+    if (!procedure.Layout().image)
+        procedure.PrepareForCalls();
     const FrameLayout& layout = procedure.Layout();
     const std::size_t frameSize =
         layout.image ? static_cast<std::size_t>(layout.slotCount) * sizeof(VARIANT) : procedure.FrameSize();

@@ -14,11 +14,20 @@ constexpr SCODE kResultSlotStatus = static_cast<SCODE>(0x8004FFFE);
 
 // A procedure's statement vector laid out for the interpreter's statement loop: entry i and whether it
 // is empty, read without a virtual call per statement.
+class Activation;
+
+// A statement loop of a procedure's own (a register form): runs the activation as its Step does from
+// state 1 on, with data the procedure gave.
+using StatementRunner = bool (*)(Activation& activation, ExecEntry& entry, const void* data);
+
 struct StatementTable {
     Node* const* statements = nullptr;
     const std::uint8_t* empty = nullptr;
     // Index of the last entry.
     int last = -1;
+    // The loop that runs the statements, when the procedure has one; else the activation's own.
+    StatementRunner runner = nullptr;
+    const void* runnerData = nullptr;
 };
 
 // How one parameter binds in the common case: a value of the parameter's own storage kind by value
@@ -98,6 +107,9 @@ public:
     [[nodiscard]] virtual bool BindArguments(void* frame, Variant* arguments);
     // Frees what the locals of a frame own; the frame memory itself belongs to the activation.
     virtual void ClearLocals(void* frame) = 0;
+    // Called before a call sets up a frame while the procedure has published no frame layout: a
+    // procedure that lays its frame out lazily does it now, so that FrameSize answers the final size.
+    virtual void PrepareForCalls() {}
 
 protected:
     void SetTable(const StatementTable& table) noexcept { m_table = table; }

@@ -1,0 +1,688 @@
+#include "code/RegisterBuilder.h"
+
+#include "code/Statements.h"
+
+#include <climits>
+#include <cmath>
+
+namespace brannoc {
+
+namespace {
+
+using Operand = RegisterBuilder::Operand;
+using Op = OperationId;
+
+// The kind a variable of the declared type always holds, for the kinds of the register form; VT_EMPTY
+// for every other type.
+VARTYPE FixedKind(TypeCode type)
+{
+    if (!type.IsNumeric() || type.IsArray())
+        return VT_EMPTY;
+    switch (type.ValueTag()) {
+    case VT_I2: return VT_I2;
+    case VT_I4: return VT_I4;
+    case VT_R8: return VT_R8;
+    case VT_BOOL: return VT_BOOL;
+    default: return VT_EMPTY;
+    }
+}
+
+bool IsWhole(VARTYPE kind) { return kind == VT_I2 || kind == VT_I4; }
+bool IsNarrow(VARTYPE kind) { return kind == VT_I2 || kind == VT_BOOL; }
+bool IsFourRules(Op op) { return op == Op::kAdd || op == Op::kSubtract || op == Op::kMultiply || op == Op::kDivide; }
+
+// The comparison that holds for (b, a) when op holds for (a, b).
+Op Mirrored(Op op)
+{
+    switch (op) {
+    case Op::kLess: return Op::kGreater;
+    case Op::kLessEqual: return Op::kGreaterEqual;
+    case Op::kGreater: return Op::kLess;
+    case Op::kGreaterEqual: return Op::kLessEqual;
+    default: return op;
+    }
+}
+
+bool IsSymmetric(Op op)
+{
+    switch (op) {
+    case Op::kAdd:
+    case Op::kMultiply:
+    case Op::kAnd:
+    case Op::kOr:
+    case Op::kXor:
+    case Op::kEqv:
+    case Op::kEqual:
+    case Op::kNotEqual:
+        return true;
+    default:
+        return false;
+    }
+}
+
+// The register operation of a whole-number binary op (the K form is the next code); kCount when none.
+RegisterCode WholeCode(Op op, VARTYPE kind)
+{
+    const bool integer = kind == VT_I2;
+    switch (op) {
+    case Op::kAdd: return integer ? RegisterCode::kAddInteger : RegisterCode::kAddLong;
+    case Op::kSubtract: return integer ? RegisterCode::kSubtractInteger : RegisterCode::kSubtractLong;
+    case Op::kMultiply: return integer ? RegisterCode::kMultiplyInteger : RegisterCode::kMultiplyLong;
+    case Op::kIntegerDivide: return integer ? RegisterCode::kDivideInteger : RegisterCode::kDivideLong;
+    case Op::kModulo: return RegisterCode::kModuloLong;
+    case Op::kAnd: return RegisterCode::kAnd;
+    case Op::kOr: return RegisterCode::kOr;
+    case Op::kXor: return RegisterCode::kXor;
+    case Op::kEqv: return RegisterCode::kEqv;
+    case Op::kImp: return RegisterCode::kImp;
+    case Op::kEqual: return RegisterCode::kEqual;
+    case Op::kNotEqual: return RegisterCode::kNotEqual;
+    case Op::kLess: return RegisterCode::kLess;
+    case Op::kLessEqual: return RegisterCode::kLessEqual;
+    case Op::kGreater: return RegisterCode::kGreater;
+    case Op::kGreaterEqual: return RegisterCode::kGreaterEqual;
+    default: return RegisterCode::kCount;
+    }
+}
+
+RegisterCode RealCode(Op op)
+{
+    switch (op) {
+    case Op::kAdd: return RegisterCode::kAddReal;
+    case Op::kSubtract: return RegisterCode::kSubtractReal;
+    case Op::kMultiply: return RegisterCode::kMultiplyReal;
+    case Op::kDivide: return RegisterCode::kDivideReal;
+    case Op::kEqual: return RegisterCode::kEqualReal;
+    case Op::kNotEqual: return RegisterCode::kNotEqualReal;
+    case Op::kLess: return RegisterCode::kLessReal;
+    case Op::kLessEqual: return RegisterCode::kLessEqualReal;
+    case Op::kGreater: return RegisterCode::kGreaterReal;
+    case Op::kGreaterEqual: return RegisterCode::kGreaterEqualReal;
+    default: return RegisterCode::kCount;
+    }
+}
+
+RegisterCode KForm(RegisterCode code) { return static_cast<RegisterCode>(static_cast<int>(code) + 1); }
+
+// Load and store codes by where the variable lives and its width.
+RegisterCode ByWidth(VARTYPE kind, RegisterCode whole, RegisterCode narrow, RegisterCode real)
+{
+    return kind == VT_R8 ? real : IsNarrow(kind) ? narrow : whole;
+}
+
+LONG WholeOfConstant(const VARIANT& value)
+{
+    switch (value.vt) {
+    case VT_I2: return value.iVal;
+    case VT_BOOL: return value.boolVal;
+    default: return value.lVal;
+    }
+}
+
+} // namespace
+
+RegisterBuilder::RegisterBuilder(CompiledProcedure& procedure, RegisterProgram& program)
+    : m_procedure(procedure), m_program(program)
+{
+}
+
+void RegisterBuilder::Build()
+{
+    const StatementTable& table = m_procedure.Table();
+    const int last = table.last;
+    m_program.ops.clear();
+    m_program.entries.assign(static_cast<std::size_t>(last) + 2, 0);
+    m_program.firstTemporary = m_procedure.StatementSlotCount();
+    for (int index = 0; index <= last; ++index) {
+        m_program.entries[static_cast<std::size_t>(index)] = static_cast<int>(m_program.ops.size());
+        if (table.empty[index])
+            continue;
+        BuildStatement(index, m_procedure.StatementObject(index));
+    }
+    m_program.entries[static_cast<std::size_t>(last) + 1] = static_cast<int>(m_program.ops.size());
+    Emit(RegisterCode::kEnd);
+    for (const Fixup& fixup : m_fixups) {
+        const int target = m_program.entries[static_cast<std::size_t>(fixup.statement)];
+        switch (fixup.field) {
+        case 0: m_program.ops[fixup.op].a = target; break;
+        case 1: m_program.ops[fixup.op].constant.whole = target; break;
+        default: m_program.rangeTables[fixup.table][fixup.item].target = target; break;
+        }
+    }
+    // Range tables are complete: the operations point at them.
+    for (RegisterOp& op : m_program.ops) {
+        if (op.code == RegisterCode::kSelectRanges)
+            op.constant.pointer = m_program.rangeTables[static_cast<std::size_t>(op.c)].data();
+    }
+}
+
+void RegisterBuilder::BuildStatement(int index, Statement* statement)
+{
+    const std::size_t mark = m_program.ops.size();
+    const std::size_t fixupMark = m_fixups.size();
+    const std::size_t tableMark = m_program.rangeTables.size();
+    Emit(RegisterCode::kStatement, index);
+    m_temporaryInUse.assign(m_temporaryInUse.size(), false);
+    m_lastResultOp = ~std::size_t{0};
+    if (statement && statement->EmitRegisters(*this)) {
+        ++m_program.registerStatements;
+        return;
+    }
+    m_program.ops.resize(mark + 1);
+    m_fixups.resize(fixupMark);
+    m_program.rangeTables.resize(tableMark);
+    Emit(RegisterCode::kGeneral, index);
+}
+
+RegisterOp& RegisterBuilder::Emit(RegisterCode code, int a, int b, int c)
+{
+    RegisterOp op;
+    op.code = code;
+    op.a = a;
+    op.b = b;
+    op.c = c;
+    m_program.ops.push_back(op);
+    m_lastResultOp = ~std::size_t{0};
+    return m_program.ops.back();
+}
+
+Operand RegisterBuilder::NewTemporary(VARTYPE kind)
+{
+    std::size_t index = 0;
+    while (index < m_temporaryInUse.size() && m_temporaryInUse[index])
+        ++index;
+    if (index == m_temporaryInUse.size())
+        m_temporaryInUse.push_back(false);
+    m_temporaryInUse[index] = true;
+    m_program.temporaryCount = static_cast<int>(m_temporaryInUse.size());
+    Operand operand;
+    operand.kind = kind;
+    operand.temporary = static_cast<int>(index);
+    operand.offset = SlotOffset(m_program.firstTemporary + static_cast<int>(index));
+    return operand;
+}
+
+void RegisterBuilder::Release(const Operand& operand)
+{
+    if (operand.temporary >= 0)
+        m_temporaryInUse[static_cast<std::size_t>(operand.temporary)] = false;
+}
+
+Operand RegisterBuilder::Materialize(const Operand& operand)
+{
+    if (!operand.constant)
+        return operand;
+    Operand cell = NewTemporary(operand.kind);
+    RegisterOp& op = Emit(operand.IsReal() ? RegisterCode::kConstantReal : RegisterCode::kConstantWhole, cell.offset);
+    if (operand.IsReal())
+        op.constant.real = operand.real;
+    else
+        op.constant.whole = operand.whole;
+    return cell;
+}
+
+Operand RegisterBuilder::AsReal(const Operand& operand)
+{
+    if (operand.IsReal())
+        return operand;
+    if (operand.constant) {
+        Operand real = operand;
+        real.kind = VT_R8;
+        real.real = operand.whole;
+        return real;
+    }
+    Release(operand);
+    Operand cell = NewTemporary(VT_R8);
+    Emit(RegisterCode::kWholeToReal, cell.offset, operand.offset);
+    return cell;
+}
+
+bool RegisterBuilder::IsByReferenceParameter(int slot) const
+{
+    return slot < m_procedure.ParameterCount() && !m_procedure.ParameterAt(slot).byVal;
+}
+
+bool RegisterBuilder::ArrayLocation(const VariableRef& array, bool& module, int& location) const
+{
+    if (array.scope == StorageScope::Local) {
+        module = false;
+        location = SlotOffset(array.index);
+        return true;
+    }
+    if (array.scope == StorageScope::Module && !array.module) {
+        module = true;
+        location = array.index;
+        return true;
+    }
+    return false;
+}
+
+bool RegisterBuilder::Value(const Expression& code, Operand& result, std::size_t first, std::size_t last)
+{
+    if (last > code.ops.size())
+        last = code.ops.size();
+    std::vector<Operand> stack;
+    for (std::size_t position = first; position < last; ++position) {
+        const ExprOp& op = code.ops[position];
+        bool done = false;
+        switch (op.code) {
+        case ExprOpCode::kConstant: {
+            const VARIANT& value = m_procedure.ConstantAt(op.index).Raw();
+            Operand constant;
+            constant.constant = true;
+            constant.kind = value.vt;
+            if (value.vt == VT_R8)
+                constant.real = value.dblVal;
+            else if (value.vt == VT_I2 || value.vt == VT_I4 || value.vt == VT_BOOL)
+                constant.whole = WholeOfConstant(value);
+            else
+                return false;
+            stack.push_back(constant);
+            done = true;
+            break;
+        }
+        case ExprOpCode::kLoad: done = Load(op, stack); break;
+        case ExprOpCode::kElement: done = Element(op, stack); break;
+        case ExprOpCode::kBinary: done = Binary(op.op, stack); break;
+        case ExprOpCode::kUnary: done = Unary(op.op, stack); break;
+        default: break;
+        }
+        if (!done)
+            return false;
+    }
+    if (stack.size() != 1)
+        return false;
+    result = stack.back();
+    return true;
+}
+
+bool RegisterBuilder::Condition(const Expression& code, Operand& truth)
+{
+    Operand value;
+    if (!Value(code, value))
+        return false;
+    if (value.IsReal()) {
+        // A Double condition holds when it is not zero.
+        Operand materialized = Materialize(value);
+        Release(materialized);
+        truth = NewTemporary(VT_BOOL);
+        RegisterOp& op = Emit(KForm(RegisterCode::kNotEqualReal), truth.offset, materialized.offset);
+        op.constant.real = 0;
+        return true;
+    }
+    truth = Materialize(value);
+    return true;
+}
+
+bool RegisterBuilder::Load(const ExprOp& op, std::vector<Operand>& stack)
+{
+    const VARTYPE kind = FixedKind(op.type);
+    if (kind == VT_EMPTY)
+        return false;
+    if (op.scope == StorageScope::Local && !IsByReferenceParameter(op.index)) {
+        if (!IsNarrow(kind)) {
+            Operand cell;
+            cell.kind = kind;
+            cell.offset = SlotOffset(op.index);
+            stack.push_back(cell);
+            return true;
+        }
+        Operand cell = NewTemporary(kind);
+        Emit(RegisterCode::kLoadNarrow, cell.offset, SlotOffset(op.index));
+        stack.push_back(cell);
+        return true;
+    }
+    Operand cell = NewTemporary(kind);
+    if (op.scope == StorageScope::Local) {
+        Emit(ByWidth(kind, RegisterCode::kLoadRefWhole, RegisterCode::kLoadRefNarrow, RegisterCode::kLoadRefReal),
+             cell.offset, SlotOffset(op.index))
+            .kind = kind;
+    } else if (op.scope == StorageScope::Module && !op.module) {
+        Emit(ByWidth(kind, RegisterCode::kLoadModuleWhole, RegisterCode::kLoadModuleNarrow,
+                     RegisterCode::kLoadModuleReal),
+             cell.offset, op.index)
+            .kind = kind;
+    } else if (op.scope == StorageScope::Static) {
+        RegisterOp& load = Emit(
+            ByWidth(kind, RegisterCode::kLoadStaticWhole, RegisterCode::kLoadStaticNarrow, RegisterCode::kLoadStaticReal),
+            cell.offset);
+        load.kind = kind;
+        load.constant.pointer = &m_procedure.StaticAt(op.index);
+    } else {
+        return false;
+    }
+    stack.push_back(cell);
+    return true;
+}
+
+bool RegisterBuilder::Element(const ExprOp& op, std::vector<Operand>& stack)
+{
+    const VARTYPE kind = FixedKind(op.type);
+    if (op.count != 1 || stack.empty() || kind == VT_EMPTY || !IsWhole(stack.back().kind))
+        return false;
+    VariableRef array;
+    array.scope = op.scope;
+    array.index = op.index;
+    array.module = op.module;
+    bool module = false;
+    int location = 0;
+    if (!ArrayLocation(array, module, location))
+        return false;
+    const Operand index = Materialize(stack.back());
+    stack.pop_back();
+    Release(index);
+    Operand cell = NewTemporary(kind);
+    RegisterCode code = ByWidth(kind, RegisterCode::kElementLoadWhole, RegisterCode::kElementLoadNarrow,
+                                RegisterCode::kElementLoadReal);
+    if (module)
+        code = static_cast<RegisterCode>(static_cast<int>(code) + 3);
+    Emit(code, cell.offset, location, index.offset).kind = kind;
+    stack.push_back(cell);
+    return true;
+}
+
+bool RegisterBuilder::Binary(OperationId op, std::vector<Operand>& stack)
+{
+    if (stack.size() < 2)
+        return false;
+    const Operand right = stack.back();
+    stack.pop_back();
+    const Operand left = stack.back();
+    stack.pop_back();
+    if (op == Op::kPower || op == Op::kConcatenate || op == Op::kLike || op == Op::kIs)
+        return false;
+    Operand result;
+    if (IsWhole(left.kind) && IsWhole(right.kind) && op != Op::kDivide) {
+        const VARTYPE kind = left.kind == VT_I2 && right.kind == VT_I2 ? VT_I2 : VT_I4;
+        if (!EmitWhole(op, kind, left, right, result))
+            return false;
+        result.kind = IsComparison(op) ? static_cast<VARTYPE>(VT_BOOL) : kind;
+    } else if (left.kind == VT_BOOL && right.kind == VT_BOOL) {
+        if (!IsLogic(op) && !IsComparison(op))
+            return false;
+        if (!EmitWhole(op, VT_BOOL, left, right, result))
+            return false;
+        result.kind = VT_BOOL;
+    } else if ((left.IsReal() || IsWhole(left.kind)) && (right.IsReal() || IsWhole(right.kind))) {
+        if (!IsFourRules(op) && !IsComparison(op))
+            return false;
+        if (!EmitReal(op, AsReal(left), AsReal(right), result))
+            return false;
+        result.kind = IsComparison(op) ? static_cast<VARTYPE>(VT_BOOL) : static_cast<VARTYPE>(VT_R8);
+    } else {
+        return false;
+    }
+    stack.push_back(result);
+    return true;
+}
+
+bool RegisterBuilder::EmitWhole(OperationId op, VARTYPE kind, const Operand& leftIn, const Operand& rightIn,
+                                Operand& result)
+{
+    Operand left = leftIn;
+    Operand right = rightIn;
+    if (left.constant && !right.constant && (IsSymmetric(op) || IsComparison(op))) {
+        std::swap(left, right);
+        op = Mirrored(op);
+    }
+    const RegisterCode code = WholeCode(op, kind);
+    if (code == RegisterCode::kCount)
+        return false;
+    left = Materialize(left);
+    Release(left);
+    Release(right);
+    result = NewTemporary(kind);
+    const std::size_t at = m_program.ops.size();
+    if (right.constant) {
+        Emit(KForm(code), result.offset, left.offset).constant.whole = right.whole;
+    } else {
+        Emit(code, result.offset, left.offset, right.offset);
+    }
+    m_lastResultOp = at;
+    m_lastResultTemporary = result.temporary;
+    return true;
+}
+
+bool RegisterBuilder::EmitReal(OperationId op, const Operand& leftIn, const Operand& rightIn, Operand& result)
+{
+    Operand left = leftIn;
+    Operand right = rightIn;
+    if (left.constant && !right.constant && (IsSymmetric(op) || IsComparison(op))) {
+        std::swap(left, right);
+        op = Mirrored(op);
+    }
+    const RegisterCode code = RealCode(op);
+    if (code == RegisterCode::kCount)
+        return false;
+    left = Materialize(left);
+    Release(left);
+    Release(right);
+    result = NewTemporary(IsComparison(op) ? static_cast<VARTYPE>(VT_BOOL) : static_cast<VARTYPE>(VT_R8));
+    const std::size_t at = m_program.ops.size();
+    if (right.constant)
+        Emit(KForm(code), result.offset, left.offset).constant.real = right.real;
+    else
+        Emit(code, result.offset, left.offset, right.offset);
+    m_lastResultOp = at;
+    m_lastResultTemporary = result.temporary;
+    return true;
+}
+
+bool RegisterBuilder::Unary(OperationId op, std::vector<Operand>& stack)
+{
+    if (stack.empty())
+        return false;
+    Operand operand = stack.back();
+    stack.pop_back();
+    const VARTYPE kind = operand.kind;
+    // Whole numbers are their own Fix and Int.
+    if (IsWhole(kind) && (op == Op::kFix || op == Op::kInt)) {
+        stack.push_back(operand);
+        return true;
+    }
+    if (operand.constant) {
+        // Computed here as it runs, when the result stays in the kind.
+        const LONG smallest = kind == VT_I2 ? SHRT_MIN : LONG_MIN;
+        if (kind == VT_R8) {
+            switch (op) {
+            case Op::kNegate: operand.real = -operand.real; break;
+            case Op::kAbs: operand.real = std::fabs(operand.real); break;
+            case Op::kFix: operand.real = std::trunc(operand.real); break;
+            case Op::kInt: operand.real = std::floor(operand.real); break;
+            default: return false;
+            }
+        } else if (op == Op::kNot && (IsWhole(kind) || kind == VT_BOOL)) {
+            operand.whole = ~operand.whole;
+        } else if (IsWhole(kind) && (op == Op::kNegate || op == Op::kAbs) && operand.whole != smallest) {
+            operand.whole = op == Op::kNegate || operand.whole < 0 ? -operand.whole : operand.whole;
+        } else {
+            return false;
+        }
+        stack.push_back(operand);
+        return true;
+    }
+    RegisterCode code = RegisterCode::kCount;
+    if (kind == VT_R8) {
+        switch (op) {
+        case Op::kNegate: code = RegisterCode::kNegateReal; break;
+        case Op::kAbs: code = RegisterCode::kAbsReal; break;
+        case Op::kFix: code = RegisterCode::kFixReal; break;
+        case Op::kInt: code = RegisterCode::kIntReal; break;
+        default: break;
+        }
+    } else if (op == Op::kNot && (IsWhole(kind) || kind == VT_BOOL)) {
+        code = RegisterCode::kNot;
+    } else if (IsWhole(kind) && op == Op::kNegate) {
+        code = kind == VT_I2 ? RegisterCode::kNegateInteger : RegisterCode::kNegateLong;
+    } else if (IsWhole(kind) && op == Op::kAbs) {
+        code = kind == VT_I2 ? RegisterCode::kAbsInteger : RegisterCode::kAbsLong;
+    }
+    if (code == RegisterCode::kCount)
+        return false;
+    Release(operand);
+    Operand result = NewTemporary(kind);
+    const std::size_t at = m_program.ops.size();
+    Emit(code, result.offset, operand.offset);
+    m_lastResultOp = at;
+    m_lastResultTemporary = result.temporary;
+    stack.push_back(result);
+    return true;
+}
+
+bool RegisterBuilder::Store(const VariableRef& target, const Operand& valueIn)
+{
+    const VARTYPE kind = FixedKind(target.type);
+    if (kind == VT_EMPTY || target.type.IsFixedString())
+        return false;
+    const VARTYPE valueKind = valueIn.kind;
+    // The combinations an assignment stores without a conversion routine; a Long into an Integer when
+    // it fits.
+    const bool checked = kind == VT_I2 && valueKind == VT_I4;
+    const bool fits = valueKind == kind || checked || (kind == VT_I4 && valueKind == VT_I2) ||
+                      (kind == VT_R8 && IsWhole(valueKind));
+    if (!fits)
+        return false;
+    Operand value = kind == VT_R8 ? AsReal(valueIn) : valueIn;
+    const bool local = target.scope == StorageScope::Local && !IsByReferenceParameter(target.index);
+    if (local) {
+        const int offset = SlotOffset(target.index);
+        if (!IsNarrow(kind)) {
+            // The operation that computed the value writes the variable itself.
+            if (!value.constant && value.temporary >= 0 && value.temporary == m_lastResultTemporary &&
+                m_lastResultOp == m_program.ops.size() - 1) {
+                m_program.ops[m_lastResultOp].a = offset;
+                Release(value);
+                return true;
+            }
+            if (value.constant) {
+                RegisterOp& op = Emit(kind == VT_R8 ? RegisterCode::kConstantReal : RegisterCode::kConstantWhole, offset);
+                if (kind == VT_R8)
+                    op.constant.real = value.real;
+                else
+                    op.constant.whole = value.whole;
+                return true;
+            }
+            Emit(kind == VT_R8 ? RegisterCode::kMoveReal : RegisterCode::kMoveWhole, offset, value.offset);
+            return true;
+        }
+        value = Materialize(value);
+        Emit(checked ? RegisterCode::kStoreNarrowChecked : RegisterCode::kStoreNarrow, offset, value.offset);
+        return true;
+    }
+    value = Materialize(value);
+    if (target.scope == StorageScope::Local) {
+        if (checked)
+            return false;
+        Emit(ByWidth(kind, RegisterCode::kStoreRefWhole, RegisterCode::kStoreRefNarrow, RegisterCode::kStoreRefReal),
+             SlotOffset(target.index), value.offset)
+            .kind = kind;
+        return true;
+    }
+    if (target.scope == StorageScope::Module && !target.module) {
+        const RegisterCode code =
+            checked ? RegisterCode::kStoreModuleNarrowChecked
+                    : ByWidth(kind, RegisterCode::kStoreModuleWhole, RegisterCode::kStoreModuleNarrow,
+                              RegisterCode::kStoreModuleReal);
+        Emit(code, target.index, value.offset).kind = kind;
+        return true;
+    }
+    return false;
+}
+
+bool RegisterBuilder::StoreElement(const VariableRef& array, const Operand& indexIn, const Operand& valueIn)
+{
+    if (!array.type.IsArray() || !IsWhole(indexIn.kind))
+        return false;
+    const VARTYPE kind = FixedKind(array.type.Scalar());
+    const VARTYPE valueKind = valueIn.kind;
+    // The value must go into the element as it is, or as a whole number widened.
+    const bool fits = valueKind == kind || (kind == VT_I4 && valueKind == VT_I2) || (kind == VT_R8 && IsWhole(valueKind));
+    if (kind == VT_EMPTY || !fits)
+        return false;
+    bool module = false;
+    int location = 0;
+    if (!ArrayLocation(array, module, location))
+        return false;
+    const Operand index = Materialize(indexIn);
+    const Operand value = Materialize(kind == VT_R8 ? AsReal(valueIn) : valueIn);
+    RegisterCode code = ByWidth(kind, RegisterCode::kElementStoreWhole, RegisterCode::kElementStoreNarrow,
+                                RegisterCode::kElementStoreReal);
+    if (module)
+        code = static_cast<RegisterCode>(static_cast<int>(code) + 3);
+    Emit(code, location, value.offset, index.offset).kind = kind;
+    return true;
+}
+
+bool RegisterBuilder::Jump(int address)
+{
+    if (AddressPosition(address) != 0)
+        return false;
+    m_fixups.push_back(Fixup{m_program.ops.size(), AddressIndex(address), 0});
+    Emit(RegisterCode::kJump);
+    return true;
+}
+
+bool RegisterBuilder::JumpIf(const Operand& truthIn, bool when, int address)
+{
+    if (AddressPosition(address) != 0)
+        return false;
+    const Operand truth = Materialize(truthIn);
+    m_fixups.push_back(Fixup{m_program.ops.size(), AddressIndex(address), 0});
+    Emit(when ? RegisterCode::kJumpIfTrue : RegisterCode::kJumpIfFalse, 0, truth.offset);
+    return true;
+}
+
+std::size_t RegisterBuilder::JumpForward(const Operand* truthIn, bool when)
+{
+    const std::size_t at = m_program.ops.size();
+    if (!truthIn) {
+        Emit(RegisterCode::kJump);
+        return at;
+    }
+    const Operand truth = Materialize(*truthIn);
+    const std::size_t jump = m_program.ops.size();
+    Emit(when ? RegisterCode::kJumpIfTrue : RegisterCode::kJumpIfFalse, 0, truth.offset);
+    return jump;
+}
+
+void RegisterBuilder::LandHere(std::size_t jump) { m_program.ops[jump].a = static_cast<int>(m_program.ops.size()); }
+
+bool RegisterBuilder::NextLong(const VariableRef& counter, int stepSlot, int endSlot, int address)
+{
+    if (AddressPosition(address) != 0 || counter.scope != StorageScope::Local || IsByReferenceParameter(counter.index) ||
+        FixedKind(counter.type) != VT_I4)
+        return false;
+    m_fixups.push_back(Fixup{m_program.ops.size(), AddressIndex(address), 1});
+    Emit(RegisterCode::kNextLong, SlotOffset(counter.index), SlotOffset(stepSlot), SlotOffset(endSlot));
+    return true;
+}
+
+bool RegisterBuilder::SelectRanges(const Operand& selectorIn, int keptSlot, const std::vector<Range>& ranges,
+                                   const std::vector<int>& targets, int elseAddress)
+{
+    if (!IsWhole(selectorIn.kind) || AddressPosition(elseAddress) != 0)
+        return false;
+    for (const int target : targets) {
+        if (AddressPosition(target) != 0)
+            return false;
+    }
+    const Operand selector = Materialize(selectorIn);
+    const std::size_t table = m_program.rangeTables.size();
+    m_program.rangeTables.emplace_back();
+    std::vector<SelectRange>& entries = m_program.rangeTables.back();
+    const auto addressOf = [&](int part) {
+        return part >= 1 && part <= static_cast<int>(targets.size()) ? targets[static_cast<std::size_t>(part - 1)]
+                                                                     : elseAddress;
+    };
+    for (const Range& range : ranges) {
+        m_fixups.push_back(Fixup{0, AddressIndex(addressOf(range.part)), 2, table, entries.size()});
+        entries.push_back(SelectRange{range.low, range.high, 0});
+    }
+    m_fixups.push_back(Fixup{0, AddressIndex(elseAddress), 2, table, entries.size()});
+    entries.push_back(SelectRange{LONG_MIN, LONG_MAX, 0});
+    RegisterOp& op = Emit(RegisterCode::kSelectRanges, SlotOffset(keptSlot), selector.offset, static_cast<int>(table));
+    op.kind = selector.kind;
+    return true;
+}
+
+} // namespace brannoc

@@ -1,0 +1,113 @@
+#pragma once
+// Builds the register form of a procedure (RegisterCode.h): statements emit their operations through
+// this builder, which translates their numeric postfix code into three-address operations on frame
+// offsets, hands out temporaries and resolves jumps to statement entries.
+#include "code/ProcedureBody.h"
+#include "code/RegisterCode.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace brannoc {
+
+class RegisterBuilder final {
+public:
+    // Where a value of the register form is: a constant, or a cell of the frame (a variable's payload or
+    // a temporary). Whole values in the frame are 32-bit; Integer and Boolean variables are read into a
+    // temporary first.
+    struct Operand {
+        bool constant = false;
+        // VT_I2, VT_I4, VT_BOOL (whole) or VT_R8: the kind the general code would give the value.
+        VARTYPE kind = VT_EMPTY;
+        int offset = 0;
+        int temporary = -1;
+        LONG whole = 0;
+        double real = 0;
+
+        bool IsReal() const noexcept { return kind == VT_R8; }
+    };
+
+    RegisterBuilder(CompiledProcedure& procedure, RegisterProgram& program);
+
+    // Builds the whole program from the procedure's statement vector.
+    void Build();
+
+    // ---- For the statements' EmitRegisters ----
+
+    // Translates pure numeric postfix code (ops [first, last) of code) into operations that leave its
+    // value in `result`. False when some op has no register form.
+    bool Value(const Expression& code, Operand& result, std::size_t first = 0, std::size_t last = ~std::size_t{0});
+    // The same for a condition: `truth` is a whole operand that is non-zero when the condition holds.
+    bool Condition(const Expression& code, Operand& truth);
+    // Stores value into a variable as an assignment of that type does without conversions; false when
+    // the combination needs the general store. When value is the result of the operation just emitted,
+    // that operation writes the variable itself.
+    bool Store(const VariableRef& target, const Operand& value);
+    // Stores value into the element at whole index `index` of a one-dimensional array variable.
+    bool StoreElement(const VariableRef& array, const Operand& index, const Operand& value);
+    // A jump to a statement address (index and position; only position 0 has a register form).
+    bool Jump(int address);
+    bool JumpIf(const Operand& truth, bool when, int address);
+    // A jump forward inside the statement (unconditional when truth is null) whose target LandHere sets
+    // later; answers the jump's operation.
+    std::size_t JumpForward(const Operand* truth, bool when);
+    void LandHere(std::size_t jump);
+    // Next of a Long counter local with its step and end slots, looping back to address.
+    bool NextLong(const VariableRef& counter, int stepSlot, int endSlot, int address);
+    // Select Case over a whole selector kept in keptSlot: ranges (low, high, part) in order, part i
+    // entering targets[i - 1] and the part after the last target entering elseAddress.
+    struct Range {
+        LONG low;
+        LONG high;
+        int part;
+    };
+    bool SelectRanges(const Operand& selector, int keptSlot, const std::vector<Range>& ranges,
+                      const std::vector<int>& targets, int elseAddress);
+    // Frees a temporary operand (after its last use).
+    void Release(const Operand& operand);
+
+    const CompiledProcedure& Procedure() const noexcept { return m_procedure; }
+
+private:
+    struct Fixup {
+        std::size_t op;
+        int statement;
+        // Where the target goes: 0 the op's a, 1 its kind, 2 a range table entry (table, index in it).
+        int field;
+        std::size_t table = 0;
+        std::size_t item = 0;
+    };
+
+    // One statement: its operations, or a General operation when it has none (or has been replaced).
+    void BuildStatement(int index, Statement* statement);
+
+    int SlotOffset(int slot) const noexcept { return slot * static_cast<int>(sizeof(VARIANT)) + 8; }
+    Operand NewTemporary(VARTYPE kind);
+    Operand Materialize(const Operand& operand);
+    RegisterOp& Emit(RegisterCode code, int a = 0, int b = 0, int c = 0);
+    // Postfix translation steps.
+    bool Load(const ExprOp& op, std::vector<Operand>& stack);
+    bool Element(const ExprOp& op, std::vector<Operand>& stack);
+    bool Binary(OperationId op, std::vector<Operand>& stack);
+    bool Unary(OperationId op, std::vector<Operand>& stack);
+    bool EmitWhole(OperationId op, VARTYPE kind, const Operand& left, const Operand& right, Operand& result);
+    bool EmitReal(OperationId op, const Operand& left, const Operand& right, Operand& result);
+    // A whole operand as a Double (a constant converted, a cell through WholeToReal).
+    Operand AsReal(const Operand& operand);
+    bool IsByReferenceParameter(int slot) const;
+    // The array variable an element operation addresses: a local slot offset or a module variable
+    // index; false for other variables.
+    bool ArrayLocation(const VariableRef& array, bool& module, int& location) const;
+
+    CompiledProcedure& m_procedure;
+    RegisterProgram& m_program;
+    std::vector<bool> m_temporaryInUse;
+    std::vector<VARTYPE> m_temporaryKind;
+    std::vector<Fixup> m_fixups;
+    // The operation most recently emitted that left its result in a fresh temporary (so that a store can
+    // have it write the variable instead), or npos.
+    std::size_t m_lastResultOp = ~std::size_t{0};
+    int m_lastResultTemporary = -1;
+};
+
+} // namespace brannoc

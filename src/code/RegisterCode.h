@@ -1,0 +1,138 @@
+#pragma once
+// The register form of a procedure body: the statements whose work is plain numbers (assignments and
+// conditions over Integer, Long, Boolean and Double variables and array elements, jumps, loops, Select
+// Case over whole numbers) as a list of three-address operations on the payloads of the frame's slots,
+// and every other statement as one operation that runs the statement object. The register runner goes
+// through the list in one loop instead of dispatching each statement, keeping the statement loop's
+// rules: each statement is entered through a marker that makes the break and time-slice tests and
+// publishes the statement's index, so stopping, yielding, error dispatch and Resume see the same
+// execution points.
+//
+// A statement's operations read variables and write temporaries (extra slots at the end of the frame)
+// and change nothing else until their last operation, which stores the result. An operation whose
+// exact result leaves the fast kinds (an overflow, a zero divisor, an array index outside the bounds, a
+// variable that does not hold its kind) gives up: the statement object runs instead, from its start, and
+// computes, promotes or raises as the general code does.
+#include "exec/ProcedureCode.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace brannoc {
+
+class Activation;
+
+// Operation codes. "Whole" values are 32-bit numbers (Integer, Long and Boolean values widened);
+// "Narrow" cells are the 16-bit payloads of Integer and Boolean variables; "Real" values are doubles.
+// Operands a, b and c are byte offsets into the frame unless noted; K forms take their right operand
+// from the operation's constant.
+#define BRANNOC_REGISTER_OPERATIONS(X)                                                                          \
+    X(Statement)         /* a: statement index; enters it */                                                  \
+    X(General)           /* a: statement index; runs the statement object */                                   \
+    X(End)               /* the end of the procedure */                                                        \
+    X(Jump)              /* a: target operation */                                                             \
+    X(JumpIfTrue)        /* b: whole operand; a: target */                                                     \
+    X(JumpIfFalse)                                                                                              \
+    X(ConstantWhole)     /* a = constant */                                                                    \
+    X(ConstantReal)                                                                                             \
+    X(MoveWhole)         /* a = b */                                                                           \
+    X(MoveReal)                                                                                                 \
+    X(WholeToReal)       /* a = (double) b */                                                                  \
+    X(LoadNarrow)        /* a = (whole) narrow b */                                                            \
+    X(StoreNarrow)       /* narrow a = b (a value of the narrow kind) */                                       \
+    X(StoreNarrowChecked) /* narrow a = b when b fits into an Integer */                                       \
+    X(LoadRefWhole)      /* a = variable in slot offset b (a by-reference parameter) */                        \
+    X(LoadRefNarrow)                                                                                            \
+    X(LoadRefReal)                                                                                              \
+    X(StoreRefWhole)     /* variable in slot offset a = b */                                                   \
+    X(StoreRefNarrow)                                                                                           \
+    X(StoreRefReal)                                                                                             \
+    X(LoadModuleWhole)   /* a = module variable b (an index) */                                                \
+    X(LoadModuleNarrow)                                                                                         \
+    X(LoadModuleReal)                                                                                           \
+    X(StoreModuleWhole)  /* module variable a (an index) = b */                                                \
+    X(StoreModuleNarrow)                                                                                        \
+    X(StoreModuleNarrowChecked)                                                                                 \
+    X(StoreModuleReal)                                                                                          \
+    X(LoadStaticWhole)   /* a = *pointer */                                                                    \
+    X(LoadStaticNarrow)                                                                                         \
+    X(LoadStaticReal)                                                                                           \
+    X(ElementLoadWhole)  /* a = element of kind `kind` at whole index c of the array in slot offset b */       \
+    X(ElementLoadNarrow)                                                                                        \
+    X(ElementLoadReal)                                                                                          \
+    X(ModuleElementLoadWhole) /* the same with b a module variable index */                                    \
+    X(ModuleElementLoadNarrow)                                                                                  \
+    X(ModuleElementLoadReal)                                                                                    \
+    X(ElementStoreWhole) /* element at whole index c of the array in slot offset a = b */                     \
+    X(ElementStoreNarrow)                                                                                       \
+    X(ElementStoreReal)                                                                                         \
+    X(ModuleElementStoreWhole)                                                                                  \
+    X(ModuleElementStoreNarrow)                                                                                 \
+    X(ModuleElementStoreReal)                                                                                   \
+    X(AddLong) X(AddLongK) X(SubtractLong) X(SubtractLongK) X(MultiplyLong) X(MultiplyLongK)                   \
+    X(DivideLong) X(DivideLongK) X(ModuloLong) X(ModuloLongK)                                                   \
+    X(AddInteger) X(AddIntegerK) X(SubtractInteger) X(SubtractIntegerK) X(MultiplyInteger)                     \
+    X(MultiplyIntegerK) X(DivideInteger) X(DivideIntegerK)                                                      \
+    X(And) X(AndK) X(Or) X(OrK) X(Xor) X(XorK) X(Eqv) X(EqvK) X(Imp) X(ImpK)                                    \
+    X(Equal) X(EqualK) X(NotEqual) X(NotEqualK) X(Less) X(LessK) X(LessEqual) X(LessEqualK)                     \
+    X(Greater) X(GreaterK) X(GreaterEqual) X(GreaterEqualK)                                                     \
+    X(AddReal) X(AddRealK) X(SubtractReal) X(SubtractRealK) X(MultiplyReal) X(MultiplyRealK)                   \
+    X(DivideReal) X(DivideRealK)                                                                                \
+    X(EqualReal) X(EqualRealK) X(NotEqualReal) X(NotEqualRealK) X(LessReal) X(LessRealK)                       \
+    X(LessEqualReal) X(LessEqualRealK) X(GreaterReal) X(GreaterRealK) X(GreaterEqualReal)                      \
+    X(GreaterEqualRealK)                                                                                        \
+    X(NegateLong) X(NegateInteger) X(Not) X(AbsLong) X(AbsInteger)                                              \
+    X(NegateReal) X(AbsReal) X(FixReal) X(IntReal)                                                              \
+    X(NextLong)          /* Next of a Long counter at a; b, c: step and end slots; kind: target op */          \
+    X(SelectRanges)      /* b: whole selector; a: kept slot offset; pointer: the range table */
+
+enum class RegisterCode : std::uint16_t {
+#define BRANNOC_REGISTER_ENUM(name) k##name,
+    BRANNOC_REGISTER_OPERATIONS(BRANNOC_REGISTER_ENUM)
+#undef BRANNOC_REGISTER_ENUM
+        kCount
+};
+
+struct RegisterOp {
+    RegisterCode code = RegisterCode::kEnd;
+    // Array operations: the element kind. NextLong: the target operation.
+    std::uint16_t kind = 0;
+    std::int32_t a = 0;
+    std::int32_t b = 0;
+    std::int32_t c = 0;
+    union {
+        LONG whole;
+        double real;
+        const void* pointer;
+    } constant{};
+};
+
+// One range of whole selectors of a Select Case and the part it enters: part i (from 1) is branch i's
+// target, the part after the last branch the Else target; `target` is that part's operation.
+struct SelectRange {
+    LONG low = 0;
+    LONG high = 0;
+    int target = 0;
+};
+
+// The register form of one procedure. Built once, when the procedure's frame is first laid out; the
+// procedure owns it.
+class RegisterProgram final {
+public:
+    // The operations, and the operation each statement index starts at (one more entry for the end).
+    std::vector<RegisterOp> ops;
+    std::vector<int> entries;
+    // Select Case range tables (each ends with an entry whose target is the Else part and whose range is
+    // empty); operations point into them.
+    std::vector<std::vector<SelectRange>> rangeTables;
+    // Temporaries: frame slots from firstTemporary on.
+    int firstTemporary = 0;
+    int temporaryCount = 0;
+    // How many statements have a register form (the rest run as statement objects).
+    int registerStatements = 0;
+};
+
+// The statement loop over a register form (a StatementTable runner).
+[[nodiscard]] bool RunRegisterProgram(Activation& activation, ExecEntry& entry, const void* program);
+
+} // namespace brannoc

@@ -1,0 +1,584 @@
+// The register runner: the statement loop of a procedure that has a register form. Each operation
+// jumps straight to the next one's code (the labels-as-values extension), so a statement of plain
+// numbers costs a few instructions per operation instead of a statement dispatch and a call per node.
+#include "code/RegisterCode.h"
+
+#include "code/FastExpression.h"
+#include "code/ProcedureBody.h"
+#include "exec/Activation.h"
+#include "exec/HaltFlags.h"
+#include "exec/Interpreter.h"
+#include "exec/ModuleInstance.h"
+
+#include <cfloat>
+#include <climits>
+#include <cmath>
+
+namespace brannoc {
+
+namespace {
+
+// A double result that the register form may keep: a normal number, or a zero that is exact.
+inline bool IsKeptReal(double value, bool exactZero)
+{
+    const double magnitude = std::fabs(value);
+    return (magnitude >= DBL_MIN && magnitude <= DBL_MAX) || (value == 0 && exactZero);
+}
+
+inline bool FitsInteger(LONG value) { return value >= SHRT_MIN && value <= SHRT_MAX; }
+
+// The variable a by-reference parameter's slot stands for: the caller's cell it refers to, or the slot
+// itself when it holds a converted copy; null when that cell does not hold kind.
+inline VARIANT* ReferredCell(char* frame, int offset, VARTYPE kind)
+{
+    auto* cell = reinterpret_cast<VARIANT*>(frame + offset - 8);
+    if (cell->vt == (VT_BYREF | VT_VARIANT))
+        cell = cell->pvarVal;
+    return cell->vt == kind ? cell : nullptr;
+}
+
+} // namespace
+
+bool RunRegisterProgram(Activation& activation, ExecEntry& entry, const void* data)
+{
+    if (!DirectFormsEnabled())
+        return activation.RunStatements(entry);
+
+    static const void* const kLabels[] = {
+#define BRANNOC_REGISTER_LABEL(name) &&op_##name,
+        BRANNOC_REGISTER_OPERATIONS(BRANNOC_REGISTER_LABEL)
+#undef BRANNOC_REGISTER_LABEL
+    };
+    static_assert(sizeof(kLabels) / sizeof(kLabels[0]) == static_cast<std::size_t>(RegisterCode::kCount));
+
+    const RegisterProgram& program = *static_cast<const RegisterProgram*>(data);
+    Interpreter& interpreter = *Interpreter::Current();
+    Node* const* statements = activation.OwnProcedure().Table().statements;
+    const RegisterOp* const ops = program.ops.data();
+    const int* const entries = program.entries.data();
+    const int endIndex = static_cast<int>(program.entries.size()) - 1;
+    char* const frame = static_cast<char*>(activation.Locals());
+    ModuleInstance* const instance = activation.Instance();
+    VARIANT* const moduleSlots = instance && instance->VariableCount() > 0 ? &instance->Slot(0) : nullptr;
+    const auto moduleCount = static_cast<std::int32_t>(instance ? instance->VariableCount() : 0);
+
+    // Where the statement loop goes on: the entry of the activation's next statement.
+    const auto resume = [&]() {
+        const int next = activation.NextIndex();
+        return ops + entries[next < 0 ? 0 : next > endIndex ? endIndex : next];
+    };
+
+#define BRANNOC_DISPATCH() goto* kLabels[static_cast<int>(pc->code)]
+#define BRANNOC_NEXT()                                                                                          \
+    do {                                                                                                        \
+        ++pc;                                                                                                   \
+        BRANNOC_DISPATCH();                                                                                     \
+    } while (0)
+#define BRANNOC_WHOLE(offset) (*reinterpret_cast<LONG*>(frame + (offset)))
+#define BRANNOC_NARROW(offset) (*reinterpret_cast<SHORT*>(frame + (offset)))
+#define BRANNOC_REAL(offset) (*reinterpret_cast<double*>(frame + (offset)))
+#define BRANNOC_MODULE_CELL(index, kind)                                                                        \
+    ((index) < moduleCount && moduleSlots[(index)].vt == (kind) ? &moduleSlots[(index)] : nullptr)
+
+    const RegisterOp* pc = resume();
+    BRANNOC_DISPATCH();
+
+    // ---- Statements and control ----
+op_Statement:
+    if (HaltFlags::Any() || interpreter.StatementCheckStops()) {
+        // The statement has not run: it is tried again on a later step.
+        activation.HoldAt(pc->a);
+        return false;
+    }
+    activation.EnterStatement(pc->a);
+    BRANNOC_NEXT();
+op_General:
+    // A statement that ran into an error or recorded a request answers true with a halt bit set.
+    if (!statements[pc->a]->Execute() || HaltFlags::Any())
+        return false;
+    pc = resume();
+    BRANNOC_DISPATCH();
+give_up:
+    // The current statement's register form gave up before changing anything: its object runs it.
+    if (!statements[activation.CurrentIndex()]->Execute() || HaltFlags::Any())
+        return false;
+    pc = resume();
+    BRANNOC_DISPATCH();
+op_End:
+    entry.state = ExecEntry::kFinished;
+    return !HaltFlags::Any();
+op_Jump:
+    pc = ops + pc->a;
+    BRANNOC_DISPATCH();
+op_JumpIfTrue:
+    if (BRANNOC_WHOLE(pc->b) != 0) {
+        pc = ops + pc->a;
+        BRANNOC_DISPATCH();
+    }
+    BRANNOC_NEXT();
+op_JumpIfFalse:
+    if (BRANNOC_WHOLE(pc->b) == 0) {
+        pc = ops + pc->a;
+        BRANNOC_DISPATCH();
+    }
+    BRANNOC_NEXT();
+
+    // ---- Moves, constants and conversions ----
+op_ConstantWhole:
+    BRANNOC_WHOLE(pc->a) = pc->constant.whole;
+    BRANNOC_NEXT();
+op_ConstantReal:
+    BRANNOC_REAL(pc->a) = pc->constant.real;
+    BRANNOC_NEXT();
+op_MoveWhole:
+    BRANNOC_WHOLE(pc->a) = BRANNOC_WHOLE(pc->b);
+    BRANNOC_NEXT();
+op_MoveReal:
+    BRANNOC_REAL(pc->a) = BRANNOC_REAL(pc->b);
+    BRANNOC_NEXT();
+op_WholeToReal:
+    BRANNOC_REAL(pc->a) = BRANNOC_WHOLE(pc->b);
+    BRANNOC_NEXT();
+op_LoadNarrow:
+    BRANNOC_WHOLE(pc->a) = BRANNOC_NARROW(pc->b);
+    BRANNOC_NEXT();
+op_StoreNarrow:
+    BRANNOC_NARROW(pc->a) = static_cast<SHORT>(BRANNOC_WHOLE(pc->b));
+    BRANNOC_NEXT();
+op_StoreNarrowChecked: {
+    const LONG value = BRANNOC_WHOLE(pc->b);
+    if (!FitsInteger(value))
+        goto give_up;
+    BRANNOC_NARROW(pc->a) = static_cast<SHORT>(value);
+    BRANNOC_NEXT();
+}
+
+    // ---- By-reference parameters, module variables and statics ----
+op_LoadRefWhole: {
+    const VARIANT* cell = ReferredCell(frame, pc->b, VT_I4);
+    if (!cell)
+        goto give_up;
+    BRANNOC_WHOLE(pc->a) = cell->lVal;
+    BRANNOC_NEXT();
+}
+op_LoadRefNarrow: {
+    const VARIANT* cell = ReferredCell(frame, pc->b, static_cast<VARTYPE>(pc->kind));
+    if (!cell)
+        goto give_up;
+    BRANNOC_WHOLE(pc->a) = cell->iVal;
+    BRANNOC_NEXT();
+}
+op_LoadRefReal: {
+    const VARIANT* cell = ReferredCell(frame, pc->b, VT_R8);
+    if (!cell)
+        goto give_up;
+    BRANNOC_REAL(pc->a) = cell->dblVal;
+    BRANNOC_NEXT();
+}
+op_StoreRefWhole: {
+    VARIANT* cell = ReferredCell(frame, pc->a, VT_I4);
+    if (!cell)
+        goto give_up;
+    cell->lVal = BRANNOC_WHOLE(pc->b);
+    BRANNOC_NEXT();
+}
+op_StoreRefNarrow: {
+    VARIANT* cell = ReferredCell(frame, pc->a, static_cast<VARTYPE>(pc->kind));
+    if (!cell)
+        goto give_up;
+    cell->iVal = static_cast<SHORT>(BRANNOC_WHOLE(pc->b));
+    BRANNOC_NEXT();
+}
+op_StoreRefReal: {
+    VARIANT* cell = ReferredCell(frame, pc->a, VT_R8);
+    if (!cell)
+        goto give_up;
+    cell->dblVal = BRANNOC_REAL(pc->b);
+    BRANNOC_NEXT();
+}
+op_LoadModuleWhole: {
+    const VARIANT* cell = BRANNOC_MODULE_CELL(pc->b, VT_I4);
+    if (!cell)
+        goto give_up;
+    BRANNOC_WHOLE(pc->a) = cell->lVal;
+    BRANNOC_NEXT();
+}
+op_LoadModuleNarrow: {
+    const VARIANT* cell = BRANNOC_MODULE_CELL(pc->b, pc->kind);
+    if (!cell)
+        goto give_up;
+    BRANNOC_WHOLE(pc->a) = cell->iVal;
+    BRANNOC_NEXT();
+}
+op_LoadModuleReal: {
+    const VARIANT* cell = BRANNOC_MODULE_CELL(pc->b, VT_R8);
+    if (!cell)
+        goto give_up;
+    BRANNOC_REAL(pc->a) = cell->dblVal;
+    BRANNOC_NEXT();
+}
+op_StoreModuleWhole: {
+    VARIANT* cell = BRANNOC_MODULE_CELL(pc->a, VT_I4);
+    if (!cell)
+        goto give_up;
+    cell->lVal = BRANNOC_WHOLE(pc->b);
+    BRANNOC_NEXT();
+}
+op_StoreModuleNarrow: {
+    VARIANT* cell = BRANNOC_MODULE_CELL(pc->a, pc->kind);
+    if (!cell)
+        goto give_up;
+    cell->iVal = static_cast<SHORT>(BRANNOC_WHOLE(pc->b));
+    BRANNOC_NEXT();
+}
+op_StoreModuleNarrowChecked: {
+    VARIANT* cell = BRANNOC_MODULE_CELL(pc->a, VT_I2);
+    const LONG value = BRANNOC_WHOLE(pc->b);
+    if (!cell || !FitsInteger(value))
+        goto give_up;
+    cell->iVal = static_cast<SHORT>(value);
+    BRANNOC_NEXT();
+}
+op_StoreModuleReal: {
+    VARIANT* cell = BRANNOC_MODULE_CELL(pc->a, VT_R8);
+    if (!cell)
+        goto give_up;
+    cell->dblVal = BRANNOC_REAL(pc->b);
+    BRANNOC_NEXT();
+}
+op_LoadStaticWhole: {
+    const auto* cell = static_cast<const VARIANT*>(pc->constant.pointer);
+    if (cell->vt != VT_I4)
+        goto give_up;
+    BRANNOC_WHOLE(pc->a) = cell->lVal;
+    BRANNOC_NEXT();
+}
+op_LoadStaticNarrow: {
+    const auto* cell = static_cast<const VARIANT*>(pc->constant.pointer);
+    if (cell->vt != pc->kind)
+        goto give_up;
+    BRANNOC_WHOLE(pc->a) = cell->iVal;
+    BRANNOC_NEXT();
+}
+op_LoadStaticReal: {
+    const auto* cell = static_cast<const VARIANT*>(pc->constant.pointer);
+    if (cell->vt != VT_R8)
+        goto give_up;
+    BRANNOC_REAL(pc->a) = cell->dblVal;
+    BRANNOC_NEXT();
+}
+
+    // ---- Array elements ----
+#define BRANNOC_LOCAL_ELEMENT(array, index)                                                                     \
+    ElementOfVector(reinterpret_cast<VARIANT*>(frame + (array) - 8), static_cast<VARTYPE>(pc->kind),            \
+                    BRANNOC_WHOLE(index))
+#define BRANNOC_MODULE_ELEMENT(array, index)                                                                    \
+    ((array) < moduleCount ? ElementOfVector(&moduleSlots[(array)], static_cast<VARTYPE>(pc->kind),             \
+                                             BRANNOC_WHOLE(index))                                              \
+                           : nullptr)
+op_ElementLoadWhole: {
+    const char* element = BRANNOC_LOCAL_ELEMENT(pc->b, pc->c);
+    if (!element)
+        goto give_up;
+    BRANNOC_WHOLE(pc->a) = *reinterpret_cast<const LONG*>(element);
+    BRANNOC_NEXT();
+}
+op_ElementLoadNarrow: {
+    const char* element = BRANNOC_LOCAL_ELEMENT(pc->b, pc->c);
+    if (!element)
+        goto give_up;
+    BRANNOC_WHOLE(pc->a) = *reinterpret_cast<const SHORT*>(element);
+    BRANNOC_NEXT();
+}
+op_ElementLoadReal: {
+    const char* element = BRANNOC_LOCAL_ELEMENT(pc->b, pc->c);
+    if (!element)
+        goto give_up;
+    BRANNOC_REAL(pc->a) = *reinterpret_cast<const double*>(element);
+    BRANNOC_NEXT();
+}
+op_ModuleElementLoadWhole: {
+    const char* element = BRANNOC_MODULE_ELEMENT(pc->b, pc->c);
+    if (!element)
+        goto give_up;
+    BRANNOC_WHOLE(pc->a) = *reinterpret_cast<const LONG*>(element);
+    BRANNOC_NEXT();
+}
+op_ModuleElementLoadNarrow: {
+    const char* element = BRANNOC_MODULE_ELEMENT(pc->b, pc->c);
+    if (!element)
+        goto give_up;
+    BRANNOC_WHOLE(pc->a) = *reinterpret_cast<const SHORT*>(element);
+    BRANNOC_NEXT();
+}
+op_ModuleElementLoadReal: {
+    const char* element = BRANNOC_MODULE_ELEMENT(pc->b, pc->c);
+    if (!element)
+        goto give_up;
+    BRANNOC_REAL(pc->a) = *reinterpret_cast<const double*>(element);
+    BRANNOC_NEXT();
+}
+op_ElementStoreWhole: {
+    char* element = BRANNOC_LOCAL_ELEMENT(pc->a, pc->c);
+    if (!element)
+        goto give_up;
+    *reinterpret_cast<LONG*>(element) = BRANNOC_WHOLE(pc->b);
+    BRANNOC_NEXT();
+}
+op_ElementStoreNarrow: {
+    char* element = BRANNOC_LOCAL_ELEMENT(pc->a, pc->c);
+    if (!element)
+        goto give_up;
+    *reinterpret_cast<SHORT*>(element) = static_cast<SHORT>(BRANNOC_WHOLE(pc->b));
+    BRANNOC_NEXT();
+}
+op_ElementStoreReal: {
+    char* element = BRANNOC_LOCAL_ELEMENT(pc->a, pc->c);
+    if (!element)
+        goto give_up;
+    *reinterpret_cast<double*>(element) = BRANNOC_REAL(pc->b);
+    BRANNOC_NEXT();
+}
+op_ModuleElementStoreWhole: {
+    char* element = BRANNOC_MODULE_ELEMENT(pc->a, pc->c);
+    if (!element)
+        goto give_up;
+    *reinterpret_cast<LONG*>(element) = BRANNOC_WHOLE(pc->b);
+    BRANNOC_NEXT();
+}
+op_ModuleElementStoreNarrow: {
+    char* element = BRANNOC_MODULE_ELEMENT(pc->a, pc->c);
+    if (!element)
+        goto give_up;
+    *reinterpret_cast<SHORT*>(element) = static_cast<SHORT>(BRANNOC_WHOLE(pc->b));
+    BRANNOC_NEXT();
+}
+op_ModuleElementStoreReal: {
+    char* element = BRANNOC_MODULE_ELEMENT(pc->a, pc->c);
+    if (!element)
+        goto give_up;
+    *reinterpret_cast<double*>(element) = BRANNOC_REAL(pc->b);
+    BRANNOC_NEXT();
+}
+#undef BRANNOC_LOCAL_ELEMENT
+#undef BRANNOC_MODULE_ELEMENT
+
+    // ---- Whole-number arithmetic: Long, and Integer with its range ----
+#define BRANNOC_RIGHT_WHOLE(konstant) ((konstant) ? pc->constant.whole : BRANNOC_WHOLE(pc->c))
+#define BRANNOC_CHECKED(label, builtin, konstant, integer)                                                     \
+    label : {                                                                                                   \
+        LONG result;                                                                                            \
+        if (builtin(BRANNOC_WHOLE(pc->b), BRANNOC_RIGHT_WHOLE(konstant), &result) || (integer && !FitsInteger(result))) \
+            goto give_up;                                                                                       \
+        BRANNOC_WHOLE(pc->a) = result;                                                                          \
+        BRANNOC_NEXT();                                                                                         \
+    }
+    BRANNOC_CHECKED(op_AddLong, __builtin_add_overflow, false, false)
+    BRANNOC_CHECKED(op_AddLongK, __builtin_add_overflow, true, false)
+    BRANNOC_CHECKED(op_SubtractLong, __builtin_sub_overflow, false, false)
+    BRANNOC_CHECKED(op_SubtractLongK, __builtin_sub_overflow, true, false)
+    BRANNOC_CHECKED(op_MultiplyLong, __builtin_mul_overflow, false, false)
+    BRANNOC_CHECKED(op_MultiplyLongK, __builtin_mul_overflow, true, false)
+    BRANNOC_CHECKED(op_AddInteger, __builtin_add_overflow, false, true)
+    BRANNOC_CHECKED(op_AddIntegerK, __builtin_add_overflow, true, true)
+    BRANNOC_CHECKED(op_SubtractInteger, __builtin_sub_overflow, false, true)
+    BRANNOC_CHECKED(op_SubtractIntegerK, __builtin_sub_overflow, true, true)
+    BRANNOC_CHECKED(op_MultiplyInteger, __builtin_mul_overflow, false, true)
+    BRANNOC_CHECKED(op_MultiplyIntegerK, __builtin_mul_overflow, true, true)
+#undef BRANNOC_CHECKED
+#define BRANNOC_DIVIDE(label, konstant, smallest)                                                               \
+    label : {                                                                                                   \
+        const LONG left = BRANNOC_WHOLE(pc->b);                                                                 \
+        const LONG right = BRANNOC_RIGHT_WHOLE(konstant);                                                       \
+        if (right == 0 || (right == -1 && left == (smallest)))                                                  \
+            goto give_up;                                                                                       \
+        BRANNOC_WHOLE(pc->a) = left / right;                                                                    \
+        BRANNOC_NEXT();                                                                                         \
+    }
+    BRANNOC_DIVIDE(op_DivideLong, false, LONG_MIN)
+    BRANNOC_DIVIDE(op_DivideLongK, true, LONG_MIN)
+    BRANNOC_DIVIDE(op_DivideInteger, false, SHRT_MIN)
+    BRANNOC_DIVIDE(op_DivideIntegerK, true, SHRT_MIN)
+#undef BRANNOC_DIVIDE
+#define BRANNOC_MODULO(label, konstant)                                                                         \
+    label : {                                                                                                   \
+        const LONG right = BRANNOC_RIGHT_WHOLE(konstant);                                                       \
+        if (right == 0)                                                                                         \
+            goto give_up;                                                                                       \
+        BRANNOC_WHOLE(pc->a) = right == -1 ? 0 : BRANNOC_WHOLE(pc->b) % right;                                  \
+        BRANNOC_NEXT();                                                                                         \
+    }
+    BRANNOC_MODULO(op_ModuloLong, false)
+    BRANNOC_MODULO(op_ModuloLongK, true)
+#undef BRANNOC_MODULO
+#define BRANNOC_PLAIN(label, konstant, expression)                                                              \
+    label : {                                                                                                   \
+        const LONG x = BRANNOC_WHOLE(pc->b);                                                                    \
+        const LONG y = BRANNOC_RIGHT_WHOLE(konstant);                                                           \
+        BRANNOC_WHOLE(pc->a) = (expression);                                                                    \
+        BRANNOC_NEXT();                                                                                         \
+    }
+    BRANNOC_PLAIN(op_And, false, x & y)
+    BRANNOC_PLAIN(op_AndK, true, x & y)
+    BRANNOC_PLAIN(op_Or, false, x | y)
+    BRANNOC_PLAIN(op_OrK, true, x | y)
+    BRANNOC_PLAIN(op_Xor, false, x ^ y)
+    BRANNOC_PLAIN(op_XorK, true, x ^ y)
+    BRANNOC_PLAIN(op_Eqv, false, ~(x ^ y))
+    BRANNOC_PLAIN(op_EqvK, true, ~(x ^ y))
+    BRANNOC_PLAIN(op_Imp, false, ~x | y)
+    BRANNOC_PLAIN(op_ImpK, true, ~x | y)
+    BRANNOC_PLAIN(op_Equal, false, x == y ? -1 : 0)
+    BRANNOC_PLAIN(op_EqualK, true, x == y ? -1 : 0)
+    BRANNOC_PLAIN(op_NotEqual, false, x != y ? -1 : 0)
+    BRANNOC_PLAIN(op_NotEqualK, true, x != y ? -1 : 0)
+    BRANNOC_PLAIN(op_Less, false, x < y ? -1 : 0)
+    BRANNOC_PLAIN(op_LessK, true, x < y ? -1 : 0)
+    BRANNOC_PLAIN(op_LessEqual, false, x <= y ? -1 : 0)
+    BRANNOC_PLAIN(op_LessEqualK, true, x <= y ? -1 : 0)
+    BRANNOC_PLAIN(op_Greater, false, x > y ? -1 : 0)
+    BRANNOC_PLAIN(op_GreaterK, true, x > y ? -1 : 0)
+    BRANNOC_PLAIN(op_GreaterEqual, false, x >= y ? -1 : 0)
+    BRANNOC_PLAIN(op_GreaterEqualK, true, x >= y ? -1 : 0)
+#undef BRANNOC_PLAIN
+#undef BRANNOC_RIGHT_WHOLE
+
+    // ---- Double arithmetic and comparisons ----
+#define BRANNOC_RIGHT_REAL(konstant) ((konstant) ? pc->constant.real : BRANNOC_REAL(pc->c))
+#define BRANNOC_ARITHMETIC(label, konstant, symbol, zeroRule)                                                   \
+    label : {                                                                                                   \
+        const double x = BRANNOC_REAL(pc->b);                                                                   \
+        const double y = BRANNOC_RIGHT_REAL(konstant);                                                          \
+        const double result = x symbol y;                                                                       \
+        if (!IsKeptReal(result, (zeroRule)))                                                                    \
+            goto give_up;                                                                                       \
+        BRANNOC_REAL(pc->a) = result;                                                                           \
+        BRANNOC_NEXT();                                                                                         \
+    }
+    BRANNOC_ARITHMETIC(op_AddReal, false, +, true)
+    BRANNOC_ARITHMETIC(op_AddRealK, true, +, true)
+    BRANNOC_ARITHMETIC(op_SubtractReal, false, -, true)
+    BRANNOC_ARITHMETIC(op_SubtractRealK, true, -, true)
+    BRANNOC_ARITHMETIC(op_MultiplyReal, false, *, x == 0 || y == 0)
+    BRANNOC_ARITHMETIC(op_MultiplyRealK, true, *, x == 0 || y == 0)
+#undef BRANNOC_ARITHMETIC
+#define BRANNOC_REAL_DIVIDE(label, konstant)                                                                    \
+    label : {                                                                                                   \
+        const double x = BRANNOC_REAL(pc->b);                                                                   \
+        const double y = BRANNOC_RIGHT_REAL(konstant);                                                          \
+        if (y == 0)                                                                                             \
+            goto give_up;                                                                                       \
+        const double result = x / y;                                                                            \
+        if (!IsKeptReal(result, x == 0))                                                                        \
+            goto give_up;                                                                                       \
+        BRANNOC_REAL(pc->a) = result;                                                                           \
+        BRANNOC_NEXT();                                                                                         \
+    }
+    BRANNOC_REAL_DIVIDE(op_DivideReal, false)
+    BRANNOC_REAL_DIVIDE(op_DivideRealK, true)
+#undef BRANNOC_REAL_DIVIDE
+#define BRANNOC_REAL_COMPARE(label, konstant, symbol)                                                           \
+    label : BRANNOC_WHOLE(pc->a) = BRANNOC_REAL(pc->b) symbol BRANNOC_RIGHT_REAL(konstant) ? -1 : 0;           \
+    BRANNOC_NEXT();
+    BRANNOC_REAL_COMPARE(op_EqualReal, false, ==)
+    BRANNOC_REAL_COMPARE(op_EqualRealK, true, ==)
+    BRANNOC_REAL_COMPARE(op_NotEqualReal, false, !=)
+    BRANNOC_REAL_COMPARE(op_NotEqualRealK, true, !=)
+    BRANNOC_REAL_COMPARE(op_LessReal, false, <)
+    BRANNOC_REAL_COMPARE(op_LessRealK, true, <)
+    BRANNOC_REAL_COMPARE(op_LessEqualReal, false, <=)
+    BRANNOC_REAL_COMPARE(op_LessEqualRealK, true, <=)
+    BRANNOC_REAL_COMPARE(op_GreaterReal, false, >)
+    BRANNOC_REAL_COMPARE(op_GreaterRealK, true, >)
+    BRANNOC_REAL_COMPARE(op_GreaterEqualReal, false, >=)
+    BRANNOC_REAL_COMPARE(op_GreaterEqualRealK, true, >=)
+#undef BRANNOC_REAL_COMPARE
+#undef BRANNOC_RIGHT_REAL
+
+    // ---- Unary operations ----
+op_NegateLong: {
+    const LONG value = BRANNOC_WHOLE(pc->b);
+    if (value == LONG_MIN)
+        goto give_up;
+    BRANNOC_WHOLE(pc->a) = -value;
+    BRANNOC_NEXT();
+}
+op_NegateInteger: {
+    const LONG value = BRANNOC_WHOLE(pc->b);
+    if (value == SHRT_MIN)
+        goto give_up;
+    BRANNOC_WHOLE(pc->a) = -value;
+    BRANNOC_NEXT();
+}
+op_Not:
+    BRANNOC_WHOLE(pc->a) = ~BRANNOC_WHOLE(pc->b);
+    BRANNOC_NEXT();
+op_AbsLong: {
+    const LONG value = BRANNOC_WHOLE(pc->b);
+    if (value == LONG_MIN)
+        goto give_up;
+    BRANNOC_WHOLE(pc->a) = value < 0 ? -value : value;
+    BRANNOC_NEXT();
+}
+op_AbsInteger: {
+    const LONG value = BRANNOC_WHOLE(pc->b);
+    if (value == SHRT_MIN)
+        goto give_up;
+    BRANNOC_WHOLE(pc->a) = value < 0 ? -value : value;
+    BRANNOC_NEXT();
+}
+op_NegateReal:
+    BRANNOC_REAL(pc->a) = -BRANNOC_REAL(pc->b);
+    BRANNOC_NEXT();
+op_AbsReal:
+    BRANNOC_REAL(pc->a) = std::fabs(BRANNOC_REAL(pc->b));
+    BRANNOC_NEXT();
+op_FixReal:
+    BRANNOC_REAL(pc->a) = std::trunc(BRANNOC_REAL(pc->b));
+    BRANNOC_NEXT();
+op_IntReal:
+    BRANNOC_REAL(pc->a) = std::floor(BRANNOC_REAL(pc->b));
+    BRANNOC_NEXT();
+
+    // ---- Loops and Select Case ----
+op_NextLong: {
+    const auto* step = reinterpret_cast<const VARIANT*>(frame + pc->b - 8);
+    const auto* end = reinterpret_cast<const VARIANT*>(frame + pc->c - 8);
+    LONG next;
+    if (step->vt != VT_I4 || end->vt != VT_I4 || __builtin_add_overflow(BRANNOC_WHOLE(pc->a), step->lVal, &next))
+        goto give_up;
+    BRANNOC_WHOLE(pc->a) = next;
+    if (step->lVal < 0 ? next >= end->lVal : next <= end->lVal) {
+        pc = ops + pc->constant.whole;
+        BRANNOC_DISPATCH();
+    }
+    BRANNOC_NEXT();
+}
+op_SelectRanges: {
+    const LONG selector = BRANNOC_WHOLE(pc->b);
+    // Kept in its slot as the general code keeps it.
+    auto* kept = reinterpret_cast<VARIANT*>(frame + pc->a - 8);
+    if (!OwnsNothing(kept->vt))
+        goto give_up;
+    kept->vt = static_cast<VARTYPE>(pc->kind);
+    if (pc->kind == VT_I4)
+        kept->lVal = selector;
+    else
+        kept->iVal = static_cast<SHORT>(selector);
+    // The table ends with a range that takes every selector (the Else part).
+    const auto* range = static_cast<const SelectRange*>(pc->constant.pointer);
+    while (selector < range->low || selector > range->high)
+        ++range;
+    pc = ops + range->target;
+    BRANNOC_DISPATCH();
+}
+
+#undef BRANNOC_DISPATCH
+#undef BRANNOC_NEXT
+#undef BRANNOC_WHOLE
+#undef BRANNOC_NARROW
+#undef BRANNOC_REAL
+#undef BRANNOC_MODULE_CELL
+}
+
+} // namespace brannoc
