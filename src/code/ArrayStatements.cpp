@@ -21,6 +21,17 @@ ElementKind KindFor(TypeCode arrayType, IRecordInfo* record)
     return ArrayElementKind(array.Code(), record);
 }
 
+// Releases the array a variable's storage holds. A variable declared as an array stays an array of
+// elementTag without a descriptor (not dimensioned); a Variant becomes Empty.
+void ReleaseArray(VARIANT& target, TypeCode declared, VARTYPE elementTag)
+{
+    ClearSlot(target);
+    if (declared.IsArray()) {
+        target.vt = static_cast<VARTYPE>(VT_ARRAY | elementTag);
+        target.parray = nullptr;
+    }
+}
+
 // True when a reference on the value stack (With on an element, an element passed by reference) points
 // into the array: until it goes, the array is as fixed as a declared one.
 bool IsHeldByReference(const RunContext& context, const SAFEARRAY* array)
@@ -104,18 +115,18 @@ bool ReDimStatement::Preserve(SAFEARRAY* existing, const LONG* lower, const LONG
 bool ReDimStatement::Make(VARIANT* target, SAFEARRAY** held, const LONG* lower, const LONG* upper) const
 {
     const RunContext context = Context();
+    const ElementKind kind = KindFor(m_arrayType, m_record);
     // Without Preserve the old array goes first, whatever follows.
     if (held) {
         DestroyArray(*held);
         *held = nullptr;
     } else {
-        ClearSlot(*target);
+        ReleaseArray(*target, m_target.type, kind.tag);
     }
     for (int d = m_dimensions - 1; d >= 0; --d) {
         if (lower[d] > upper[d])
             return Raise(context, ErrorId::ArrayLowerBoundAboveUpper);
     }
-    const ElementKind kind = KindFor(m_arrayType, m_record);
     SAFEARRAY* array = CreateArray(kind, lower, upper, static_cast<UINT>(m_dimensions), false);
     if (!array)
         return Raise(context, ErrorId::CantAllocateLargeArray);
@@ -155,7 +166,8 @@ bool EraseStatement::Erase(const RunContext& context, VARIANT* target, SAFEARRAY
 {
     SAFEARRAY* array = held ? *held : ArrayOf(target);
     if (!array) {
-        if (target && target->vt != VT_EMPTY)
+        // Nothing to release: an array that is not dimensioned, or an Empty Variant.
+        if (target && target->vt != VT_EMPTY && (target->vt & VT_ARRAY) == 0)
             return Raise(context, ErrorId::TypeMismatch);
         return true;
     }
@@ -169,7 +181,7 @@ bool EraseStatement::Erase(const RunContext& context, VARIANT* target, SAFEARRAY
             DestroyArray(*held);
             *held = nullptr;
         } else {
-            ClearSlot(*target);
+            ReleaseArray(*target, m_target.type, static_cast<VARTYPE>(target->vt & VT_TYPEMASK));
         }
         return true;
     }

@@ -490,7 +490,7 @@ void* ElementOf(const RunContext& context, VARIANT* storage, int count, VARTYPE&
 {
     VARIANT* value = FollowByRefChain(storage);
     if ((value->vt & VT_ARRAY) == 0) {
-        (void)context.interpreter->SignalError(value->vt == VT_EMPTY ? 10022 : 10080);
+        (void)context.interpreter->SignalError(10080);
         return nullptr;
     }
     SAFEARRAY* array = ArrayOf(value);

@@ -60,7 +60,7 @@ bool StartAt(const RunContext& context, const RecordPath& path, Place& place)
         place.elements = ElementKindOf(*place.array);
         return true;
     }
-    return Raise(context, ToNumber(value->vt == VT_EMPTY ? ErrorId::ArrayNotDimensioned : ErrorId::TypeMismatch));
+    return Raise(context, ToNumber(ErrorId::TypeMismatch));
 }
 
 // Follows one index step: the element at the indexes beginning at stack position first.
@@ -154,17 +154,8 @@ bool LoadPlace(const Place& place, Variant& value)
         return RecordType::LoadField(*place.field, place.address, value);
     case Place::Kind::Element:
         return LoadElement(place.address, place.elements.tag, value, place.elements.record);
-    case Place::Kind::Array: {
-        if (!*place.array) {
-            value.Clear();
-            return true;
-        }
-        SAFEARRAY* copy = CopyArray(*place.array);
-        if (!copy)
-            return RaiseValueError(kErrorOutOfMemory);
-        value.SetArray(copy, place.elements.tag);
-        return true;
-    }
+    case Place::Kind::Array:
+        return CopyArrayInto(*place.array, place.elements.tag, value) || RaiseValueError(kErrorOutOfMemory);
     }
     return false;
 }

@@ -403,8 +403,10 @@ bool ForEachStatement::Step(ExecEntry& entry)
     case EvalStatus::kDone: break;
     }
     ValueStack& values = context.interpreter->Values();
-    if ((FollowByRefChain(&values.Top().Raw())->vt & VT_ARRAY) == 0) {
-        (void)context.interpreter->SignalError(10080);
+    if (!ArrayOf(&values.Top().Raw())) {
+        // Not an array (10080), or an array that is not dimensioned (10022).
+        const bool array = (FollowByRefChain(&values.Top().Raw())->vt & VT_ARRAY) != 0;
+        (void)context.interpreter->SignalError(array ? 10022 : 10080);
         return Fail(context, entry);
     }
     Variant kept;

@@ -10,7 +10,13 @@ void InitializeTypedSlot(VARIANT& storage, unsigned short code)
 {
     VariantInit(&storage);
     const TypeCode type(code);
-    if (type.IsArray() || type.IsUserType())
+    if (type.IsArray()) {
+        // A dynamic array that is not dimensioned: an array of its element kind without a descriptor.
+        storage.vt = static_cast<VARTYPE>(VT_ARRAY | ArrayElementTag(code));
+        storage.parray = nullptr;
+        return;
+    }
+    if (type.IsUserType())
         return;
     if (type.IsString() || type.IsFixedString()) {
         // A null BSTR is the empty string; it costs no allocation. A fixed-length string always holds
@@ -81,8 +87,10 @@ ElementKind ArrayElementKind(unsigned short code, IRecordInfo* record)
 bool InitializeArraySlot(VARIANT& storage, unsigned short code, const long* lower, const long* upper,
                          std::size_t dimensions, IRecordInfo* record, bool fixed)
 {
-    VariantInit(&storage);
     const ElementKind kind = ArrayElementKind(code, record);
+    VariantInit(&storage);
+    storage.vt = static_cast<VARTYPE>(VT_ARRAY | kind.tag);
+    storage.parray = nullptr;
     if (dimensions == 0)
         return true;
     if (kind.tag == VT_RECORD && !kind.record)
@@ -96,7 +104,6 @@ bool InitializeArraySlot(VARIANT& storage, unsigned short code, const long* lowe
     SAFEARRAY* array = CreateArray(kind, low, high, static_cast<UINT>(dimensions), fixed);
     if (!array)
         return false;
-    storage.vt = static_cast<VARTYPE>(VT_ARRAY | kind.tag);
     storage.parray = array;
     return true;
 }
@@ -125,8 +132,8 @@ ModuleInstance::ModuleInstance(Module& module) : m_module(&module)
             lower[d] = variable.bounds[d].lower;
             upper[d] = variable.bounds[d].upper;
         }
-        if (!InitializeArraySlot(m_slots[i], variable.type.code.Code(), lower, upper, dimensions, record))
-            VariantInit(&m_slots[i]);
+        // FIXME: a fixed array that cannot be made stays not dimensioned; its use raises 10022.
+        (void)InitializeArraySlot(m_slots[i], variable.type.code.Code(), lower, upper, dimensions, record);
     }
     s_live.push_back(this);
 }

@@ -75,7 +75,8 @@ private:
 };
 
 // Sets storage (a cleared slot) to the zero value of a variable of type code `code` (TypeCode bits):
-// 0 for numbers, False, an empty String, Nothing, Empty for Variants.
+// 0 for numbers, False, an empty String, Nothing, Empty for Variants, and for arrays an array of the
+// element kind without a descriptor (VT_ARRAY | kind, null parray: not dimensioned).
 void InitializeTypedSlot(VARIANT& storage, unsigned short code);
 
 // Sets storage (a cleared slot) to a new record of type record, each field at its zero value. False
@@ -89,8 +90,8 @@ VARTYPE ArrayElementTag(unsigned short code);
 ElementKind ArrayElementKind(unsigned short code, IRecordInfo* record);
 
 // Sets storage (a cleared slot) to an array with dimensions (lower, upper) pairs, each element at its
-// zero value; `fixed` marks a declared fixed-size array. A slot without dimensions stays Empty (a
-// dynamic array that is not dimensioned). False when the array could not be made.
+// zero value; `fixed` marks a declared fixed-size array. A slot without dimensions, or whose array could
+// not be made, is an array without a descriptor (not dimensioned). False when the array could not be made.
 [[nodiscard]] bool InitializeArraySlot(VARIANT& storage, unsigned short code, const long* lower, const long* upper,
                                        std::size_t dimensions, IRecordInfo* record = nullptr, bool fixed = true);
 

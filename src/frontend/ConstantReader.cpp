@@ -59,6 +59,17 @@ ConstantValue IntegralResult(long long value, const ConstantValue& left, const C
 
 } // namespace
 
+bool PassTextLiteral(Lexer& lexer)
+{
+    const char following = lexer.FollowingChar();
+    const char* end = lexer.TokenEnd();
+    lexer.NextToken();
+    if (following == '&' || TypeOfSuffix(following) == TypeCode() || lexer.TokenStart() != end)
+        return true;
+    lexer.SignalError(CompileMessage::TypeMismatch);
+    return false;
+}
+
 bool ConstantReader::Read(ConstantValue& value) { return ReadBinary(0, value); }
 
 bool ConstantReader::ReadInteger(long long& value)
@@ -127,8 +138,7 @@ bool ConstantReader::ReadPrimary(ConstantValue& value)
     case Token::LiteralString: {
         const std::string_view text = m_lexer.Text();
         value = ConstantValue::String(std::wstring(text.begin(), text.end()));
-        m_lexer.NextToken();
-        return true;
+        return PassTextLiteral(m_lexer);
     }
     case Token::True:
     case Token::False:
@@ -196,8 +206,7 @@ bool ConstantReader::ReadDate(ConstantValue& value)
         return false;
     }
     value = ConstantValue::Real(date.Date(), TypeCode::kDate);
-    m_lexer.NextToken();
-    return true;
+    return PassTextLiteral(m_lexer);
 }
 
 std::optional<RadixLiteral> ReadRadixLiteral(std::string_view text, bool longSuffix)

@@ -23,6 +23,10 @@ std::optional<RadixLiteral> ReadRadixLiteral(std::string_view text, bool longSuf
 class Lexer;
 struct ParseState;
 
+// Moves the lexer past the string or date literal it stands at. A type suffix written right after the
+// literal reports "Type mismatch." (false); "&" there is the concatenation operator ("a"&x), not a suffix.
+[[nodiscard]] bool PassTextLiteral(Lexer& lexer);
+
 class ConstantReader final {
 public:
     ConstantReader(Lexer& lexer, const ParseState* names) : m_lexer(lexer), m_names(names) {}

@@ -378,7 +378,8 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
             m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
             return false;
         }
-        m_lexer.NextToken();
+        if (!PassTextLiteral(m_lexer))
+            return false;
         AppendConstant(out, std::move(value));
         return true;
     }
@@ -388,7 +389,8 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
             m_lexer.SignalError(CompileMessage::OutOfMemory);
             return false;
         }
-        m_lexer.NextToken();
+        if (!PassTextLiteral(m_lexer))
+            return false;
         AppendConstant(out, std::move(value));
         return true;
     }

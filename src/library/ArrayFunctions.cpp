@@ -29,24 +29,24 @@ bool MakeArray(BuiltinArguments& arguments, BuiltinResult& result)
     return true;
 }
 
-// The array an argument holds (by-reference values followed), or null when it holds none.
-SAFEARRAY* ArrayIn(const Variant& value)
+// The array an argument holds (by-reference values followed); false after raising 10080 when it holds
+// no array, or 10022 when its array is not dimensioned.
+bool ArrayIn(const Variant& value, SAFEARRAY*& array)
 {
     const VARIANT& raw = *FollowByRefChain(&value.Raw());
     if ((raw.vt & VT_ARRAY) == 0)
-        return nullptr;
-    return (raw.vt & VT_BYREF) ? (raw.pparray ? *raw.pparray : nullptr) : raw.parray;
+        return RaiseValueError(kErrorTypeMismatch);
+    array = (raw.vt & VT_BYREF) ? (raw.pparray ? *raw.pparray : nullptr) : raw.parray;
+    return array || RaiseValueError(kErrorArrayNotDimensioned);
 }
 
 template <bool kUpper>
 bool Bound(BuiltinArguments& arguments, BuiltinResult& result)
 {
     const Variant* value = nullptr;
-    if (!arguments.Value(0, value))
+    SAFEARRAY* array = nullptr;
+    if (!arguments.Value(0, value) || !ArrayIn(*value, array))
         return false;
-    SAFEARRAY* array = ArrayIn(*value);
-    if (!array)
-        return RaiseValueError(kErrorArrayNotDimensioned);
     LONG dimension = 1;
     if (arguments.IsGiven(1) && !arguments.Long(1, dimension))
         return false;

@@ -71,7 +71,7 @@ const ObjectNamer s_installedNamer = SetObjectNamer(&EngineObjectName);
 bool RecordName(IRecordInfo* info, std::wstring& name)
 {
     if (!info) {
-        name = L"_UserDefinedType";
+        name = kUndescribedRecordName;
         return true;
     }
     Bstr text;

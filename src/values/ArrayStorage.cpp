@@ -320,6 +320,15 @@ SAFEARRAY* CopyArray(SAFEARRAY* source)
     return copy;
 }
 
+bool CopyArrayInto(SAFEARRAY* array, VARTYPE elementTag, Variant& value)
+{
+    SAFEARRAY* copy = CopyArray(array);
+    if (!copy && array)
+        return false;
+    value.SetArray(copy, elementTag);
+    return true;
+}
+
 long TakeArrayFor(const ElementKind& kind, Variant& value, SAFEARRAY*& result)
 {
     constexpr long kTypeMismatch = 10080;
@@ -340,13 +349,18 @@ long TakeArrayFor(const ElementKind& kind, Variant& value, SAFEARRAY*& result)
         }
         return 0;
     }
-    SAFEARRAY* array = nullptr;
-    if (source.vt & VT_ARRAY)
-        array = (source.vt & VT_BYREF) ? (source.pparray ? *source.pparray : nullptr) : source.parray;
+    if ((source.vt & VT_ARRAY) == 0)
+        return kTypeMismatch;
+    SAFEARRAY* array = (source.vt & VT_BYREF) ? (source.pparray ? *source.pparray : nullptr) : source.parray;
+    if (!array) {
+        // An array that is not dimensioned gives one. Without a descriptor the record type of records
+        // is not known, so only the element kind is compared.
+        return (source.vt & VT_TYPEMASK) == kind.tag ? 0 : kTypeMismatch;
+    }
     const ElementKind given = ElementKindOf(array);
     const bool sameRecords = kind.tag != VT_RECORD || given.record == kind.record ||
                              (given.record && kind.record && kind.record->IsMatchingType(given.record));
-    if (!array || given.tag != kind.tag || !sameRecords)
+    if (given.tag != kind.tag || !sameRecords)
         return kTypeMismatch;
     if (&source == &value.Raw() && !value.IsByRef()) {
         // The value owns the array (a copy made for the assignment): it moves over.

@@ -48,12 +48,17 @@ SAFEARRAY* CreateArray(const ElementKind& kind, const LONG* lower, const LONG* u
 // ran out; a null source gives null.
 SAFEARRAY* CopyArray(SAFEARRAY* source);
 
+// Makes value a copy of array, an array of elementTag elements; a null array (not dimensioned) gives an
+// array of that kind without a descriptor. False when memory ran out (value is then unchanged).
+[[nodiscard]] bool CopyArrayInto(SAFEARRAY* array, VARTYPE elementTag, Variant& value);
+
 // Releases every element and the array.
 void DestroyArray(SAFEARRAY* array) noexcept;
 
 // The array that an assignment of value to an array of kind stores: value's own array when value holds
-// one of that element kind (taken over when value owns it, else copied), or the bytes of a String for a
-// Byte array (lower bound 0). Answers 0 and the array in result, or the number of the error to raise:
+// one of that element kind (taken over when value owns it, else copied; null when it is not
+// dimensioned), or the bytes of a String for a Byte array (lower bound 0). Answers 0 and the array in
+// result, or the number of the error to raise:
 // 10080 for another kind, 10021 when memory ran out.
 long TakeArrayFor(const ElementKind& kind, Variant& value, SAFEARRAY*& result);
 

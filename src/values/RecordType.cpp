@@ -300,18 +300,9 @@ bool RecordType::LoadField(const RecordField& field, const void* record, Variant
         value.SetRecord(copy, field.record.Get());
         return true;
     }
-    case FieldKind::Array: {
-        SAFEARRAY* array = *reinterpret_cast<SAFEARRAY* const*>(At(record, field));
-        if (!array) {
-            value.Clear();
-            return true;
-        }
-        SAFEARRAY* copy = CopyArray(array);
-        if (!copy)
-            return RaiseValueError(kErrorOutOfMemory);
-        value.SetArray(copy, field.elementTag);
-        return true;
-    }
+    case FieldKind::Array:
+        return CopyArrayInto(*reinterpret_cast<SAFEARRAY* const*>(At(record, field)), field.elementTag, value) ||
+               RaiseValueError(kErrorOutOfMemory);
     }
     return false;
 }

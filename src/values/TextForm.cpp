@@ -42,10 +42,13 @@ wchar_t TypeCharacter(VARTYPE tag)
     }
 }
 
+// The name a record description gives.
 std::wstring RecordTypeName(IRecordInfo* info)
 {
+    if (!info)
+        return std::wstring(kUndescribedRecordName);
     Bstr text;
-    if (info && SUCCEEDED(info->GetName(text.Out())))
+    if (SUCCEEDED(info->GetName(text.Out())))
         return std::wstring(text.View());
     return L"?";
 }

@@ -22,5 +22,8 @@ ObjectNamer SetObjectNamer(ObjectNamer namer);
 
 // The language's name of a value kind ("Integer", "Variant", ...), as array displays show it.
 std::wstring_view KindName(VARTYPE tag);
+// The name of a record type that has no record description (as an array of records that is not
+// dimensioned: without a descriptor it has none).
+inline constexpr std::wstring_view kUndescribedRecordName = L"_UserDefinedType";
 
 } // namespace brannoc

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
+
 namespace brannoc {
 namespace {
 
@@ -56,7 +58,46 @@ TEST_F(ModuleInstanceTest, FixedArraysAreMadeWithTheirBounds)
     EXPECT_EQ(bound, 3);
     ASSERT_EQ(SafeArrayGetUBound(array, 2, &bound), S_OK);
     EXPECT_EQ(bound, 4);
-    EXPECT_EQ(instance.Slot(1).vt, VT_EMPTY) << "a dynamic array is not dimensioned";
+    EXPECT_EQ(instance.Slot(1).vt, VT_ARRAY | VT_I2) << "a dynamic array is not dimensioned";
+    EXPECT_EQ(instance.Slot(1).parray, nullptr);
+}
+
+TEST_F(ModuleInstanceTest, DynamicArraysStartAsArraysOfTheirKindWithoutDescriptor)
+{
+    Module* module = Compile({"Type Point", "    X As Long", "End Type", "Dim a() As Integer", "Private b() As String",
+                              "Public c() As Double", "Dim d()", "Dim e() As String * 3", "Dim f() As Object",
+                              "Dim g() As Point", "Dim h() As Byte"});
+    ASSERT_NE(module, nullptr);
+    ModuleInstance instance(*module);
+    const VARTYPE expected[] = {VT_I2, VT_BSTR, VT_R8, VT_VARIANT, VT_BSTR, VT_DISPATCH, VT_RECORD, VT_UI1};
+    ASSERT_EQ(instance.VariableCount(), std::size(expected));
+    for (std::size_t i = 0; i < std::size(expected); ++i) {
+        EXPECT_EQ(instance.Slot(i).vt, VT_ARRAY | expected[i]) << "variable " << i;
+        EXPECT_EQ(instance.Slot(i).parray, nullptr) << "variable " << i;
+    }
+}
+
+TEST_F(ModuleInstanceTest, TypedSlotsOfArrayTypesHaveNoDescriptor)
+{
+    const struct {
+        TypeCode type;
+        VARTYPE tag;
+    } rows[] = {
+        {TypeCode(TypeCode::kInteger).WithRank(1), VT_ARRAY | VT_I2},
+        {TypeCode(TypeCode::kLong).WithRank(TypeCode::kDynamicRank), VT_ARRAY | VT_I4},
+        {TypeCode(TypeCode::kVariant).WithRank(2), VT_ARRAY | VT_VARIANT},
+        {TypeCode::FixedString(5).WithRank(1), VT_ARRAY | VT_BSTR},
+        {TypeCode(TypeCode::kDecimal).WithRank(1), VT_ARRAY | VT_DECIMAL},
+        {TypeCode(TypeCode::kInteger), VT_I2},
+        {TypeCode(TypeCode::kVariant), VT_EMPTY},
+    };
+    for (const auto& row : rows) {
+        VARIANT slot;
+        InitializeTypedSlot(slot, row.type.Code());
+        EXPECT_EQ(slot.vt, row.tag) << "type code " << row.type.Code();
+        if (slot.vt & VT_ARRAY)
+            EXPECT_EQ(slot.parray, nullptr) << "type code " << row.type.Code();
+    }
 }
 
 TEST_F(ModuleInstanceTest, FindAnswersItselfLinkedThenOldestLive)

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <map>
 #include <string>
 #include <vector>
@@ -156,6 +157,32 @@ TEST(CompilerTest, AcceptedDeclarations)
     for (const std::string& text : cases) {
         Fixture fixture;
         EXPECT_EQ(fixture.Compile(text + kMain, 1), ParseResult::Okay) << text;
+        fixture.ExpectErrors({}, text);
+    }
+}
+
+TEST(CompilerTest, SuffixRightAfterTextLiteralIsTypeMismatch)
+{
+    // Every suffix character but "&" (the concatenation operator), after a string and after a date, in a
+    // Const declaration and in an Optional default; the error stands at the suffix.
+    for (const char suffix : std::string("%!#@$?")) {
+        const std::string rows[] = {
+            std::string("Const c = \"ab\"") + suffix,
+            std::string("Const d = #1/2/2000#") + suffix,
+            std::string("Sub F(Optional s As String = \"x\"") + suffix + ")\r\nEnd Sub",
+        };
+        const int offsets[] = {14, 20, 32};
+        for (std::size_t i = 0; i < std::size(rows); ++i) {
+            Fixture fixture;
+            const std::string& text = rows[i];
+            EXPECT_EQ(fixture.Compile(text + "\r\n" + kMain, 1), ParseResult::SyntaxErrors) << text;
+            fixture.ExpectErrors({{L"Type mismatch.", 1, offsets[i], text.substr(0, text.find('\r'))}}, text);
+        }
+    }
+    const std::string accepted[] = {"Const c = \"ab\"&\"c\"", "Const d = #1/2/2000#&\"x\"", "Const e = \"ab\"& \"c\""};
+    for (const std::string& text : accepted) {
+        Fixture fixture;
+        EXPECT_EQ(fixture.Compile(text + "\r\n" + kMain, 1), ParseResult::Okay) << text;
         fixture.ExpectErrors({}, text);
     }
 }

@@ -18,10 +18,12 @@ struct BuiltinRow {
 
 inline std::ostream& operator<<(std::ostream& out, const BuiltinRow& row) { return out << row.expression; }
 
-// Rows share these declarations: s holds "Hello World", n the Null value, e stays Empty.
+// Rows share these declarations: s holds "Hello World", n the Null value, e stays Empty, and the dynamic
+// array d is not dimensioned.
 inline void CheckBuiltinRow(const BuiltinRow& row)
 {
-    const auto result = RunProgram(JoinLines({"Sub Main", "  Dim s As String, n, e", "  s = \"Hello World\": n = Null",
+    const auto result = RunProgram(JoinLines({"Sub Main", "  Dim s As String, n, e, d() As Integer",
+                                              "  s = \"Hello World\": n = Null",
                                               std::string("  Debug.Print ") + row.expression, "End Sub"}));
     ASSERT_EQ(result.parse, ParseResult::Okay) << row.expression;
     if (row.printed) {

@@ -19,6 +19,9 @@ const BuiltinRow kTestRows[] = {
     {"IsEmpty(s)", L"False"},
     {"IsArray(Array())", L"True"},
     {"IsArray(s)", L"False"},
+    {"IsArray(d)", L"True"},
+    {"IsEmpty(d)", L"False"},
+    {"IsArray(e)", L"False"},
     {"IsObject(Nothing)", L"True"},
     {"IsObject(s)", L"False"},
     {"IsError(CVErr(1))", L"True"},
@@ -31,6 +34,7 @@ const BuiltinRow kTestRows[] = {
     {"VarType(e)", L"0%"},
     {"VarType(1.5)", L"5%"},
     {"VarType(Nothing)", L"9%"},
+    {"VarType(d)", L"8194%"},
     {"TypeName(Nothing)", L"\"Nothing\""},
     {"TypeName(1)", L"\"Integer\""},
     {"TypeName(1&)", L"\"Long\""},
@@ -45,6 +49,7 @@ const BuiltinRow kTestRows[] = {
     {"TypeName(CVErr(1))", L"\"Error\""},
     {"TypeName(CByte(1))", L"\"Byte\""},
     {"TypeName(Array())", L"\"Variant()\""},
+    {"TypeName(d)", L"\"Integer()\""},
 };
 INSTANTIATE_TEST_SUITE_P(ValueTests, BuiltinRowTest, ::testing::ValuesIn(kTestRows));
 
@@ -64,7 +69,9 @@ const BuiltinRow kChoiceRows[] = {
     {"UBound(Array())", L"-1&"},
     {"UBound(Array(1), 2)", nullptr, 10023},
     {"UBound(Array(1), 0)", nullptr, 10023},
-    {"LBound(e)", nullptr, 10022},
+    {"LBound(e)", nullptr, 10080},
+    {"LBound(d)", nullptr, 10022},
+    {"UBound(d, 1)", nullptr, 10022},
 };
 INSTANTIATE_TEST_SUITE_P(Choices, BuiltinRowTest, ::testing::ValuesIn(kChoiceRows));
 

@@ -246,6 +246,49 @@ TEST(ArrayStorage, CopiesAreDeepAndDynamic)
     EXPECT_EQ(nullptr, CopyArray(nullptr));
 }
 
+TEST(ArrayStorage, ArraysWithoutDescriptorAreCopiedAndTakenAsSuch)
+{
+    Variant copy;
+    ASSERT_TRUE(CopyArrayInto(nullptr, VT_I4, copy));
+    EXPECT_EQ(VT_ARRAY | VT_I4, copy.Tag()) << "a copy of an array that is not dimensioned is one too";
+    EXPECT_EQ(nullptr, copy.Array());
+
+    const struct {
+        VARTYPE given;    // the tag of the value assigned (its array, if any, is not dimensioned)
+        VARTYPE target;   // the element kind of the dynamic array assigned to
+        long error;
+    } rows[] = {
+        {VT_ARRAY | VT_I2, VT_I2, 0},
+        {VT_ARRAY | VT_BSTR, VT_BSTR, 0},
+        {VT_ARRAY | VT_VARIANT, VT_VARIANT, 0},
+        {VT_ARRAY | VT_RECORD, VT_RECORD, 0},
+        {VT_ARRAY | VT_I2, VT_I4, 10080},
+        {VT_ARRAY | VT_VARIANT, VT_I2, 10080},
+        {VT_EMPTY, VT_I2, 10080},
+        {VT_I2, VT_I2, 10080},
+    };
+    for (const auto& row : rows) {
+        Variant value;
+        value.Raw().vt = row.given;
+        value.Raw().parray = nullptr;
+        SAFEARRAY* result = reinterpret_cast<SAFEARRAY*>(1);
+        EXPECT_EQ(row.error, TakeArrayFor(ElementKind{row.target, 0, nullptr}, value, result))
+            << "given " << row.given << ", target " << row.target;
+        EXPECT_EQ(nullptr, result) << "given " << row.given << ", target " << row.target;
+    }
+    // Through a by-reference Variant and a by-reference array.
+    Variant none;
+    none.SetArray(nullptr, VT_R8);
+    Variant reference;
+    reference.SetByRef(VT_VARIANT, &none.Raw());
+    SAFEARRAY* result = nullptr;
+    EXPECT_EQ(0, TakeArrayFor(ElementKind{VT_R8, 0, nullptr}, reference, result));
+    SAFEARRAY* held = nullptr;
+    reference.SetByRef(VT_ARRAY | VT_R8, &held);
+    EXPECT_EQ(0, TakeArrayFor(ElementKind{VT_R8, 0, nullptr}, reference, result));
+    EXPECT_EQ(10080, TakeArrayFor(ElementKind{VT_I2, 0, nullptr}, reference, result));
+}
+
 TEST(ArrayStorage, VariantsHoldingRecordsAreCopiedAndFreedByTheRecordType)
 {
     FakeRecord record;

@@ -68,18 +68,29 @@ TEST(TextFormRules, DateForms)
 TEST(TextFormRules, ArraysShowBoundsInDebugAndRaiseElsewhere)
 {
     SAFEARRAYBOUND bounds[2] = {{6, 0}, {3, 1}};
-    Variant array;
-    array.SetArray(SafeArrayCreate(VT_I2, 2, bounds), VT_I2);
-    std::wstring debug;
-    ASSERT_TRUE(WriteDebug(debug, array));
-    EXPECT_EQ(debug, L"(0 To 5, 1 To 3) As Integer");
-    RaiseRecorder raised;
-    std::wstring print;
-    EXPECT_FALSE(WritePrint(print, array));
-    EXPECT_EQ(raised.Last(), 10080);
-    raised.Reset();
-    EXPECT_FALSE(WriteWrite(print, array));
-    EXPECT_EQ(raised.Last(), 10080);
+    const struct {
+        SAFEARRAY* array;   // null: not dimensioned (no descriptor)
+        VARTYPE elementTag;
+        const wchar_t* debug;
+    } rows[] = {
+        {SafeArrayCreate(VT_I2, 2, bounds), VT_I2, L"(0 To 5, 1 To 3) As Integer"},
+        {nullptr, VT_BSTR, L"() As String"},
+        {nullptr, VT_VARIANT, L"() As Variant"},
+    };
+    for (const auto& row : rows) {
+        Variant array;
+        array.SetArray(row.array, row.elementTag);
+        std::wstring debug;
+        ASSERT_TRUE(WriteDebug(debug, array)) << row.debug;
+        EXPECT_EQ(debug, row.debug);
+        RaiseRecorder raised;
+        std::wstring print;
+        EXPECT_FALSE(WritePrint(print, array)) << row.debug;
+        EXPECT_EQ(raised.Last(), 10080) << row.debug;
+        raised.Reset();
+        EXPECT_FALSE(WriteWrite(print, array)) << row.debug;
+        EXPECT_EQ(raised.Last(), 10080) << row.debug;
+    }
 }
 
 TEST(TextFormRules, NothingShowsInDebugOnly)

@@ -1,4 +1,5 @@
-' LBound and UBound of any array value: function results, Variants and their elements
+' LBound and UBound of any array value: function results, Variants and their elements (an element that
+' holds no array is a type mismatch)
 Function Squares(n As Integer) As Long()
     Dim r() As Long
     ReDim r(2 To n)
