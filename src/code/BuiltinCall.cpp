@@ -131,8 +131,11 @@ bool RunBuiltinCall(const RunContext& context, const BuiltinCall& call, int& pc)
     Variant result;
     int chosen = -1;
     if (!InvokeBuiltin(record, arguments, result, chosen)) {
-        // An implementation fails only after raising; make sure the statement never ends silently.
-        return HaltFlags::MustStop() || RaiseValueError(kErrorInvalidArgument);
+        // An implementation fails only after raising; make sure the statement never ends silently. The
+        // call has no result, so the expression must not go on.
+        if (!HaltFlags::MustStop())
+            (void)RaiseValueError(kErrorInvalidArgument);
+        return false;
     }
     if (chosen >= 0) {
         pc += call.arguments[static_cast<std::size_t>(chosen)].position;

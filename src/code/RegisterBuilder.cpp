@@ -1,9 +1,11 @@
 #include "code/RegisterBuilder.h"
 
 #include "code/Statements.h"
+#include "frontend/Symbols.h"
 
 #include <climits>
 #include <cmath>
+#include <utility>
 
 namespace brannoc {
 
@@ -257,13 +259,15 @@ bool RegisterBuilder::ArrayLocation(const VariableRef& array, bool& module, int&
     return false;
 }
 
-bool RegisterBuilder::Value(const Expression& code, Operand& result, std::size_t first, std::size_t last)
+bool RegisterBuilder::Translate(const Expression& code, std::size_t first, std::size_t last,
+                                std::vector<Operand>& stack)
 {
     if (last > code.ops.size())
         last = code.ops.size();
-    std::vector<Operand> stack;
+    m_poppableArguments = -1;
     for (std::size_t position = first; position < last; ++position) {
         const ExprOp& op = code.ops[position];
+        const int poppable = std::exchange(m_poppableArguments, -1);
         bool done = false;
         switch (op.code) {
         case ExprOpCode::kConstant: {
@@ -285,14 +289,158 @@ bool RegisterBuilder::Value(const Expression& code, Operand& result, std::size_t
         case ExprOpCode::kElement: done = Element(op, stack); break;
         case ExprOpCode::kBinary: done = Binary(op.op, stack); break;
         case ExprOpCode::kUnary: done = Unary(op.op, stack); break;
+        // The general code after a typed value computes the same value.
+        case ExprOpCode::kTypedValue: done = true; break;
+        case ExprOpCode::kEmpty: {
+            Operand placeholder;
+            placeholder.special = Operand::Special::kPlaceholder;
+            stack.push_back(placeholder);
+            done = true;
+            break;
+        }
+        case ExprOpCode::kLoadRef: {
+            Operand reference;
+            reference.special = Operand::Special::kReference;
+            reference.kind = FixedKind(op.type);
+            reference.scope = op.scope;
+            reference.index = op.index;
+            done = reference.kind != VT_EMPTY && (op.scope != StorageScope::Module || !op.module);
+            stack.push_back(reference);
+            break;
+        }
+        case ExprOpCode::kCall: done = Call(op, stack); break;
+        // The arguments of the call just before it are gone already.
+        case ExprOpCode::kPop: done = poppable == op.count; break;
         default: break;
         }
         if (!done)
             return false;
     }
-    if (stack.size() != 1)
+    return true;
+}
+
+bool RegisterBuilder::Value(const Expression& code, Operand& result, std::size_t first, std::size_t last)
+{
+    std::vector<Operand> stack;
+    if (!Translate(code, first, last, stack) || stack.size() != 1 || stack.back().special != Operand::Special::kNone)
         return false;
     result = stack.back();
+    return true;
+}
+
+bool RegisterBuilder::Effect(const Expression& code)
+{
+    std::vector<Operand> stack;
+    if (!Translate(code, 0, code.ops.size(), stack) || stack.size() > 1)
+        return false;
+    return stack.empty() || stack.back().special == Operand::Special::kNone;
+}
+
+bool RegisterBuilder::BindArgument(const Operand& argumentIn, const ParameterInfo& parameter,
+                                   RegisterArgument& binding, Operand& bound)
+{
+    const VARTYPE kind = FixedKind(parameter.type);
+    if (kind == VT_EMPTY || parameter.paramArray || parameter.type.IsFixedString())
+        return false;
+    binding.kind = kind;
+    Operand argument = argumentIn;
+    if (argument.special == Operand::Special::kReference) {
+        if (argument.kind != kind)
+            return false;
+        if (!parameter.byVal) {
+            // The parameter refers to the variable itself.
+            if (argument.scope == StorageScope::Module) {
+                binding.mode = ArgumentMode::kModuleReference;
+                binding.location = argument.index;
+            } else if (argument.scope == StorageScope::Local) {
+                binding.mode = IsByReferenceParameter(argument.index) ? ArgumentMode::kParameterReference
+                                                                      : ArgumentMode::kLocalReference;
+                binding.location = SlotOffset(argument.index);
+            } else {
+                return false;
+            }
+            return true;
+        }
+        // A variable given to a by-value parameter: its value.
+        ExprOp load{ExprOpCode::kLoad};
+        load.scope = argument.scope;
+        load.index = argument.index;
+        std::vector<Operand> stack;
+        load.type = TypeCode(static_cast<std::uint16_t>(argument.kind == VT_I2   ? TypeCode::kInteger
+                                                         : argument.kind == VT_I4 ? TypeCode::kLong
+                                                         : argument.kind == VT_R8 ? TypeCode::kDouble
+                                                                                  : TypeCode::kBoolean));
+        if (!Load(load, stack))
+            return false;
+        argument = stack.back();
+    }
+    if (argument.special != Operand::Special::kNone)
+        return false;
+    // The value binds as BindDirectly takes it, or widened as a plain store widens it.
+    const bool fits = argument.kind == kind || (kind == VT_I4 && argument.kind == VT_I2) ||
+                      (kind == VT_R8 && IsWhole(argument.kind));
+    if (!fits)
+        return false;
+    const Operand value = Materialize(kind == VT_R8 ? AsReal(argument) : argument);
+    binding.mode = kind == VT_R8 ? ArgumentMode::kReal : ArgumentMode::kWhole;
+    binding.location = value.offset;
+    bound = value;
+    return true;
+}
+
+bool RegisterBuilder::Call(const ExprOp& op, std::vector<Operand>& stack)
+{
+    constexpr int kMostArguments = 8;
+    struct Procedure* callee = m_procedure.CalleeAt(op.index);
+    auto* code = callee && callee->code ? dynamic_cast<CompiledProcedure*>(callee->code.get()) : nullptr;
+    const bool function = !(op.type == TypeCode());
+    if (!code || op.count != code->ParameterCount() || op.count > kMostArguments ||
+        stack.size() < static_cast<std::size_t>(op.count) + (function ? 1 : 0))
+        return false;
+    // The callee's frame must be laid out (and so have a layout) to bind into it.
+    code->PrepareForCalls();
+    if (!code->Layout().image)
+        return false;
+    auto call = std::make_unique<RegisterCall>();
+    call->procedure = code;
+    call->module = m_procedure.CalleeModuleAt(op.index);
+    call->arguments.resize(static_cast<std::size_t>(op.count));
+    const std::size_t first = stack.size() - static_cast<std::size_t>(op.count);
+    // The values stay in their cells until the call has read them all.
+    Operand bound[kMostArguments];
+    for (int i = 0; i < op.count; ++i) {
+        if (!BindArgument(stack[first + static_cast<std::size_t>(i)], code->ParameterAt(i),
+                          call->arguments[static_cast<std::size_t>(i)], bound[i]))
+            return false;
+    }
+    for (int i = 0; i < op.count; ++i)
+        Release(bound[i]);
+    stack.resize(first);
+    int result = -1;
+    VARTYPE resultKind = VT_EMPTY;
+    if (function) {
+        if (stack.back().special != Operand::Special::kPlaceholder)
+            return false;
+        stack.pop_back();
+        resultKind = FixedKind(op.type);
+        if (resultKind == VT_EMPTY || code->ResultSlot() < 0)
+            return false;
+    }
+    Operand cell;
+    if (function) {
+        cell = NewTemporary(resultKind);
+        result = cell.offset;
+    }
+    RegisterOp& emitted = Emit(RegisterCode::kCall, result);
+    emitted.constant.pointer = call.get();
+    m_program.calls.push_back(std::move(call));
+    if (function) {
+        // An Integer or Boolean result arrives as its 16-bit payload: widened in place.
+        if (IsNarrow(resultKind))
+            Emit(RegisterCode::kLoadNarrow, cell.offset, cell.offset);
+        stack.push_back(cell);
+    }
+    m_poppableArguments = op.count;
     return true;
 }
 

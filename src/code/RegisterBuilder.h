@@ -16,6 +16,13 @@ public:
     // a temporary). Whole values in the frame are 32-bit; Integer and Boolean variables are read into a
     // temporary first.
     struct Operand {
+        // The placeholder of a Function's result and a reference to a variable (a by-reference argument)
+        // stand on the stack only until their call takes them.
+        enum class Special : std::uint8_t { kNone, kPlaceholder, kReference };
+        Special special = Special::kNone;
+        // A reference: where the variable lives.
+        StorageScope scope = StorageScope::Local;
+        int index = 0;
         bool constant = false;
         // VT_I2, VT_I4, VT_BOOL (whole) or VT_R8: the kind the general code would give the value.
         VARTYPE kind = VT_EMPTY;
@@ -37,6 +44,8 @@ public:
     // Translates pure numeric postfix code (ops [first, last) of code) into operations that leave its
     // value in `result`. False when some op has no register form.
     bool Value(const Expression& code, Operand& result, std::size_t first = 0, std::size_t last = ~std::size_t{0});
+    // Translates code that leaves nothing, or a value that is dropped (a call as a statement).
+    bool Effect(const Expression& code);
     // The same for a condition: `truth` is a whole operand that is non-zero when the condition holds.
     bool Condition(const Expression& code, Operand& truth);
     // Stores value into a variable as an assignment of that type does without conversions; false when
@@ -85,7 +94,13 @@ private:
     Operand NewTemporary(VARTYPE kind);
     Operand Materialize(const Operand& operand);
     RegisterOp& Emit(RegisterCode code, int a = 0, int b = 0, int c = 0);
+    // Translates ops [first, last) of code onto stack.
+    bool Translate(const Expression& code, std::size_t first, std::size_t last, std::vector<Operand>& stack);
     // Postfix translation steps.
+    bool Call(const ExprOp& op, std::vector<Operand>& stack);
+    // How an argument binds its parameter; `bound` is the cell a value argument is read from.
+    bool BindArgument(const Operand& argument, const ParameterInfo& parameter, RegisterArgument& binding,
+                      Operand& bound);
     bool Load(const ExprOp& op, std::vector<Operand>& stack);
     bool Element(const ExprOp& op, std::vector<Operand>& stack);
     bool Binary(OperationId op, std::vector<Operand>& stack);
@@ -107,6 +122,8 @@ private:
     // The operation most recently emitted that left its result in a fresh temporary (so that a store can
     // have it write the variable instead), or npos.
     std::size_t m_lastResultOp = ~std::size_t{0};
+    // The argument count of a call just translated, whose arguments the kPop after it would remove.
+    int m_poppableArguments = -1;
     int m_lastResultTemporary = -1;
 };
 

@@ -16,11 +16,13 @@
 #include "exec/ProcedureCode.h"
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace brannoc {
 
 class Activation;
+class Module;
 
 // Operation codes. "Whole" values are 32-bit numbers (Integer, Long and Boolean values widened);
 // "Narrow" cells are the 16-bit payloads of Integer and Boolean variables; "Real" values are doubles.
@@ -84,7 +86,8 @@ class Activation;
     X(NegateLong) X(NegateInteger) X(Not) X(AbsLong) X(AbsInteger)                                              \
     X(NegateReal) X(AbsReal) X(FixReal) X(IntReal)                                                              \
     X(NextLong)          /* Next of a Long counter at a; b, c: step and end slots; kind: target op */          \
-    X(SelectRanges)      /* b: whole selector; a: kept slot offset; pointer: the range table */
+    X(SelectRanges)      /* b: whole selector; a: kept slot offset; pointer: the range table */          \
+    X(Call)              /* pointer: the RegisterCall; a: the result's slot offset, or -1 */
 
 enum class RegisterCode : std::uint16_t {
 #define BRANNOC_REGISTER_ENUM(name) k##name,
@@ -106,6 +109,7 @@ struct RegisterOp {
         const void* pointer;
     } constant{};
 };
+static_assert(sizeof(RegisterOp) == 24 && alignof(RegisterOp) == 8);
 
 // One range of whole selectors of a Select Case and the part it enters: part i (from 1) is branch i's
 // target, the part after the last branch the Else target; `target` is that part's operation.
@@ -113,6 +117,26 @@ struct SelectRange {
     LONG low = 0;
     LONG high = 0;
     int target = 0;
+};
+
+// How one argument of a register call binds its parameter: a value of the parameter's kind (from a frame
+// cell: 32-bit whole, or double), or a reference to a variable of that kind.
+enum class ArgumentMode : std::uint8_t { kWhole, kReal, kLocalReference, kParameterReference, kModuleReference };
+
+struct RegisterArgument {
+    ArgumentMode mode = ArgumentMode::kWhole;
+    // The parameter's storage kind (VT_I2, VT_I4, VT_BOOL, VT_R8).
+    VARTYPE kind = VT_EMPTY;
+    // A frame offset (values, local and parameter references) or a module variable index.
+    int location = 0;
+};
+
+// A call of a user procedure whose arguments all bind in the common way (RegisterArgument).
+struct RegisterCall {
+    ProcedureCode* procedure = nullptr;
+    // The module whose instance runs the callee when it is another than the caller's.
+    const Module* module = nullptr;
+    std::vector<RegisterArgument> arguments;
 };
 
 // The register form of one procedure. Built once, when the procedure's frame is first laid out; the
@@ -125,6 +149,7 @@ public:
     // Select Case range tables (each ends with an entry whose target is the Else part and whose range is
     // empty); operations point into them.
     std::vector<std::vector<SelectRange>> rangeTables;
+    std::vector<std::unique_ptr<RegisterCall>> calls;
     // Temporaries: frame slots from firstTemporary on.
     int firstTemporary = 0;
     int temporaryCount = 0;

@@ -80,7 +80,9 @@ bool RunRegisterProgram(Activation& activation, ExecEntry& entry, const void* da
 #define BRANNOC_MODULE_CELL(index, kind)                                                                        \
     ((index) < moduleCount && moduleSlots[(index)].vt == (kind) ? &moduleSlots[(index)] : nullptr)
 
-    const RegisterOp* pc = resume();
+    // A statement that stopped at a call goes on after it; else the next statement runs.
+    const int resumeOperation = activation.TakeResumeOperation();
+    const RegisterOp* pc = resumeOperation >= 0 ? ops + resumeOperation : resume();
     BRANNOC_DISPATCH();
 
     // ---- Statements and control ----
@@ -571,6 +573,74 @@ op_SelectRanges: {
         ++range;
     pc = ops + range->target;
     BRANNOC_DISPATCH();
+}
+
+    // ---- Calls ----
+op_Call: {
+    const auto& call = *static_cast<const RegisterCall*>(pc->constant.pointer);
+    ProcedureCode& procedure = *call.procedure;
+    // References are found before the call begins: a variable that does not hold its kind gives up.
+    VARIANT* cells[8];
+    const std::size_t count = call.arguments.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        const RegisterArgument& argument = call.arguments[i];
+        switch (argument.mode) {
+        case ArgumentMode::kLocalReference:
+            cells[i] = reinterpret_cast<VARIANT*>(frame + argument.location - 8);
+            break;
+        case ArgumentMode::kParameterReference:
+            cells[i] = ReferredCell(frame, argument.location, argument.kind);
+            break;
+        case ArgumentMode::kModuleReference:
+            cells[i] = BRANNOC_MODULE_CELL(argument.location, argument.kind);
+            break;
+        default:
+            cells[i] = reinterpret_cast<VARIANT*>(frame);
+            break;
+        }
+        if (!cells[i])
+            goto give_up;
+    }
+    if (!procedure.Layout().image)
+        goto give_up;
+    ModuleInstance* target = call.module && instance ? instance->Find(*call.module) : instance;
+    Activation* callee = interpreter.BeginFramedCall(procedure, target);
+    if (!callee)
+        return false;
+    auto* slots = static_cast<VARIANT*>(callee->Locals());
+    for (std::size_t i = 0; i < count; ++i) {
+        const RegisterArgument& argument = call.arguments[i];
+        VARIANT& slot = slots[i];
+        switch (argument.mode) {
+        case ArgumentMode::kWhole:
+            slot.vt = argument.kind;
+            if (argument.kind == VT_I4)
+                slot.lVal = BRANNOC_WHOLE(argument.location);
+            else
+                slot.iVal = static_cast<SHORT>(BRANNOC_WHOLE(argument.location));
+            break;
+        case ArgumentMode::kReal:
+            slot.vt = VT_R8;
+            slot.dblVal = BRANNOC_REAL(argument.location);
+            break;
+        default:
+            slot.vt = VT_BYREF | VT_VARIANT;
+            slot.pvarVal = cells[i];
+            break;
+        }
+    }
+    if (pc->a >= 0)
+        callee->SetResultTarget(reinterpret_cast<VARIANT*>(frame + pc->a - 8));
+    switch (interpreter.RunBegunCall(*callee)) {
+    case Interpreter::CallOutcome::kEnded:
+        BRANNOC_NEXT();
+    case Interpreter::CallOutcome::kWaiting:
+        // The statement goes on after the call once the callee has ended.
+        activation.SetResumeOperation(static_cast<int>(pc - ops) + 1);
+        return false;
+    default:
+        return false;
+    }
 }
 
 #undef BRANNOC_DISPATCH

@@ -24,6 +24,8 @@ bool AssignElementStatement::EmitRegisters(RegisterBuilder& builder)
            builder.StoreElement(m_target, index, value);
 }
 
+bool EvaluateStatement::EmitRegisters(RegisterBuilder& builder) { return builder.Effect(m_code); }
+
 bool JumpStatement::EmitRegisters(RegisterBuilder& builder)
 {
     return !m_intoWith && m_withRelease == 0 && builder.Jump(m_target);

@@ -187,6 +187,7 @@ class EvaluateStatement final : public Statement {
 public:
     explicit EvaluateStatement(Expression code) : m_code(std::move(code)) {}
     [[nodiscard]] bool Step(ExecEntry& entry) override;
+    bool EmitRegisters(RegisterBuilder& builder) override;
 
 private:
     Expression m_code;

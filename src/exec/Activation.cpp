@@ -44,7 +44,11 @@ void Activation::EndFrame(Interpreter& interpreter)
 {
     const FrameLayout& layout = m_procedure->Layout();
     auto* slots = static_cast<VARIANT*>(m_locals);
-    if (layout.resultSlot >= 0) {
+    if (layout.resultSlot >= 0 && m_resultTarget) {
+        // A call of the register form: the result moves into the caller's cell, which owns nothing.
+        *m_resultTarget = slots[layout.resultSlot];
+        slots[layout.resultSlot].vt = VT_EMPTY;
+    } else if (layout.resultSlot >= 0) {
         // The caller pushed the result slot below the arguments; the stack is back at that height. The
         // placeholder owns nothing: the result moves over it.
         ValueStack& values = interpreter.m_values;

@@ -3,6 +3,7 @@
 // procedure's statements one after another until one of them yields, and its Release ends the call.
 #include "code/Node.h"
 #include "exec/ErrorHandler.h"
+#include "values/Variant.h"
 
 #include <cstddef>
 #include <utility>
@@ -49,13 +50,22 @@ public:
     {
         m_currentIndex = m_nextIndex = index;
         m_entryPosition = 0;
+        m_resumeOperation = -1;
     }
     // Moves the execution point into a line of several statements: its statement at position runs next.
     void SetIndexes(int index, int position) noexcept
     {
         m_currentIndex = m_nextIndex = index;
         m_entryPosition = position;
+        m_resumeOperation = -1;
     }
+    // A statement loop of the procedure's own that stopped inside a statement (a call that did not end
+    // at once) continues at its operation `operation`; moving the execution point cancels it.
+    void SetResumeOperation(int operation) noexcept { m_resumeOperation = operation; }
+    int TakeResumeOperation() noexcept { return std::exchange(m_resumeOperation, -1); }
+    // Where a Function's result goes when the call ends, instead of the placeholder on the value stack
+    // (a call of the register form); null for the placeholder.
+    void SetResultTarget(VARIANT* target) noexcept { m_resultTarget = target; }
     // The position a line of several statements starts at, which is 0 again once taken.
     int TakeEntryPosition() noexcept { return std::exchange(m_entryPosition, 0); }
 
@@ -122,6 +132,8 @@ private:
     int m_currentIndex = 0;
     int m_nextIndex = 0;
     int m_entryPosition = 0;
+    int m_resumeOperation = -1;
+    VARIANT* m_resultTarget = nullptr;
     int m_resumeIndex = kNoResume;
     int m_resumePosition = 0;
     int m_positionLine = -1;

@@ -226,6 +226,54 @@ Interpreter::CallOutcome Interpreter::CallFromCode(ProcedureCode& procedure, Mod
     Activation* activation = BeginCall(procedure, ActivationKind::Call, instance, popArguments);
     if (!activation)
         return CallOutcome::kFailed;
+    return RunBegunCall(*activation);
+}
+
+Activation* Interpreter::BeginFramedCall(ProcedureCode& procedure, ModuleInstance* instance)
+{
+    const FrameLayout& layout = procedure.Layout();
+    Activation* activation = NewActivation();
+    if (!activation) {
+        (void)RaiseOutOfMemory();
+        return nullptr;
+    }
+    ++m_callDepth;
+    activation->m_procedure = &procedure;
+    activation->m_caller = m_current;
+    activation->m_instance = instance;
+    if (instance)
+        instance->AddUse();
+    activation->m_kind = ActivationKind::Call;
+    activation->m_popArguments = false;
+    activation->m_valueStackBase = m_values.Size();
+    m_current = activation;
+    const std::size_t frameSize = static_cast<std::size_t>(layout.slotCount) * sizeof(VARIANT);
+    if (frameSize > 0) {
+        if (activation->m_frameCapacity < frameSize) {
+            m_frames.Free(activation->m_frameBlock);
+            activation->m_frameBlock = m_frames.Acquire(frameSize);
+            activation->m_frameCapacity = activation->m_frameBlock ? frameSize : 0;
+        }
+        if (!activation->m_frameBlock) {
+            activation->Release();
+            --m_callDepth;
+            (void)RaiseOutOfMemory();
+            return nullptr;
+        }
+        activation->m_locals = activation->m_frameBlock;
+        activation->m_localSize = frameSize;
+        auto* slots = static_cast<VARIANT*>(activation->m_locals);
+        for (int i = 0; i < layout.parameterCount; ++i)
+            slots[i].vt = VT_EMPTY;
+        for (int i = layout.parameterCount; i < layout.slotCount; ++i)
+            slots[i] = layout.image[i];
+    }
+    return activation;
+}
+
+Interpreter::CallOutcome Interpreter::RunBegunCall(Activation& begun)
+{
+    Activation* activation = &begun;
     // Deep recursion, a pending error or request, or a paused run: the call goes the scheduled way, where
     // the step loop sees to all of them.
     if (m_inlineDepth >= kMaxInlineDepth || m_callDepth >= kMaxCallDepth || HaltFlags::Any() ||
@@ -453,6 +501,8 @@ Activation* Interpreter::NewActivation()
     activation->m_currentIndex = 0;
     activation->m_nextIndex = 0;
     activation->m_entryPosition = 0;
+    activation->m_resumeOperation = -1;
+    activation->m_resultTarget = nullptr;
     activation->m_resumeIndex = Activation::kNoResume;
     activation->m_resumePosition = 0;
     activation->m_positionLine = -1;
@@ -710,6 +760,8 @@ void Interpreter::TrapError(Activation& activation)
 {
     HaltFlags::Clear(HaltFlags::kEvaluationError);
     UnwindTo(activation);
+    // The failing statement does not go on where it stopped (after a call that did not end).
+    activation.SetResumeOperation(-1);
     // What the failing statement left on the value stack goes; the With objects stay.
     m_values.CutBack(activation.ValueStackBase() + static_cast<std::size_t>(activation.WithDepth()));
     const int target = activation.ActiveHandler()->HandlerTarget();

@@ -77,6 +77,14 @@ public:
     [[nodiscard]] CallOutcome CallFromCode(ProcedureCode& procedure, ModuleInstance* instance,
                                            bool popArguments = false);
 
+    // A call whose caller binds the parameters itself (the register form): the activation of procedure,
+    // which must have a frame layout, with the frame set up from the layout's image and the parameter
+    // slots Empty; the caller writes them and then runs the call with RunBegunCall. Null after raising
+    // an error.
+    [[nodiscard]] Activation* BeginFramedCall(ProcedureCode& procedure, ModuleInstance* instance);
+    // Runs a begun call as CallFromCode does.
+    [[nodiscard]] CallOutcome RunBegunCall(Activation& activation);
+
     // Schedules a module's entry procedure (variant A) onto the execution stack; no statement runs.
     // False when an error was raised.
     [[nodiscard]] bool StartEntry(ProcedureCode& procedure, ModuleInstance* instance);
