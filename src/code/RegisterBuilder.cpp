@@ -2,6 +2,7 @@
 
 #include "code/Statements.h"
 #include "frontend/Symbols.h"
+#include "code/MemberSite.h"
 
 #include <climits>
 #include <cmath>
@@ -265,9 +266,11 @@ bool RegisterBuilder::Translate(const Expression& code, std::size_t first, std::
     if (last > code.ops.size())
         last = code.ops.size();
     m_poppableArguments = -1;
+    m_memberEnds = false;
     for (std::size_t position = first; position < last; ++position) {
         const ExprOp& op = code.ops[position];
         const int poppable = std::exchange(m_poppableArguments, -1);
+        const bool memberEnds = std::exchange(m_memberEnds, false);
         bool done = false;
         switch (op.code) {
         case ExprOpCode::kConstant: {
@@ -309,8 +312,21 @@ bool RegisterBuilder::Translate(const Expression& code, std::size_t first, std::
             break;
         }
         case ExprOpCode::kCall: done = Call(op, stack); break;
-        // The arguments of the call just before it are gone already.
-        case ExprOpCode::kPop: done = poppable == op.count; break;
+        case ExprOpCode::kMemberCall: done = MemberCall(op, stack); break;
+        // A register member call left its result where the general code's end of the call leaves it.
+        case ExprOpCode::kMemberEnd: done = memberEnds; break;
+        case ExprOpCode::kPop:
+            // The arguments of the call just before it are gone already; other values are dropped.
+            if (poppable == op.count) {
+                done = true;
+            } else if (stack.size() >= static_cast<std::size_t>(op.count)) {
+                for (int i = 0; i < op.count; ++i) {
+                    Release(stack.back());
+                    stack.pop_back();
+                }
+                done = true;
+            }
+            break;
         default: break;
         }
         if (!done)
@@ -333,7 +349,8 @@ bool RegisterBuilder::Effect(const Expression& code)
     std::vector<Operand> stack;
     if (!Translate(code, 0, code.ops.size(), stack) || stack.size() > 1)
         return false;
-    return stack.empty() || stack.back().special == Operand::Special::kNone;
+    return stack.empty() || stack.back().special == Operand::Special::kNone ||
+           stack.back().special == Operand::Special::kVoid;
 }
 
 bool RegisterBuilder::BindArgument(const Operand& argumentIn, const ParameterInfo& parameter,
@@ -388,59 +405,118 @@ bool RegisterBuilder::BindArgument(const Operand& argumentIn, const ParameterInf
     return true;
 }
 
-bool RegisterBuilder::Call(const ExprOp& op, std::vector<Operand>& stack)
+bool RegisterBuilder::TakeArguments(int count, CompiledProcedure& code, std::vector<Operand>& stack,
+                                    RegisterCall& call)
 {
-    constexpr int kMostArguments = 8;
-    struct Procedure* callee = m_procedure.CalleeAt(op.index);
-    auto* code = callee && callee->code ? dynamic_cast<CompiledProcedure*>(callee->code.get()) : nullptr;
-    const bool function = !(op.type == TypeCode());
-    if (!code || op.count != code->ParameterCount() || op.count > kMostArguments ||
-        stack.size() < static_cast<std::size_t>(op.count) + (function ? 1 : 0))
+    if (count != code.ParameterCount() || count > kMostRegisterArguments || stack.size() < static_cast<std::size_t>(count))
         return false;
     // The callee's frame must be laid out (and so have a layout) to bind into it.
-    code->PrepareForCalls();
-    if (!code->Layout().image)
+    code.PrepareForCalls();
+    if (!code.Layout().image)
         return false;
-    auto call = std::make_unique<RegisterCall>();
-    call->procedure = code;
-    call->module = m_procedure.CalleeModuleAt(op.index);
-    call->arguments.resize(static_cast<std::size_t>(op.count));
-    const std::size_t first = stack.size() - static_cast<std::size_t>(op.count);
+    call.procedure = &code;
+    call.arguments.resize(static_cast<std::size_t>(count));
+    const std::size_t first = stack.size() - static_cast<std::size_t>(count);
     // The values stay in their cells until the call has read them all.
-    Operand bound[kMostArguments];
-    for (int i = 0; i < op.count; ++i) {
-        if (!BindArgument(stack[first + static_cast<std::size_t>(i)], code->ParameterAt(i),
-                          call->arguments[static_cast<std::size_t>(i)], bound[i]))
+    Operand bound[kMostRegisterArguments];
+    for (int i = 0; i < count; ++i) {
+        if (!BindArgument(stack[first + static_cast<std::size_t>(i)], code.ParameterAt(i),
+                          call.arguments[static_cast<std::size_t>(i)], bound[i]))
             return false;
     }
-    for (int i = 0; i < op.count; ++i)
+    for (int i = 0; i < count; ++i)
         Release(bound[i]);
     stack.resize(first);
+    return true;
+}
+
+bool RegisterBuilder::TakePlaceholder(std::vector<Operand>& stack)
+{
+    if (stack.empty() || stack.back().special != Operand::Special::kPlaceholder)
+        return false;
+    stack.pop_back();
+    return true;
+}
+
+bool RegisterBuilder::EmitCall(RegisterCode code, std::unique_ptr<RegisterCall> call, const CompiledProcedure& callee,
+                               TypeCode resultType, std::vector<Operand>& stack)
+{
     int result = -1;
-    VARTYPE resultKind = VT_EMPTY;
-    if (function) {
-        if (stack.back().special != Operand::Special::kPlaceholder)
-            return false;
-        stack.pop_back();
-        resultKind = FixedKind(op.type);
-        if (resultKind == VT_EMPTY || code->ResultSlot() < 0)
-            return false;
-    }
     Operand cell;
+    const bool function = !(resultType == TypeCode());
     if (function) {
-        cell = NewTemporary(resultKind);
+        const VARTYPE kind = FixedKind(resultType);
+        if (kind == VT_EMPTY || callee.ResultSlot() < 0)
+            return false;
+        cell = NewTemporary(kind);
         result = cell.offset;
     }
-    RegisterOp& emitted = Emit(RegisterCode::kCall, result);
+    RegisterOp& emitted = Emit(code, result);
     emitted.constant.pointer = call.get();
     m_program.calls.push_back(std::move(call));
     if (function) {
         // An Integer or Boolean result arrives as its 16-bit payload: widened in place.
-        if (IsNarrow(resultKind))
+        if (IsNarrow(cell.kind))
             Emit(RegisterCode::kLoadNarrow, cell.offset, cell.offset);
         stack.push_back(cell);
     }
+    return true;
+}
+
+namespace {
+
+CompiledProcedure* CompiledCode(struct Procedure* procedure)
+{
+    return procedure && procedure->code ? dynamic_cast<CompiledProcedure*>(procedure->code.get()) : nullptr;
+}
+
+bool ReturnsValue(const struct Procedure& procedure)
+{
+    return procedure.kind == ProcedureKind::Function || procedure.kind == ProcedureKind::PropertyGet;
+}
+
+} // namespace
+
+bool RegisterBuilder::Call(const ExprOp& op, std::vector<Operand>& stack)
+{
+    CompiledProcedure* code = CompiledCode(m_procedure.CalleeAt(op.index));
+    const bool function = !(op.type == TypeCode());
+    auto call = std::make_unique<RegisterCall>();
+    call->module = m_procedure.CalleeModuleAt(op.index);
+    if (!code || !TakeArguments(op.count, *code, stack, *call) || (function && !TakePlaceholder(stack)) ||
+        !EmitCall(RegisterCode::kCall, std::move(call), *code, function ? op.type : TypeCode(), stack))
+        return false;
     m_poppableArguments = op.count;
+    return true;
+}
+
+bool RegisterBuilder::MemberCall(const ExprOp& op, std::vector<Operand>& stack)
+{
+    // Early-bound calls only: the compiler's member of the class it saw, with positional arguments.
+    const MemberSite& site = m_procedure.MemberSiteAt(op.index);
+    if (!site.classModule || !site.procedure || site.variable >= 0 || !site.namedArguments.empty() ||
+        (site.access != MemberAccess::Call && site.access != MemberAccess::Get))
+        return false;
+    CompiledProcedure* code = CompiledCode(site.procedure);
+    auto call = std::make_unique<RegisterCall>();
+    call->classModule = site.classModule;
+    if (!code || !TakeArguments(op.count, *code, stack, *call) || !TakePlaceholder(stack) || stack.empty() ||
+        stack.back().special != Operand::Special::kObject)
+        return false;
+    const Operand object = stack.back();
+    stack.pop_back();
+    call->objectInModule = object.scope == StorageScope::Module;
+    call->objectLocation = call->objectInModule ? object.index : SlotOffset(object.index);
+    const bool returns = ReturnsValue(*site.procedure);
+    if (!EmitCall(RegisterCode::kMemberCall, std::move(call), *code, returns ? op.type : TypeCode(), stack))
+        return false;
+    if (!returns) {
+        // A Sub's call leaves Empty in the object's place, which the statement drops.
+        Operand nothing;
+        nothing.special = Operand::Special::kVoid;
+        stack.push_back(nothing);
+    }
+    m_memberEnds = true;
     return true;
 }
 
@@ -464,6 +540,17 @@ bool RegisterBuilder::Condition(const Expression& code, Operand& truth)
 
 bool RegisterBuilder::Load(const ExprOp& op, std::vector<Operand>& stack)
 {
+    if (op.type.IsObject() && !op.type.IsArray()) {
+        // An object variable whose member a call reaches.
+        if (op.scope != StorageScope::Local && (op.scope != StorageScope::Module || op.module))
+            return false;
+        Operand object;
+        object.special = Operand::Special::kObject;
+        object.scope = op.scope;
+        object.index = op.index;
+        stack.push_back(object);
+        return true;
+    }
     const VARTYPE kind = FixedKind(op.type);
     if (kind == VT_EMPTY)
         return false;

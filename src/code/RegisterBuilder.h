@@ -6,6 +6,7 @@
 #include "code/RegisterCode.h"
 
 #include <cstddef>
+#include <memory>
 #include <vector>
 
 namespace brannoc {
@@ -18,7 +19,7 @@ public:
     struct Operand {
         // The placeholder of a Function's result and a reference to a variable (a by-reference argument)
         // stand on the stack only until their call takes them.
-        enum class Special : std::uint8_t { kNone, kPlaceholder, kReference };
+        enum class Special : std::uint8_t { kNone, kPlaceholder, kReference, kObject, kVoid };
         Special special = Special::kNone;
         // A reference: where the variable lives.
         StorageScope scope = StorageScope::Local;
@@ -98,6 +99,14 @@ private:
     bool Translate(const Expression& code, std::size_t first, std::size_t last, std::vector<Operand>& stack);
     // Postfix translation steps.
     bool Call(const ExprOp& op, std::vector<Operand>& stack);
+    bool MemberCall(const ExprOp& op, std::vector<Operand>& stack);
+    // Binds the `count` arguments on top of stack into call's parameters of code and takes them off.
+    bool TakeArguments(int count, CompiledProcedure& code, std::vector<Operand>& stack, RegisterCall& call);
+    // Takes a Function's result placeholder off the stack.
+    bool TakePlaceholder(std::vector<Operand>& stack);
+    // Emits the call operation; a Function's result (of resultType) comes onto the stack.
+    bool EmitCall(RegisterCode code, std::unique_ptr<RegisterCall> call, const CompiledProcedure& callee,
+                  TypeCode resultType, std::vector<Operand>& stack);
     // How an argument binds its parameter; `bound` is the cell a value argument is read from.
     bool BindArgument(const Operand& argument, const ParameterInfo& parameter, RegisterArgument& binding,
                       Operand& bound);
@@ -124,6 +133,8 @@ private:
     std::size_t m_lastResultOp = ~std::size_t{0};
     // The argument count of a call just translated, whose arguments the kPop after it would remove.
     int m_poppableArguments = -1;
+    // A member call was just translated; its end op after it has nothing left to do.
+    bool m_memberEnds = false;
     int m_lastResultTemporary = -1;
 };
 

@@ -87,7 +87,8 @@ class Module;
     X(NegateReal) X(AbsReal) X(FixReal) X(IntReal)                                                              \
     X(NextLong)          /* Next of a Long counter at a; b, c: step and end slots; kind: target op */          \
     X(SelectRanges)      /* b: whole selector; a: kept slot offset; pointer: the range table */          \
-    X(Call)              /* pointer: the RegisterCall; a: the result's slot offset, or -1 */
+    X(Call)              /* pointer: the RegisterCall; a: the result's slot offset, or -1 */            \
+    X(MemberCall)        /* the same for a member of a class instance held by a variable */
 
 enum class RegisterCode : std::uint16_t {
 #define BRANNOC_REGISTER_ENUM(name) k##name,
@@ -131,12 +132,20 @@ struct RegisterArgument {
     int location = 0;
 };
 
+// The most arguments a register call binds.
+constexpr int kMostRegisterArguments = 8;
+
 // A call of a user procedure whose arguments all bind in the common way (RegisterArgument).
 struct RegisterCall {
     ProcedureCode* procedure = nullptr;
     // The module whose instance runs the callee when it is another than the caller's.
     const Module* module = nullptr;
     std::vector<RegisterArgument> arguments;
+    // Member calls: the class module whose member the procedure is, and the variable holding the object
+    // (a frame offset, or a module variable index).
+    const Module* classModule = nullptr;
+    bool objectInModule = false;
+    int objectLocation = 0;
 };
 
 // The register form of one procedure. Built once, when the procedure's frame is first laid out; the

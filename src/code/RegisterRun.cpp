@@ -37,6 +37,77 @@ inline VARIANT* ReferredCell(char* frame, int offset, VARTYPE kind)
     return cell->vt == kind ? cell : nullptr;
 }
 
+
+enum class CallStart { kGiveUp, kEnded, kWaiting, kFailed };
+
+// Begins and runs the call of operation `op` (a Call or MemberCall) in instance `target`: the arguments
+// bound from the caller's frame, the result into its temporary. kGiveUp (nothing happened) when a
+// reference argument's variable does not hold its kind or the callee has no frame layout.
+CallStart BeginRegisterCall(Interpreter& interpreter, const RegisterOp& op, char* frame, VARIANT* moduleSlots,
+                            std::int32_t moduleCount, ModuleInstance* target)
+{
+    const auto& call = *static_cast<const RegisterCall*>(op.constant.pointer);
+    ProcedureCode& procedure = *call.procedure;
+    // References are found before the call begins.
+    VARIANT* cells[kMostRegisterArguments];
+    const std::size_t count = call.arguments.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        const RegisterArgument& argument = call.arguments[i];
+        switch (argument.mode) {
+        case ArgumentMode::kLocalReference:
+            cells[i] = reinterpret_cast<VARIANT*>(frame + argument.location - 8);
+            break;
+        case ArgumentMode::kParameterReference:
+            cells[i] = ReferredCell(frame, argument.location, argument.kind);
+            break;
+        case ArgumentMode::kModuleReference:
+            cells[i] = argument.location < moduleCount && moduleSlots[argument.location].vt == argument.kind
+                           ? &moduleSlots[argument.location]
+                           : nullptr;
+            break;
+        default:
+            cells[i] = reinterpret_cast<VARIANT*>(frame);
+            break;
+        }
+        if (!cells[i])
+            return CallStart::kGiveUp;
+    }
+    if (!procedure.Layout().image)
+        return CallStart::kGiveUp;
+    Activation* callee = interpreter.BeginFramedCall(procedure, target);
+    if (!callee)
+        return CallStart::kFailed;
+    auto* slots = static_cast<VARIANT*>(callee->Locals());
+    for (std::size_t i = 0; i < count; ++i) {
+        const RegisterArgument& argument = call.arguments[i];
+        VARIANT& slot = slots[i];
+        switch (argument.mode) {
+        case ArgumentMode::kWhole:
+            slot.vt = argument.kind;
+            if (argument.kind == VT_I4)
+                slot.lVal = *reinterpret_cast<const LONG*>(frame + argument.location);
+            else
+                slot.iVal = static_cast<SHORT>(*reinterpret_cast<const LONG*>(frame + argument.location));
+            break;
+        case ArgumentMode::kReal:
+            slot.vt = VT_R8;
+            slot.dblVal = *reinterpret_cast<const double*>(frame + argument.location);
+            break;
+        default:
+            slot.vt = VT_BYREF | VT_VARIANT;
+            slot.pvarVal = cells[i];
+            break;
+        }
+    }
+    if (op.a >= 0)
+        callee->SetResultTarget(reinterpret_cast<VARIANT*>(frame + op.a - 8));
+    switch (interpreter.RunBegunCall(*callee)) {
+    case Interpreter::CallOutcome::kEnded: return CallStart::kEnded;
+    case Interpreter::CallOutcome::kWaiting: return CallStart::kWaiting;
+    default: return CallStart::kFailed;
+    }
+}
+
 } // namespace
 
 bool RunRegisterProgram(Activation& activation, ExecEntry& entry, const void* data)
@@ -77,6 +148,7 @@ bool RunRegisterProgram(Activation& activation, ExecEntry& entry, const void* da
 #define BRANNOC_WHOLE(offset) (*reinterpret_cast<LONG*>(frame + (offset)))
 #define BRANNOC_NARROW(offset) (*reinterpret_cast<SHORT*>(frame + (offset)))
 #define BRANNOC_REAL(offset) (*reinterpret_cast<double*>(frame + (offset)))
+#define BRANNOC_CALL_ARGUMENTS(target) interpreter, *pc, frame, moduleSlots, moduleCount, (target)
 #define BRANNOC_MODULE_CELL(index, kind)                                                                        \
     ((index) < moduleCount && moduleSlots[(index)].vt == (kind) ? &moduleSlots[(index)] : nullptr)
 
@@ -578,71 +650,44 @@ op_SelectRanges: {
     // ---- Calls ----
 op_Call: {
     const auto& call = *static_cast<const RegisterCall*>(pc->constant.pointer);
-    ProcedureCode& procedure = *call.procedure;
-    // References are found before the call begins: a variable that does not hold its kind gives up.
-    VARIANT* cells[8];
-    const std::size_t count = call.arguments.size();
-    for (std::size_t i = 0; i < count; ++i) {
-        const RegisterArgument& argument = call.arguments[i];
-        switch (argument.mode) {
-        case ArgumentMode::kLocalReference:
-            cells[i] = reinterpret_cast<VARIANT*>(frame + argument.location - 8);
-            break;
-        case ArgumentMode::kParameterReference:
-            cells[i] = ReferredCell(frame, argument.location, argument.kind);
-            break;
-        case ArgumentMode::kModuleReference:
-            cells[i] = BRANNOC_MODULE_CELL(argument.location, argument.kind);
-            break;
-        default:
-            cells[i] = reinterpret_cast<VARIANT*>(frame);
-            break;
-        }
-        if (!cells[i])
-            goto give_up;
-    }
-    if (!procedure.Layout().image)
-        goto give_up;
     ModuleInstance* target = call.module && instance ? instance->Find(*call.module) : instance;
-    Activation* callee = interpreter.BeginFramedCall(procedure, target);
-    if (!callee)
-        return false;
-    auto* slots = static_cast<VARIANT*>(callee->Locals());
-    for (std::size_t i = 0; i < count; ++i) {
-        const RegisterArgument& argument = call.arguments[i];
-        VARIANT& slot = slots[i];
-        switch (argument.mode) {
-        case ArgumentMode::kWhole:
-            slot.vt = argument.kind;
-            if (argument.kind == VT_I4)
-                slot.lVal = BRANNOC_WHOLE(argument.location);
-            else
-                slot.iVal = static_cast<SHORT>(BRANNOC_WHOLE(argument.location));
-            break;
-        case ArgumentMode::kReal:
-            slot.vt = VT_R8;
-            slot.dblVal = BRANNOC_REAL(argument.location);
-            break;
-        default:
-            slot.vt = VT_BYREF | VT_VARIANT;
-            slot.pvarVal = cells[i];
-            break;
-        }
-    }
-    if (pc->a >= 0)
-        callee->SetResultTarget(reinterpret_cast<VARIANT*>(frame + pc->a - 8));
-    switch (interpreter.RunBegunCall(*callee)) {
-    case Interpreter::CallOutcome::kEnded:
-        BRANNOC_NEXT();
-    case Interpreter::CallOutcome::kWaiting:
+    switch (BeginRegisterCall(BRANNOC_CALL_ARGUMENTS(target))) {
+    case CallStart::kGiveUp: goto give_up;
+    case CallStart::kEnded: BRANNOC_NEXT();
+    case CallStart::kWaiting:
         // The statement goes on after the call once the callee has ended.
         activation.SetResumeOperation(static_cast<int>(pc - ops) + 1);
         return false;
-    default:
-        return false;
+    case CallStart::kFailed: return false;
     }
+    return false;
+}
+op_MemberCall: {
+    // An instance of the class the compiler saw runs the member it found; anything else (Nothing, another
+    // class, another object) goes the general way, which raises or looks the member up by name.
+    const auto& call = *static_cast<const RegisterCall*>(pc->constant.pointer);
+    const VARIANT* holder = call.objectInModule ? (call.objectLocation < moduleCount ? &moduleSlots[call.objectLocation] : nullptr)
+                                                : reinterpret_cast<const VARIANT*>(frame + call.objectLocation - 8);
+    if (!holder)
+        goto give_up;
+    holder = FollowByRefChain(holder);
+    if ((holder->vt != VT_DISPATCH && holder->vt != VT_UNKNOWN) || !holder->punkVal)
+        goto give_up;
+    ModuleInstance* target = interpreter.Host().InstanceOf(holder->punkVal);
+    if (!target || &target->OwnModule() != call.classModule)
+        goto give_up;
+    switch (BeginRegisterCall(BRANNOC_CALL_ARGUMENTS(target))) {
+    case CallStart::kGiveUp: goto give_up;
+    case CallStart::kEnded: BRANNOC_NEXT();
+    case CallStart::kWaiting:
+        activation.SetResumeOperation(static_cast<int>(pc - ops) + 1);
+        return false;
+    case CallStart::kFailed: return false;
+    }
+    return false;
 }
 
+#undef BRANNOC_CALL_ARGUMENTS
 #undef BRANNOC_DISPATCH
 #undef BRANNOC_NEXT
 #undef BRANNOC_WHOLE
