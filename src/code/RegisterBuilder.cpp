@@ -1,9 +1,11 @@
 #include "code/RegisterBuilder.h"
 
 #include "code/Statements.h"
+#include "exec/ModuleInstance.h"
 #include "frontend/Symbols.h"
 #include "code/MemberSite.h"
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
 #include <utility>
@@ -135,6 +137,9 @@ void RegisterBuilder::Build()
     const int last = table.last;
     m_program.ops.clear();
     m_program.entries.assign(static_cast<std::size_t>(last) + 2, 0);
+    m_program.formsLeft.assign(static_cast<std::size_t>(last) + 2, 0);
+    m_program.givenUp.assign(static_cast<std::size_t>(last) + 2, 0);
+    m_program.observed.assign(static_cast<std::size_t>(last) + 2, 0);
     m_program.firstTemporary = m_procedure.StatementSlotCount();
     for (int index = 0; index <= last; ++index) {
         m_program.entries[static_cast<std::size_t>(index)] = static_cast<int>(m_program.ops.size());
@@ -144,6 +149,20 @@ void RegisterBuilder::Build()
     }
     m_program.entries[static_cast<std::size_t>(last) + 1] = static_cast<int>(m_program.ops.size());
     Emit(RegisterCode::kEnd);
+    int observing = 0;
+    for (const std::uint8_t forms : m_program.formsLeft)
+        observing += forms != 0;
+    if (observing > 0) {
+        // Room for the forms made while running: operations that never move, and temporaries that are
+        // frame slots from the start.
+        constexpr std::size_t kRoomPerStatement = 96;
+        constexpr std::size_t kMostRoom = 8192;
+        const std::size_t room = std::min(kMostRoom, kRoomPerStatement * static_cast<std::size_t>(observing));
+        m_program.ops.reserve(m_program.ops.size() + room);
+        constexpr int kObservedTemporaries = 8;
+        m_program.temporaryCount = std::max(m_program.temporaryCount, kObservedTemporaries);
+    }
+    m_program.temporaryLimit = m_program.temporaryCount;
     for (const Fixup& fixup : m_fixups) {
         const int target = m_program.entries[static_cast<std::size_t>(fixup.statement)];
         switch (fixup.field) {
@@ -167,6 +186,7 @@ void RegisterBuilder::BuildStatement(int index, Statement* statement)
     Emit(RegisterCode::kStatement, index);
     m_temporaryInUse.assign(m_temporaryInUse.size(), false);
     m_lastResultOp = ~std::size_t{0};
+    m_variantSeen = false;
     if (statement && statement->EmitRegisters(*this)) {
         ++m_program.registerStatements;
         return;
@@ -174,11 +194,24 @@ void RegisterBuilder::BuildStatement(int index, Statement* statement)
     m_program.ops.resize(mark + 1);
     m_fixups.resize(fixupMark);
     m_program.rangeTables.resize(tableMark);
+    // A statement that has no form only because it works on Variants gets one when it runs.
+    constexpr std::uint8_t kFormsPerStatement = 6;
+    if (statement && m_variantSeen) {
+        Emit(RegisterCode::kObserve, index);
+        m_program.formsLeft[static_cast<std::size_t>(index)] = kFormsPerStatement;
+        ++m_program.registerStatements;
+        return;
+    }
     Emit(RegisterCode::kGeneral, index);
 }
 
 RegisterOp& RegisterBuilder::Emit(RegisterCode code, int a, int b, int c)
 {
+    if (m_observing && m_program.ops.size() == m_program.ops.capacity()) {
+        // Appending now would move the operations that running loops point into.
+        m_outOfRoom = true;
+        return m_spare;
+    }
     RegisterOp op;
     op.code = code;
     op.a = a;
@@ -197,7 +230,13 @@ Operand RegisterBuilder::NewTemporary(VARTYPE kind)
     if (index == m_temporaryInUse.size())
         m_temporaryInUse.push_back(false);
     m_temporaryInUse[index] = true;
-    m_program.temporaryCount = static_cast<int>(m_temporaryInUse.size());
+    if (m_observing) {
+        // The frames are laid out: only the temporaries they have.
+        if (static_cast<int>(index) >= m_program.temporaryLimit)
+            m_outOfRoom = true;
+    } else {
+        m_program.temporaryCount = std::max(m_program.temporaryCount, static_cast<int>(m_temporaryInUse.size()));
+    }
     Operand operand;
     operand.kind = kind;
     operand.temporary = static_cast<int>(index);
@@ -224,8 +263,21 @@ Operand RegisterBuilder::Materialize(const Operand& operand)
     return cell;
 }
 
+void RegisterBuilder::UseAsLong(const Operand& operand)
+{
+    if (operand.integerProducer < 0)
+        return;
+    RegisterOp& producer = m_program.ops[static_cast<std::size_t>(operand.integerProducer)];
+    // Each Integer operation (and its K form) has its Long counterpart at the same distance.
+    constexpr int kLongDistance = static_cast<int>(RegisterCode::kAddInteger) - static_cast<int>(RegisterCode::kAddLong);
+    static_assert(static_cast<int>(RegisterCode::kDivideIntegerK) - static_cast<int>(RegisterCode::kDivideLongK) ==
+                  kLongDistance);
+    producer.code = static_cast<RegisterCode>(static_cast<int>(producer.code) - kLongDistance);
+}
+
 Operand RegisterBuilder::AsReal(const Operand& operand)
 {
+    UseAsLong(operand);
     if (operand.IsReal())
         return operand;
     if (operand.constant) {
@@ -398,6 +450,8 @@ bool RegisterBuilder::BindArgument(const Operand& argumentIn, const ParameterInf
                       (kind == VT_R8 && IsWhole(argument.kind));
     if (!fits)
         return false;
+    if (kind == VT_I4)
+        UseAsLong(argument);
     const Operand value = Materialize(kind == VT_R8 ? AsReal(argument) : argument);
     binding.mode = kind == VT_R8 ? ArgumentMode::kReal : ArgumentMode::kWhole;
     binding.location = value.offset;
@@ -534,6 +588,7 @@ bool RegisterBuilder::Condition(const Expression& code, Operand& truth)
         op.constant.real = 0;
         return true;
     }
+    UseAsLong(value);
     truth = Materialize(value);
     return true;
 }
@@ -549,6 +604,22 @@ bool RegisterBuilder::Load(const ExprOp& op, std::vector<Operand>& stack)
         object.scope = op.scope;
         object.index = op.index;
         stack.push_back(object);
+        return true;
+    }
+    if (op.type.IsVariant() && !op.type.IsArray()) {
+        // A Variant is read with a check of the kind it held when the form was made.
+        m_variantSeen = true;
+        const VARTYPE held = ObservedKind(op.scope, op.index);
+        if (held == VT_EMPTY)
+            return false;
+        Operand cell = NewTemporary(held);
+        const RegisterCode code = op.scope == StorageScope::Local
+                                      ? ByWidth(held, RegisterCode::kLoadRefWhole, RegisterCode::kLoadRefNarrow,
+                                                RegisterCode::kLoadRefReal)
+                                      : ByWidth(held, RegisterCode::kLoadModuleWhole, RegisterCode::kLoadModuleNarrow,
+                                                RegisterCode::kLoadModuleReal);
+        Emit(code, cell.offset, op.scope == StorageScope::Local ? SlotOffset(op.index) : op.index).kind = held;
+        stack.push_back(cell);
         return true;
     }
     const VARTYPE kind = FixedKind(op.type);
@@ -603,6 +674,7 @@ bool RegisterBuilder::Element(const ExprOp& op, std::vector<Operand>& stack)
     int location = 0;
     if (!ArrayLocation(array, module, location))
         return false;
+    UseAsLong(stack.back());
     const Operand index = Materialize(stack.back());
     stack.pop_back();
     Release(index);
@@ -629,6 +701,10 @@ bool RegisterBuilder::Binary(OperationId op, std::vector<Operand>& stack)
     Operand result;
     if (IsWhole(left.kind) && IsWhole(right.kind) && op != Op::kDivide) {
         const VARTYPE kind = left.kind == VT_I2 && right.kind == VT_I2 ? VT_I2 : VT_I4;
+        if (kind == VT_I4 || IsComparison(op)) {
+            UseAsLong(left);
+            UseAsLong(right);
+        }
         if (!EmitWhole(op, kind, left, right, result))
             return false;
         result.kind = IsComparison(op) ? static_cast<VARTYPE>(VT_BOOL) : kind;
@@ -675,6 +751,8 @@ bool RegisterBuilder::EmitWhole(OperationId op, VARTYPE kind, const Operand& lef
     }
     m_lastResultOp = at;
     m_lastResultTemporary = result.temporary;
+    if (code >= RegisterCode::kAddInteger && code <= RegisterCode::kDivideIntegerK)
+        result.integerProducer = static_cast<int>(at);
     return true;
 }
 
@@ -766,6 +844,22 @@ bool RegisterBuilder::Unary(OperationId op, std::vector<Operand>& stack)
 
 bool RegisterBuilder::Store(const VariableRef& target, const Operand& valueIn)
 {
+    if (target.type.IsVariant() && !target.type.IsArray()) {
+        // A Variant takes the value's kind (when what it held owns nothing, which the store checks).
+        m_variantSeen = true;
+        if (!m_observing || valueIn.special != Operand::Special::kNone ||
+            (target.scope != StorageScope::Local && (target.scope != StorageScope::Module || target.module)))
+            return false;
+        const Operand value = Materialize(valueIn);
+        const bool local = target.scope == StorageScope::Local;
+        const RegisterCode code = local ? ByWidth(value.kind, RegisterCode::kStoreVariantWhole,
+                                                  RegisterCode::kStoreVariantNarrow, RegisterCode::kStoreVariantReal)
+                                        : ByWidth(value.kind, RegisterCode::kStoreModuleVariantWhole,
+                                                  RegisterCode::kStoreModuleVariantNarrow,
+                                                  RegisterCode::kStoreModuleVariantReal);
+        Emit(code, local ? SlotOffset(target.index) : target.index, value.offset).kind = value.kind;
+        return true;
+    }
     const VARTYPE kind = FixedKind(target.type);
     if (kind == VT_EMPTY || target.type.IsFixedString())
         return false;
@@ -777,6 +871,8 @@ bool RegisterBuilder::Store(const VariableRef& target, const Operand& valueIn)
                       (kind == VT_R8 && IsWhole(valueKind));
     if (!fits)
         return false;
+    if (kind == VT_I4)
+        UseAsLong(valueIn);
     Operand value = kind == VT_R8 ? AsReal(valueIn) : valueIn;
     const bool local = target.scope == StorageScope::Local && !IsByReferenceParameter(target.index);
     if (local) {
@@ -838,6 +934,9 @@ bool RegisterBuilder::StoreElement(const VariableRef& array, const Operand& inde
     int location = 0;
     if (!ArrayLocation(array, module, location))
         return false;
+    UseAsLong(indexIn);
+    if (kind == VT_I4)
+        UseAsLong(valueIn);
     const Operand index = Materialize(indexIn);
     const Operand value = Materialize(kind == VT_R8 ? AsReal(valueIn) : valueIn);
     RegisterCode code = ByWidth(kind, RegisterCode::kElementStoreWhole, RegisterCode::kElementStoreNarrow,
@@ -890,6 +989,90 @@ bool RegisterBuilder::NextLong(const VariableRef& counter, int stepSlot, int end
     m_fixups.push_back(Fixup{m_program.ops.size(), AddressIndex(address), 1});
     Emit(RegisterCode::kNextLong, SlotOffset(counter.index), SlotOffset(stepSlot), SlotOffset(endSlot));
     return true;
+}
+
+bool RegisterBuilder::NextVariant(const VariableRef& counter, int stepSlot, int endSlot, int address)
+{
+    if (AddressPosition(address) != 0 || counter.scope != StorageScope::Local || IsByReferenceParameter(counter.index) ||
+        !counter.type.IsVariant() || counter.type.IsArray())
+        return false;
+    m_fixups.push_back(Fixup{m_program.ops.size(), AddressIndex(address), 1});
+    Emit(RegisterCode::kNextVariant, SlotOffset(counter.index), SlotOffset(stepSlot), SlotOffset(endSlot));
+    return true;
+}
+
+const VARIANT* RegisterBuilder::ObservedVariant(StorageScope scope, int index) const
+{
+    if (!m_observing)
+        return nullptr;
+    if (scope == StorageScope::Local) {
+        const auto* cell = reinterpret_cast<const VARIANT*>(m_observedFrame + SlotOffset(index) - 8);
+        return cell->vt == (VT_BYREF | VT_VARIANT) ? cell->pvarVal : cell;
+    }
+    if (scope == StorageScope::Module && static_cast<std::size_t>(index) < m_observedModuleCount)
+        return &m_observedModule[index];
+    return nullptr;
+}
+
+VARTYPE RegisterBuilder::ObservedKind(StorageScope scope, int index) const
+{
+    const VARIANT* cell = ObservedVariant(scope, index);
+    if (!cell)
+        return VT_EMPTY;
+    switch (cell->vt) {
+    case VT_I2:
+    case VT_I4:
+    case VT_R8:
+    case VT_BOOL: return cell->vt;
+    default: return VT_EMPTY;
+    }
+}
+
+bool RegisterBuilder::BuildObserved(int index, char* frame, ModuleInstance* instance, int& start)
+{
+    Statement* statement = m_procedure.StatementObject(index);
+    if (!statement)
+        return false;
+    m_observing = true;
+    m_observedFrame = frame;
+    m_observedModule = instance && instance->VariableCount() > 0 ? &instance->Slot(0) : nullptr;
+    m_observedModuleCount = instance ? instance->VariableCount() : 0;
+    m_temporaryInUse.clear();
+    m_lastResultOp = ~std::size_t{0};
+    const std::size_t mark = m_program.ops.size();
+    const std::size_t tableMark = m_program.rangeTables.size();
+    bool made = statement->EmitRegisters(*this);
+    // The form ends where the statement's own operations end: at the entry of the next statement.
+    if (made)
+        m_fixups.push_back(Fixup{m_program.ops.size(), index + 1, 0});
+    if (made)
+        Emit(RegisterCode::kJump);
+    if (!made || m_outOfRoom) {
+        m_program.ops.resize(mark);
+        m_program.rangeTables.resize(tableMark);
+        return false;
+    }
+    for (const Fixup& fixup : m_fixups) {
+        const int target = m_program.entries[static_cast<std::size_t>(fixup.statement)];
+        switch (fixup.field) {
+        case 0: m_program.ops[fixup.op].a = target; break;
+        case 1: m_program.ops[fixup.op].constant.whole = target; break;
+        default: m_program.rangeTables[fixup.table][fixup.item].target = target; break;
+        }
+    }
+    for (std::size_t i = mark; i < m_program.ops.size(); ++i) {
+        if (m_program.ops[i].code == RegisterCode::kSelectRanges)
+            m_program.ops[i].constant.pointer = m_program.rangeTables[static_cast<std::size_t>(m_program.ops[i].c)].data();
+    }
+    start = static_cast<int>(mark);
+    return true;
+}
+
+bool FormObservedStatement(CompiledProcedure& procedure, RegisterProgram& program, int index, char* frame,
+                           ModuleInstance* instance, int& start)
+{
+    RegisterBuilder builder(procedure, program);
+    return builder.BuildObserved(index, frame, instance, start);
 }
 
 bool RegisterBuilder::SelectRanges(const Operand& selectorIn, int keptSlot, const std::vector<Range>& ranges,

@@ -29,6 +29,11 @@ public:
         VARTYPE kind = VT_EMPTY;
         int offset = 0;
         int temporary = -1;
+        // The operation that computed an Integer value with its Integer range check, or -1. A value
+        // that leaves the Integer range becomes a Long in the general code; where it is used as a Long
+        // anyway (in a Long or Double operation, a comparison, a truth test, a Long or Double variable)
+        // that operation computes it without the check.
+        int integerProducer = -1;
         LONG whole = 0;
         double real = 0;
 
@@ -39,6 +44,9 @@ public:
 
     // Builds the whole program from the procedure's statement vector.
     void Build();
+    // Makes the form of statement index for the kinds the Variants hold in frame and instance (see
+    // FormObservedStatement).
+    bool BuildObserved(int index, char* frame, ModuleInstance* instance, int& start);
 
     // ---- For the statements' EmitRegisters ----
 
@@ -64,6 +72,8 @@ public:
     void LandHere(std::size_t jump);
     // Next of a Long counter local with its step and end slots, looping back to address.
     bool NextLong(const VariableRef& counter, int stepSlot, int endSlot, int address);
+    // The same for a Variant counter local that holds whole numbers.
+    bool NextVariant(const VariableRef& counter, int stepSlot, int endSlot, int address);
     // Select Case over a whole selector kept in keptSlot: ranges (low, high, part) in order, part i
     // entering targets[i - 1] and the part after the last target entering elseAddress.
     struct Range {
@@ -116,9 +126,16 @@ private:
     bool Unary(OperationId op, std::vector<Operand>& stack);
     bool EmitWhole(OperationId op, VARTYPE kind, const Operand& left, const Operand& right, Operand& result);
     bool EmitReal(OperationId op, const Operand& left, const Operand& right, Operand& result);
+    // The operand is used where a Long would do as well: its Integer operation drops the range check.
+    void UseAsLong(const Operand& operand);
     // A whole operand as a Double (a constant converted, a cell through WholeToReal).
     Operand AsReal(const Operand& operand);
     bool IsByReferenceParameter(int slot) const;
+    // The Variant a variable reference names in the observed frame or module (one by-reference step
+    // followed), or null.
+    const VARIANT* ObservedVariant(StorageScope scope, int index) const;
+    // The kind an observed Variant holds when the register form takes it, else VT_EMPTY.
+    VARTYPE ObservedKind(StorageScope scope, int index) const;
     // The array variable an element operation addresses: a local slot offset or a module variable
     // index; false for other variables.
     bool ArrayLocation(const VariableRef& array, bool& module, int& location) const;
@@ -133,6 +150,16 @@ private:
     std::size_t m_lastResultOp = ~std::size_t{0};
     // The argument count of a call just translated, whose arguments the kPop after it would remove.
     int m_poppableArguments = -1;
+    // Forms made while running read the kinds that Variants hold in the frame and module variables
+    // being observed; otherwise a Variant operand only marks the statement for such a form.
+    bool m_observing = false;
+    char* m_observedFrame = nullptr;
+    VARIANT* m_observedModule = nullptr;
+    std::size_t m_observedModuleCount = 0;
+    bool m_variantSeen = false;
+    // A form made while running ran out of room (operations or temporaries).
+    bool m_outOfRoom = false;
+    RegisterOp m_spare;
     // A member call was just translated; its end op after it has nothing left to do.
     bool m_memberEnds = false;
     int m_lastResultTemporary = -1;

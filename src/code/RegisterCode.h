@@ -31,6 +31,7 @@ class Module;
 #define BRANNOC_REGISTER_OPERATIONS(X)                                                                          \
     X(Statement)         /* a: statement index; enters it */                                                  \
     X(General)           /* a: statement index; runs the statement object */                                   \
+    X(Observe)           /* a: statement index; makes the statement's form for the kinds its Variants hold */  \
     X(End)               /* the end of the procedure */                                                        \
     X(Jump)              /* a: target operation */                                                             \
     X(JumpIfTrue)        /* b: whole operand; a: target */                                                     \
@@ -56,6 +57,12 @@ class Module;
     X(StoreModuleNarrow)                                                                                        \
     X(StoreModuleNarrowChecked)                                                                                 \
     X(StoreModuleReal)                                                                                          \
+    X(StoreVariantWhole) /* the Variant in slot offset a (or the one its slot refers to) takes b of `kind` */  \
+    X(StoreVariantNarrow)                                                                                       \
+    X(StoreVariantReal)                                                                                         \
+    X(StoreModuleVariantWhole) /* the same for module variable a (an index) */                                \
+    X(StoreModuleVariantNarrow)                                                                                 \
+    X(StoreModuleVariantReal)                                                                                   \
     X(LoadStaticWhole)   /* a = *pointer */                                                                    \
     X(LoadStaticNarrow)                                                                                         \
     X(LoadStaticReal)                                                                                           \
@@ -86,6 +93,7 @@ class Module;
     X(NegateLong) X(NegateInteger) X(Not) X(AbsLong) X(AbsInteger)                                              \
     X(NegateReal) X(AbsReal) X(FixReal) X(IntReal)                                                              \
     X(NextLong)          /* Next of a Long counter at a; b, c: step and end slots; kind: target op */          \
+    X(NextVariant)       /* the same for a Variant counter holding whole numbers */                            \
     X(SelectRanges)      /* b: whole selector; a: kept slot offset; pointer: the range table */          \
     X(Call)              /* pointer: the RegisterCall; a: the result's slot offset, or -1 */            \
     X(MemberCall)        /* the same for a member of a class instance held by a variable */
@@ -164,7 +172,26 @@ public:
     int temporaryCount = 0;
     // How many statements have a register form (the rest run as statement objects).
     int registerStatements = 0;
+    // Statements over Variants get their form when they run, for the kinds their Variants hold then
+    // (Observe), and again when those kinds change: per statement index, how many more forms it may get
+    // and how often its form has given up since the last one. Forms made while running are appended to
+    // `ops` within the capacity reserved when the program was built, so operations never move.
+    std::vector<std::uint8_t> formsLeft;
+    std::vector<std::uint8_t> givenUp;
+    // 1 for the statements whose form was made while running.
+    std::vector<std::uint8_t> observed;
+    // Temporaries that forms made while running may use (from firstTemporary on).
+    int temporaryLimit = 0;
 };
+
+class CompiledProcedure;
+class ModuleInstance;
+
+// Makes the form of statement `index` of program's procedure for the kinds that the Variants it reads
+// and writes hold now (in `frame` and instance's variables), appended to the program's operations;
+// `start` receives its first operation. False when it has none (nothing was kept).
+bool FormObservedStatement(CompiledProcedure& procedure, RegisterProgram& program, int index, char* frame,
+                           ModuleInstance* instance, int& start);
 
 // The statement loop over a register form (a StatementTable runner).
 [[nodiscard]] bool RunRegisterProgram(Activation& activation, ExecEntry& entry, const void* program);

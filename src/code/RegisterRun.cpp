@@ -38,6 +38,42 @@ inline VARIANT* ReferredCell(char* frame, int offset, VARTYPE kind)
 }
 
 
+// A Variant that a register store may overwrite: the cell itself or the Variant it refers to, when it
+// holds a value that owns nothing (and no reference); else null.
+inline VARIANT* PlainVariant(VARIANT* cell)
+{
+    if (cell->vt == (VT_BYREF | VT_VARIANT))
+        cell = cell->pvarVal;
+    return (cell->vt & VT_BYREF) == 0 && OwnsNothing(cell->vt) ? cell : nullptr;
+}
+
+// The whole number an Integer or Long holds; false for other kinds.
+inline bool WholeOf(const VARIANT& value, LONG& out)
+{
+    if (value.vt == VT_I4)
+        out = value.lVal;
+    else if (value.vt == VT_I2)
+        out = value.iVal;
+    else
+        return false;
+    return true;
+}
+
+// A form made for the kinds some Variants held gave up: after a few times it is made again for the
+// kinds they hold then (or, with no forms left, the statement runs as its object from now on).
+void NoteGivingUp(RegisterProgram& program, int index)
+{
+    constexpr std::uint8_t kGivingUpBeforeNewForm = 8;
+    auto& count = program.givenUp[static_cast<std::size_t>(index)];
+    if (++count < kGivingUpBeforeNewForm)
+        return;
+    count = 0;
+    RegisterOp& entry = program.ops[static_cast<std::size_t>(program.entries[static_cast<std::size_t>(index)]) + 1];
+    entry.code = program.formsLeft[static_cast<std::size_t>(index)] > 0 ? RegisterCode::kObserve : RegisterCode::kGeneral;
+    entry.a = index;
+    program.observed[static_cast<std::size_t>(index)] = 0;
+}
+
 enum class CallStart { kGiveUp, kEnded, kWaiting, kFailed };
 
 // Begins and runs the call of operation `op` (a Call or MemberCall) in instance `target`: the arguments
@@ -123,6 +159,9 @@ bool RunRegisterProgram(Activation& activation, ExecEntry& entry, const void* da
     static_assert(sizeof(kLabels) / sizeof(kLabels[0]) == static_cast<std::size_t>(RegisterCode::kCount));
 
     const RegisterProgram& program = *static_cast<const RegisterProgram*>(data);
+    // Forms made while running change the program (appended operations, patched entries).
+    RegisterProgram& writable = const_cast<RegisterProgram&>(program);
+    auto& procedure = static_cast<CompiledProcedure&>(activation.OwnProcedure());
     Interpreter& interpreter = *Interpreter::Current();
     Node* const* statements = activation.OwnProcedure().Table().statements;
     const RegisterOp* const ops = program.ops.data();
@@ -172,12 +211,40 @@ op_General:
         return false;
     pc = resume();
     BRANNOC_DISPATCH();
-give_up:
-    // The current statement's register form gave up before changing anything: its object runs it.
-    if (!statements[activation.CurrentIndex()]->Execute() || HaltFlags::Any())
+give_up: {
+    // The current statement's register form gave up before changing anything: its object runs it. A
+    // form made for the kinds some Variants held is made again when it keeps giving up.
+    const int index = activation.CurrentIndex();
+    if (program.observed[static_cast<std::size_t>(index)])
+        NoteGivingUp(writable, index);
+    if (!statements[index]->Execute() || HaltFlags::Any())
         return false;
     pc = resume();
     BRANNOC_DISPATCH();
+}
+op_Observe: {
+    const int index = pc->a;
+    RegisterOp& self = writable.ops[static_cast<std::size_t>(pc - ops)];
+    int start = 0;
+    if (writable.formsLeft[static_cast<std::size_t>(index)] > 0) {
+        --writable.formsLeft[static_cast<std::size_t>(index)];
+        if (FormObservedStatement(procedure, writable, index, frame, instance, start)) {
+            writable.observed[static_cast<std::size_t>(index)] = 1;
+            writable.givenUp[static_cast<std::size_t>(index)] = 0;
+            self.code = RegisterCode::kJump;
+            self.a = start;
+            pc = ops + start;
+            BRANNOC_DISPATCH();
+        }
+    }
+    // No form for these kinds (a Variant holds something else): the object runs the statement.
+    if (writable.formsLeft[static_cast<std::size_t>(index)] == 0)
+        self.code = RegisterCode::kGeneral;
+    if (!statements[index]->Execute() || HaltFlags::Any())
+        return false;
+    pc = resume();
+    BRANNOC_DISPATCH();
+}
 op_End:
     entry.state = ExecEntry::kFinished;
     return !HaltFlags::Any();
@@ -339,6 +406,56 @@ op_LoadStaticReal: {
     if (cell->vt != VT_R8)
         goto give_up;
     BRANNOC_REAL(pc->a) = cell->dblVal;
+    BRANNOC_NEXT();
+}
+
+    // ---- Variants ----
+op_StoreVariantWhole: {
+    VARIANT* cell = PlainVariant(reinterpret_cast<VARIANT*>(frame + pc->a - 8));
+    if (!cell)
+        goto give_up;
+    cell->vt = VT_I4;
+    cell->lVal = BRANNOC_WHOLE(pc->b);
+    BRANNOC_NEXT();
+}
+op_StoreVariantNarrow: {
+    VARIANT* cell = PlainVariant(reinterpret_cast<VARIANT*>(frame + pc->a - 8));
+    if (!cell)
+        goto give_up;
+    cell->vt = static_cast<VARTYPE>(pc->kind);
+    cell->iVal = static_cast<SHORT>(BRANNOC_WHOLE(pc->b));
+    BRANNOC_NEXT();
+}
+op_StoreVariantReal: {
+    VARIANT* cell = PlainVariant(reinterpret_cast<VARIANT*>(frame + pc->a - 8));
+    if (!cell)
+        goto give_up;
+    cell->vt = VT_R8;
+    cell->dblVal = BRANNOC_REAL(pc->b);
+    BRANNOC_NEXT();
+}
+op_StoreModuleVariantWhole: {
+    VARIANT* cell = pc->a < moduleCount ? PlainVariant(&moduleSlots[pc->a]) : nullptr;
+    if (!cell)
+        goto give_up;
+    cell->vt = VT_I4;
+    cell->lVal = BRANNOC_WHOLE(pc->b);
+    BRANNOC_NEXT();
+}
+op_StoreModuleVariantNarrow: {
+    VARIANT* cell = pc->a < moduleCount ? PlainVariant(&moduleSlots[pc->a]) : nullptr;
+    if (!cell)
+        goto give_up;
+    cell->vt = static_cast<VARTYPE>(pc->kind);
+    cell->iVal = static_cast<SHORT>(BRANNOC_WHOLE(pc->b));
+    BRANNOC_NEXT();
+}
+op_StoreModuleVariantReal: {
+    VARIANT* cell = pc->a < moduleCount ? PlainVariant(&moduleSlots[pc->a]) : nullptr;
+    if (!cell)
+        goto give_up;
+    cell->vt = VT_R8;
+    cell->dblVal = BRANNOC_REAL(pc->b);
     BRANNOC_NEXT();
 }
 
@@ -623,6 +740,29 @@ op_NextLong: {
         goto give_up;
     BRANNOC_WHOLE(pc->a) = next;
     if (step->lVal < 0 ? next >= end->lVal : next <= end->lVal) {
+        pc = ops + pc->constant.whole;
+        BRANNOC_DISPATCH();
+    }
+    BRANNOC_NEXT();
+}
+op_NextVariant: {
+    // A Variant counter of whole numbers: the sum is a Long when the counter or the step is one, else an
+    // Integer that must stay in range (the general step promotes it).
+    auto* counter = reinterpret_cast<VARIANT*>(frame + pc->a - 8);
+    const auto* step = reinterpret_cast<const VARIANT*>(frame + pc->b - 8);
+    const auto* end = reinterpret_cast<const VARIANT*>(frame + pc->c - 8);
+    LONG from, by, to, next;
+    if (!WholeOf(*counter, from) || !WholeOf(*step, by) || !WholeOf(*end, to) || __builtin_add_overflow(from, by, &next))
+        goto give_up;
+    const bool isLong = counter->vt == VT_I4 || step->vt == VT_I4;
+    if (!isLong && !FitsInteger(next))
+        goto give_up;
+    counter->vt = isLong ? VT_I4 : VT_I2;
+    if (isLong)
+        counter->lVal = next;
+    else
+        counter->iVal = static_cast<SHORT>(next);
+    if (by < 0 ? next >= to : next <= to) {
         pc = ops + pc->constant.whole;
         BRANNOC_DISPATCH();
     }

@@ -72,6 +72,8 @@ bool BranchStatement::EmitRegisters(RegisterBuilder& builder)
 
 bool NextStatement::EmitRegisters(RegisterBuilder& builder)
 {
+    if (m_counterKind == VT_VARIANT)
+        return m_localWhole && builder.NextVariant(m_counter, m_stepSlot, m_endSlot, m_loopStart);
     return m_counterKind == VT_I4 && builder.NextLong(m_counter, m_stepSlot, m_endSlot, m_loopStart);
 }
 
