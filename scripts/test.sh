@@ -17,10 +17,17 @@ cleanup() {
     WINEPREFIX="$build/wineprefix" wineserver -k 2>/dev/null || true
 }
 trap cleanup EXIT
-for _ in $(seq 1 50); do
+# A cold start of Xvfb can take several seconds on a busy machine; windows made before it listens
+# fail, so wait for its socket (up to 60 s) and stop with a clear message if it never comes.
+for _ in $(seq 1 600); do
     [ -e "/tmp/.X11-unix/X$display" ] && break
+    kill -0 "$xvfb_pid" 2>/dev/null || break
     sleep 0.1
 done
+if [ ! -e "/tmp/.X11-unix/X$display" ]; then
+    echo "test.sh: the virtual display :$display did not start" >&2
+    exit 1
+fi
 export DISPLAY=":$display"
 
 # Keep one Wine server for the run instead of one per test program.

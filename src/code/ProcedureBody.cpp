@@ -751,6 +751,7 @@ void CompiledProcedure::PrepareInitialSlots()
     layout.ownerSlots = m_ownerSlots.data();
     layout.ownerCount = static_cast<int>(m_ownerSlots.size());
     layout.slotCount = static_cast<int>(m_slotTypes.size());
+    layout.initializedCount = layout.slotCount - (m_registers ? m_registerTemporaries : 0);
     layout.parameterCount = static_cast<int>(m_parameters.size());
     layout.resultSlot = m_resultSlot;
     SetLayout(layout);

@@ -265,8 +265,7 @@ Activation* Interpreter::BeginFramedCall(ProcedureCode& procedure, ModuleInstanc
         auto* slots = static_cast<VARIANT*>(activation->m_locals);
         for (int i = 0; i < layout.parameterCount; ++i)
             slots[i].vt = VT_EMPTY;
-        for (int i = layout.parameterCount; i < layout.slotCount; ++i)
-            slots[i] = layout.image[i];
+        CopyFrameImage(slots, layout.image, layout.parameterCount, layout.initializedCount);
     }
     return activation;
 }
@@ -384,9 +383,7 @@ Activation* Interpreter::BeginCall(ProcedureCode& procedure, ActivationKind kind
 bool Interpreter::SetUpFrame(ProcedureCode& procedure, const FrameLayout& layout, VARIANT* slots)
 {
     const int count = layout.parameterCount;
-    // Frames are small: a loop of slot copies costs less than a call of the library's memcpy.
-    for (int i = count; i < layout.slotCount; ++i)
-        slots[i] = layout.image[i];
+    CopyFrameImage(slots, layout.image, count, layout.initializedCount);
     if (count == 0)
         return true;
     const std::size_t size = m_values.Size();

@@ -40,6 +40,13 @@ struct ParameterBinding {
 // Binds a parameter slot in the common case: a number, date or Boolean of the parameter's own kind given
 // by value (the copy is the value), or a variable of the parameter's own kind (not a record) by reference
 // (the slot refers to that variable's cell). False, and nothing done, otherwise.
+// Copies slots [first, end) of a fresh frame from its image.
+inline void CopyFrameImage(VARIANT* slots, const VARIANT* image, int first, int end)
+{
+    for (int i = first; i < end; ++i)
+        slots[i] = image[i];
+}
+
 inline bool BindDirectly(const ParameterBinding& binding, VARIANT& slot, const VARIANT& given)
 {
     // Offset of the payload inside a VARIANT (where typed references point).
@@ -70,6 +77,9 @@ struct FrameLayout {
     const int* ownerSlots = nullptr;
     int ownerCount = 0;
     int slotCount = 0;
+    // The slots a fresh frame sets up (from the image); the rest, up to slotCount, are scratch cells that
+    // code writes before it reads them.
+    int initializedCount = 0;
     int parameterCount = 0;
     // The slot of a Function's result, or -1.
     int resultSlot = -1;
