@@ -29,6 +29,7 @@ std::wstring Widen(std::string_view text)
 void Lexer::SetText(const char* text, std::string_view moduleName)
 {
     m_textStart = text != nullptr ? text : kEmptyText;
+    m_lineStarts.assign(1, m_textStart);
     m_module.assign(moduleName);
     m_statementHasError = false;
     StartLine(m_textStart, 1);
@@ -36,15 +37,26 @@ void Lexer::SetText(const char* text, std::string_view moduleName)
 
 void Lexer::SeekLine(int line)
 {
-    const char* position = m_textStart;
-    for (int current = 1; current < line && *position != '\0'; ++current) {
+    m_statementHasError = false;
+    StartLine(LineStart(line), line);
+}
+
+const char* Lexer::LineStart(int line)
+{
+    // Lines found so far are kept, so the parser's many seeks (each procedure's body, then its end)
+    // cost one pass over the text in all instead of one from the start per seek.
+    const std::size_t wanted = line < 1 ? 0 : static_cast<std::size_t>(line - 1);
+    while (m_lineStarts.size() <= wanted) {
+        const char* position = m_lineStarts.back();
+        if (*position == '\0')
+            return position;
         while (!IsLineEnd(*position))
             ++position;
         if (*position == '\r' && *++position == '\n')
             ++position;
+        m_lineStarts.push_back(position);
     }
-    m_statementHasError = false;
-    StartLine(position, line);
+    return m_lineStarts[wanted];
 }
 
 void Lexer::StartLine(const char* position, int line)

@@ -9,6 +9,7 @@
 #include <bitset>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace brannoc {
 
@@ -96,7 +97,12 @@ private:
     void Report(CompileMessage message, std::string_view argument, int line, const char* lineStart,
                 const char* tokenStart);
 
+    // The start of line `line` (1-based) in the attached text, or its terminating NUL past the end.
+    const char* LineStart(int line);
+
     const char* m_textStart = nullptr;
+    // Starts of the lines met so far: [0] is line 1.
+    std::vector<const char*> m_lineStarts;
     std::string m_module;
     // The current token's line and the cursor's line (the next token's, after continuations).
     const char* m_lineStart = nullptr;
