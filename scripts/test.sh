@@ -30,7 +30,11 @@ if [ ! -e "/tmp/.X11-unix/X$display" ]; then
 fi
 export DISPLAY=":$display"
 
-# Keep one Wine server for the run instead of one per test program.
+# A Wine server still running from an earlier command (the build's sample run) holds that command's
+# display; the tests' windows need this run's, so that server ends first. Then one Wine server is kept
+# for the run instead of one per test program.
+WINEPREFIX="$build/wineprefix" wineserver -k 2>/dev/null || true
+WINEPREFIX="$build/wineprefix" wineserver -w 2>/dev/null || true
 WINEPREFIX="$build/wineprefix" "$build/wine-run" cmd /c exit >/dev/null 2>&1 || true
 WINEPREFIX="$build/wineprefix" wineserver -p >/dev/null 2>&1 || true
 

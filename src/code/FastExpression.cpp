@@ -1,5 +1,7 @@
 #include "code/FastExpression.h"
 
+#include "code/NumericKinds.h"
+
 #include "values/NumericCells.h"
 
 namespace brannoc {
@@ -13,18 +15,10 @@ VARTYPE KindOfDeclared(TypeCode type)
 {
     if (type.IsVariant())
         return VT_EMPTY;
-    if (!type.IsNumeric() || type.IsArray())
-        return VT_ILLEGAL;
-    switch (type.ValueTag()) {
-    case VT_I2: return VT_I2;
-    case VT_I4: return VT_I4;
-    case VT_R8: return VT_R8;
-    case VT_BOOL: return VT_BOOL;
-    default: return VT_ILLEGAL;
-    }
+    const VARTYPE fixed = FixedKind(type);
+    return fixed == VT_EMPTY ? static_cast<VARTYPE>(VT_ILLEGAL) : fixed;
 }
 
-bool IsWhole(VARTYPE kind) { return kind == VT_I2 || kind == VT_I4; }
 
 // The direct binary operator for operands of kinds left and right (VT_EMPTY: open), with the kind of
 // its result; false when the pair has none (the common kinds and adjustments of the operator table).

@@ -4,6 +4,7 @@
 #include "exec/ModuleInstance.h"
 #include "frontend/Symbols.h"
 #include "code/MemberSite.h"
+#include "code/NumericKinds.h"
 
 #include <algorithm>
 #include <climits>
@@ -17,24 +18,7 @@ namespace {
 using Operand = RegisterBuilder::Operand;
 using Op = OperationId;
 
-// The kind a variable of the declared type always holds, for the kinds of the register form; VT_EMPTY
-// for every other type.
-VARTYPE FixedKind(TypeCode type)
-{
-    if (!type.IsNumeric() || type.IsArray())
-        return VT_EMPTY;
-    switch (type.ValueTag()) {
-    case VT_I2: return VT_I2;
-    case VT_I4: return VT_I4;
-    case VT_R8: return VT_R8;
-    case VT_BOOL: return VT_BOOL;
-    default: return VT_EMPTY;
-    }
-}
-
-bool IsWhole(VARTYPE kind) { return kind == VT_I2 || kind == VT_I4; }
 bool IsNarrow(VARTYPE kind) { return kind == VT_I2 || kind == VT_BOOL; }
-bool IsFourRules(Op op) { return op == Op::kAdd || op == Op::kSubtract || op == Op::kMultiply || op == Op::kDivide; }
 
 // The comparison that holds for (b, a) when op holds for (a, b).
 Op Mirrored(Op op)
@@ -163,14 +147,7 @@ void RegisterBuilder::Build()
         m_program.temporaryCount = std::max(m_program.temporaryCount, kObservedTemporaries);
     }
     m_program.temporaryLimit = m_program.temporaryCount;
-    for (const Fixup& fixup : m_fixups) {
-        const int target = m_program.entries[static_cast<std::size_t>(fixup.statement)];
-        switch (fixup.field) {
-        case 0: m_program.ops[fixup.op].a = target; break;
-        case 1: m_program.ops[fixup.op].constant.whole = target; break;
-        default: m_program.rangeTables[fixup.table][fixup.item].target = target; break;
-        }
-    }
+    ResolveJumpTargets();
     // Range tables are complete: the operations point at them.
     for (RegisterOp& op : m_program.ops) {
         if (op.code == RegisterCode::kSelectRanges)
@@ -1028,6 +1005,18 @@ VARTYPE RegisterBuilder::ObservedKind(StorageScope scope, int index) const
     }
 }
 
+void RegisterBuilder::ResolveJumpTargets()
+{
+    for (const Fixup& fixup : m_fixups) {
+        const int target = m_program.entries[static_cast<std::size_t>(fixup.statement)];
+        switch (fixup.field) {
+        case 0: m_program.ops[fixup.op].a = target; break;
+        case 1: m_program.ops[fixup.op].constant.whole = target; break;
+        default: m_program.rangeTables[fixup.table][fixup.item].target = target; break;
+        }
+    }
+}
+
 bool RegisterBuilder::BuildObserved(int index, char* frame, ModuleInstance* instance, int& start)
 {
     Statement* statement = m_procedure.StatementObject(index);
@@ -1052,14 +1041,7 @@ bool RegisterBuilder::BuildObserved(int index, char* frame, ModuleInstance* inst
         m_program.rangeTables.resize(tableMark);
         return false;
     }
-    for (const Fixup& fixup : m_fixups) {
-        const int target = m_program.entries[static_cast<std::size_t>(fixup.statement)];
-        switch (fixup.field) {
-        case 0: m_program.ops[fixup.op].a = target; break;
-        case 1: m_program.ops[fixup.op].constant.whole = target; break;
-        default: m_program.rangeTables[fixup.table][fixup.item].target = target; break;
-        }
-    }
+    ResolveJumpTargets();
     for (std::size_t i = mark; i < m_program.ops.size(); ++i) {
         if (m_program.ops[i].code == RegisterCode::kSelectRanges)
             m_program.ops[i].constant.pointer = m_program.rangeTables[static_cast<std::size_t>(m_program.ops[i].c)].data();

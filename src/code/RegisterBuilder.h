@@ -139,6 +139,8 @@ private:
     // The array variable an element operation addresses: a local slot offset or a module variable
     // index; false for other variables.
     bool ArrayLocation(const VariableRef& array, bool& module, int& location) const;
+    // Writes each recorded jump's target: the entry operation of the statement it goes to.
+    void ResolveJumpTargets();
 
     CompiledProcedure& m_procedure;
     RegisterProgram& m_program;

@@ -4,6 +4,7 @@
 #include "code/RegisterCode.h"
 
 #include "code/FastExpression.h"
+#include "code/NumericKinds.h"
 #include "code/ProcedureBody.h"
 #include "exec/Activation.h"
 #include "exec/HaltFlags.h"
@@ -45,18 +46,6 @@ inline VARIANT* PlainVariant(VARIANT* cell)
     if (cell->vt == (VT_BYREF | VT_VARIANT))
         cell = cell->pvarVal;
     return (cell->vt & VT_BYREF) == 0 && OwnsNothing(cell->vt) ? cell : nullptr;
-}
-
-// The whole number an Integer or Long holds; false for other kinds.
-inline bool WholeOf(const VARIANT& value, LONG& out)
-{
-    if (value.vt == VT_I4)
-        out = value.lVal;
-    else if (value.vt == VT_I2)
-        out = value.iVal;
-    else
-        return false;
-    return true;
 }
 
 // A form made for the kinds some Variants held gave up: after a few times it is made again for the
@@ -467,90 +456,38 @@ op_StoreModuleVariantReal: {
     ((array) < moduleCount ? ElementOfVector(&moduleSlots[(array)], static_cast<VARTYPE>(pc->kind),             \
                                              BRANNOC_WHOLE(index))                                              \
                            : nullptr)
-op_ElementLoadWhole: {
-    const char* element = BRANNOC_LOCAL_ELEMENT(pc->b, pc->c);
-    if (!element)
-        goto give_up;
-    BRANNOC_WHOLE(pc->a) = *reinterpret_cast<const LONG*>(element);
-    BRANNOC_NEXT();
-}
-op_ElementLoadNarrow: {
-    const char* element = BRANNOC_LOCAL_ELEMENT(pc->b, pc->c);
-    if (!element)
-        goto give_up;
-    BRANNOC_WHOLE(pc->a) = *reinterpret_cast<const SHORT*>(element);
-    BRANNOC_NEXT();
-}
-op_ElementLoadReal: {
-    const char* element = BRANNOC_LOCAL_ELEMENT(pc->b, pc->c);
-    if (!element)
-        goto give_up;
-    BRANNOC_REAL(pc->a) = *reinterpret_cast<const double*>(element);
-    BRANNOC_NEXT();
-}
-op_ModuleElementLoadWhole: {
-    const char* element = BRANNOC_MODULE_ELEMENT(pc->b, pc->c);
-    if (!element)
-        goto give_up;
-    BRANNOC_WHOLE(pc->a) = *reinterpret_cast<const LONG*>(element);
-    BRANNOC_NEXT();
-}
-op_ModuleElementLoadNarrow: {
-    const char* element = BRANNOC_MODULE_ELEMENT(pc->b, pc->c);
-    if (!element)
-        goto give_up;
-    BRANNOC_WHOLE(pc->a) = *reinterpret_cast<const SHORT*>(element);
-    BRANNOC_NEXT();
-}
-op_ModuleElementLoadReal: {
-    const char* element = BRANNOC_MODULE_ELEMENT(pc->b, pc->c);
-    if (!element)
-        goto give_up;
-    BRANNOC_REAL(pc->a) = *reinterpret_cast<const double*>(element);
-    BRANNOC_NEXT();
-}
-op_ElementStoreWhole: {
-    char* element = BRANNOC_LOCAL_ELEMENT(pc->a, pc->c);
-    if (!element)
-        goto give_up;
-    *reinterpret_cast<LONG*>(element) = BRANNOC_WHOLE(pc->b);
-    BRANNOC_NEXT();
-}
-op_ElementStoreNarrow: {
-    char* element = BRANNOC_LOCAL_ELEMENT(pc->a, pc->c);
-    if (!element)
-        goto give_up;
-    *reinterpret_cast<SHORT*>(element) = static_cast<SHORT>(BRANNOC_WHOLE(pc->b));
-    BRANNOC_NEXT();
-}
-op_ElementStoreReal: {
-    char* element = BRANNOC_LOCAL_ELEMENT(pc->a, pc->c);
-    if (!element)
-        goto give_up;
-    *reinterpret_cast<double*>(element) = BRANNOC_REAL(pc->b);
-    BRANNOC_NEXT();
-}
-op_ModuleElementStoreWhole: {
-    char* element = BRANNOC_MODULE_ELEMENT(pc->a, pc->c);
-    if (!element)
-        goto give_up;
-    *reinterpret_cast<LONG*>(element) = BRANNOC_WHOLE(pc->b);
-    BRANNOC_NEXT();
-}
-op_ModuleElementStoreNarrow: {
-    char* element = BRANNOC_MODULE_ELEMENT(pc->a, pc->c);
-    if (!element)
-        goto give_up;
-    *reinterpret_cast<SHORT*>(element) = static_cast<SHORT>(BRANNOC_WHOLE(pc->b));
-    BRANNOC_NEXT();
-}
-op_ModuleElementStoreReal: {
-    char* element = BRANNOC_MODULE_ELEMENT(pc->a, pc->c);
-    if (!element)
-        goto give_up;
-    *reinterpret_cast<double*>(element) = BRANNOC_REAL(pc->b);
-    BRANNOC_NEXT();
-}
+// An element load: the element of array operand b at index operand c, read as its storage type, into a.
+#define BRANNOC_ELEMENT_LOAD(label, locate, storage, target)                                                  \
+    label : {                                                                                                   \
+        const char* element = locate(pc->b, pc->c);                                                             \
+        if (!element)                                                                                           \
+            goto give_up;                                                                                       \
+        target(pc->a) = *reinterpret_cast<const storage*>(element);                                            \
+        BRANNOC_NEXT();                                                                                         \
+    }
+// An element store: operand b, converted to the storage type, into the element of array a at index c.
+#define BRANNOC_ELEMENT_STORE(label, locate, storage, source)                                                 \
+    label : {                                                                                                   \
+        char* element = locate(pc->a, pc->c);                                                                   \
+        if (!element)                                                                                           \
+            goto give_up;                                                                                       \
+        *reinterpret_cast<storage*>(element) = static_cast<storage>(source(pc->b));                            \
+        BRANNOC_NEXT();                                                                                         \
+    }
+    BRANNOC_ELEMENT_LOAD(op_ElementLoadWhole, BRANNOC_LOCAL_ELEMENT, LONG, BRANNOC_WHOLE)
+    BRANNOC_ELEMENT_LOAD(op_ElementLoadNarrow, BRANNOC_LOCAL_ELEMENT, SHORT, BRANNOC_WHOLE)
+    BRANNOC_ELEMENT_LOAD(op_ElementLoadReal, BRANNOC_LOCAL_ELEMENT, double, BRANNOC_REAL)
+    BRANNOC_ELEMENT_LOAD(op_ModuleElementLoadWhole, BRANNOC_MODULE_ELEMENT, LONG, BRANNOC_WHOLE)
+    BRANNOC_ELEMENT_LOAD(op_ModuleElementLoadNarrow, BRANNOC_MODULE_ELEMENT, SHORT, BRANNOC_WHOLE)
+    BRANNOC_ELEMENT_LOAD(op_ModuleElementLoadReal, BRANNOC_MODULE_ELEMENT, double, BRANNOC_REAL)
+    BRANNOC_ELEMENT_STORE(op_ElementStoreWhole, BRANNOC_LOCAL_ELEMENT, LONG, BRANNOC_WHOLE)
+    BRANNOC_ELEMENT_STORE(op_ElementStoreNarrow, BRANNOC_LOCAL_ELEMENT, SHORT, BRANNOC_WHOLE)
+    BRANNOC_ELEMENT_STORE(op_ElementStoreReal, BRANNOC_LOCAL_ELEMENT, double, BRANNOC_REAL)
+    BRANNOC_ELEMENT_STORE(op_ModuleElementStoreWhole, BRANNOC_MODULE_ELEMENT, LONG, BRANNOC_WHOLE)
+    BRANNOC_ELEMENT_STORE(op_ModuleElementStoreNarrow, BRANNOC_MODULE_ELEMENT, SHORT, BRANNOC_WHOLE)
+    BRANNOC_ELEMENT_STORE(op_ModuleElementStoreReal, BRANNOC_MODULE_ELEMENT, double, BRANNOC_REAL)
+#undef BRANNOC_ELEMENT_LOAD
+#undef BRANNOC_ELEMENT_STORE
 #undef BRANNOC_LOCAL_ELEMENT
 #undef BRANNOC_MODULE_ELEMENT
 

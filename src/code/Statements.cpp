@@ -1,6 +1,7 @@
 #include "code/Statements.h"
 
 #include "code/MemberCall.h"
+#include "code/NumericKinds.h"
 #include "code/ObjectStatements.h"
 #include "exec/Activation.h"
 #include "exec/HaltFlags.h"
@@ -1035,16 +1036,7 @@ bool AdvanceCounterFast(VARIANT& counter, VARTYPE declared, const VARIANT& step,
 {
     // The common case first: whole-number counter, step and end (Integer or Long, declared or held by
     // Variants). The sum is a Long when either addend is one, else an Integer that must stay in range.
-    const auto whole = [](const VARIANT& value, LONG& out) {
-        if (value.vt == VT_I4)
-            out = value.lVal;
-        else if (value.vt == VT_I2)
-            out = value.iVal;
-        else
-            return false;
-        return true;
-    };
-    if (LONG from = 0, by = 0, to = 0; whole(counter, from) && whole(step, by) && whole(end, to)) {
+    if (LONG from = 0, by = 0, to = 0; WholeOf(counter, from) && WholeOf(step, by) && WholeOf(end, to)) {
         const bool isLong = counter.vt == VT_I4 || step.vt == VT_I4;
         const VARTYPE kind = isLong ? VT_I4 : VT_I2;
         LONG next = 0;

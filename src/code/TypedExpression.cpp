@@ -1,32 +1,12 @@
 #include "code/TypedExpression.h"
 
+#include "code/NumericKinds.h"
+
 #include <cstdint>
 
 namespace brannoc {
 
 namespace {
-
-// The kind a variable of the declared type always holds, for the kinds of the typed form; VT_EMPTY for
-// every other type.
-VARTYPE FixedKind(TypeCode type)
-{
-    if (!type.IsNumeric() || type.IsArray())
-        return VT_EMPTY;
-    switch (type.ValueTag()) {
-    case VT_I2: return VT_I2;
-    case VT_I4: return VT_I4;
-    case VT_R8: return VT_R8;
-    case VT_BOOL: return VT_BOOL;
-    default: return VT_EMPTY;
-    }
-}
-
-bool IsWhole(VARTYPE kind) { return kind == VT_I2 || kind == VT_I4; }
-bool IsFourRules(OperationId op)
-{
-    return op == OperationId::kAdd || op == OperationId::kSubtract || op == OperationId::kMultiply ||
-           op == OperationId::kDivide;
-}
 
 LONG WholeOfConstant(const VARIANT& value)
 {

@@ -229,9 +229,9 @@ Interpreter::CallOutcome Interpreter::CallFromCode(ProcedureCode& procedure, Mod
     return RunBegunCall(*activation);
 }
 
-Activation* Interpreter::BeginFramedCall(ProcedureCode& procedure, ModuleInstance* instance)
+Activation* Interpreter::StartActivation(ProcedureCode& procedure, ActivationKind kind, ModuleInstance* instance,
+                                         bool popArguments)
 {
-    const FrameLayout& layout = procedure.Layout();
     Activation* activation = NewActivation();
     if (!activation) {
         (void)RaiseOutOfMemory();
@@ -243,25 +243,40 @@ Activation* Interpreter::BeginFramedCall(ProcedureCode& procedure, ModuleInstanc
     activation->m_instance = instance;
     if (instance)
         instance->AddUse();
-    activation->m_kind = ActivationKind::Call;
-    activation->m_popArguments = false;
+    activation->m_kind = kind;
+    activation->m_popArguments = popArguments;
     activation->m_valueStackBase = m_values.Size();
     m_current = activation;
+    return activation;
+}
+
+bool Interpreter::ProvideFrame(Activation& activation, std::size_t frameSize)
+{
+    // The activation keeps its frame block between calls; a smaller one goes back to the pool.
+    if (activation.m_frameCapacity < frameSize) {
+        m_frames.Free(activation.m_frameBlock);
+        activation.m_frameBlock = m_frames.Acquire(frameSize);
+        activation.m_frameCapacity = activation.m_frameBlock ? frameSize : 0;
+    }
+    activation.m_locals = activation.m_frameBlock;
+    activation.m_localSize = frameSize;
+    return activation.m_locals != nullptr;
+}
+
+Activation* Interpreter::BeginFramedCall(ProcedureCode& procedure, ModuleInstance* instance)
+{
+    Activation* activation = StartActivation(procedure, ActivationKind::Call, instance, false);
+    if (!activation)
+        return nullptr;
+    const FrameLayout& layout = procedure.Layout();
     const std::size_t frameSize = static_cast<std::size_t>(layout.slotCount) * sizeof(VARIANT);
     if (frameSize > 0) {
-        if (activation->m_frameCapacity < frameSize) {
-            m_frames.Free(activation->m_frameBlock);
-            activation->m_frameBlock = m_frames.Acquire(frameSize);
-            activation->m_frameCapacity = activation->m_frameBlock ? frameSize : 0;
-        }
-        if (!activation->m_frameBlock) {
+        if (!ProvideFrame(*activation, frameSize)) {
             activation->Release();
             --m_callDepth;
             (void)RaiseOutOfMemory();
             return nullptr;
         }
-        activation->m_locals = activation->m_frameBlock;
-        activation->m_localSize = frameSize;
         auto* slots = static_cast<VARIANT*>(activation->m_locals);
         for (int i = 0; i < layout.parameterCount; ++i)
             slots[i].vt = VT_EMPTY;
@@ -319,22 +334,9 @@ Activation* Interpreter::BeginCall(ProcedureCode& procedure, ActivationKind kind
 {
     if (m_exec.IsEmpty())
         BeginRun();
-    Activation* activation = NewActivation();
-    if (!activation) {
-        (void)RaiseOutOfMemory();
+    Activation* activation = StartActivation(procedure, kind, instance, popArguments);
+    if (!activation)
         return nullptr;
-    }
-    ++m_callDepth;
-
-    activation->m_procedure = &procedure;
-    activation->m_caller = m_current;
-    activation->m_instance = instance;
-    if (instance)
-        instance->AddUse();
-    activation->m_kind = kind;
-    activation->m_popArguments = popArguments;
-    activation->m_valueStackBase = m_values.Size();
-    m_current = activation;
     if (kind == ActivationKind::Entry) {
         activation->m_nextEntry = m_entryActivations;
         m_entryActivations = activation;
@@ -347,15 +349,7 @@ Activation* Interpreter::BeginCall(ProcedureCode& procedure, ActivationKind kind
     const std::size_t frameSize =
         layout.image ? static_cast<std::size_t>(layout.slotCount) * sizeof(VARIANT) : procedure.FrameSize();
     if (frameSize > 0) {
-        // The activation keeps its frame block between calls; a smaller one goes back to the pool.
-        if (activation->m_frameCapacity < frameSize) {
-            m_frames.Free(activation->m_frameBlock);
-            activation->m_frameBlock = m_frames.Acquire(frameSize);
-            activation->m_frameCapacity = activation->m_frameBlock ? frameSize : 0;
-        }
-        activation->m_locals = activation->m_frameBlock;
-        activation->m_localSize = frameSize;
-        if (!activation->m_locals) {
+        if (!ProvideFrame(*activation, frameSize)) {
             bound = RaiseOutOfMemory();
         } else if (layout.image) {
             bound = SetUpFrame(procedure, layout, static_cast<VARIANT*>(activation->m_locals));

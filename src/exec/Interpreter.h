@@ -251,6 +251,13 @@ private:
     void QueueCall(Activation& activation);
     // QueueCall for CallFromCode: kFailed when an error is pending afterwards, else kWaiting.
     [[nodiscard]] CallOutcome QueueFromCode(Activation& activation);
+    // A fresh activation of procedure made current (its frame not yet set up); null after raising out of
+    // memory.
+    [[nodiscard]] Activation* StartActivation(ProcedureCode& procedure, ActivationKind kind, ModuleInstance* instance,
+                                              bool popArguments);
+    // Gives the activation a frame block of frameSize bytes (its own when large enough); false when memory
+    // runs out.
+    [[nodiscard]] bool ProvideFrame(Activation& activation, std::size_t frameSize);
     [[nodiscard]] Activation* NewActivation();
     void FreeActivation(Activation& activation) noexcept;
     void UnlinkEntry(Activation& activation) noexcept;
