@@ -3,6 +3,7 @@
 // procedure's statements one after another until one of them yields, and its Release ends the call.
 #include "code/Node.h"
 #include "exec/ErrorHandler.h"
+#include "exec/ProcedureCode.h"
 #include "values/Variant.h"
 
 #include <cstddef>
@@ -31,6 +32,13 @@ public:
     Activation* Caller() const noexcept { return m_caller; }
     ModuleInstance* Instance() const noexcept { return m_instance; }
 
+    // A begun call's first step when it runs in line (its entry already past its first state): the
+    // statement loop from the first statement, without Step's checks for scheduled and entry activations.
+    [[nodiscard]] bool RunFromStart(ExecEntry& entry)
+    {
+        const StatementTable& table = m_procedure->Table();
+        return table.runner ? table.runner(*this, entry, table.runnerData) : RunStatements(entry);
+    }
     // The statement loop: runs the statements from the next index until one yields or the procedure
     // ends (Step's work from state 1 on).
     [[nodiscard]] bool RunStatements(ExecEntry& entry);

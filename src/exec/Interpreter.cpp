@@ -277,10 +277,8 @@ Activation* Interpreter::BeginFramedCall(ProcedureCode& procedure, ModuleInstanc
             (void)RaiseOutOfMemory();
             return nullptr;
         }
-        auto* slots = static_cast<VARIANT*>(activation->m_locals);
-        for (int i = 0; i < layout.parameterCount; ++i)
-            slots[i].vt = VT_EMPTY;
-        CopyFrameImage(slots, layout.image, layout.parameterCount, layout.initializedCount);
+        CopyFrameImage(static_cast<VARIANT*>(activation->m_locals), layout.image, layout.parameterCount,
+                       layout.initializedCount);
     }
     return activation;
 }
@@ -303,7 +301,7 @@ Interpreter::CallOutcome Interpreter::RunBegunCall(Activation& begun)
     }
     ++m_inlineDepth;
     ExecEntry entry{activation, 1};
-    const bool done = activation->Step(entry);
+    const bool done = activation->RunFromStart(entry);
     --m_inlineDepth;
     // Nested runs inside the callee leave the stack as they found it: the callee and its marker are on top.
     (void)m_exec.Pop();

@@ -78,9 +78,9 @@ public:
                                            bool popArguments = false);
 
     // A call whose caller binds the parameters itself (the register form): the activation of procedure,
-    // which must have a frame layout, with the frame set up from the layout's image and the parameter
-    // slots Empty; the caller writes them and then runs the call with RunBegunCall. Null after raising
-    // an error.
+    // which must have a frame layout, with the frame set up from the layout's image except the parameter
+    // slots, which hold nothing yet: the caller writes every one of them before anything else can touch
+    // the frame, then runs the call with RunBegunCall. Null after raising an error.
     [[nodiscard]] Activation* BeginFramedCall(ProcedureCode& procedure, ModuleInstance* instance);
     // Runs a begun call as CallFromCode does.
     [[nodiscard]] CallOutcome RunBegunCall(Activation& activation);
