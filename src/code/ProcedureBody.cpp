@@ -461,6 +461,14 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             if (!WriteBackElementArgument(context, op))
                 return EvalStatus::kFailed;
             break;
+        case ExprOpCode::kPathArgument:
+            if (!PushPathArgument(context, op))
+                return EvalStatus::kFailed;
+            break;
+        case ExprOpCode::kPathWriteBack:
+            if (!WriteBackPathArgument(context, op))
+                return EvalStatus::kFailed;
+            break;
         case ExprOpCode::kTypedValue: {
             VARIANT value;
             if (!DirectFormsEnabled() || !context.procedure->TypedFormAt(op.index).Evaluate(context, value))

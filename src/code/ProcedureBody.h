@@ -84,6 +84,10 @@ enum class ExprOpCode : std::uint8_t {
                        // `variable` (its address kept in slot `variable` + 1) and a reference to that
                        // slot replaces the indexes
     kElementWriteBack, // after the call: the hidden slot `variable` goes back into the element
+    kPathArgument,     // as kLoadPath for a by-reference argument: the value at record path `index` is
+                       // copied into hidden slot `variable` (where it lives kept in slot `variable` + 1)
+                       // and a reference to that slot replaces the path's indexes
+    kPathWriteBack,    // after the call: the hidden slot `variable` goes back to the place of path `index`
     kTypedValue, // push the value of typed form `index` of the procedure and skip the `count` ops after
                  // it; when the form gives up (or direct forms are off) those ops compute the value
 };

@@ -214,6 +214,121 @@ bool LoadRecordPath(const RunContext& context, const RecordPath& path)
     return true;
 }
 
+namespace {
+
+VARIANT& FrameSlot(const RunContext& context, int index)
+{
+    return static_cast<VARIANT*>(context.activation->Locals())[index];
+}
+
+// The record a path starts at (its root variable's or its With block's), or null when it starts at an
+// array of records (or, after raising, at nothing a path can start at).
+const void* RootRecord(const RunContext& context, const RecordPath& path)
+{
+    Place root;
+    return StartAt(context, path, root) && root.kind == Place::Kind::Record ? root.address : nullptr;
+}
+
+// The place a path ended at, from where it lives (as PushPathArgument kept it) and the path's last steps.
+bool PlaceAt(const RecordPath& path, void* where, Place& place)
+{
+    if (path.steps.empty())
+        return false;
+    const PathStep& last = path.steps.back();
+    if (last.kind == PathStep::Kind::Field) {
+        place.field = last.field;
+        if (last.field->kind == FieldKind::Array) {
+            place.kind = Place::Kind::Array;
+            place.array = static_cast<SAFEARRAY**>(where);
+            place.elements = RecordType::ElementKindOf(*last.field);
+        } else {
+            place.kind = Place::Kind::Field;
+            place.address = where;
+        }
+        return true;
+    }
+    // An element of an array held by a field (an array of records gives a record, passed by reference).
+    if (path.steps.size() < 2 || path.steps[path.steps.size() - 2].kind != PathStep::Kind::Field)
+        return false;
+    place.kind = Place::Kind::Element;
+    place.address = where;
+    place.elements = RecordType::ElementKindOf(*path.steps[path.steps.size() - 2].field);
+    return true;
+}
+
+// A fixed array held by a record keeps its storage: the copy's elements go back into it when the call
+// left the copy's shape as it was (a copy re-dimensioned by the callee cannot go back: 10618).
+bool StoreFixedArray(SAFEARRAY* target, const VARIANT& copy)
+{
+    SAFEARRAY* source = (copy.vt & VT_ARRAY) && !(copy.vt & VT_BYREF) ? copy.parray : nullptr;
+    bool same = source && target && source->cDims == target->cDims;
+    for (USHORT i = 0; same && i < source->cDims; ++i) {
+        same = source->rgsabound[i].cElements == target->rgsabound[i].cElements &&
+               source->rgsabound[i].lLbound == target->rgsabound[i].lLbound;
+    }
+    if (!same)
+        return RaiseValueError(ToNumber(ErrorId::ExpectingDynamicArray));
+    return SUCCEEDED(SafeArrayCopyData(source, target)) || RaiseValueError(kErrorOutOfMemory);
+}
+
+} // namespace
+
+bool PushPathArgument(const RunContext& context, const ExprOp& op)
+{
+    const RecordPath& path = context.procedure->RecordPathAt(op.index);
+    VARIANT& copy = FrameSlot(context, op.variable);
+    VARIANT& where = FrameSlot(context, op.variable + 1);
+    ClearSlot(where);
+    Place place;
+    if (!Walk(context, path, 0, place))
+        return false;
+    const void* root = RootRecord(context, path);
+    Variant value;
+    if (!LoadPlace(place, value) || !StoreTyped(copy, op.type, value))
+        return false;
+    ValueStack& values = context.interpreter->Values();
+    values.CutBack(values.Size() - static_cast<std::size_t>(path.indexCount));
+    Variant* slot = values.Push();
+    if (!slot)
+        return context.interpreter->RaiseOutOfMemory();
+    MakeReference(*slot, &copy, op.type);
+    // The slot refers to the place (it owns nothing) and remembers the record the path started at, so
+    // that nothing is written into a record that the call replaced.
+    where.vt = VT_BYREF | VT_RECORD;
+    where.pvRecord = place.kind == Place::Kind::Array ? static_cast<void*>(place.array) : place.address;
+    where.pRecInfo = static_cast<IRecordInfo*>(const_cast<void*>(root));
+    if (place.arrayCount > 0)
+        context.interpreter->References().Note(values, values.Size() - 1, slot->Raw().byref, place.arrays,
+                                               place.arrayCount);
+    return true;
+}
+
+bool WriteBackPathArgument(const RunContext& context, const ExprOp& op)
+{
+    VARIANT& copy = FrameSlot(context, op.variable);
+    VARIANT& where = FrameSlot(context, op.variable + 1);
+    if (where.vt != (VT_BYREF | VT_RECORD))
+        return true;
+    const RecordPath& path = context.procedure->RecordPathAt(op.index);
+    void* address = where.pvRecord;
+    const void* root = where.pRecInfo;
+    where.vt = VT_EMPTY;
+    Place place;
+    bool stored = true;
+    if (RootRecord(context, path) == root && PlaceAt(path, address, place)) {
+        if (place.kind == Place::Kind::Array && !place.field->bounds.empty()) {
+            stored = StoreFixedArray(*place.array, copy);
+        } else {
+            Variant value;
+            value.Attach(copy);
+            stored = StorePlace(place, value, path.elementLength);
+            value.Detach(copy);
+        }
+    }
+    ClearSlot(copy);
+    return stored;
+}
+
 bool FindPathArray(const RunContext& context, const RecordPath& path, SAFEARRAY**& location)
 {
     Place place;

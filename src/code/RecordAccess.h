@@ -36,6 +36,16 @@ struct RecordPath {
 // top of the value stack, are taken off). False after raising.
 [[nodiscard]] bool FindPathArray(const RunContext& context, const RecordPath& path, SAFEARRAY**& location);
 
+// kPathArgument: replaces the indexes of record path op.index on top of the value stack by a reference to
+// the hidden slot op.variable, which takes a copy of the value the path names; slot op.variable + 1 keeps
+// where it lives. Arrays the place lies in keep their storage while the reference is on the stack. False
+// after raising.
+[[nodiscard]] bool PushPathArgument(const RunContext& context, const ExprOp& op);
+// kPathWriteBack: stores the hidden slot's value back at the place it was copied from and empties the
+// slot. Nothing goes back when the record the path starts at was replaced during the call. False after
+// raising.
+[[nodiscard]] bool WriteBackPathArgument(const RunContext& context, const ExprOp& op);
+
 // Replaces the path's indexes by a reference to the record the path names (With on a record). False
 // after raising (10080 when the path names no record).
 [[nodiscard]] bool PushRecordReference(const RunContext& context, const RecordPath& path);

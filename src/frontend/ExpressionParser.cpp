@@ -133,6 +133,7 @@ bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
         case ExprOpCode::kWithObject: types.push_back(op.type); break;
         case ExprOpCode::kLoadPath:
         case ExprOpCode::kRefPath:
+        case ExprOpCode::kPathArgument:
             types.resize(types.size() >= static_cast<std::size_t>(op.count) ? types.size() - op.count : 0);
             types.push_back(op.type);
             break;
@@ -175,6 +176,7 @@ bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
             types.push_back(op.type);
             break;
         case ExprOpCode::kElementWriteBack:
+        case ExprOpCode::kPathWriteBack:
         case ExprOpCode::kTypedValue: break;
         case ExprOpCode::kIndexValue:
             // The indexes and the indexed value give way to one element.

@@ -50,7 +50,8 @@ void BodyParser::PrefixTypedForm(Expression& argument)
     switch (argument.ops.back().code) {
     case ExprOpCode::kLoadRef:
     case ExprOpCode::kRefPath:
-    case ExprOpCode::kElementArgument: return;
+    case ExprOpCode::kElementArgument:
+    case ExprOpCode::kPathArgument: return;
     default: break;
     }
     auto form = std::make_unique<TypedExpression>();
@@ -65,7 +66,9 @@ void BodyParser::PrefixTypedForm(Expression& argument)
 
 void BodyParser::PassByReference(Expression& argument, bool simple, ParsedArguments& parsed)
 {
-    if (argument.ops.empty())
+    // A fixed-length string is never the same type as a parameter (parameters cannot be fixed-length):
+    // the parameter gets a copy, and assignments to it do not reach the caller's string.
+    if (argument.ops.empty() || argument.type.IsFixedString())
         return;
     ExprOp& last = argument.ops.back();
     if (simple) {
@@ -79,6 +82,17 @@ void BodyParser::PassByReference(Expression& argument, bool simple, ParsedArgume
         (void)m_code->AddSlot(TypeCode(TypeCode::kVariant));
         ExprOp writeBack{ExprOpCode::kElementWriteBack};
         writeBack.variable = last.variable;
+        writeBack.type = last.type;
+        parsed.writeBacks.push_back(writeBack);
+    } else if (last.code == ExprOpCode::kLoadPath && m_expressionIsElement && parsed.elementsByReference) {
+        // A field or an element inside a record: its copy in a hidden slot stands for it during the call,
+        // and goes back to the same place afterwards.
+        last.code = ExprOpCode::kPathArgument;
+        last.variable = m_code->AddSlot(last.type);
+        (void)m_code->AddSlot(TypeCode(TypeCode::kVariant));
+        ExprOp writeBack{ExprOpCode::kPathWriteBack};
+        writeBack.variable = last.variable;
+        writeBack.index = last.index;
         writeBack.type = last.type;
         parsed.writeBacks.push_back(writeBack);
     }
@@ -202,8 +216,11 @@ bool BodyParser::ParseRecordFactor(Expression& out, bool* simpleVariable)
     // An object held by a record: its members follow.
     const Module* classModule = end.type.IsObject() && !end.className.empty() ? FindClassModule(end.className) : nullptr;
     m_factorClass = classModule;
-    if (m_lexer.Kind() != Token::Dot)
+    if (m_lexer.Kind() != Token::Dot) {
+        // The path names storage: as an argument it can be passed by reference.
+        m_factorIsElement = true;
         return true;
+    }
     return ParseMemberChain(out, classModule, start);
 }
 
