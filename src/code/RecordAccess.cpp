@@ -139,6 +139,18 @@ bool Walk(const RunContext& context, const RecordPath& path, std::size_t above, 
     return true;
 }
 
+// Takes the path's indexes off the top of the value stack and pushes the entry that stands for the place:
+// that entry, or null after raising out of memory.
+Variant* ReplaceIndexes(const RunContext& context, const RecordPath& path)
+{
+    ValueStack& values = context.interpreter->Values();
+    values.CutBack(values.Size() - static_cast<std::size_t>(path.indexCount));
+    Variant* slot = values.Push();
+    if (!slot)
+        (void)context.interpreter->RaiseOutOfMemory();
+    return slot;
+}
+
 bool LoadPlace(const Place& place, Variant& value)
 {
     switch (place.kind) {
@@ -205,11 +217,9 @@ bool LoadRecordPath(const RunContext& context, const RecordPath& path)
     Variant value;
     if (!LoadPlace(place, value))
         return false;
-    ValueStack& values = context.interpreter->Values();
-    values.CutBack(values.Size() - static_cast<std::size_t>(path.indexCount));
-    Variant* slot = values.Push();
+    Variant* slot = ReplaceIndexes(context, path);
     if (!slot)
-        return context.interpreter->RaiseOutOfMemory();
+        return false;
     *slot = std::move(value);
     return true;
 }
@@ -287,10 +297,9 @@ bool PushPathArgument(const RunContext& context, const ExprOp& op)
     if (!LoadPlace(place, value) || !StoreTyped(copy, op.type, value))
         return false;
     ValueStack& values = context.interpreter->Values();
-    values.CutBack(values.Size() - static_cast<std::size_t>(path.indexCount));
-    Variant* slot = values.Push();
+    Variant* slot = ReplaceIndexes(context, path);
     if (!slot)
-        return context.interpreter->RaiseOutOfMemory();
+        return false;
     MakeReference(*slot, &copy, op.type);
     // The slot refers to the place (it owns nothing) and remembers the record the path started at, so
     // that nothing is written into a record that the call replaced.
@@ -350,10 +359,9 @@ bool PushRecordReference(const RunContext& context, const RecordPath& path)
     if (place.kind != Place::Kind::Record)
         return Raise(context, ToNumber(ErrorId::TypeMismatch));
     ValueStack& values = context.interpreter->Values();
-    values.CutBack(values.Size() - static_cast<std::size_t>(path.indexCount));
-    Variant* slot = values.Push();
+    Variant* slot = ReplaceIndexes(context, path);
     if (!slot)
-        return context.interpreter->RaiseOutOfMemory();
+        return false;
     slot->SetRecordReference(place.address, place.record);
     // A reference into arrays keeps them from being re-dimensioned or replaced while it lives.
     if (place.arrayCount > 0)

@@ -71,30 +71,27 @@ void BodyParser::PassByReference(Expression& argument, bool simple, ParsedArgume
     if (argument.ops.empty() || argument.type.IsFixedString())
         return;
     ExprOp& last = argument.ops.back();
+    // The value's copy in a hidden slot (and where it lives in the next one) stands for it during the
+    // call; the write-back after the call returns it to its place.
+    const auto throughHiddenSlot = [&](ExprOpCode argumentCode, ExprOpCode writeBackCode) {
+        last.code = argumentCode;
+        last.variable = m_code->AddSlot(last.type);
+        (void)m_code->AddSlot(TypeCode(TypeCode::kVariant));
+        ExprOp writeBack{writeBackCode};
+        writeBack.variable = last.variable;
+        writeBack.index = last.index;
+        writeBack.type = last.type;
+        parsed.writeBacks.push_back(writeBack);
+    };
     if (simple) {
         last.code = ExprOpCode::kLoadRef;
     } else if (last.code == ExprOpCode::kLoadPath && argument.type.IsUserType() && !argument.type.IsArray()) {
         last.code = ExprOpCode::kRefPath;
     } else if (last.code == ExprOpCode::kElement && m_expressionIsElement && parsed.elementsByReference) {
-        // The element's copy in a hidden slot (and its address in the next one) stands for it.
-        last.code = ExprOpCode::kElementArgument;
-        last.variable = m_code->AddSlot(last.type);
-        (void)m_code->AddSlot(TypeCode(TypeCode::kVariant));
-        ExprOp writeBack{ExprOpCode::kElementWriteBack};
-        writeBack.variable = last.variable;
-        writeBack.type = last.type;
-        parsed.writeBacks.push_back(writeBack);
+        throughHiddenSlot(ExprOpCode::kElementArgument, ExprOpCode::kElementWriteBack);
     } else if (last.code == ExprOpCode::kLoadPath && m_expressionIsElement && parsed.elementsByReference) {
-        // A field or an element inside a record: its copy in a hidden slot stands for it during the call,
-        // and goes back to the same place afterwards.
-        last.code = ExprOpCode::kPathArgument;
-        last.variable = m_code->AddSlot(last.type);
-        (void)m_code->AddSlot(TypeCode(TypeCode::kVariant));
-        ExprOp writeBack{ExprOpCode::kPathWriteBack};
-        writeBack.variable = last.variable;
-        writeBack.index = last.index;
-        writeBack.type = last.type;
-        parsed.writeBacks.push_back(writeBack);
+        // A field or an element inside a record.
+        throughHiddenSlot(ExprOpCode::kPathArgument, ExprOpCode::kPathWriteBack);
     }
 }
 
