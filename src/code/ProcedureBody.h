@@ -26,7 +26,6 @@
 
 namespace brannoc {
 
-
 class Activation;
 struct BuiltinCall;
 class RegisterBuilder;

@@ -283,84 +283,57 @@ op_StoreNarrowChecked: {
     BRANNOC_NEXT();
 }
 
-    // ---- By-reference parameters, module variables and statics ----
-op_LoadRefWhole: {
-    const VARIANT* cell = ReferredCell(frame, pc->b, VT_I4);
-    if (!cell)
-        goto give_up;
-    BRANNOC_WHOLE(pc->a) = cell->lVal;
-    BRANNOC_NEXT();
-}
-op_LoadRefNarrow: {
-    const VARIANT* cell = ReferredCell(frame, pc->b, static_cast<VARTYPE>(pc->kind));
-    if (!cell)
-        goto give_up;
-    BRANNOC_WHOLE(pc->a) = cell->iVal;
-    BRANNOC_NEXT();
-}
-op_LoadRefReal: {
-    const VARIANT* cell = ReferredCell(frame, pc->b, VT_R8);
-    if (!cell)
-        goto give_up;
-    BRANNOC_REAL(pc->a) = cell->dblVal;
-    BRANNOC_NEXT();
-}
-op_StoreRefWhole: {
-    VARIANT* cell = ReferredCell(frame, pc->a, VT_I4);
-    if (!cell)
-        goto give_up;
-    cell->lVal = BRANNOC_WHOLE(pc->b);
-    BRANNOC_NEXT();
-}
-op_StoreRefNarrow: {
-    VARIANT* cell = ReferredCell(frame, pc->a, static_cast<VARTYPE>(pc->kind));
-    if (!cell)
-        goto give_up;
-    cell->iVal = static_cast<SHORT>(BRANNOC_WHOLE(pc->b));
-    BRANNOC_NEXT();
-}
-op_StoreRefReal: {
-    VARIANT* cell = ReferredCell(frame, pc->a, VT_R8);
-    if (!cell)
-        goto give_up;
-    cell->dblVal = BRANNOC_REAL(pc->b);
-    BRANNOC_NEXT();
-}
-op_LoadModuleWhole: {
-    const VARIANT* cell = BRANNOC_MODULE_CELL(pc->b, VT_I4);
-    if (!cell)
-        goto give_up;
-    BRANNOC_WHOLE(pc->a) = cell->lVal;
-    BRANNOC_NEXT();
-}
-op_LoadModuleNarrow: {
-    const VARIANT* cell = BRANNOC_MODULE_CELL(pc->b, pc->kind);
-    if (!cell)
-        goto give_up;
-    BRANNOC_WHOLE(pc->a) = cell->iVal;
-    BRANNOC_NEXT();
-}
-op_LoadModuleReal: {
-    const VARIANT* cell = BRANNOC_MODULE_CELL(pc->b, VT_R8);
-    if (!cell)
-        goto give_up;
-    BRANNOC_REAL(pc->a) = cell->dblVal;
-    BRANNOC_NEXT();
-}
-op_StoreModuleWhole: {
-    VARIANT* cell = BRANNOC_MODULE_CELL(pc->a, VT_I4);
-    if (!cell)
-        goto give_up;
-    cell->lVal = BRANNOC_WHOLE(pc->b);
-    BRANNOC_NEXT();
-}
-op_StoreModuleNarrow: {
-    VARIANT* cell = BRANNOC_MODULE_CELL(pc->a, pc->kind);
-    if (!cell)
-        goto give_up;
-    cell->iVal = static_cast<SHORT>(BRANNOC_WHOLE(pc->b));
-    BRANNOC_NEXT();
-}
+    // ---- By-reference parameters, module variables, statics and Variants ----
+// A load from a variable's cell: the cell `locate` finds (null when it does not hold the operation's
+// kind) gives its payload `member` to operand a.
+#define BRANNOC_CELL_LOAD(label, locate, member, target)                                                      \
+    label : {                                                                                                   \
+        const VARIANT* cell = (locate);                                                                         \
+        if (!cell)                                                                                              \
+            goto give_up;                                                                                       \
+        target(pc->a) = cell->member;                                                                           \
+        BRANNOC_NEXT();                                                                                         \
+    }
+// A store into a variable's cell: the cell `locate` finds (null when it may not take the value) gets kind
+// `tag` and operand b, converted to the payload's type, as its payload `member`.
+#define BRANNOC_CELL_STORE(label, locate, tag, member, storage, source)                                       \
+    label : {                                                                                                   \
+        VARIANT* cell = (locate);                                                                               \
+        if (!cell)                                                                                              \
+            goto give_up;                                                                                       \
+        cell->vt = static_cast<VARTYPE>(tag);                                                                   \
+        cell->member = static_cast<storage>(source(pc->b));                                                     \
+        BRANNOC_NEXT();                                                                                         \
+    }
+#define BRANNOC_STATIC_CELL(kind)                                                                               \
+    (static_cast<const VARIANT*>(pc->constant.pointer)->vt == (kind) ? static_cast<const VARIANT*>(pc->constant.pointer) \
+                                                                     : nullptr)
+#define BRANNOC_VARIANT_CELL(offset) PlainVariant(reinterpret_cast<VARIANT*>(frame + (offset) - 8))
+#define BRANNOC_MODULE_VARIANT_CELL(index) ((index) < moduleCount ? PlainVariant(&moduleSlots[(index)]) : nullptr)
+    // By-reference parameters, module variables and statics hold their declared kinds (checked at each
+    // access: a by-reference parameter may refer to a Variant); Variants take whatever kind is stored.
+    BRANNOC_CELL_LOAD(op_LoadRefWhole, ReferredCell(frame, pc->b, VT_I4), lVal, BRANNOC_WHOLE)
+    BRANNOC_CELL_LOAD(op_LoadRefNarrow, ReferredCell(frame, pc->b, static_cast<VARTYPE>(pc->kind)), iVal, BRANNOC_WHOLE)
+    BRANNOC_CELL_LOAD(op_LoadRefReal, ReferredCell(frame, pc->b, VT_R8), dblVal, BRANNOC_REAL)
+    BRANNOC_CELL_STORE(op_StoreRefWhole, ReferredCell(frame, pc->a, VT_I4), VT_I4, lVal, LONG, BRANNOC_WHOLE)
+    BRANNOC_CELL_STORE(op_StoreRefNarrow, ReferredCell(frame, pc->a, static_cast<VARTYPE>(pc->kind)), pc->kind, iVal, SHORT,
+                       BRANNOC_WHOLE)
+    BRANNOC_CELL_STORE(op_StoreRefReal, ReferredCell(frame, pc->a, VT_R8), VT_R8, dblVal, double, BRANNOC_REAL)
+    BRANNOC_CELL_LOAD(op_LoadModuleWhole, BRANNOC_MODULE_CELL(pc->b, VT_I4), lVal, BRANNOC_WHOLE)
+    BRANNOC_CELL_LOAD(op_LoadModuleNarrow, BRANNOC_MODULE_CELL(pc->b, pc->kind), iVal, BRANNOC_WHOLE)
+    BRANNOC_CELL_LOAD(op_LoadModuleReal, BRANNOC_MODULE_CELL(pc->b, VT_R8), dblVal, BRANNOC_REAL)
+    BRANNOC_CELL_STORE(op_StoreModuleWhole, BRANNOC_MODULE_CELL(pc->a, VT_I4), VT_I4, lVal, LONG, BRANNOC_WHOLE)
+    BRANNOC_CELL_STORE(op_StoreModuleNarrow, BRANNOC_MODULE_CELL(pc->a, pc->kind), pc->kind, iVal, SHORT, BRANNOC_WHOLE)
+    BRANNOC_CELL_STORE(op_StoreModuleReal, BRANNOC_MODULE_CELL(pc->a, VT_R8), VT_R8, dblVal, double, BRANNOC_REAL)
+    BRANNOC_CELL_LOAD(op_LoadStaticWhole, BRANNOC_STATIC_CELL(VT_I4), lVal, BRANNOC_WHOLE)
+    BRANNOC_CELL_LOAD(op_LoadStaticNarrow, BRANNOC_STATIC_CELL(pc->kind), iVal, BRANNOC_WHOLE)
+    BRANNOC_CELL_LOAD(op_LoadStaticReal, BRANNOC_STATIC_CELL(VT_R8), dblVal, BRANNOC_REAL)
+    BRANNOC_CELL_STORE(op_StoreVariantWhole, BRANNOC_VARIANT_CELL(pc->a), VT_I4, lVal, LONG, BRANNOC_WHOLE)
+    BRANNOC_CELL_STORE(op_StoreVariantNarrow, BRANNOC_VARIANT_CELL(pc->a), pc->kind, iVal, SHORT, BRANNOC_WHOLE)
+    BRANNOC_CELL_STORE(op_StoreVariantReal, BRANNOC_VARIANT_CELL(pc->a), VT_R8, dblVal, double, BRANNOC_REAL)
+    BRANNOC_CELL_STORE(op_StoreModuleVariantWhole, BRANNOC_MODULE_VARIANT_CELL(pc->a), VT_I4, lVal, LONG, BRANNOC_WHOLE)
+    BRANNOC_CELL_STORE(op_StoreModuleVariantNarrow, BRANNOC_MODULE_VARIANT_CELL(pc->a), pc->kind, iVal, SHORT, BRANNOC_WHOLE)
+    BRANNOC_CELL_STORE(op_StoreModuleVariantReal, BRANNOC_MODULE_VARIANT_CELL(pc->a), VT_R8, dblVal, double, BRANNOC_REAL)
 op_StoreModuleNarrowChecked: {
     VARIANT* cell = BRANNOC_MODULE_CELL(pc->a, VT_I2);
     const LONG value = BRANNOC_WHOLE(pc->b);
@@ -369,84 +342,11 @@ op_StoreModuleNarrowChecked: {
     cell->iVal = static_cast<SHORT>(value);
     BRANNOC_NEXT();
 }
-op_StoreModuleReal: {
-    VARIANT* cell = BRANNOC_MODULE_CELL(pc->a, VT_R8);
-    if (!cell)
-        goto give_up;
-    cell->dblVal = BRANNOC_REAL(pc->b);
-    BRANNOC_NEXT();
-}
-op_LoadStaticWhole: {
-    const auto* cell = static_cast<const VARIANT*>(pc->constant.pointer);
-    if (cell->vt != VT_I4)
-        goto give_up;
-    BRANNOC_WHOLE(pc->a) = cell->lVal;
-    BRANNOC_NEXT();
-}
-op_LoadStaticNarrow: {
-    const auto* cell = static_cast<const VARIANT*>(pc->constant.pointer);
-    if (cell->vt != pc->kind)
-        goto give_up;
-    BRANNOC_WHOLE(pc->a) = cell->iVal;
-    BRANNOC_NEXT();
-}
-op_LoadStaticReal: {
-    const auto* cell = static_cast<const VARIANT*>(pc->constant.pointer);
-    if (cell->vt != VT_R8)
-        goto give_up;
-    BRANNOC_REAL(pc->a) = cell->dblVal;
-    BRANNOC_NEXT();
-}
-
-    // ---- Variants ----
-op_StoreVariantWhole: {
-    VARIANT* cell = PlainVariant(reinterpret_cast<VARIANT*>(frame + pc->a - 8));
-    if (!cell)
-        goto give_up;
-    cell->vt = VT_I4;
-    cell->lVal = BRANNOC_WHOLE(pc->b);
-    BRANNOC_NEXT();
-}
-op_StoreVariantNarrow: {
-    VARIANT* cell = PlainVariant(reinterpret_cast<VARIANT*>(frame + pc->a - 8));
-    if (!cell)
-        goto give_up;
-    cell->vt = static_cast<VARTYPE>(pc->kind);
-    cell->iVal = static_cast<SHORT>(BRANNOC_WHOLE(pc->b));
-    BRANNOC_NEXT();
-}
-op_StoreVariantReal: {
-    VARIANT* cell = PlainVariant(reinterpret_cast<VARIANT*>(frame + pc->a - 8));
-    if (!cell)
-        goto give_up;
-    cell->vt = VT_R8;
-    cell->dblVal = BRANNOC_REAL(pc->b);
-    BRANNOC_NEXT();
-}
-op_StoreModuleVariantWhole: {
-    VARIANT* cell = pc->a < moduleCount ? PlainVariant(&moduleSlots[pc->a]) : nullptr;
-    if (!cell)
-        goto give_up;
-    cell->vt = VT_I4;
-    cell->lVal = BRANNOC_WHOLE(pc->b);
-    BRANNOC_NEXT();
-}
-op_StoreModuleVariantNarrow: {
-    VARIANT* cell = pc->a < moduleCount ? PlainVariant(&moduleSlots[pc->a]) : nullptr;
-    if (!cell)
-        goto give_up;
-    cell->vt = static_cast<VARTYPE>(pc->kind);
-    cell->iVal = static_cast<SHORT>(BRANNOC_WHOLE(pc->b));
-    BRANNOC_NEXT();
-}
-op_StoreModuleVariantReal: {
-    VARIANT* cell = pc->a < moduleCount ? PlainVariant(&moduleSlots[pc->a]) : nullptr;
-    if (!cell)
-        goto give_up;
-    cell->vt = VT_R8;
-    cell->dblVal = BRANNOC_REAL(pc->b);
-    BRANNOC_NEXT();
-}
+#undef BRANNOC_CELL_LOAD
+#undef BRANNOC_CELL_STORE
+#undef BRANNOC_STATIC_CELL
+#undef BRANNOC_VARIANT_CELL
+#undef BRANNOC_MODULE_VARIANT_CELL
 
     // ---- Array elements ----
 #define BRANNOC_LOCAL_ELEMENT(array, index)                                                                     \

@@ -126,8 +126,8 @@ private:
 
     // Ends the call: cuts the value stack back, frees the locals, makes the caller current.
     void End();
-    // Ends a frame laid out for the quick call path: the result moves to its slot on the value stack and
-    // what the locals own is released.
+    // Ends a frame laid out for the quick call path: a Function's result moves to the register form's
+    // result target, or else over its placeholder on the value stack, and what the locals own is released.
     void EndFrame(Interpreter& interpreter);
     // The statement loop for procedures that give their statements only through virtual calls.
     [[nodiscard]] bool StepThroughProcedure(ExecEntry& entry);

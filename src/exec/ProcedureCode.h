@@ -12,14 +12,14 @@ namespace brannoc {
 // Status of the placeholder a Function's caller pushes for the result.
 constexpr SCODE kResultSlotStatus = static_cast<SCODE>(0x8004FFFE);
 
-// A procedure's statement vector laid out for the interpreter's statement loop: entry i and whether it
-// is empty, read without a virtual call per statement.
 class Activation;
 
 // A statement loop of a procedure's own (a register form): runs the activation as its Step does from
 // state 1 on, with data the procedure gave.
 using StatementRunner = bool (*)(Activation& activation, ExecEntry& entry, const void* data);
 
+// A procedure's statement vector laid out for the interpreter's statement loop: entry i and whether it
+// is empty, read without a virtual call per statement.
 struct StatementTable {
     Node* const* statements = nullptr;
     const std::uint8_t* empty = nullptr;
@@ -37,9 +37,6 @@ struct ParameterBinding {
     bool byVal = false;
 };
 
-// Binds a parameter slot in the common case: a number, date or Boolean of the parameter's own kind given
-// by value (the copy is the value), or a variable of the parameter's own kind (not a record) by reference
-// (the slot refers to that variable's cell). False, and nothing done, otherwise.
 // Copies slots [first, end) of a fresh frame from its image.
 inline void CopyFrameImage(VARIANT* slots, const VARIANT* image, int first, int end)
 {
@@ -47,6 +44,9 @@ inline void CopyFrameImage(VARIANT* slots, const VARIANT* image, int first, int 
         slots[i] = image[i];
 }
 
+// Binds a parameter slot in the common case: a number, date or Boolean of the parameter's own kind given
+// by value (the copy is the value), or a variable of the parameter's own kind (not a record) by reference
+// (the slot refers to that variable's cell). False, and nothing done, otherwise.
 inline bool BindDirectly(const ParameterBinding& binding, VARIANT& slot, const VARIANT& given)
 {
     // Offset of the payload inside a VARIANT (where typed references point).
