@@ -4,7 +4,7 @@
 set -u
 
 PACKAGES_AMD64=(g++-mingw-w64-i686-posix mingw-w64-i686-dev mingw-w64-tools cmake ninja-build
-                googletest xvfb xauth wine)
+                googletest xvfb xauth wine x11-apps netpbm)
 PACKAGES_I386=(wine32:i386)
 
 log() { echo "setup: $*" >&2; }
@@ -17,8 +17,10 @@ all_installed() {
     command -v i686-w64-mingw32-g++-posix >/dev/null && command -v wine >/dev/null
 }
 
+here="$(dirname "${BASH_SOURCE[0]}")"
 if all_installed; then
-    exit 0
+    bash "$here/i386-exec.sh"
+    exit
 fi
 
 if [ "$(id -u)" != 0 ]; then
@@ -94,4 +96,5 @@ apt-get install -y -q --no-install-recommends --allow-downgrades \
     || { log "installing the packages failed"; exit 1; }
 
 all_installed || { log "packages still missing after install"; exit 1; }
+bash "$here/i386-exec.sh" || exit 1
 log "toolchain ready"
