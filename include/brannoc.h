@@ -143,6 +143,211 @@ BRANNOC_API BOOL __stdcall CU_FreeLibraryOkay(void);
 BRANNOC_API BOOL __stdcall KZ_FreeLibraryOkay(void);
 BRANNOC_API BOOL __stdcall KZ_CodeClassLock(SHORT count, LONG reserved);
 
+/* ---- Automation toolkit (OA_ family) ----
+ * ANSI results are byte-length automation strings freed with OA_SysFreeStringA; wide results are BSTRs
+ * freed with OA_SysFreeString. Functions returning an object give the caller one reference. */
+
+/* Argument list: OA_ArgStart, one OA_ArgAdd... per argument, then an OA_Invoke... call (which consumes it).
+ * Arguments are stored from the last slot down, the order IDispatch expects. */
+typedef struct OA_ARG {
+    LONG error;       /* 1 when more arguments were added than announced (and while being invoked) */
+    LONG count;       /* the number announced to OA_ArgStart */
+    LONG freeSlots;   /* counts down as arguments are added */
+    VARIANT* args;    /* count entries */
+} OA_ARG;
+
+/* Error record of the OA_Invoke family (the first five fields of an EXCEPINFO); the caller frees the strings. */
+typedef struct OA_ERROR {
+    WORD wCode;
+    WORD wReserved;
+    BSTR bstrSource;
+    BSTR bstrDescription;
+    BSTR bstrHelpFile;
+    DWORD dwHelpContext;
+} OA_ERROR;
+
+typedef void (__stdcall *OA_DESTROYPROC)(void* implementation, void* userData);
+typedef IDispatch* (__stdcall *OA_CREATEPROC)(ITypeInfo* type, void* userData);
+typedef BOOL (__stdcall *OA_ENUMPROC)(IUnknown* data, LONG index, VARIANT* element);
+typedef HRESULT (__stdcall *OA_WRAPPROC)(REFIID interfaceId, IUnknown* object, IUnknown** wrapped);
+
+struct OA_APPLICATION;
+/* Makes the application's implementation object. */
+typedef void* (__stdcall *OA_APPCREATEPROC)(struct OA_APPLICATION* descriptor);
+/* Application descriptor of OA_InitializeApplication; size must be 36. */
+typedef struct OA_APPLICATION {
+    LONG size;
+    LPCSTR type;                 /* class description, or "{class GUID}"; a leading "*": multiple-use */
+    LPCSTR progId;
+    OA_APPCREATEPROC create;
+    OA_DESTROYPROC destroy;      /* the implementation's own destroy (implementation, descriptor) */
+    IUnknown* classObject;       /* out */
+    DWORD classCookie;           /* out */
+    IDispatch* application;      /* out */
+    DWORD activeCookie;          /* out */
+} OA_APPLICATION;
+
+/* Start and stop. */
+BRANNOC_API BOOL __stdcall OA_Initialize(void);
+BRANNOC_API void __stdcall OA_Uninitialize(void);
+BRANNOC_API LPCSTR __stdcall OA_Version(void);
+BRANNOC_API ULONG __stdcall OA_AddRef(IUnknown* object);
+BRANNOC_API ULONG __stdcall OA_Release(IUnknown* object);
+
+/* Argument lists. */
+BRANNOC_API BOOL __stdcall OA_ArgStart(LONG count, OA_ARG* list);
+BRANNOC_API void __stdcall OA_ArgRelease(OA_ARG* list);
+BRANNOC_API BOOL __stdcall OA_ArgAddBOOL(OA_ARG* list, VARIANT_BOOL value);
+BRANNOC_API BOOL __stdcall OA_ArgAddI2(OA_ARG* list, SHORT value);
+BRANNOC_API BOOL __stdcall OA_ArgAddI4(OA_ARG* list, LONG value);
+BRANNOC_API BOOL __stdcall OA_ArgAddR4(OA_ARG* list, FLOAT value);
+BRANNOC_API BOOL __stdcall OA_ArgAddR8(OA_ARG* list, DOUBLE value);
+BRANNOC_API BOOL __stdcall OA_ArgAddStringA(OA_ARG* list, LPCSTR value);
+BRANNOC_API BOOL __stdcall OA_ArgAddStringW(OA_ARG* list, LPCWSTR value);
+BRANNOC_API BOOL __stdcall OA_ArgAddBSTRA(OA_ARG* list, BSTR ansiValue);
+BRANNOC_API BOOL __stdcall OA_ArgAddBSTRW(OA_ARG* list, BSTR value);
+BRANNOC_API BOOL __stdcall OA_ArgAddDisp(OA_ARG* list, IDispatch* value);
+BRANNOC_API BOOL __stdcall OA_ArgAddUnk(OA_ARG* list, IUnknown* value);
+BRANNOC_API BOOL __stdcall OA_ArgAddVariant(OA_ARG* list, VARIANT* value);
+BRANNOC_API BOOL __stdcall OA_ArgAddI2Ref(OA_ARG* list, SHORT* variable);
+BRANNOC_API BOOL __stdcall OA_ArgAddI4Ref(OA_ARG* list, LONG* variable);
+BRANNOC_API BOOL __stdcall OA_ArgAddR4Ref(OA_ARG* list, FLOAT* variable);
+BRANNOC_API BOOL __stdcall OA_ArgAddR8Ref(OA_ARG* list, DOUBLE* variable);
+BRANNOC_API BOOL __stdcall OA_ArgAddBSTRRef(OA_ARG* list, BSTR* variable);
+BRANNOC_API BOOL __stdcall OA_ArgAddDispRef(OA_ARG* list, IDispatch** variable);
+BRANNOC_API BOOL __stdcall OA_ArgAddUnkRef(OA_ARG* list, IUnknown** variable);
+
+/* Invocation: object, member id, argument list or null, error record or null. */
+BRANNOC_API BOOL __stdcall OA_Invoke(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error);
+BRANNOC_API BOOL __stdcall OA_InvokePut(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error);
+BRANNOC_API VARIANT_BOOL __stdcall OA_InvokeBOOL(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error);
+BRANNOC_API SHORT __stdcall OA_InvokeI2(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error);
+BRANNOC_API LONG __stdcall OA_InvokeI4(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error);
+BRANNOC_API FLOAT __stdcall OA_InvokeR4(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error);
+BRANNOC_API DOUBLE __stdcall OA_InvokeR8(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error);
+BRANNOC_API BSTR __stdcall OA_InvokeBSTRW(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error);
+BRANNOC_API BSTR __stdcall OA_InvokeBSTRA(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error);
+BRANNOC_API IDispatch* __stdcall OA_InvokeDisp(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error);
+BRANNOC_API IUnknown* __stdcall OA_InvokeUnk(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error);
+BRANNOC_API BOOL __stdcall OA_InvokeVariant(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error,
+                                            VARIANT* result);
+BRANNOC_API BOOL __stdcall OA_InvokeError(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error);
+BRANNOC_API BOOL __stdcall OA_InvokeErrorSilent(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error);
+
+/* Objects: a ProgID or a class identifier in braces. */
+BRANNOC_API IDispatch* __stdcall OA_CreateObjectA(LPCSTR progId);
+BRANNOC_API IDispatch* __stdcall OA_CreateObjectW(LPCWSTR progId);
+BRANNOC_API IDispatch* __stdcall OA_ActiveObjectA(LPCSTR progId);
+BRANNOC_API IDispatch* __stdcall OA_ActiveObjectW(LPCWSTR progId);
+BRANNOC_API IDispatch* __stdcall OA_CreateInstance(IUnknown* classObject);
+BRANNOC_API BOOL __stdcall OA_RegisterClassObjectA(IUnknown* classObject, LPCSTR progId, BOOL multipleUse, DWORD* cookie);
+BRANNOC_API BOOL __stdcall OA_RegisterClassObjectW(IUnknown* classObject, LPCWSTR progId, BOOL multipleUse, DWORD* cookie);
+BRANNOC_API void __stdcall OA_RevokeClassObject(DWORD cookie);
+BRANNOC_API BOOL __stdcall OA_RegisterActiveObjectA(IUnknown* object, LPCSTR progId, DWORD* cookie);
+BRANNOC_API BOOL __stdcall OA_RegisterActiveObjectW(IUnknown* object, LPCWSTR progId, DWORD* cookie);
+BRANNOC_API void __stdcall OA_RevokeActiveObject(DWORD cookie);
+BRANNOC_API void __stdcall OA_DisconnectObject(IUnknown* object);
+
+/* Automation-server applications. */
+BRANNOC_API BOOL __stdcall OA_InitializeApplication(OA_APPLICATION* descriptor, LPCSTR commandLine);
+BRANNOC_API void __stdcall OA_UninitializeApplication(OA_APPLICATION* descriptor);
+BRANNOC_API IDispatch* __stdcall OA_AppCreateDispatch(ITypeInfo* type, void* descriptor);
+BRANNOC_API void __stdcall OA_AppDataDestroy(void* implementation, void* descriptor);
+
+/* Type information. */
+BRANNOC_API ITypeLib* __stdcall OA_LoadLib(HMODULE module);
+BRANNOC_API ITypeInfo* __stdcall OA_LoadType_A(ITypeLib* library, LPCSTR guidText);
+BRANNOC_API ITypeInfo* __stdcall OA_LoadType_W(ITypeLib* library, LPCWSTR guidText);
+BRANNOC_API ITypeInfo* __stdcall OA_GetType(IUnknown* object);
+BRANNOC_API ITypeInfo* __stdcall OA_GetCoclassType(IUnknown* object);
+BRANNOC_API ITypeInfo* __stdcall OA_GetDispatchType(ITypeInfo* type);
+BRANNOC_API DISPID __stdcall OA_GetDispatchIDA(IDispatch* object, LPCSTR name);
+BRANNOC_API DISPID __stdcall OA_GetDispatchIDW(IDispatch* object, LPCWSTR name);
+BRANNOC_API DISPID __stdcall OA_GetDispatchID2A(IDispatch* object, LPCSTR member, LPCSTR parameter);
+BRANNOC_API DISPID __stdcall OA_GetDispatchID2W(IDispatch* object, LPCWSTR member, LPCWSTR parameter);
+BRANNOC_API BSTR __stdcall OA_GetDispatchNameA(IUnknown* typeOrObject, MEMBERID id);
+BRANNOC_API BSTR __stdcall OA_GetDispatchNameW(IUnknown* typeOrObject, MEMBERID id);
+BRANNOC_API BSTR __stdcall OA_GetDispatchNamesA(IUnknown* typeOrObject, LPCSTR prefix);
+BRANNOC_API BSTR __stdcall OA_GetDispatchNamesW(IUnknown* typeOrObject, LPCWSTR prefix);
+BRANNOC_API BSTR __stdcall OA_GetTypeDescA(IUnknown* typeOrObject, LONG index, LONG flags);
+BRANNOC_API BSTR __stdcall OA_GetTypeDescW(IUnknown* typeOrObject, LONG index, LONG flags);
+BRANNOC_API BSTR __stdcall OA_GetTypeHelpFileA(IUnknown* typeOrObject, MEMBERID id, DWORD* helpContext);
+BRANNOC_API BSTR __stdcall OA_GetTypeHelpFileW(IUnknown* typeOrObject, MEMBERID id, DWORD* helpContext);
+BRANNOC_API ITypeComp* __stdcall OA_GetComp(IUnknown* object);
+BRANNOC_API BSTR __stdcall OA_GetCompDescA(ITypeComp* comp, LPCSTR name, LONG flags);
+BRANNOC_API BSTR __stdcall OA_GetCompDescW(ITypeComp* comp, LPCWSTR name, LONG flags);
+
+/* Errors raised from inside methods of dispatch objects. */
+BRANNOC_API void __stdcall OA_RaiseErrorA(LONG code, LPCSTR source, LPCSTR description, LPCSTR helpFile, DWORD helpContext);
+BRANNOC_API void __stdcall OA_RaiseErrorW(LONG code, LPCWSTR source, LPCWSTR description, LPCWSTR helpFile, DWORD helpContext);
+BRANNOC_API void __stdcall OA_RaiseError2A(LONG status, LPCSTR source, LPCSTR description, LPCSTR helpFile, DWORD helpContext);
+BRANNOC_API void __stdcall OA_RaiseError2W(LONG status, LPCWSTR source, LPCWSTR description, LPCWSTR helpFile, DWORD helpContext);
+BRANNOC_API void* __stdcall OA_PreInvokeError(EXCEPINFO* record);
+BRANNOC_API HRESULT __stdcall OA_PostInvokeError(HRESULT status);
+
+/* Strings. */
+BRANNOC_API BSTR __stdcall OA_SysAllocNullString(void);
+BRANNOC_API BSTR __stdcall OA_SysAllocString(LPCWSTR text);
+BRANNOC_API BSTR __stdcall OA_SysAllocStringLen(LPCWSTR text, UINT length);
+BRANNOC_API INT __stdcall OA_SysReAllocString(BSTR* text, LPCWSTR value);
+BRANNOC_API INT __stdcall OA_SysReAllocStringLen(BSTR* text, LPCWSTR value, UINT length);
+BRANNOC_API void __stdcall OA_SysFreeString(BSTR text);
+BRANNOC_API UINT __stdcall OA_SysStringLen(BSTR text);
+BRANNOC_API BSTR __stdcall OA_SysDupString(BSTR text);
+BRANNOC_API INT __stdcall OA_SysCmp(BSTR a, BSTR b);
+BRANNOC_API BSTR __stdcall OA_SysAllocStringA(LPCSTR text);
+BRANNOC_API BSTR __stdcall OA_SysAllocStringLenA(LPCSTR text, UINT length);
+BRANNOC_API INT __stdcall OA_SysReAllocStringA(BSTR* text, LPCSTR value);
+BRANNOC_API INT __stdcall OA_SysReAllocStringLenA(BSTR* text, LPCSTR value, UINT length);
+BRANNOC_API void __stdcall OA_SysFreeStringA(BSTR text);
+BRANNOC_API UINT __stdcall OA_SysStringLenA(BSTR text);
+BRANNOC_API BSTR __stdcall OA_SysDupStringA(BSTR text);
+BRANNOC_API BSTR __stdcall OA_OLESTRFromBSTRA(BSTR ansiText);
+BRANNOC_API BSTR __stdcall OA_OLESTRFromStringA(LPCSTR text);
+BRANNOC_API BSTR __stdcall OA_OLESTRFromStringLenA(LPCSTR text, UINT length);
+BRANNOC_API BSTR __stdcall OA_AsciiFromBSTRW(BSTR text);
+BRANNOC_API BSTR __stdcall OA_AsciiFromStringW(LPCWSTR text);
+BRANNOC_API BSTR __stdcall OA_AsciiFromStringLenW(LPCWSTR text, UINT length);
+BRANNOC_API BOOL __stdcall OA_AsciiFromWide(LPSTR destination, LPCWSTR source);
+BRANNOC_API BOOL __stdcall OA_WideFromAscii(LPWSTR destination, LPCSTR source);
+BRANNOC_API LPWSTR __stdcall OA_StrCat(LPWSTR destination, LPCWSTR source);
+BRANNOC_API INT __stdcall OA_StrCmp(LPCWSTR a, LPCWSTR b);
+BRANNOC_API INT __stdcall OA_StrCmpi(LPCWSTR a, LPCWSTR b);
+BRANNOC_API LPWSTR __stdcall OA_StrCpy(LPWSTR destination, LPCWSTR source);
+BRANNOC_API UINT __stdcall OA_StrLen(LPCWSTR text);
+
+/* VARIANT setters (the VARIANT is cleared first). */
+BRANNOC_API void __stdcall OA_VariantFromBOOL(VARIANT* variant, VARIANT_BOOL value);
+BRANNOC_API void __stdcall OA_VariantFromI2(VARIANT* variant, SHORT value);
+BRANNOC_API void __stdcall OA_VariantFromI4(VARIANT* variant, LONG value);
+BRANNOC_API void __stdcall OA_VariantFromR4(VARIANT* variant, FLOAT value);
+BRANNOC_API void __stdcall OA_VariantFromR8(VARIANT* variant, DOUBLE value);
+BRANNOC_API void __stdcall OA_VariantFromStringA(VARIANT* variant, LPCSTR value);
+BRANNOC_API void __stdcall OA_VariantFromStringW(VARIANT* variant, LPCWSTR value);
+BRANNOC_API void __stdcall OA_VariantFromBSTR(VARIANT* variant, BSTR value);
+BRANNOC_API void __stdcall OA_VariantFromDisp(VARIANT* variant, IDispatch* value);
+
+/* Language of the user interface (per thread). */
+BRANNOC_API BOOL __stdcall OA_NlsSetLangID(LANGID language);
+BRANNOC_API LANGID __stdcall OA_NlsGetLangID(void);
+BRANNOC_API LCID __stdcall OA_NlsGetOleLCID(void);
+BRANNOC_API void __stdcall OA_NlsLock(BOOL on);
+BRANNOC_API HINSTANCE __stdcall OA_NlsGetInstance(void);
+BRANNOC_API BOOL __stdcall OA_NlsAdjustPathName(LPSTR path, BOOL satellite);
+
+/* Dispatch classes from text descriptions. */
+BRANNOC_API ITypeInfo* __stdcall OA_CreateTypeA(LPCSTR description);
+BRANNOC_API ITypeInfo* __stdcall OA_CreateTypeW(LPCWSTR description);
+BRANNOC_API IDispatch* __stdcall OA_CreateDispatch(ITypeInfo* type, OA_DESTROYPROC destroy, void* implementation,
+                                                   void* userData);
+BRANNOC_API void* __stdcall OA_GetDispatchData(IUnknown* dispatch);
+BRANNOC_API METHODDATA* __stdcall OA_GetMethodData(ITypeInfo* type, DISPID id, WORD kind);
+BRANNOC_API IDispatch* __stdcall OA_BindDispatch(IDispatch* dispatch, ITypeInfo* type);
+BRANNOC_API IClassFactory* __stdcall OA_CreateClass(ITypeInfo* type, OA_CREATEPROC create, LONG reserved, void* userData);
+BRANNOC_API IEnumVARIANT* __stdcall OA_CreateEnum(IUnknown* data, OA_ENUMPROC getter);
+BRANNOC_API IUnknown* __stdcall OA_WrapMFCLib(ITypeLib* library, OA_WRAPPROC wrap);
+BRANNOC_API IDispatch* __stdcall OA_BindMFC(IDispatch* dispatch, LPCSTR typeGuidText, OA_WRAPPROC wrap, BOOL keep);
+
 #ifdef __cplusplus
 }
 #endif
