@@ -227,6 +227,25 @@ TEST(Application, RegistersTheServerAndMakesTheApplicationObject)
         OA_UninitializeApplication(&descriptor);
         EXPECT_EQ(nullptr, descriptor.application);
         EXPECT_EQ(1, s_app.destroyed);
+
+        // Started for automation: a class object registered under the ProgID (registered above) makes
+        // the application object, which then becomes the ProgID's active object.
+        ASSERT_TRUE(OA_InitializeApplication(&descriptor, "/automation"));
+        ASSERT_NE(nullptr, descriptor.classObject);
+        EXPECT_NE(0u, descriptor.classCookie);
+        EXPECT_EQ(nullptr, descriptor.application);
+        IDispatch* created = OA_CreateInstance(descriptor.classObject);
+        ASSERT_NE(nullptr, created);
+        EXPECT_EQ(2, s_app.created);
+        EXPECT_EQ(descriptor.application, created);
+        EXPECT_NE(0u, descriptor.activeCookie);
+        IDispatch* active = OA_ActiveObjectA("Brannoc.TestApplication");
+        EXPECT_EQ(&s_app.thing, OA_GetDispatchData(active));
+        OA_Release(active);
+        OA_Release(created);
+        OA_UninitializeApplication(&descriptor);
+        EXPECT_EQ(nullptr, descriptor.classObject);
+        EXPECT_EQ(2, s_app.destroyed);
     }).join();
 }
 
