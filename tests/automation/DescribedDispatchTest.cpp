@@ -202,6 +202,20 @@ TEST_F(DescribedDispatchTest, AnsiClassesConvertOtherValuesToText)
     EXPECT_EQ((std::vector<std::string>{"42", "by reference"}), implementation.texts);
 }
 
+TEST_F(DescribedDispatchTest, AStringArgumentThatCannotBeTextNamesItsIndex)
+{
+    // An object without a value cannot become text: the String argument (index 0, the last) is named.
+    PlainDispatch valueless;
+    std::vector<VARIANT> arguments = {Object(&unit), Object(&valueless)};
+    std::reverse(arguments.begin(), arguments.end());
+    DISPPARAMS parameters{arguments.data(), nullptr, 2, 0};
+    UINT argumentError = 99;
+    EXPECT_EQ(DISP_E_TYPEMISMATCH, dispatch->Invoke(IdOf(dispatch, L"DebugPrint"), IID_NULL, 0x409, DISPATCH_METHOD,
+                                                    &parameters, nullptr, nullptr, &argumentError));
+    EXPECT_EQ(0u, argumentError);
+    EXPECT_TRUE(implementation.calls.empty());
+}
+
 TEST_F(DescribedDispatchTest, DispatchErrorCodes)
 {
     UINT count = 0;
