@@ -1,0 +1,128 @@
+// Types from type libraries: loading the program's own library, following a class to its dispatch
+// interface, dispatch objects over such types, binding objects and class objects.
+#include "support/MessageBoxCapture.h"
+
+#include "brannoc.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+const char kCodeUnitClass[] = "{47E5369F-DBE6-4E83-A27B-8BC4AFA15DDD}";
+
+std::string Take(BSTR ansi)
+{
+    if (!ansi)
+        return "(null)";
+    std::string text(reinterpret_cast<const char*>(ansi), OA_SysStringLenA(ansi));
+    OA_SysFreeStringA(ansi);
+    return text;
+}
+
+} // namespace
+
+TEST(TypeLibraryExports, TheProgramsOwnLibraryAndItsClassTypes)
+{
+    ITypeLib* library = OA_LoadLib(nullptr);
+    ASSERT_NE(nullptr, library);
+    ITypeInfo* classType = OA_LoadType_A(library, kCodeUnitClass);
+    ASSERT_NE(nullptr, classType);
+    EXPECT_EQ(nullptr, OA_LoadType_A(library, "{00000000-1111-2222-3333-444444444444}"));
+    EXPECT_EQ(nullptr, OA_LoadType_A(library, "not a guid"));
+    ITypeInfo* dispatchType = OA_GetDispatchType(classType);
+    ASSERT_NE(nullptr, dispatchType);
+    EXPECT_EQ("_CodeUnit", Take(OA_GetDispatchNameA(dispatchType, -1)));
+    ITypeComp* comp = OA_GetComp(dispatchType);
+    ASSERT_NE(nullptr, comp);
+    std::string caption = Take(OA_GetCompDescA(comp, "Caption", 1));
+    EXPECT_NE(std::string::npos, caption.find(":Caption() As String=>\r\n")) << caption;
+    EXPECT_NE(std::string::npos, caption.find("=<")) << caption;
+    OA_Release(comp);
+    // Type information is its own type.
+    ITypeInfo* same = OA_GetType(dispatchType);
+    EXPECT_EQ(dispatchType, same);
+    OA_Release(same);
+    OA_Release(dispatchType);
+    OA_Release(classType);
+    OA_Release(library);
+}
+
+TEST(TypeLibraryExports, ADispatchObjectOverAClassTypeCallsTheImplementationsInterface)
+{
+    ITypeLib* library = OA_LoadLib(nullptr);
+    ITypeInfo* classType = OA_LoadType_A(library, kCodeUnitClass);
+    ASSERT_NE(nullptr, classType);
+    auto* unit = static_cast<_CodeUnit*>(CU_CreateCodeUnit());
+    ASSERT_NE(nullptr, unit);
+    IDispatch* object = OA_CreateDispatch(classType, nullptr, unit, nullptr);
+    ASSERT_NE(nullptr, object);
+    void* found = nullptr;
+    EXPECT_EQ(S_OK, object->QueryInterface(IID__CodeUnit, &found));   // the type's own interface identifier
+    OA_Release(static_cast<IUnknown*>(found));
+    OA_ARG list;
+    OA_ArgStart(1, &list);
+    OA_ArgAddStringA(&list, "Through the class type");
+    EXPECT_TRUE(OA_InvokePut(object, OA_GetDispatchIDA(object, "Caption"), &list, nullptr));
+    BSTR caption = nullptr;
+    unit->get_Caption(&caption);
+    EXPECT_STREQ(L"Through the class type", caption);
+    SysFreeString(caption);
+    EXPECT_EQ("Through the class type", Take(OA_InvokeBSTRA(object, OA_GetDispatchIDA(object, "Caption"), nullptr, nullptr)));
+
+    // A binding object answers with another type and forwards calls.
+    ITypeInfo* mine = OA_CreateTypeA("=Mine|Nothing");
+    IDispatch* bound = OA_BindDispatch(object, mine);
+    ASSERT_NE(nullptr, bound);
+    EXPECT_NE(object, bound);
+    EXPECT_EQ("Mine", Take(OA_GetDispatchNameA(bound, -1)));
+    EXPECT_EQ("Through the class type", Take(OA_InvokeBSTRA(bound, OA_GetDispatchIDA(bound, "Caption"), nullptr, nullptr)));
+    EXPECT_EQ(object, OA_BindDispatch(object, nullptr));
+    OA_Release(bound);
+    OA_Release(mine);
+    OA_Release(object);
+    unit->Release();
+    OA_Release(classType);
+    OA_Release(library);
+}
+
+namespace {
+
+struct Nothing {
+    virtual void __stdcall Run() {}
+};
+Nothing s_nothing;
+int s_creations = 0;
+
+IDispatch* __stdcall CreateNothing(ITypeInfo* type, void* userData)
+{
+    ++s_creations;
+    EXPECT_EQ(&s_nothing, userData);
+    return OA_CreateDispatch(type, nullptr, &s_nothing, nullptr);
+}
+
+} // namespace
+
+TEST(TypeLibraryExports, ClassObjectsCreateThroughTheCreationFunction)
+{
+    ITypeInfo* type = OA_CreateTypeA("Run");
+    IClassFactory* factory = OA_CreateClass(type, CreateNothing, 0, &s_nothing);
+    ASSERT_NE(nullptr, factory);
+    s_creations = 0;
+    IDispatch* object = OA_CreateInstance(factory);
+    ASSERT_NE(nullptr, object);
+    EXPECT_EQ(1, s_creations);
+    EXPECT_EQ(&s_nothing, OA_GetDispatchData(object));
+    OA_Release(object);
+    brannoc::test::MessageBoxCapture capture;
+    void* refused = reinterpret_cast<void*>(1);
+    EXPECT_EQ(CLASS_E_NOAGGREGATION, factory->CreateInstance(reinterpret_cast<IUnknown*>(factory), IID_IUnknown, &refused));
+    EXPECT_EQ(nullptr, refused);
+    EXPECT_EQ(S_OK, factory->LockServer(TRUE));
+    EXPECT_EQ(S_OK, factory->LockServer(FALSE));
+    EXPECT_EQ(1, s_creations);
+    EXPECT_EQ(nullptr, OA_CreateInstance(nullptr));
+    OA_Release(factory);
+    OA_Release(type);
+}
