@@ -22,6 +22,8 @@ public:
     bool IsAnsi() const { return m_ansi; }
     const std::wstring& InterfaceName() const { return m_description.interfaceName; }
     const ClassDescription& Description() const { return m_description; }
+    // The platform's class type over the interface.
+    ITypeInfo* ClassType() const { return m_classType.Get(); }
     // The platform's interface type under this object.
     ITypeInfo* InterfaceType() const { return m_interfaceType.Get(); }
     // The method record for id and kind (any of the DISPATCH_ flags), or null.

@@ -2,6 +2,7 @@
 // and the one-line member descriptions (MemberDescription) the object browser and completion use.
 #include "automation/AnsiBstr.h"
 #include "automation/DescribedDispatch.h"
+#include "automation/DescribedType.h"
 #include "automation/MemberDescription.h"
 #include "host/AnsiText.h"
 #include "host/ComRef.h"
@@ -165,6 +166,41 @@ bool CompDescription(ITypeComp* comp, const std::wstring& name, LONG flags, std:
     return true;
 }
 
+bool SameType(ITypeInfo* a, ITypeInfo* b)
+{
+    TYPEATTR* left = nullptr;
+    TYPEATTR* right = nullptr;
+    bool same = false;
+    if (SUCCEEDED(a->GetTypeAttr(&left)) && SUCCEEDED(b->GetTypeAttr(&right)))
+        same = IsEqualGUID(left->guid, right->guid) && !IsEqualGUID(left->guid, GUID_NULL);
+    if (left)
+        a->ReleaseTypeAttr(left);
+    if (right)
+        b->ReleaseTypeAttr(right);
+    return same;
+}
+
+// The class of type's library whose default interface is type.
+ComRef<ITypeInfo> ClassServedBy(ITypeInfo* type)
+{
+    ComRef<ITypeLib> library;
+    UINT index = 0;
+    if (FAILED(type->GetContainingTypeLib(library.Out(), &index)))
+        return {};
+    const UINT count = library->GetTypeInfoCount();
+    for (UINT i = 0; i < count; ++i) {
+        TYPEKIND kind;
+        ComRef<ITypeInfo> candidate;
+        if (FAILED(library->GetTypeInfoType(i, &kind)) || kind != TKIND_COCLASS ||
+            FAILED(library->GetTypeInfo(i, candidate.Out())))
+            continue;
+        ComRef<ITypeInfo> served = DispatchTypeOf(candidate.Get());
+        if (served && SameType(served.Get(), type))
+            return candidate;
+    }
+    return {};
+}
+
 } // namespace
 
 extern "C" {
@@ -207,6 +243,8 @@ ITypeInfo* __stdcall OA_GetType(IUnknown* object)
     return nullptr;
 }
 
+// The class type: from the object's IProvideClassInfo, else the class a description built, else the class
+// of the object's type library whose default interface is the object's type.
 ITypeInfo* __stdcall OA_GetCoclassType(IUnknown* object)
 {
     if (!object)
@@ -216,7 +254,12 @@ ITypeInfo* __stdcall OA_GetCoclassType(IUnknown* object)
     if (SUCCEEDED(object->QueryInterface(IID_IProvideClassInfo, reinterpret_cast<void**>(provider.Out()))) &&
         SUCCEEDED(provider->GetClassInfo(&type)))
         return type;
-    return nullptr;
+    ComRef<ITypeInfo> own = TypeOf(object);
+    if (!own)
+        return nullptr;
+    if (DescribedType* described = DescribedType::From(own.Get()))
+        return ComRef<ITypeInfo>::Share(described->ClassType()).Detach();
+    return ClassServedBy(own.Get()).Detach();
 }
 
 ITypeInfo* __stdcall OA_GetDispatchType(ITypeInfo* type) { return DispatchTypeOf(type).Detach(); }

@@ -58,6 +58,10 @@ TEST(TypeLibraryExports, ADispatchObjectOverAClassTypeCallsTheImplementationsInt
     ASSERT_NE(nullptr, unit);
     IDispatch* object = OA_CreateDispatch(classType, nullptr, unit, nullptr);
     ASSERT_NE(nullptr, object);
+    ITypeInfo* objectClass = OA_GetCoclassType(object);
+    ASSERT_NE(nullptr, objectClass);
+    EXPECT_EQ("CodeUnit", Take(OA_GetDispatchNameA(objectClass, -1)));
+    OA_Release(objectClass);
     void* found = nullptr;
     EXPECT_EQ(S_OK, object->QueryInterface(IID__CodeUnit, &found));   // the type's own interface identifier
     OA_Release(static_cast<IUnknown*>(found));
@@ -73,6 +77,13 @@ TEST(TypeLibraryExports, ADispatchObjectOverAClassTypeCallsTheImplementationsInt
 
     // A binding object answers with another type and forwards calls.
     ITypeInfo* mine = OA_CreateTypeA("=Mine|Nothing");
+    ITypeInfo* mineClass = OA_GetCoclassType(mine);
+    ASSERT_NE(nullptr, mineClass);
+    TYPEATTR* attributes = nullptr;
+    ASSERT_EQ(S_OK, mineClass->GetTypeAttr(&attributes));
+    EXPECT_EQ(TKIND_COCLASS, attributes->typekind);
+    mineClass->ReleaseTypeAttr(attributes);
+    OA_Release(mineClass);
     IDispatch* bound = OA_BindDispatch(object, mine);
     ASSERT_NE(nullptr, bound);
     EXPECT_NE(object, bound);
