@@ -335,6 +335,9 @@ BRANNOC_API void __stdcall OA_NlsLock(BOOL on);
 BRANNOC_API HINSTANCE __stdcall OA_NlsGetInstance(void);
 BRANNOC_API BOOL __stdcall OA_NlsAdjustPathName(LPSTR path, BOOL satellite);
 
+/* The library's about box over owner; TRUE when closed with OK. */
+BRANNOC_API BOOL __stdcall OA_BrannocAboutBox(HWND owner, LPCSTR name, void* logoData);
+
 /* Dispatch classes from text descriptions. */
 BRANNOC_API ITypeInfo* __stdcall OA_CreateTypeA(LPCSTR description);
 BRANNOC_API ITypeInfo* __stdcall OA_CreateTypeW(LPCWSTR description);

@@ -151,6 +151,7 @@ const ExportRow kExports[] = {
     {"OA_NlsLock", 4, true},
     {"OA_NlsGetInstance", 0, true},
     {"OA_NlsAdjustPathName", 8, true},
+    {"OA_BrannocAboutBox", 12, true},
     {"OA_CreateTypeA", 4, true},
     {"OA_CreateTypeW", 4, true},
     {"OA_CreateDispatch", 16, true},

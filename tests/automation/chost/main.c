@@ -147,6 +147,7 @@ static const void* const s_everyFunction[] = {
     (const void*)OA_NlsLock,
     (const void*)OA_NlsGetInstance,
     (const void*)OA_NlsAdjustPathName,
+    (const void*)OA_BrannocAboutBox,
     (const void*)OA_CreateTypeA,
     (const void*)OA_CreateTypeW,
     (const void*)OA_CreateDispatch,
