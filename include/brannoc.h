@@ -345,9 +345,11 @@ BRANNOC_API IDispatch* __stdcall OA_CreateDispatch(ITypeInfo* type, OA_DESTROYPR
                                                    void* userData);
 BRANNOC_API void* __stdcall OA_GetDispatchData(IUnknown* dispatch);
 BRANNOC_API METHODDATA* __stdcall OA_GetMethodData(ITypeInfo* type, DISPID id, WORD kind);
+/* A new binding object (one reference); with a null argument, dispatch itself without a reference added. */
 BRANNOC_API IDispatch* __stdcall OA_BindDispatch(IDispatch* dispatch, ITypeInfo* type);
 BRANNOC_API IClassFactory* __stdcall OA_CreateClass(ITypeInfo* type, OA_CREATEPROC create, LONG reserved, void* userData);
 BRANNOC_API IEnumVARIANT* __stdcall OA_CreateEnum(IUnknown* data, OA_ENUMPROC getter);
+/* OA_WrapMFCLib and OA_BindMFC take over the reference they are given and answer one reference. */
 BRANNOC_API IUnknown* __stdcall OA_WrapMFCLib(ITypeLib* library, OA_WRAPPROC wrap);
 BRANNOC_API IDispatch* __stdcall OA_BindMFC(IDispatch* dispatch, LPCSTR typeGuidText, OA_WRAPPROC wrap, BOOL keep);
 

@@ -137,3 +137,60 @@ TEST(TypeLibraryExports, ClassObjectsCreateThroughTheCreationFunction)
     OA_Release(factory);
     OA_Release(type);
 }
+
+namespace {
+
+int s_wraps = 0;
+
+// Wraps type libraries only; dispatch objects are refused (and so stay as they are).
+HRESULT __stdcall WrapLibrariesOnly(REFIID interfaceId, IUnknown* object, IUnknown** wrapped)
+{
+    ++s_wraps;
+    if (!IsEqualIID(interfaceId, IID_ITypeLib))
+        return E_NOINTERFACE;
+    object->AddRef();
+    *wrapped = object;
+    return S_OK;
+}
+
+} // namespace
+
+TEST(TypeLibraryExports, BindMfcLoadsItsTypeOnFirstNeed)
+{
+    s_wraps = 0;
+    ITypeLib* library = OA_LoadLib(nullptr);
+    ASSERT_NE(nullptr, library);
+    IUnknown* wrappedLibrary = OA_WrapMFCLib(library, WrapLibrariesOnly);   // takes over the reference
+    EXPECT_EQ(static_cast<IUnknown*>(library), wrappedLibrary);
+    EXPECT_EQ(1, s_wraps);
+    OA_Release(wrappedLibrary);
+
+    ITypeInfo* type = OA_CreateTypeA("=Plain|Run");
+    struct Runner {
+        virtual void __stdcall Run() {}
+    } runner;
+    IDispatch* object = OA_CreateDispatch(type, nullptr, &runner, nullptr);
+    EXPECT_EQ(nullptr, OA_BindMFC(nullptr, "{F1E1E939-C4D6-4342-A0AA-F302F6C5FCEB}", nullptr, 0));
+    object->AddRef();
+    // Without a type GUID the (possibly wrapped) dispatch itself is the answer.
+    IDispatch* same = OA_BindMFC(object, nullptr, WrapLibrariesOnly, 0);
+    EXPECT_EQ(object, same);
+    EXPECT_EQ(2, s_wraps);
+    OA_Release(same);
+    object->AddRef();
+    IDispatch* bound = OA_BindMFC(object, "{F1E1E939-C4D6-4342-A0AA-F302F6C5FCEB}", WrapLibrariesOnly, 1);
+    ASSERT_NE(nullptr, bound);
+    EXPECT_EQ(2, s_wraps) << "nothing is loaded before it is needed";
+    EXPECT_EQ("_CodeUnit", Take(OA_GetDispatchNameA(bound, -1)));
+    EXPECT_EQ(3, s_wraps);
+    EXPECT_TRUE(OA_Invoke(bound, OA_GetDispatchIDA(bound, "Run"), nullptr, nullptr));
+    OA_Release(bound);
+    DWORD context = 5;
+    BSTR helpFile = OA_GetTypeHelpFileA(type, OA_GetDispatchIDA(object, "Run"), &context);
+    ASSERT_NE(nullptr, helpFile);
+    EXPECT_EQ(0u, OA_SysStringLenA(helpFile));
+    OA_SysFreeStringA(helpFile);
+    // Each OA_BindMFC took over the reference it was given: only the creation's reference is left.
+    EXPECT_EQ(0u, OA_Release(object));
+    OA_Release(type);
+}
