@@ -1,6 +1,7 @@
 // The library's about box (OA_BrannocAboutBox): a modal dialog placed horizontally centred with a third
 // of the free screen height above it, showing the name, the version with the current language, the
 // module resources come from, and the logo bitmap sliding inside a shape of elliptic regions.
+#include "automation/ExportBoundary.h"
 #include "host/AnsiText.h"
 #include "host/ThisModule.h"
 
@@ -10,6 +11,7 @@
 #include <string>
 
 using namespace brannoc;
+using namespace brannoc::automation;
 
 namespace {
 
@@ -200,9 +202,11 @@ INT_PTR CALLBACK AboutProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
 
 extern "C" BOOL __stdcall OA_BrannocAboutBox(HWND owner, LPCSTR name, void* logoData)
 {
-    AboutState state;
-    state.name = name ? WideFromAnsi(name) : std::wstring();
-    state.logoData = logoData;
-    INT_PTR answer = DialogBoxParamW(ThisModule(), L"DL_ABOUT", owner, AboutProc, reinterpret_cast<LPARAM>(&state));
-    return answer == IDOK ? TRUE : FALSE;
+    return AtExportBoundary<BOOL>(FALSE, [&]() -> BOOL {
+        AboutState state;
+        state.name = name ? WideFromAnsi(name) : std::wstring();
+        state.logoData = logoData;
+        INT_PTR answer = DialogBoxParamW(ThisModule(), L"DL_ABOUT", owner, AboutProc, reinterpret_cast<LPARAM>(&state));
+        return answer == IDOK ? TRUE : FALSE;
+    });
 }

@@ -4,6 +4,7 @@
 #include "automation/DescribedClass.h"
 #include "automation/DescribedDispatch.h"
 #include "automation/DescribedType.h"
+#include "automation/ExportBoundary.h"
 #include "host/AnsiText.h"
 #include "host/ComRef.h"
 
@@ -124,84 +125,90 @@ extern "C" {
 
 BOOL __stdcall OA_InitializeApplication(OA_APPLICATION* descriptor, LPCSTR commandLine)
 {
-    if (!descriptor || descriptor->size != kDescriptorSize)
-        return FALSE;
-    descriptor->classObject = nullptr;
-    descriptor->classCookie = 0;
-    descriptor->application = nullptr;
-    descriptor->activeCookie = 0;
-    if (!OA_Initialize())
-        return FALSE;
-    if (IsEmpty(descriptor->type) && IsEmpty(descriptor->progId) && !descriptor->create && !descriptor->destroy)
-        return TRUE;
-    if (IsEmpty(descriptor->type) || IsEmpty(descriptor->progId) || !descriptor->create) {
-        OA_Uninitialize();
-        return FALSE;
-    }
-    LPCSTR typeText = descriptor->type;
-    const bool multipleUse = typeText[0] == '*';
-    if (multipleUse)
-        ++typeText;
-    ComRef<ITypeInfo> type = ServerType(typeText);
-    if (!type) {
-        OA_Uninitialize();
-        return FALSE;
-    }
-    if (AsksForAutomation(commandLine)) {
-        ComRef<IClassFactory> factory =
-            ComRef<IClassFactory>::Adopt(DescribedClass::Create(type.Get(), CreateApplicationInstance, descriptor));
-        if (!factory || !OA_RegisterClassObjectA(factory.Get(), descriptor->progId, multipleUse, &descriptor->classCookie)) {
+    return AtExportBoundary<BOOL>(FALSE, [&]() -> BOOL {
+        if (!descriptor || descriptor->size != kDescriptorSize)
+            return FALSE;
+        descriptor->classObject = nullptr;
+        descriptor->classCookie = 0;
+        descriptor->application = nullptr;
+        descriptor->activeCookie = 0;
+        if (!OA_Initialize())
+            return FALSE;
+        if (IsEmpty(descriptor->type) && IsEmpty(descriptor->progId) && !descriptor->create && !descriptor->destroy)
+            return TRUE;
+        if (IsEmpty(descriptor->type) || IsEmpty(descriptor->progId) || !descriptor->create) {
             OA_Uninitialize();
             return FALSE;
         }
-        descriptor->classObject = factory.Detach();
+        LPCSTR typeText = descriptor->type;
+        const bool multipleUse = typeText[0] == '*';
+        if (multipleUse)
+            ++typeText;
+        ComRef<ITypeInfo> type = ServerType(typeText);
+        if (!type) {
+            OA_Uninitialize();
+            return FALSE;
+        }
+        if (AsksForAutomation(commandLine)) {
+            ComRef<IClassFactory> factory =
+                ComRef<IClassFactory>::Adopt(DescribedClass::Create(type.Get(), CreateApplicationInstance, descriptor));
+            if (!factory || !OA_RegisterClassObjectA(factory.Get(), descriptor->progId, multipleUse, &descriptor->classCookie)) {
+                OA_Uninitialize();
+                return FALSE;
+            }
+            descriptor->classObject = factory.Detach();
+            return TRUE;
+        }
+        RegisterServer(type.Get(), WideFromAnsi(descriptor->progId));
+        IDispatch* application = OA_AppCreateDispatch(type.Get(), descriptor);
+        if (application)
+            application->Release();   // the descriptor keeps its own reference
         return TRUE;
-    }
-    RegisterServer(type.Get(), WideFromAnsi(descriptor->progId));
-    IDispatch* application = OA_AppCreateDispatch(type.Get(), descriptor);
-    if (application)
-        application->Release();   // the descriptor keeps its own reference
-    return TRUE;
+    });
 }
 
 void __stdcall OA_UninitializeApplication(OA_APPLICATION* descriptor)
 {
-    if (!descriptor || descriptor->size != kDescriptorSize)
-        return;
-    OA_RevokeActiveObject(descriptor->activeCookie);
-    descriptor->activeCookie = 0;
-    OA_RevokeClassObject(descriptor->classCookie);
-    descriptor->classCookie = 0;
-    if (IUnknown* classObject = descriptor->classObject) {
-        descriptor->classObject = nullptr;
-        classObject->Release();
-    }
-    if (IDispatch* application = descriptor->application) {
-        CoDisconnectObject(application, 0);
-        application->Release();   // the destroy function clears the field
-        descriptor->application = nullptr;
-    }
-    OA_Uninitialize();
+    AtExportBoundary([&] {
+        if (!descriptor || descriptor->size != kDescriptorSize)
+            return;
+        OA_RevokeActiveObject(descriptor->activeCookie);
+        descriptor->activeCookie = 0;
+        OA_RevokeClassObject(descriptor->classCookie);
+        descriptor->classCookie = 0;
+        if (IUnknown* classObject = descriptor->classObject) {
+            descriptor->classObject = nullptr;
+            classObject->Release();
+        }
+        if (IDispatch* application = descriptor->application) {
+            CoDisconnectObject(application, 0);
+            application->Release();   // the destroy function clears the field
+            descriptor->application = nullptr;
+        }
+        OA_Uninitialize();
+    });
 }
 
 IDispatch* __stdcall OA_AppCreateDispatch(ITypeInfo* type, void* descriptorData)
 {
-    auto* descriptor = static_cast<OA_APPLICATION*>(descriptorData);
-    if (!descriptor || !descriptor->create)
-        return nullptr;
-    if (descriptor->application) {
-        descriptor->application->AddRef();
-        return descriptor->application;
-    }
-    void* implementation = descriptor->create(descriptor);
-    IDispatch* application = OA_CreateDispatch(type, OA_AppDataDestroy, implementation, descriptor);
-    if (!application)
-        return nullptr;
-    descriptor->application = application;   // the descriptor's reference
-    if (descriptor->classCookie)
-        OA_RegisterActiveObjectA(application, descriptor->progId, &descriptor->activeCookie);
-    application->AddRef();
-    return application;
+    return AtExportBoundary<IDispatch*>(nullptr, [&]() -> IDispatch* {
+        auto* descriptor = static_cast<OA_APPLICATION*>(descriptorData);
+        if (!descriptor || !descriptor->create)
+            return nullptr;
+        if (descriptor->application) {
+            descriptor->application->AddRef();
+            return descriptor->application;
+        }
+        void* implementation = descriptor->create(descriptor);
+        IDispatch* application = OA_CreateDispatch(type, OA_AppDataDestroy, implementation, descriptor);
+        if (!application)
+            return nullptr;
+        descriptor->application = application;   // the descriptor's reference
+        if (descriptor->classCookie)
+            OA_RegisterActiveObjectA(application, descriptor->progId, &descriptor->activeCookie);
+        application->AddRef();
+        return application;
+    });
 }
 
 void __stdcall OA_AppDataDestroy(void* implementation, void* descriptorData)

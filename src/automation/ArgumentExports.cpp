@@ -2,6 +2,7 @@
 // OA_ArgStart and OA_ArgAdd..., and an OA_Invoke... call makes the call, converts the result and
 // consumes the list. Failures are shown in "OA_Invoke Error" boxes unless an error record is given.
 #include "automation/AnsiBstr.h"
+#include "automation/ExportBoundary.h"
 #include "host/AnsiText.h"
 #include "values/Variant.h"
 
@@ -159,24 +160,26 @@ extern "C" {
 
 BOOL __stdcall OA_ArgStart(LONG count, OA_ARG* list)
 {
-    if (!list)
-        return FALSE;
-    *list = OA_ARG{};
-    if (count < 0)
-        count = 0;
-    list->count = count;
-    list->freeSlots = count;
-    if (count > 0) {
-        list->args = new (std::nothrow) VARIANT[static_cast<size_t>(count)];
-        if (!list->args) {
-            list->count = list->freeSlots = 0;
-            list->error = 1;
+    return AtExportBoundary<BOOL>(FALSE, [&]() -> BOOL {
+        if (!list)
             return FALSE;
+        *list = OA_ARG{};
+        if (count < 0)
+            count = 0;
+        list->count = count;
+        list->freeSlots = count;
+        if (count > 0) {
+            list->args = new (std::nothrow) VARIANT[static_cast<size_t>(count)];
+            if (!list->args) {
+                list->count = list->freeSlots = 0;
+                list->error = 1;
+                return FALSE;
+            }
+            for (LONG i = 0; i < count; ++i)
+                VariantInit(&list->args[i]);
         }
-        for (LONG i = 0; i < count; ++i)
-            VariantInit(&list->args[i]);
-    }
-    return TRUE;
+        return TRUE;
+    });
 }
 
 void __stdcall OA_ArgRelease(OA_ARG* list)
@@ -245,17 +248,24 @@ BOOL __stdcall OA_ArgAddR8(OA_ARG* list, DOUBLE value)
 
 BOOL __stdcall OA_ArgAddStringA(OA_ARG* list, LPCSTR value)
 {
-    return AddString(list, WideBstrFromAnsi(value ? value : ""));
+    return AtExportBoundary<BOOL>(FALSE, [&]() -> BOOL {
+        return AddString(list, WideBstrFromAnsi(value ? value : ""));
+    });
 }
 
 BOOL __stdcall OA_ArgAddStringW(OA_ARG* list, LPCWSTR value) { return AddString(list, SysAllocString(value ? value : L"")); }
 
-BOOL __stdcall OA_ArgAddBSTRA(OA_ARG* list, BSTR ansiValue) { return AddString(list, WideBstrFromAnsi(AnsiBytes(ansiValue))); }
+BOOL __stdcall OA_ArgAddBSTRA(OA_ARG* list, BSTR ansiValue)
+{
+    return AtExportBoundary<BOOL>(FALSE, [&] { return AddString(list, WideBstrFromAnsi(AnsiBytes(ansiValue))); });
+}
 
 BOOL __stdcall OA_ArgAddBSTRW(OA_ARG* list, BSTR value)
 {
-    std::wstring_view text = WideChars(value);
-    return AddString(list, SysAllocStringLen(text.data(), static_cast<UINT>(text.size())));
+    return AtExportBoundary<BOOL>(FALSE, [&]() -> BOOL {
+        std::wstring_view text = WideChars(value);
+        return AddString(list, SysAllocStringLen(text.data(), static_cast<UINT>(text.size())));
+    });
 }
 
 BOOL __stdcall OA_ArgAddDisp(OA_ARG* list, IDispatch* value)
@@ -307,94 +317,118 @@ BOOL __stdcall OA_ArgAddUnkRef(OA_ARG* list, IUnknown** variable) { return AddBy
 
 BOOL __stdcall OA_Invoke(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error)
 {
-    Variant unused;
-    return InvokeWithList(object, id, list, error, CallKind::Method, VT_EMPTY, unused);
+    return AtExportBoundary<BOOL>(FALSE, [&]() -> BOOL {
+        Variant unused;
+        return InvokeWithList(object, id, list, error, CallKind::Method, VT_EMPTY, unused);
+    });
 }
 
 BOOL __stdcall OA_InvokePut(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error)
 {
-    Variant unused;
-    return InvokeWithList(object, id, list, error, CallKind::Put, VT_EMPTY, unused);
+    return AtExportBoundary<BOOL>(FALSE, [&]() -> BOOL {
+        Variant unused;
+        return InvokeWithList(object, id, list, error, CallKind::Put, VT_EMPTY, unused);
+    });
 }
 
 VARIANT_BOOL __stdcall OA_InvokeBOOL(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error)
 {
-    Variant result;
-    return InvokeGet(object, id, list, error, VT_BOOL, result) ? result.Boolean() : VARIANT_BOOL(0);
+    return AtExportBoundary<VARIANT_BOOL>(VARIANT_BOOL(0), [&]() -> VARIANT_BOOL {
+        Variant result;
+        return InvokeGet(object, id, list, error, VT_BOOL, result) ? result.Boolean() : VARIANT_BOOL(0);
+    });
 }
 
 SHORT __stdcall OA_InvokeI2(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error)
 {
-    Variant result;
-    return InvokeGet(object, id, list, error, VT_I2, result) ? result.Integer() : SHORT(0);
+    return AtExportBoundary<SHORT>(SHORT(0), [&]() -> SHORT {
+        Variant result;
+        return InvokeGet(object, id, list, error, VT_I2, result) ? result.Integer() : SHORT(0);
+    });
 }
 
 LONG __stdcall OA_InvokeI4(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error)
 {
-    Variant result;
-    return InvokeGet(object, id, list, error, VT_I4, result) ? result.Long() : 0;
+    return AtExportBoundary<LONG>(LONG(0), [&]() -> LONG {
+        Variant result;
+        return InvokeGet(object, id, list, error, VT_I4, result) ? result.Long() : 0;
+    });
 }
 
 FLOAT __stdcall OA_InvokeR4(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error)
 {
-    Variant result;
-    return InvokeGet(object, id, list, error, VT_R4, result) ? result.Single() : 0.0f;
+    return AtExportBoundary<FLOAT>(0.0f, [&]() -> FLOAT {
+        Variant result;
+        return InvokeGet(object, id, list, error, VT_R4, result) ? result.Single() : 0.0f;
+    });
 }
 
 DOUBLE __stdcall OA_InvokeR8(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error)
 {
-    Variant result;
-    return InvokeGet(object, id, list, error, VT_R8, result) ? result.Double() : 0.0;
+    return AtExportBoundary<DOUBLE>(0.0, [&]() -> DOUBLE {
+        Variant result;
+        return InvokeGet(object, id, list, error, VT_R8, result) ? result.Double() : 0.0;
+    });
 }
 
 BSTR __stdcall OA_InvokeBSTRW(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error)
 {
-    Variant result;
-    if (!InvokeGet(object, id, list, error, VT_BSTR, result))
-        return nullptr;
-    VARIANT raw;
-    result.Detach(raw);
-    return raw.bstrVal ? raw.bstrVal : SysAllocString(L"");
+    return AtExportBoundary<BSTR>(nullptr, [&]() -> BSTR {
+        Variant result;
+        if (!InvokeGet(object, id, list, error, VT_BSTR, result))
+            return nullptr;
+        VARIANT raw;
+        result.Detach(raw);
+        return raw.bstrVal ? raw.bstrVal : SysAllocString(L"");
+    });
 }
 
 BSTR __stdcall OA_InvokeBSTRA(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error)
 {
-    Variant result;
-    if (!InvokeGet(object, id, list, error, VT_BSTR, result))
-        return nullptr;
-    return AnsiBstrFromWide(result.StringView());
+    return AtExportBoundary<BSTR>(nullptr, [&]() -> BSTR {
+        Variant result;
+        if (!InvokeGet(object, id, list, error, VT_BSTR, result))
+            return nullptr;
+        return AnsiBstrFromWide(result.StringView());
+    });
 }
 
 IDispatch* __stdcall OA_InvokeDisp(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error)
 {
-    Variant result;
-    if (!InvokeGet(object, id, list, error, VT_DISPATCH, result))
-        return nullptr;
-    VARIANT raw;
-    result.Detach(raw);
-    return raw.pdispVal;
+    return AtExportBoundary<IDispatch*>(nullptr, [&]() -> IDispatch* {
+        Variant result;
+        if (!InvokeGet(object, id, list, error, VT_DISPATCH, result))
+            return nullptr;
+        VARIANT raw;
+        result.Detach(raw);
+        return raw.pdispVal;
+    });
 }
 
 IUnknown* __stdcall OA_InvokeUnk(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error)
 {
-    Variant result;
-    if (!InvokeGet(object, id, list, error, VT_UNKNOWN, result))
-        return nullptr;
-    VARIANT raw;
-    result.Detach(raw);
-    return raw.punkVal;
+    return AtExportBoundary<IUnknown*>(nullptr, [&]() -> IUnknown* {
+        Variant result;
+        if (!InvokeGet(object, id, list, error, VT_UNKNOWN, result))
+            return nullptr;
+        VARIANT raw;
+        result.Detach(raw);
+        return raw.punkVal;
+    });
 }
 
 BOOL __stdcall OA_InvokeVariant(IDispatch* object, DISPID id, OA_ARG* list, OA_ERROR* error, VARIANT* result)
 {
-    Variant value;
-    if (!InvokeGet(object, id, list, error, VT_VARIANT, value))
-        return FALSE;
-    if (result) {
-        VariantClear(result);
-        value.Detach(*result);
-    }
-    return TRUE;
+    return AtExportBoundary<BOOL>(FALSE, [&]() -> BOOL {
+        Variant value;
+        if (!InvokeGet(object, id, list, error, VT_VARIANT, value))
+            return FALSE;
+        if (result) {
+            VariantClear(result);
+            value.Detach(*result);
+        }
+        return TRUE;
+    });
 }
 
 BOOL __stdcall OA_InvokeError(IDispatch*, DISPID, OA_ARG*, OA_ERROR*)

@@ -1,4 +1,5 @@
 #include "automation/BoundDispatch.h"
+#include "automation/ExportBoundary.h"
 
 #include "host/AnsiText.h"
 
@@ -113,9 +114,11 @@ extern "C" {
 
 IDispatch* __stdcall OA_BindDispatch(IDispatch* dispatch, ITypeInfo* type)
 {
-    if (!dispatch || !type)
-        return dispatch;
-    return BoundDispatch::Create(dispatch, type);
+    return AtExportBoundary<IDispatch*>(nullptr, [&]() -> IDispatch* {
+        if (!dispatch || !type)
+            return dispatch;
+        return BoundDispatch::Create(dispatch, type);
+    });
 }
 
 IUnknown* __stdcall OA_WrapMFCLib(ITypeLib* library, OA_WRAPPROC wrap)
@@ -125,16 +128,18 @@ IUnknown* __stdcall OA_WrapMFCLib(ITypeLib* library, OA_WRAPPROC wrap)
 
 IDispatch* __stdcall OA_BindMFC(IDispatch* dispatch, LPCSTR typeGuidText, OA_WRAPPROC wrap, BOOL keep)
 {
-    if (!dispatch)
-        return nullptr;
-    if (wrap && !keep)
-        dispatch = static_cast<IDispatch*>(WrapObject(wrap, IID_IDispatch, dispatch));
-    if (!typeGuidText || !*typeGuidText)
-        return dispatch;
-    BoundDispatch* bound = BoundDispatch::CreateLazy(dispatch, WideFromAnsi(typeGuidText), wrap);
-    // The binding object holds its own reference of the dispatch.
-    dispatch->Release();
-    return bound;
+    return AtExportBoundary<IDispatch*>(nullptr, [&]() -> IDispatch* {
+        if (!dispatch)
+            return nullptr;
+        if (wrap && !keep)
+            dispatch = static_cast<IDispatch*>(WrapObject(wrap, IID_IDispatch, dispatch));
+        if (!typeGuidText || !*typeGuidText)
+            return dispatch;
+        BoundDispatch* bound = BoundDispatch::CreateLazy(dispatch, WideFromAnsi(typeGuidText), wrap);
+        // The binding object holds its own reference of the dispatch.
+        dispatch->Release();
+        return bound;
+    });
 }
 
 } // extern "C"

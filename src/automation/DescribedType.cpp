@@ -1,6 +1,7 @@
 #include "automation/DescribedType.h"
 
 #include "automation/AnsiBstr.h"
+#include "automation/ExportBoundary.h"
 #include "values/Variant.h"
 
 #include <memory>
@@ -146,7 +147,9 @@ HRESULT DescribedType::Invoke(PVOID instance, MEMBERID id, WORD flags, DISPPARAM
     if (!result)
         result = &scratch.Raw();
     if (m_ansi)
-        return InvokeAnsi(instance, id, flags, *method, parameters, result, exception, argumentError);
+        return AtExportBoundary<HRESULT>(E_OUTOFMEMORY, [&] {
+            return InvokeAnsi(instance, id, flags, *method, parameters, result, exception, argumentError);
+        });
     return DispInvoke(instance, m_interfaceType.Get(), id, flags, parameters, result, exception, argumentError);
 }
 

@@ -3,6 +3,7 @@
 #include "automation/AnsiBstr.h"
 #include "automation/DescribedDispatch.h"
 #include "automation/DescribedType.h"
+#include "automation/ExportBoundary.h"
 #include "automation/InvokeErrorScope.h"
 #include "host/AnsiText.h"
 
@@ -37,17 +38,23 @@ extern "C" {
 
 ITypeInfo* __stdcall OA_CreateTypeA(LPCSTR description)
 {
-    return DescribedType::Create(WideOrEmpty(description), true);
+    return AtExportBoundary<ITypeInfo*>(nullptr, [&]() -> ITypeInfo* {
+        return DescribedType::Create(WideOrEmpty(description), true);
+    });
 }
 
 ITypeInfo* __stdcall OA_CreateTypeW(LPCWSTR description)
 {
-    return DescribedType::Create(ViewOrEmpty(description), false);
+    return AtExportBoundary<ITypeInfo*>(nullptr, [&]() -> ITypeInfo* {
+        return DescribedType::Create(ViewOrEmpty(description), false);
+    });
 }
 
 IDispatch* __stdcall OA_CreateDispatch(ITypeInfo* type, OA_DESTROYPROC destroy, void* implementation, void* userData)
 {
-    return DescribedDispatch::Create(type, destroy, implementation, userData);
+    return AtExportBoundary<IDispatch*>(nullptr, [&]() -> IDispatch* {
+        return DescribedDispatch::Create(type, destroy, implementation, userData);
+    });
 }
 
 void* __stdcall OA_GetDispatchData(IUnknown* dispatch)
@@ -65,24 +72,32 @@ METHODDATA* __stdcall OA_GetMethodData(ITypeInfo* type, DISPID id, WORD kind)
 // Errors carry the 16-bit code in wCode (OA_RaiseError) or a status in scode (OA_RaiseError2).
 void __stdcall OA_RaiseErrorA(LONG code, LPCSTR source, LPCSTR description, LPCSTR helpFile, DWORD helpContext)
 {
-    RaiseWide(static_cast<WORD>(code), 0, WideOrEmpty(source), WideOrEmpty(description), WideOrEmpty(helpFile),
-              helpContext);
+    AtExportBoundary([&] {
+        RaiseWide(static_cast<WORD>(code), 0, WideOrEmpty(source), WideOrEmpty(description), WideOrEmpty(helpFile),
+                  helpContext);
+    });
 }
 
 void __stdcall OA_RaiseErrorW(LONG code, LPCWSTR source, LPCWSTR description, LPCWSTR helpFile, DWORD helpContext)
 {
-    RaiseWide(static_cast<WORD>(code), 0, ViewOrEmpty(source), ViewOrEmpty(description), ViewOrEmpty(helpFile),
-              helpContext);
+    AtExportBoundary([&] {
+        RaiseWide(static_cast<WORD>(code), 0, ViewOrEmpty(source), ViewOrEmpty(description), ViewOrEmpty(helpFile),
+                  helpContext);
+    });
 }
 
 void __stdcall OA_RaiseError2A(LONG status, LPCSTR source, LPCSTR description, LPCSTR helpFile, DWORD helpContext)
 {
-    RaiseWide(0, status, WideOrEmpty(source), WideOrEmpty(description), WideOrEmpty(helpFile), helpContext);
+    AtExportBoundary([&] {
+        RaiseWide(0, status, WideOrEmpty(source), WideOrEmpty(description), WideOrEmpty(helpFile), helpContext);
+    });
 }
 
 void __stdcall OA_RaiseError2W(LONG status, LPCWSTR source, LPCWSTR description, LPCWSTR helpFile, DWORD helpContext)
 {
-    RaiseWide(0, status, ViewOrEmpty(source), ViewOrEmpty(description), ViewOrEmpty(helpFile), helpContext);
+    AtExportBoundary([&] {
+        RaiseWide(0, status, ViewOrEmpty(source), ViewOrEmpty(description), ViewOrEmpty(helpFile), helpContext);
+    });
 }
 
 void* __stdcall OA_PreInvokeError(EXCEPINFO* record) { return OpenInvokeErrorScope(record); }

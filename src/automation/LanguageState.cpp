@@ -1,4 +1,5 @@
 #include "automation/LanguageState.h"
+#include "automation/ExportBoundary.h"
 
 #include "host/AnsiText.h"
 #include "host/ThisModule.h"
@@ -9,6 +10,7 @@
 #include <string>
 
 using namespace brannoc;
+using namespace brannoc::automation;
 
 namespace {
 
@@ -111,14 +113,16 @@ extern "C" {
 
 BOOL __stdcall OA_NlsSetLangID(LANGID language)
 {
-    LanguageState& state = t_state;
-    if (state.locks > 0) {
-        if (language == kResetLanguage)
-            state.resetPending = true;
-        return FALSE;
-    }
-    StoreLanguage(state, language);
-    return TRUE;
+    return AtExportBoundary<BOOL>(FALSE, [&]() -> BOOL {
+        LanguageState& state = t_state;
+        if (state.locks > 0) {
+            if (language == kResetLanguage)
+                state.resetPending = true;
+            return FALSE;
+        }
+        StoreLanguage(state, language);
+        return TRUE;
+    });
 }
 
 LANGID __stdcall OA_NlsGetLangID(void)
@@ -131,29 +135,33 @@ LCID __stdcall OA_NlsGetOleLCID(void) { return MAKELCID(OA_NlsGetLangID(), SORT_
 
 void __stdcall OA_NlsLock(BOOL on)
 {
-    LanguageState& state = t_state;
-    if (on) {
-        if (state.locks++ == 0) {
-            state.lockedLanguage = CurrentLanguage(state);
-            if (!state.satellite)
-                state.satellite = LoadSatellite();
+    AtExportBoundary([&] {
+        LanguageState& state = t_state;
+        if (on) {
+            if (state.locks++ == 0) {
+                state.lockedLanguage = CurrentLanguage(state);
+                if (!state.satellite)
+                    state.satellite = LoadSatellite();
+            }
+            return;
         }
-        return;
-    }
-    if (state.locks == 0)
-        return;
-    if (--state.locks == 0 && state.resetPending) {
-        state.resetPending = false;
-        StoreLanguage(state, kResetLanguage);
-    }
+        if (state.locks == 0)
+            return;
+        if (--state.locks == 0 && state.resetPending) {
+            state.resetPending = false;
+            StoreLanguage(state, kResetLanguage);
+        }
+    });
 }
 
 HINSTANCE __stdcall OA_NlsGetInstance(void)
 {
-    LanguageState& state = t_state;
-    if (!state.satellite)
-        state.satellite = LoadSatellite();
-    return state.satellite ? state.satellite : ThisModule();
+    return AtExportBoundary<HINSTANCE>(nullptr, [&]() -> HINSTANCE {
+        LanguageState& state = t_state;
+        if (!state.satellite)
+            state.satellite = LoadSatellite();
+        return state.satellite ? state.satellite : ThisModule();
+    });
 }
 
 // Candidates: directory, the first four characters of the name, the separator ("@" for satellites, else
@@ -161,31 +169,33 @@ HINSTANCE __stdcall OA_NlsGetInstance(void)
 // primary language in hexadecimal, and "0" in hexadecimal.
 BOOL __stdcall OA_NlsAdjustPathName(LPSTR path, BOOL satellite)
 {
-    if (!path)
-        return FALSE;
-    std::string full(path);
-    size_t slash = full.find_last_of("\\/:");
-    size_t nameStart = slash == std::string::npos ? 0 : slash + 1;
-    size_t dot = full.find_last_of('.');
-    if (dot == std::string::npos || dot < nameStart)
-        dot = full.size();
-    std::string directory = full.substr(0, nameStart);
-    std::string name = full.substr(nameStart, dot - nameStart).substr(0, 4);
-    std::string extension = full.substr(dot);
-    const char separator = satellite ? '@' : '_';
-    const LANGID language = OA_NlsGetLangID();
-    const std::string codes[] = {LanguageAbbreviation(language), LanguageAbbreviation(PRIMARYLANGID(language)),
-                                 HexLanguage(language & 0x3FFu), HexLanguage(0)};
-    for (const std::string& code : codes) {
-        if (code.empty())
-            continue;
-        std::string candidate = directory + name + separator + code + extension;
-        if (candidate.size() < MAX_PATH && FileExists(candidate)) {
-            memcpy(path, candidate.c_str(), candidate.size() + 1);
-            return TRUE;
+    return AtExportBoundary<BOOL>(FALSE, [&]() -> BOOL {
+        if (!path)
+            return FALSE;
+        std::string full(path);
+        size_t slash = full.find_last_of("\\/:");
+        size_t nameStart = slash == std::string::npos ? 0 : slash + 1;
+        size_t dot = full.find_last_of('.');
+        if (dot == std::string::npos || dot < nameStart)
+            dot = full.size();
+        std::string directory = full.substr(0, nameStart);
+        std::string name = full.substr(nameStart, dot - nameStart).substr(0, 4);
+        std::string extension = full.substr(dot);
+        const char separator = satellite ? '@' : '_';
+        const LANGID language = OA_NlsGetLangID();
+        const std::string codes[] = {LanguageAbbreviation(language), LanguageAbbreviation(PRIMARYLANGID(language)),
+                                     HexLanguage(language & 0x3FFu), HexLanguage(0)};
+        for (const std::string& code : codes) {
+            if (code.empty())
+                continue;
+            std::string candidate = directory + name + separator + code + extension;
+            if (candidate.size() < MAX_PATH && FileExists(candidate)) {
+                memcpy(path, candidate.c_str(), candidate.size() + 1);
+                return TRUE;
+            }
         }
-    }
-    return FALSE;
+        return FALSE;
+    });
 }
 
 } // extern "C"

@@ -1,5 +1,6 @@
 // Starting OLE, creating and finding automation objects, and registering class and active objects.
 // Failures of creation and look-up answer null or 0 without a message.
+#include "automation/ExportBoundary.h"
 #include "automation/LanguageState.h"
 #include "host/AnsiText.h"
 #include "host/ComRef.h"
@@ -9,6 +10,7 @@
 #include <string>
 
 using namespace brannoc;
+using namespace brannoc::automation;
 
 namespace {
 
@@ -105,10 +107,22 @@ ULONG __stdcall OA_AddRef(IUnknown* object) { return object ? object->AddRef() :
 
 ULONG __stdcall OA_Release(IUnknown* object) { return object ? object->Release() : 0; }
 
-IDispatch* __stdcall OA_CreateObjectA(LPCSTR progId) { return CreateObject(Wide(progId)); }
-IDispatch* __stdcall OA_CreateObjectW(LPCWSTR progId) { return CreateObject(Wide(progId)); }
-IDispatch* __stdcall OA_ActiveObjectA(LPCSTR progId) { return ActiveObject(Wide(progId)); }
-IDispatch* __stdcall OA_ActiveObjectW(LPCWSTR progId) { return ActiveObject(Wide(progId)); }
+IDispatch* __stdcall OA_CreateObjectA(LPCSTR progId)
+{
+    return AtExportBoundary<IDispatch*>(nullptr, [&] { return CreateObject(Wide(progId)); });
+}
+IDispatch* __stdcall OA_CreateObjectW(LPCWSTR progId)
+{
+    return AtExportBoundary<IDispatch*>(nullptr, [&] { return CreateObject(Wide(progId)); });
+}
+IDispatch* __stdcall OA_ActiveObjectA(LPCSTR progId)
+{
+    return AtExportBoundary<IDispatch*>(nullptr, [&] { return ActiveObject(Wide(progId)); });
+}
+IDispatch* __stdcall OA_ActiveObjectW(LPCWSTR progId)
+{
+    return AtExportBoundary<IDispatch*>(nullptr, [&] { return ActiveObject(Wide(progId)); });
+}
 
 IDispatch* __stdcall OA_CreateInstance(IUnknown* classObject)
 {
@@ -124,12 +138,16 @@ IDispatch* __stdcall OA_CreateInstance(IUnknown* classObject)
 
 BOOL __stdcall OA_RegisterClassObjectA(IUnknown* classObject, LPCSTR progId, BOOL multipleUse, DWORD* cookie)
 {
-    return RegisterClassObject(classObject, Wide(progId), multipleUse, cookie);
+    return AtExportBoundary<BOOL>(FALSE, [&]() -> BOOL {
+        return RegisterClassObject(classObject, Wide(progId), multipleUse, cookie);
+    });
 }
 
 BOOL __stdcall OA_RegisterClassObjectW(IUnknown* classObject, LPCWSTR progId, BOOL multipleUse, DWORD* cookie)
 {
-    return RegisterClassObject(classObject, Wide(progId), multipleUse, cookie);
+    return AtExportBoundary<BOOL>(FALSE, [&]() -> BOOL {
+        return RegisterClassObject(classObject, Wide(progId), multipleUse, cookie);
+    });
 }
 
 void __stdcall OA_RevokeClassObject(DWORD cookie)
@@ -140,18 +158,24 @@ void __stdcall OA_RevokeClassObject(DWORD cookie)
 
 BOOL __stdcall OA_RegisterActiveObjectA(IUnknown* object, LPCSTR progId, DWORD* cookie)
 {
-    return RegisterActive(object, Wide(progId), cookie);
+    return AtExportBoundary<BOOL>(FALSE, [&]() -> BOOL {
+        return RegisterActive(object, Wide(progId), cookie);
+    });
 }
 
 BOOL __stdcall OA_RegisterActiveObjectW(IUnknown* object, LPCWSTR progId, DWORD* cookie)
 {
-    return RegisterActive(object, Wide(progId), cookie);
+    return AtExportBoundary<BOOL>(FALSE, [&]() -> BOOL {
+        return RegisterActive(object, Wide(progId), cookie);
+    });
 }
 
 void __stdcall OA_RevokeActiveObject(DWORD cookie)
 {
-    if (cookie)
-        RevokeActiveObject(cookie, nullptr);
+    AtExportBoundary([&] {
+        if (cookie)
+            RevokeActiveObject(cookie, nullptr);
+    });
 }
 
 void __stdcall OA_DisconnectObject(IUnknown* object)

@@ -2,6 +2,7 @@
 // the two (process ANSI code page) and the wide C string functions. Null or empty input text gives an
 // empty, not null, string.
 #include "automation/AnsiBstr.h"
+#include "automation/ExportBoundary.h"
 #include "host/AnsiText.h"
 
 #include "brannoc.h"
@@ -67,23 +68,31 @@ BSTR __stdcall OA_SysDupString(BSTR text)
 // Character codes up to the shorter length, then the length difference.
 INT __stdcall OA_SysCmp(BSTR a, BSTR b)
 {
-    std::wstring_view left = WideChars(a);
-    std::wstring_view right = WideChars(b);
-    size_t common = left.size() < right.size() ? left.size() : right.size();
-    for (size_t i = 0; i < common; ++i)
-        if (left[i] != right[i])
-            return static_cast<INT>(left[i]) - static_cast<INT>(right[i]);
-    return static_cast<INT>(left.size()) - static_cast<INT>(right.size());
+    return AtExportBoundary<INT>(INT(0), [&]() -> INT {
+        std::wstring_view left = WideChars(a);
+        std::wstring_view right = WideChars(b);
+        size_t common = left.size() < right.size() ? left.size() : right.size();
+        for (size_t i = 0; i < common; ++i)
+            if (left[i] != right[i])
+                return static_cast<INT>(left[i]) - static_cast<INT>(right[i]);
+        return static_cast<INT>(left.size()) - static_cast<INT>(right.size());
+    });
 }
 
-BSTR __stdcall OA_SysAllocStringA(LPCSTR text) { return AllocateAnsiBstr(BytesOf(text)); }
+BSTR __stdcall OA_SysAllocStringA(LPCSTR text)
+{
+    return AtExportBoundary<BSTR>(nullptr, [&] { return AllocateAnsiBstr(BytesOf(text)); });
+}
 
 BSTR __stdcall OA_SysAllocStringLenA(LPCSTR text, UINT length)
 {
     return SysAllocStringByteLen(text, length);
 }
 
-INT __stdcall OA_SysReAllocStringA(BSTR* text, LPCSTR value) { return Replace(text, AllocateAnsiBstr(BytesOf(value))); }
+INT __stdcall OA_SysReAllocStringA(BSTR* text, LPCSTR value)
+{
+    return AtExportBoundary<INT>(INT(0), [&] { return Replace(text, AllocateAnsiBstr(BytesOf(value))); });
+}
 
 INT __stdcall OA_SysReAllocStringLenA(BSTR* text, LPCSTR value, UINT length)
 {
@@ -96,40 +105,60 @@ UINT __stdcall OA_SysStringLenA(BSTR text) { return text ? SysStringByteLen(text
 
 BSTR __stdcall OA_SysDupStringA(BSTR text) { return OA_SysDupString(text); }
 
-BSTR __stdcall OA_OLESTRFromBSTRA(BSTR ansiText) { return WideBstrFromAnsi(AnsiBytes(ansiText)); }
+BSTR __stdcall OA_OLESTRFromBSTRA(BSTR ansiText)
+{
+    return AtExportBoundary<BSTR>(nullptr, [&] { return WideBstrFromAnsi(AnsiBytes(ansiText)); });
+}
 
-BSTR __stdcall OA_OLESTRFromStringA(LPCSTR text) { return WideBstrFromAnsi(BytesOf(text)); }
+BSTR __stdcall OA_OLESTRFromStringA(LPCSTR text)
+{
+    return AtExportBoundary<BSTR>(nullptr, [&] { return WideBstrFromAnsi(BytesOf(text)); });
+}
 
-BSTR __stdcall OA_OLESTRFromStringLenA(LPCSTR text, UINT length) { return WideBstrFromAnsi(BytesOf(text, length)); }
+BSTR __stdcall OA_OLESTRFromStringLenA(LPCSTR text, UINT length)
+{
+    return AtExportBoundary<BSTR>(nullptr, [&] { return WideBstrFromAnsi(BytesOf(text, length)); });
+}
 
-BSTR __stdcall OA_AsciiFromBSTRW(BSTR text) { return text ? AnsiBstrFromWide(WideChars(text)) : nullptr; }
+BSTR __stdcall OA_AsciiFromBSTRW(BSTR text)
+{
+    return AtExportBoundary<BSTR>(nullptr, [&] { return text ? AnsiBstrFromWide(WideChars(text)) : nullptr; });
+}
 
 BSTR __stdcall OA_AsciiFromStringW(LPCWSTR text)
 {
-    return AnsiBstrFromWide(text ? std::wstring_view(text) : std::wstring_view());
+    return AtExportBoundary<BSTR>(nullptr, [&]() -> BSTR {
+        return AnsiBstrFromWide(text ? std::wstring_view(text) : std::wstring_view());
+    });
 }
 
 BSTR __stdcall OA_AsciiFromStringLenW(LPCWSTR text, UINT length)
 {
-    return AnsiBstrFromWide(text ? std::wstring_view(text, length) : std::wstring_view());
+    return AtExportBoundary<BSTR>(nullptr, [&]() -> BSTR {
+        return AnsiBstrFromWide(text ? std::wstring_view(text, length) : std::wstring_view());
+    });
 }
 
 BOOL __stdcall OA_AsciiFromWide(LPSTR destination, LPCWSTR source)
 {
-    if (!destination)
-        return FALSE;
-    std::string text = AnsiFromWide(source ? source : L"");
-    memcpy(destination, text.c_str(), text.size() + 1);
-    return TRUE;
+    return AtExportBoundary<BOOL>(FALSE, [&]() -> BOOL {
+        if (!destination)
+            return FALSE;
+        std::string text = AnsiFromWide(source ? source : L"");
+        memcpy(destination, text.c_str(), text.size() + 1);
+        return TRUE;
+    });
 }
 
 BOOL __stdcall OA_WideFromAscii(LPWSTR destination, LPCSTR source)
 {
-    if (!destination)
-        return FALSE;
-    std::wstring text = WideFromAnsi(source ? source : "");
-    memcpy(destination, text.c_str(), (text.size() + 1) * sizeof(wchar_t));
-    return TRUE;
+    return AtExportBoundary<BOOL>(FALSE, [&]() -> BOOL {
+        if (!destination)
+            return FALSE;
+        std::wstring text = WideFromAnsi(source ? source : "");
+        memcpy(destination, text.c_str(), (text.size() + 1) * sizeof(wchar_t));
+        return TRUE;
+    });
 }
 
 LPWSTR __stdcall OA_StrCat(LPWSTR destination, LPCWSTR source) { return wcscat(destination, source ? source : L""); }
@@ -138,9 +167,11 @@ INT __stdcall OA_StrCmp(LPCWSTR a, LPCWSTR b) { return wcscmp(a ? a : L"", b ? b
 
 INT __stdcall OA_StrCmpi(LPCWSTR a, LPCWSTR b)
 {
-    std::string left = AnsiFromWide(a ? a : L"");
-    std::string right = AnsiFromWide(b ? b : L"");
-    return lstrcmpiA(left.c_str(), right.c_str());
+    return AtExportBoundary<INT>(INT(0), [&]() -> INT {
+        std::string left = AnsiFromWide(a ? a : L"");
+        std::string right = AnsiFromWide(b ? b : L"");
+        return lstrcmpiA(left.c_str(), right.c_str());
+    });
 }
 
 LPWSTR __stdcall OA_StrCpy(LPWSTR destination, LPCWSTR source) { return wcscpy(destination, source ? source : L""); }
@@ -184,9 +215,11 @@ void __stdcall OA_VariantFromR8(VARIANT* variant, DOUBLE value)
 
 void __stdcall OA_VariantFromStringA(VARIANT* variant, LPCSTR value)
 {
-    VariantClear(variant);
-    variant->vt = VT_BSTR;
-    variant->bstrVal = WideBstrFromAnsi(BytesOf(value));
+    AtExportBoundary([&] {
+        VariantClear(variant);
+        variant->vt = VT_BSTR;
+        variant->bstrVal = WideBstrFromAnsi(BytesOf(value));
+    });
 }
 
 void __stdcall OA_VariantFromStringW(VARIANT* variant, LPCWSTR value)

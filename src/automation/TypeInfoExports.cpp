@@ -3,6 +3,7 @@
 #include "automation/AnsiBstr.h"
 #include "automation/DescribedDispatch.h"
 #include "automation/DescribedType.h"
+#include "automation/ExportBoundary.h"
 #include "automation/MemberDescription.h"
 #include "host/AnsiText.h"
 #include "host/ComRef.h"
@@ -207,27 +208,35 @@ extern "C" {
 
 ITypeLib* __stdcall OA_LoadLib(HMODULE module)
 {
-    wchar_t path[MAX_PATH] = {};
-    if (!GetModuleFileNameW(module, path, MAX_PATH))
+    return AtExportBoundary<ITypeLib*>(nullptr, [&]() -> ITypeLib* {
+        wchar_t path[MAX_PATH] = {};
+        if (!GetModuleFileNameW(module, path, MAX_PATH))
+            return nullptr;
+        ITypeLib* library = nullptr;
+        if (SUCCEEDED(LoadTypeLibEx(path, REGKIND_NONE, &library)))
+            return library;
+        std::wstring other(path);
+        size_t dot = other.find_last_of(L'.');
+        size_t slash = other.find_last_of(L"\\/");
+        if (dot != std::wstring::npos && (slash == std::wstring::npos || dot > slash))
+            other.erase(dot + 1);
+        else
+            other += L".";
+        other += L"TLB";
+        if (SUCCEEDED(LoadTypeLibEx(other.c_str(), REGKIND_NONE, &library)))
+            return library;
         return nullptr;
-    ITypeLib* library = nullptr;
-    if (SUCCEEDED(LoadTypeLibEx(path, REGKIND_NONE, &library)))
-        return library;
-    std::wstring other(path);
-    size_t dot = other.find_last_of(L'.');
-    size_t slash = other.find_last_of(L"\\/");
-    if (dot != std::wstring::npos && (slash == std::wstring::npos || dot > slash))
-        other.erase(dot + 1);
-    else
-        other += L".";
-    other += L"TLB";
-    if (SUCCEEDED(LoadTypeLibEx(other.c_str(), REGKIND_NONE, &library)))
-        return library;
-    return nullptr;
+    });
 }
 
-ITypeInfo* __stdcall OA_LoadType_A(ITypeLib* library, LPCSTR guidText) { return LoadType(library, Wide(guidText)); }
-ITypeInfo* __stdcall OA_LoadType_W(ITypeLib* library, LPCWSTR guidText) { return LoadType(library, Wide(guidText)); }
+ITypeInfo* __stdcall OA_LoadType_A(ITypeLib* library, LPCSTR guidText)
+{
+    return AtExportBoundary<ITypeInfo*>(nullptr, [&] { return LoadType(library, Wide(guidText)); });
+}
+ITypeInfo* __stdcall OA_LoadType_W(ITypeLib* library, LPCWSTR guidText)
+{
+    return AtExportBoundary<ITypeInfo*>(nullptr, [&] { return LoadType(library, Wide(guidText)); });
+}
 
 ITypeInfo* __stdcall OA_GetType(IUnknown* object)
 {
@@ -264,53 +273,75 @@ ITypeInfo* __stdcall OA_GetCoclassType(IUnknown* object)
 
 ITypeInfo* __stdcall OA_GetDispatchType(ITypeInfo* type) { return DispatchTypeOf(type).Detach(); }
 
-DISPID __stdcall OA_GetDispatchIDA(IDispatch* object, LPCSTR name) { return IdOfNames(object, Wide(name), L"", 1); }
-DISPID __stdcall OA_GetDispatchIDW(IDispatch* object, LPCWSTR name) { return IdOfNames(object, Wide(name), L"", 1); }
+DISPID __stdcall OA_GetDispatchIDA(IDispatch* object, LPCSTR name)
+{
+    return AtExportBoundary<DISPID>(DISPID_UNKNOWN, [&] { return IdOfNames(object, Wide(name), L"", 1); });
+}
+DISPID __stdcall OA_GetDispatchIDW(IDispatch* object, LPCWSTR name)
+{
+    return AtExportBoundary<DISPID>(DISPID_UNKNOWN, [&] { return IdOfNames(object, Wide(name), L"", 1); });
+}
 
 DISPID __stdcall OA_GetDispatchID2A(IDispatch* object, LPCSTR member, LPCSTR parameter)
 {
-    return parameter ? IdOfNames(object, Wide(member), Wide(parameter), 2) : DISPID_UNKNOWN;
+    return AtExportBoundary<DISPID>(DISPID_UNKNOWN, [&]() -> DISPID {
+        return parameter ? IdOfNames(object, Wide(member), Wide(parameter), 2) : DISPID_UNKNOWN;
+    });
 }
 
 DISPID __stdcall OA_GetDispatchID2W(IDispatch* object, LPCWSTR member, LPCWSTR parameter)
 {
-    return parameter ? IdOfNames(object, Wide(member), Wide(parameter), 2) : DISPID_UNKNOWN;
+    return AtExportBoundary<DISPID>(DISPID_UNKNOWN, [&]() -> DISPID {
+        return parameter ? IdOfNames(object, Wide(member), Wide(parameter), 2) : DISPID_UNKNOWN;
+    });
 }
 
 BSTR __stdcall OA_GetDispatchNameA(IUnknown* typeOrObject, MEMBERID id)
 {
-    bool found = false;
-    std::wstring name = MemberName(typeOrObject, id, found);
-    return found ? AnsiBstrFromWide(name) : nullptr;
+    return AtExportBoundary<BSTR>(nullptr, [&]() -> BSTR {
+        bool found = false;
+        std::wstring name = MemberName(typeOrObject, id, found);
+        return found ? AnsiBstrFromWide(name) : nullptr;
+    });
 }
 
 BSTR __stdcall OA_GetDispatchNameW(IUnknown* typeOrObject, MEMBERID id)
 {
-    bool found = false;
-    std::wstring name = MemberName(typeOrObject, id, found);
-    return found ? WideResult(name) : nullptr;
+    return AtExportBoundary<BSTR>(nullptr, [&]() -> BSTR {
+        bool found = false;
+        std::wstring name = MemberName(typeOrObject, id, found);
+        return found ? WideResult(name) : nullptr;
+    });
 }
 
 BSTR __stdcall OA_GetDispatchNamesA(IUnknown* typeOrObject, LPCSTR prefix)
 {
-    return AnsiBstrFromWide(MemberNames(typeOrObject, Wide(prefix)));
+    return AtExportBoundary<BSTR>(nullptr, [&]() -> BSTR {
+        return AnsiBstrFromWide(MemberNames(typeOrObject, Wide(prefix)));
+    });
 }
 
 BSTR __stdcall OA_GetDispatchNamesW(IUnknown* typeOrObject, LPCWSTR prefix)
 {
-    return WideResult(MemberNames(typeOrObject, Wide(prefix)));
+    return AtExportBoundary<BSTR>(nullptr, [&]() -> BSTR {
+        return WideResult(MemberNames(typeOrObject, Wide(prefix)));
+    });
 }
 
 BSTR __stdcall OA_GetTypeDescA(IUnknown* typeOrObject, LONG index, LONG flags)
 {
-    std::wstring text;
-    return TypeDescription(typeOrObject, index, flags, text) ? AnsiBstrFromWide(text) : nullptr;
+    return AtExportBoundary<BSTR>(nullptr, [&]() -> BSTR {
+        std::wstring text;
+        return TypeDescription(typeOrObject, index, flags, text) ? AnsiBstrFromWide(text) : nullptr;
+    });
 }
 
 BSTR __stdcall OA_GetTypeDescW(IUnknown* typeOrObject, LONG index, LONG flags)
 {
-    std::wstring text;
-    return TypeDescription(typeOrObject, index, flags, text) ? WideResult(text) : nullptr;
+    return AtExportBoundary<BSTR>(nullptr, [&]() -> BSTR {
+        std::wstring text;
+        return TypeDescription(typeOrObject, index, flags, text) ? WideResult(text) : nullptr;
+    });
 }
 
 BSTR __stdcall OA_GetTypeHelpFileW(IUnknown* typeOrObject, MEMBERID id, DWORD* helpContext)
@@ -327,9 +358,11 @@ BSTR __stdcall OA_GetTypeHelpFileW(IUnknown* typeOrObject, MEMBERID id, DWORD* h
 
 BSTR __stdcall OA_GetTypeHelpFileA(IUnknown* typeOrObject, MEMBERID id, DWORD* helpContext)
 {
-    Bstr file;
-    file.Attach(OA_GetTypeHelpFileW(typeOrObject, id, helpContext));
-    return file.Get() ? AnsiBstrFromWide(file.View()) : nullptr;
+    return AtExportBoundary<BSTR>(nullptr, [&]() -> BSTR {
+        Bstr file;
+        file.Attach(OA_GetTypeHelpFileW(typeOrObject, id, helpContext));
+        return file.Get() ? AnsiBstrFromWide(file.View()) : nullptr;
+    });
 }
 
 ITypeComp* __stdcall OA_GetComp(IUnknown* object)
@@ -343,14 +376,18 @@ ITypeComp* __stdcall OA_GetComp(IUnknown* object)
 
 BSTR __stdcall OA_GetCompDescA(ITypeComp* comp, LPCSTR name, LONG flags)
 {
-    std::wstring text;
-    return CompDescription(comp, Wide(name), flags, text) ? AnsiBstrFromWide(text) : nullptr;
+    return AtExportBoundary<BSTR>(nullptr, [&]() -> BSTR {
+        std::wstring text;
+        return CompDescription(comp, Wide(name), flags, text) ? AnsiBstrFromWide(text) : nullptr;
+    });
 }
 
 BSTR __stdcall OA_GetCompDescW(ITypeComp* comp, LPCWSTR name, LONG flags)
 {
-    std::wstring text;
-    return CompDescription(comp, Wide(name), flags, text) ? WideResult(text) : nullptr;
+    return AtExportBoundary<BSTR>(nullptr, [&]() -> BSTR {
+        std::wstring text;
+        return CompDescription(comp, Wide(name), flags, text) ? WideResult(text) : nullptr;
+    });
 }
 
 } // extern "C"
