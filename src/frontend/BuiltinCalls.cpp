@@ -206,6 +206,8 @@ bool BodyParser::ParseBuiltinArguments(const BuiltinRecord& record, bool parenth
         }
         if (static_cast<std::size_t>(position) >= arguments.size())
             arguments.resize(static_cast<std::size_t>(position) + 1);
+        if (record.TakesStreamArgument())
+            (void)m_lexer.Accept(Token::Hash);
         const bool empty = m_lexer.Kind() == Token::Comma || atEnd();
         if (!empty) {
             Expression argument;

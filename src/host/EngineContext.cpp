@@ -229,6 +229,8 @@ void EngineContext::SendNotification(short code)
             m_interpreter.SetRunLevel(-m_interpreter.RunLevel());
         break;
     case kNotifyRunEnded:
+        // Every stream the macro opened closes when its run ends: normally, after an error or halted.
+        m_streams.CloseAll();
         m_modules.RunEnded();
         break;
     case 5:

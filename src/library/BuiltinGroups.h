@@ -17,6 +17,9 @@
     X(ArrayFunctions)             \
     X(ColorFunctions)             \
     X(ProgramFunctions)           \
+    X(FileFunctions)              \
+    X(FileSystemFunctions)        \
+    X(SystemFunctions)            \
     X(DateFunctions)
 
 namespace brannoc {
