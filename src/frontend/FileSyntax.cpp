@@ -239,18 +239,14 @@ BodyParser::StatementPtr BodyParser::ParseNameStatement()
 
 bool BodyParser::AtFileStatementWord(Token word) const
 {
-    // Line and Name are names a program may use for its own variables and procedures.
-    if (word != Token::Line && word != Token::Name)
-        return true;
-    const std::string key = UpperName(m_lexer.Text());
-    if (FindLocal(key) || FindProcedure(key) || IsDeclaredVariable(key))
+    // Line and Name may also name the program's own procedures and variables: a procedure call, or an
+    // assignment to a variable (followed by "=", "(" or "."), is not the statement.
+    if (FindProcedure(UpperName(m_lexer.Text())))
         return false;
-    if (word == Token::Line) {
-        const char* after = SkipBlanks(m_lexer.TokenEnd());
+    const char* after = SkipBlanks(m_lexer.TokenEnd());
+    if (word == Token::Line)
         return (after[0] == 'I' || after[0] == 'i') && (after[1] == 'N' || after[1] == 'n');
-    }
-    const char next = *SkipBlanks(m_lexer.TokenEnd());
-    return next != '=' && next != '(' && next != '.';
+    return after[0] != '=' && after[0] != '(' && after[0] != '.' && after[0] != ':';
 }
 
 } // namespace brannoc::body

@@ -122,6 +122,9 @@ bool CurDir(BuiltinArguments& arguments, BuiltinResult& result)
     }
     if (length == 0 || length > MAX_PATH)
         return RaiseValueError(kErrorDriveNotFound);
+    // A folder below the root is given without its closing backslash.
+    if (length > 3 && path[length - 1] == L'\\')
+        --length;
     return result.SetString(std::wstring_view(path, length));
 }
 

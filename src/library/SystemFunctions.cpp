@@ -2,6 +2,7 @@
 // (GetSetting, SaveSetting, DeleteSetting, GetAllSettings) and the text Clipboard.
 #include "library/BuiltinGroups.h"
 
+#include "exec/Interpreter.h"
 #include "library/BuiltinArguments.h"
 #include "values/ArrayStorage.h"
 #include "values/ValueError.h"
@@ -70,6 +71,24 @@ bool Environ(BuiltinArguments& arguments, BuiltinResult& result)
     return result.SetString(entry);
 }
 
+// Raises number with the system's own message for a failure as its description.
+bool RaiseSystemFailure(long number, DWORD failure)
+{
+    Interpreter* interpreter = Interpreter::Current();
+    wchar_t* message = nullptr;
+    const DWORD length = FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM |
+                                            FORMAT_MESSAGE_IGNORE_INSERTS,
+                                        nullptr, failure, 0, reinterpret_cast<LPWSTR>(&message), 0, nullptr);
+    std::wstring text(message ? message : L"", length);
+    if (message)
+        LocalFree(message);
+    while (!text.empty() && (text.back() == L'\n' || text.back() == L'\r' || text.back() == L' '))
+        text.pop_back();
+    if (!interpreter || text.empty())
+        return RaiseValueError(number);
+    return interpreter->RaiseRuntimeError(number, text);
+}
+
 bool Shell(BuiltinArguments& arguments, BuiltinResult& result)
 {
     std::wstring command;
@@ -88,7 +107,7 @@ bool Shell(BuiltinArguments& arguments, BuiltinResult& result)
                                         nullptr, nullptr, &startup, &process);
     SetErrorMode(previousMode);
     if (!started)
-        return RaiseValueError(kErrorCannotStart);
+        return RaiseSystemFailure(kErrorCannotStart, GetLastError());
     WaitForInputIdle(process.hProcess, 5000);
     CloseHandle(process.hThread);
     CloseHandle(process.hProcess);
