@@ -20,6 +20,7 @@
     X(FileFunctions)              \
     X(FileSystemFunctions)        \
     X(SystemFunctions)            \
+    X(WindowFunctions)            \
     X(DateFunctions)
 
 namespace brannoc {

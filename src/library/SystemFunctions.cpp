@@ -3,6 +3,7 @@
 #include "library/BuiltinGroups.h"
 
 #include "exec/Interpreter.h"
+#include "host/AnsiText.h"
 #include "library/BuiltinArguments.h"
 #include "values/ArrayStorage.h"
 #include "values/ValueError.h"
@@ -283,13 +284,15 @@ bool Clipboard(BuiltinArguments& arguments, BuiltinResult& result)
         if (!OpenClipboardShortly())
             return RaiseValueError(kErrorClipboard);
         EmptyClipboard();
-        HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, (text.size() + 1) * sizeof(wchar_t));
+        // ANSI text in shareable movable memory; the system offers it in the other text formats too.
+        const std::string bytes = AnsiFromWide(text);
+        HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE | GMEM_DDESHARE, bytes.size() + 1);
         bool placed = false;
         if (memory) {
             if (void* data = GlobalLock(memory)) {
-                std::memcpy(data, text.c_str(), (text.size() + 1) * sizeof(wchar_t));
+                std::memcpy(data, bytes.c_str(), bytes.size() + 1);
                 GlobalUnlock(memory);
-                placed = SetClipboardData(CF_UNICODETEXT, memory) != nullptr;
+                placed = SetClipboardData(CF_TEXT, memory) != nullptr;
             }
             if (!placed)
                 GlobalFree(memory);
@@ -300,9 +303,9 @@ bool Clipboard(BuiltinArguments& arguments, BuiltinResult& result)
     if (!OpenClipboardShortly())
         return RaiseValueError(kErrorClipboard);
     std::wstring text;
-    if (HANDLE data = GetClipboardData(CF_UNICODETEXT)) {
-        if (const auto* chars = static_cast<const wchar_t*>(GlobalLock(data))) {
-            text = chars;
+    if (HANDLE data = GetClipboardData(CF_TEXT)) {
+        if (const auto* chars = static_cast<const char*>(GlobalLock(data))) {
+            text = WideFromAnsi(chars);
             GlobalUnlock(data);
         }
     }
