@@ -21,6 +21,7 @@
     X(FileSystemFunctions)        \
     X(SystemFunctions)            \
     X(WindowFunctions)            \
+    X(DdeFunctions)               \
     X(DateFunctions)
 
 namespace brannoc {
