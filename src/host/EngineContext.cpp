@@ -356,4 +356,9 @@ void EngineContext::ReleaseMemoryReserve()
     MemoryReserve::ReleaseNext();
 }
 
+bool EngineContext::MapMacroName(const std::wstring& name, const std::wstring& base, std::wstring& mapped)
+{
+    return m_callBack && HostCallBack::MapMacroName(m_callBack.Get(), m_owner.AsDispatch(), name, base, mapped);
+}
+
 } // namespace brannoc

@@ -97,6 +97,7 @@ public:
     ModuleInstance* InstanceOf(IUnknown* object) override;
     std::wstring CommandText() const override;
     StreamTable* Streams() override { return &m_streams; }
+    bool MapMacroName(const std::wstring& name, const std::wstring& base, std::wstring& mapped) override;
 
 private:
     RunState Run(long depth);

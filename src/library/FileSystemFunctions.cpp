@@ -2,6 +2,11 @@
 // MkDir, RmDir, ChDir, ChDrive, FileCopy and SetAttr.
 #include "library/BuiltinGroups.h"
 
+#include "exec/Activation.h"
+#include "exec/Interpreter.h"
+#include "exec/ModuleInstance.h"
+#include "frontend/Module.h"
+#include "host/AnsiText.h"
 #include "library/BuiltinArguments.h"
 #include "library/StreamTable.h"
 #include "values/ValueError.h"
@@ -253,7 +258,29 @@ bool SetAttr(BuiltinArguments& arguments, BuiltinResult&)
            RaiseValueError(kErrorCouldNotOpenFile);
 }
 
+// The folder of the running macro's file: the host maps the name "x" relative to the innermost running
+// module that has a name, and the result is cut after its last backslash (kept only after a colon).
+bool MacroDir(BuiltinArguments&, BuiltinResult& result)
+{
+    Interpreter* interpreter = Interpreter::Current();
+    std::wstring module;
+    for (Activation* frame = interpreter ? interpreter->CurrentActivation() : nullptr; frame && module.empty();
+         frame = frame->Caller()) {
+        if (ModuleInstance* instance = frame->Instance())
+            module = WideFromAnsi(instance->OwnModule().Name());
+    }
+    std::wstring mapped;
+    if (module.empty() || !interpreter->Host().MapMacroName(L"x", module, mapped))
+        return RaiseValueError(kErrorDirectoryNotFound);
+    const std::size_t slash = mapped.rfind(L'\\');
+    if (slash == std::wstring::npos)
+        return RaiseValueError(kErrorDirectoryNotFound);
+    const bool root = slash > 0 && mapped[slash - 1] == L':';
+    return result.SetString(std::wstring_view(mapped).substr(0, root ? slash + 1 : slash));
+}
+
 constexpr BuiltinRecord kRecords[] = {
+    Function(Token::MacroDir, ResultKind::kString, "", "", 0, 0, &MacroDir),
     Function(Token::Dir, ResultKind::kString, "$%", "Pattern AttribMask", 0, 0b11, &Dir),
     Function(Token::CurDir, ResultKind::kString, "$", "Drive", 0, 0b1, &CurDir),
     Function(Token::FileLen, ResultKind::kLong, "$", "Name", 0, 0, &FileLen),
