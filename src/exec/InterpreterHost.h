@@ -11,6 +11,7 @@ namespace brannoc {
 
 class Module;
 class ModuleInstance;
+class StreamTable;
 class Variant;
 
 class InterpreterHost {
@@ -74,6 +75,17 @@ public:
     }
     // The command text of the current run (what the language's Command gives).
     virtual std::wstring CommandText() const { return {}; }
+    // The host's name for a macro name relative to the module named base (its MapMacroName); false when
+    // the host maps no names.
+    virtual bool MapMacroName(const std::wstring& name, const std::wstring& base, std::wstring& mapped)
+    {
+        (void)name;
+        (void)base;
+        (void)mapped;
+        return false;
+    }
+    // The file streams of the engine (null: the host keeps none, and stream statements find nothing open).
+    virtual StreamTable* Streams() { return nullptr; }
     // The module instance behind an object value made by NewInstance, else null.
     virtual ModuleInstance* InstanceOf(IUnknown* object) { (void)object; return nullptr; }
 

@@ -367,6 +367,24 @@ BodyParser::StatementPtr BodyParser::ParseSimple()
     case Token::Resume: statement = ParseResume(); break;
     case Token::Exit: statement = ParseExit(); break;
     case Token::Debug: statement = ParseDebug(); break;
+    case Token::Open: statement = ParseOpen(); break;
+    case Token::Close: statement = ParseClose(); break;
+    case Token::Print: statement = ParseStreamPrint(false); break;
+    case Token::Write: statement = ParseStreamPrint(true); break;
+    case Token::Input: statement = ParseStreamInput(); break;
+    case Token::Get: statement = ParseTransfer(false); break;
+    case Token::Put: statement = ParseTransfer(true); break;
+    case Token::Seek: statement = ParseSeekStatement(); break;
+    case Token::Lock: statement = ParseLock(false); break;
+    case Token::Unlock: statement = ParseLock(true); break;
+    case Token::Line:
+    case Token::Name:
+        if (AtFileStatementWord(word)) {
+            statement = word == Token::Line ? ParseLineInput() : ParseNameStatement();
+            break;
+        }
+        statement = ParseAssignmentOrCall(AssignKind::Implicit);
+        break;
     case Token::Call: statement = ParseCallStatement(); break;
     case Token::End: {
         m_lexer.NextToken();

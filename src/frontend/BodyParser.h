@@ -244,6 +244,22 @@ private:
     StatementPtr ParseEraseHeldArray();
     StatementPtr ParseExit();
     StatementPtr ParseDebug();
+    // File streams and files (FileSyntax.cpp).
+    // "#" (required or optional) and a stream number expression, appended to code.
+    [[nodiscard]] bool ParseStreamNumber(Expression& code, bool hashRequired);
+    // The variable an Input #, Line Input #, Get or Put statement reads into or writes from.
+    [[nodiscard]] bool ParseFileTarget(VariableRef& target);
+    // Whether a Line or Name at the line's start begins its statement (not a variable or procedure).
+    bool AtFileStatementWord(Token word) const;
+    StatementPtr ParseOpen();
+    StatementPtr ParseClose();
+    StatementPtr ParseStreamPrint(bool writeForm);
+    StatementPtr ParseStreamInput();
+    StatementPtr ParseLineInput();
+    StatementPtr ParseTransfer(bool put);
+    StatementPtr ParseSeekStatement();
+    StatementPtr ParseLock(bool unlock);
+    StatementPtr ParseNameStatement();
     StatementPtr ParseDim(bool isStatic);
     StatementPtr ParseConst();
     StatementPtr ParseAssignmentOrCall(AssignKind kind);

@@ -206,6 +206,8 @@ bool BodyParser::ParseBuiltinArguments(const BuiltinRecord& record, bool parenth
         }
         if (static_cast<std::size_t>(position) >= arguments.size())
             arguments.resize(static_cast<std::size_t>(position) + 1);
+        if (record.TakesStreamArgument())
+            (void)m_lexer.Accept(Token::Hash);
         const bool empty = m_lexer.Kind() == Token::Comma || atEnd();
         if (!empty) {
             Expression argument;
@@ -215,8 +217,10 @@ bool BodyParser::ParseBuiltinArguments(const BuiltinRecord& record, bool parenth
         }
         ++position;
     } while (m_lexer.Accept(Token::Comma));
-    // A leading optional parameter (InStr's start) is left out when one argument fewer is written.
-    if (!named && count > 1 && position == count - 1 && record.IsOptional(0) && !record.TakesAnyCount()) {
+    // A leading optional parameter (InStr's start) is left out when one argument fewer is written, as
+    // long as the last parameter is required (Dir's pattern and mask are both optional).
+    if (!named && count > 1 && position == count - 1 && record.IsOptional(0) && !record.IsOptional(count - 1) &&
+        !record.TakesAnyCount()) {
         arguments.insert(arguments.begin(), std::nullopt);
         arguments.pop_back();
     }

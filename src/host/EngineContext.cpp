@@ -229,6 +229,8 @@ void EngineContext::SendNotification(short code)
             m_interpreter.SetRunLevel(-m_interpreter.RunLevel());
         break;
     case kNotifyRunEnded:
+        // Every stream the macro opened closes when its run ends: normally, after an error or halted.
+        m_streams.CloseAll();
         m_modules.RunEnded();
         break;
     case 5:
@@ -352,6 +354,11 @@ std::wstring EngineContext::CommandText() const
 void EngineContext::ReleaseMemoryReserve()
 {
     MemoryReserve::ReleaseNext();
+}
+
+bool EngineContext::MapMacroName(const std::wstring& name, const std::wstring& base, std::wstring& mapped)
+{
+    return m_callBack && HostCallBack::MapMacroName(m_callBack.Get(), m_owner.AsDispatch(), name, base, mapped);
 }
 
 } // namespace brannoc

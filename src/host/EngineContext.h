@@ -6,6 +6,7 @@
 #include "exec/InterpreterHost.h"
 #include "host/ComRef.h"
 #include "host/ModuleManager.h"
+#include "library/StreamTable.h"
 #include <oaidl.h>
 #include <bitset>
 #include <functional>
@@ -95,6 +96,8 @@ public:
     [[nodiscard]] bool DefaultObject(const Module& module, Variant& result) override;
     ModuleInstance* InstanceOf(IUnknown* object) override;
     std::wstring CommandText() const override;
+    StreamTable* Streams() override { return &m_streams; }
+    bool MapMacroName(const std::wstring& name, const std::wstring& base, std::wstring& mapped) override;
 
 private:
     RunState Run(long depth);
@@ -108,6 +111,8 @@ private:
     void DefaultNotify(short code);
 
     CodeUnit& m_owner;
+    // Declared before the interpreter and modules so that it outlives them, and the files close last.
+    StreamTable m_streams;
     ComRef<IDispatch> m_callBack;
     std::wstring m_caption = L"Brannoc Basic";
     bool m_doEvents = true;

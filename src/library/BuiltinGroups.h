@@ -17,6 +17,11 @@
     X(ArrayFunctions)             \
     X(ColorFunctions)             \
     X(ProgramFunctions)           \
+    X(FileFunctions)              \
+    X(FileSystemFunctions)        \
+    X(SystemFunctions)            \
+    X(WindowFunctions)            \
+    X(DdeFunctions)               \
     X(DateFunctions)
 
 namespace brannoc {

@@ -54,6 +54,8 @@ enum BuiltinFlag : std::uint8_t {
     // The result is one of the arguments after the first, and only that one is evaluated (IIf,
     // Choose); arguments that call procedures are compiled so that only the chosen one runs.
     kBuiltinChoosesArgument = 4,
+    // A stream number argument may be written with a leading "#" (Input(count, #n), EOF(#n)).
+    kBuiltinStreamArgument = 8,
 };
 
 // Implementation with unevaluated arguments: evaluates what it needs through the argument interface and
@@ -84,6 +86,7 @@ struct BuiltinRecord {
     bool IsPure() const { return (flags & kBuiltinPure) != 0; }
     bool TakesAnyCount() const { return (flags & kBuiltinAnyCount) != 0; }
     bool ChoosesArgument() const { return (flags & kBuiltinChoosesArgument) != 0; }
+    bool TakesStreamArgument() const { return (flags & kBuiltinStreamArgument) != 0; }
     bool IsInstruction() const { return result == ResultKind::kNone; }
 };
 

@@ -29,7 +29,7 @@ using testing::RunProgram;
 bool DependsOnTheOutside(const std::string& text)
 {
     static const char* const kWords[] = {"now",     "timer",   "time",   "date",   "randomize", "command",
-                                         "#uses",   "msgbox",  "inputbox", "version", "shell"};
+                                         "#uses",   "msgbox",  "inputbox", "version", "shell",   "environ"};
     std::string lower(text.size(), ' ');
     for (std::size_t i = 0; i < text.size(); ++i)
         lower[i] = static_cast<char>(std::tolower(static_cast<unsigned char>(text[i])));

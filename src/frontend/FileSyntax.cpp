@@ -1,0 +1,252 @@
+// Statements of file streams and files: Open, Close, Print #, Write #, Input #, Line Input #, Get, Put,
+// Seek, Lock, Unlock and Name. Their argument code leaves the values the statement works on.
+#include "frontend/BodyParser.h"
+
+#include "code/FileStatements.h"
+#include "frontend/CharClasses.h"
+
+namespace brannoc::body {
+
+bool BodyParser::ParseStreamNumber(Expression& code, bool hashRequired)
+{
+    if (!m_lexer.Accept(Token::Hash) && hashRequired) {
+        m_lexer.SignalError(CompileMessage::Expecting, "#");
+        return false;
+    }
+    Expression number;
+    if (!ParseExpression(number))
+        return false;
+    if (number.type.IsArray() || number.type.IsUserType() || number.type.IsString() ||
+        number.type.IsFixedString() || number.type.IsObject()) {
+        m_lexer.SignalError(CompileMessage::ExpectingAnIntegerStreamNumberExpression);
+        return false;
+    }
+    code.Append(number);
+    return true;
+}
+
+bool BodyParser::ParseFileTarget(VariableRef& target)
+{
+    return ReadExistingVariable(target, CompileMessage::ExpectingAVarName);
+}
+
+BodyParser::StatementPtr BodyParser::ParseOpen()
+{
+    m_lexer.NextToken();
+    Expression code;
+    if (!ParseExpression(code) || !m_lexer.ExpectToken(Token::For))
+        return nullptr;
+    StreamMode mode;
+    switch (m_lexer.Kind()) {
+    case Token::Input: mode = StreamMode::kInput; break;
+    case Token::Output: mode = StreamMode::kOutput; break;
+    case Token::Append: mode = StreamMode::kAppend; break;
+    case Token::Binary: mode = StreamMode::kBinary; break;
+    case Token::Random: mode = StreamMode::kRandom; break;
+    default: m_lexer.SignalError(CompileMessage::ExpectingInputOutputAppendBinaryOrRandom); return nullptr;
+    }
+    m_lexer.NextToken();
+    // Read, Write or Read Write, as a bit mask (1 read, 2 write); 0 when neither follows.
+    const auto readWrite = [this] {
+        int bits = 0;
+        if (m_lexer.Accept(Token::Read))
+            bits |= kAccessRead;
+        if (m_lexer.Accept(Token::Write))
+            bits |= kAccessWrite;
+        return bits;
+    };
+    int access = kAccessDefault;
+    if (m_lexer.Accept(Token::Access)) {
+        access = readWrite();
+        if (access == 0) {
+            m_lexer.SignalError(CompileMessage::ExpectingReadOrWrite);
+            return nullptr;
+        }
+    }
+    StreamSharing sharing = StreamSharing::kShared;
+    if (m_lexer.Accept(Token::Lock)) {
+        const int bits = readWrite();
+        if (bits == 0) {
+            m_lexer.SignalError(CompileMessage::ExpectingReadOrWrite);
+            return nullptr;
+        }
+        sharing = static_cast<StreamSharing>(bits);
+    } else {
+        (void)m_lexer.Accept(Token::Shared);
+    }
+    if (!m_lexer.ExpectToken(Token::As) || !ParseStreamNumber(code, false))
+        return nullptr;
+    int count = 2;
+    if (m_lexer.Accept(Token::Len)) {
+        Expression length;
+        if (!m_lexer.ExpectToken(Token::Equal) || !ParseExpression(length))
+            return nullptr;
+        code.Append(length);
+        count = 3;
+    }
+    return std::make_unique<OpenStatement>(std::move(code), count, mode, access, sharing);
+}
+
+BodyParser::StatementPtr BodyParser::ParseClose()
+{
+    m_lexer.NextToken();
+    Expression code;
+    int count = 0;
+    while (!IsStatementEnd(m_lexer.Kind())) {
+        if (!ParseStreamNumber(code, false))
+            return nullptr;
+        ++count;
+        if (!m_lexer.Accept(Token::Comma))
+            break;
+    }
+    return std::make_unique<CloseStatement>(std::move(code), count);
+}
+
+BodyParser::StatementPtr BodyParser::ParseStreamPrint(bool writeForm)
+{
+    m_lexer.NextToken();
+    Expression code;
+    if (!ParseStreamNumber(code, true))
+        return nullptr;
+    int count = 1;
+    bool newLine = true;
+    const Token separator = writeForm ? Token::Comma : Token::Semicolon;
+    if (m_lexer.Accept(Token::Comma)) {
+        while (!IsStatementEnd(m_lexer.Kind())) {
+            newLine = true;
+            Expression item;
+            if (!ParseExpression(item))
+                return nullptr;
+            if (item.type.IsArray() || item.type.IsUserType()) {
+                m_lexer.SignalError(CompileMessage::ExpectingASimpleExpression);
+                return nullptr;
+            }
+            code.Append(item);
+            ++count;
+            if (!m_lexer.Accept(separator))
+                break;
+            newLine = false;
+            // Write # always ends its line: a list may not end with its separator.
+            if (writeForm && IsStatementEnd(m_lexer.Kind())) {
+                m_lexer.SignalError(CompileMessage::ExpectingAnExpression);
+                return nullptr;
+            }
+        }
+        if (!IsStatementEnd(m_lexer.Kind())) {
+            (void)m_lexer.ExpectToken(separator);
+            return nullptr;
+        }
+    } else if (!IsStatementEnd(m_lexer.Kind())) {
+        (void)m_lexer.ExpectToken(Token::Comma);
+        return nullptr;
+    }
+    return std::make_unique<StreamPrintStatement>(std::move(code), count, newLine || writeForm, writeForm);
+}
+
+BodyParser::StatementPtr BodyParser::ParseStreamInput()
+{
+    m_lexer.NextToken();
+    Expression code;
+    if (!ParseStreamNumber(code, true) || !m_lexer.ExpectToken(Token::Comma))
+        return nullptr;
+    std::vector<VariableRef> targets;
+    do {
+        VariableRef target;
+        if (!ParseFileTarget(target))
+            return nullptr;
+        targets.push_back(target);
+    } while (m_lexer.Accept(Token::Comma));
+    return std::make_unique<StreamInputStatement>(std::move(code), std::move(targets));
+}
+
+BodyParser::StatementPtr BodyParser::ParseLineInput()
+{
+    m_lexer.NextToken();
+    if (!m_lexer.ExpectToken(Token::Input))
+        return nullptr;
+    Expression code;
+    VariableRef target;
+    if (!ParseStreamNumber(code, true) || !m_lexer.ExpectToken(Token::Comma) || !ParseFileTarget(target))
+        return nullptr;
+    return std::make_unique<LineInputStatement>(std::move(code), target);
+}
+
+BodyParser::StatementPtr BodyParser::ParseTransfer(bool put)
+{
+    m_lexer.NextToken();
+    Expression code;
+    if (!ParseStreamNumber(code, false) || !m_lexer.ExpectToken(Token::Comma))
+        return nullptr;
+    int count = 1;
+    if (m_lexer.Kind() != Token::Comma) {
+        Expression position;
+        if (!ParseExpression(position))
+            return nullptr;
+        code.Append(position);
+        count = 2;
+    }
+    VariableRef target;
+    if (!m_lexer.ExpectToken(Token::Comma) || !ParseFileTarget(target))
+        return nullptr;
+    return std::make_unique<TransferStatement>(std::move(code), count, target, put);
+}
+
+BodyParser::StatementPtr BodyParser::ParseSeekStatement()
+{
+    m_lexer.NextToken();
+    Expression code;
+    Expression position;
+    if (!ParseStreamNumber(code, false) || !m_lexer.ExpectToken(Token::Comma) || !ParseExpression(position))
+        return nullptr;
+    code.Append(position);
+    return std::make_unique<SeekStatement>(std::move(code));
+}
+
+BodyParser::StatementPtr BodyParser::ParseLock(bool unlock)
+{
+    m_lexer.NextToken();
+    Expression code;
+    if (!ParseStreamNumber(code, false))
+        return nullptr;
+    int count = 1;
+    if (m_lexer.Accept(Token::Comma)) {
+        Expression from;
+        if (!ParseExpression(from))
+            return nullptr;
+        code.Append(from);
+        count = 2;
+        if (m_lexer.Accept(Token::To)) {
+            Expression to;
+            if (!ParseExpression(to))
+                return nullptr;
+            code.Append(to);
+            count = 3;
+        }
+    }
+    return std::make_unique<LockStatement>(std::move(code), count, unlock);
+}
+
+BodyParser::StatementPtr BodyParser::ParseNameStatement()
+{
+    m_lexer.NextToken();
+    Expression code;
+    Expression target;
+    if (!ParseExpression(code) || !m_lexer.ExpectToken(Token::As) || !ParseExpression(target))
+        return nullptr;
+    code.Append(target);
+    return std::make_unique<NameStatement>(std::move(code));
+}
+
+bool BodyParser::AtFileStatementWord(Token word) const
+{
+    // Line and Name may also name the program's own procedures and variables: a procedure call, or an
+    // assignment to a variable (followed by "=", "(" or "."), is not the statement.
+    if (FindProcedure(UpperName(m_lexer.Text())))
+        return false;
+    const char* after = SkipBlanks(m_lexer.TokenEnd());
+    if (word == Token::Line)
+        return (after[0] == 'I' || after[0] == 'i') && (after[1] == 'N' || after[1] == 'n');
+    return after[0] != '=' && after[0] != '(' && after[0] != '.' && after[0] != ':';
+}
+
+} // namespace brannoc::body
