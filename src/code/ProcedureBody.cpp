@@ -350,8 +350,11 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
         }
         case ExprOpCode::kCall: {
             Procedure* callee = context.procedure->CalleeAt(op.index);
-            if (!callee->code)
-                return (void)context.interpreter->SignalError(10018), EvalStatus::kFailed;
+            if (!callee->code) {
+                // Declare'd procedures are compiled as calls; binding them to their library is not there yet.
+                const long number = callee->kind == ProcedureKind::External ? 10160 : 10018;
+                return (void)context.interpreter->SignalError(number), EvalStatus::kFailed;
+            }
             ModuleInstance* instance = context.activation->Instance();
             if (const Module* module = context.procedure->CalleeModuleAt(op.index); module && instance)
                 instance = instance->Find(*module);
@@ -995,6 +998,13 @@ int CompiledProcedure::AddConstant(Variant value)
 {
     m_constants.push_back(std::move(value));
     return static_cast<int>(m_constants.size()) - 1;
+}
+
+Variant CompiledProcedure::TakeNewestConstant()
+{
+    Variant value = std::move(m_constants.back());
+    m_constants.pop_back();
+    return value;
 }
 
 int CompiledProcedure::AddTypedForm(std::unique_ptr<TypedExpression> form)

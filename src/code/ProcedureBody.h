@@ -320,6 +320,10 @@ public:
     int AddRecordPath(std::unique_ptr<RecordPath> path);
     const RecordPath& RecordPathAt(int index) const { return *m_recordPaths[static_cast<std::size_t>(index)]; }
     int AddConstant(Variant value);
+    // Constant folding: whether index is the newest constant, and taking the newest constant out of the
+    // table (the operands of a folded operator are not kept beside its result).
+    bool IsNewestConstant(int index) const { return index >= 0 && index + 1 == static_cast<int>(m_constants.size()); }
+    Variant TakeNewestConstant();
     int AddMemberSite(MemberSite site);
     // A procedure this one calls; module is the callee's when it belongs to another module.
     int AddCallee(Procedure* procedure, const Module* module = nullptr);

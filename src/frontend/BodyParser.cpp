@@ -2,6 +2,7 @@
 
 #include "code/ObjectStatements.h"
 #include "frontend/CharClasses.h"
+#include "frontend/NestingLimits.h"
 #include "exec/InterpreterHost.h"
 #include "values/Conversion.h"
 #include "values/ValueCell.h"
@@ -306,6 +307,11 @@ BodyParser::StatementPtr BodyParser::ParseEnd()
 
 BodyParser::StatementPtr BodyParser::ParseInline(bool inSingleLineIf)
 {
+    const NestingLevel level(m_inlineDepth, kMaxInlineDepth);
+    if (!level.Entered()) {
+        m_lexer.SignalError(CompileMessage::MacroModuleIsTooLarge);
+        return nullptr;
+    }
     auto list = std::make_unique<StatementList>();
     int count = 0;
     StatementPtr single;

@@ -408,6 +408,9 @@ private:
     // nothing but one (what a by-reference argument may take as a reference).
     bool m_factorIsElement = false;
     bool m_expressionIsElement = false;
+    // Nesting of the expressions and single-line Ifs being parsed (NestingLimits.h).
+    int m_expressionDepth = 0;
+    int m_inlineDepth = 0;
 };
 
 } // namespace brannoc::body

@@ -1,5 +1,7 @@
 #include "frontend/ConstantReader.h"
 
+#include "frontend/NestingLimits.h"
+
 #include "frontend/LanguageConstants.h"
 
 #include "frontend/CharClasses.h"
@@ -107,6 +109,11 @@ bool ConstantReader::ReadBinary(int minimumPrecedence, ConstantValue& value)
 
 bool ConstantReader::ReadUnary(ConstantValue& value)
 {
+    const NestingLevel level(m_depth, kMaxExpressionDepth);
+    if (!level.Entered()) {
+        m_lexer.SignalError(CompileMessage::MacroModuleIsTooLarge);
+        return false;
+    }
     const Token token = m_lexer.Kind();
     if (token == Token::Minus || token == Token::Plus || token == Token::Not) {
         m_lexer.NextToken();

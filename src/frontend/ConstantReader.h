@@ -47,6 +47,7 @@ private:
 
     Lexer& m_lexer;
     const ParseState* m_names;
+    int m_depth = 0; // nesting of parentheses and unary operators (NestingLimits.h)
 };
 
 } // namespace brannoc

@@ -226,18 +226,17 @@ BodyParser::StatementPtr BodyParser::ParseFor()
     }
     if (!m_lexer.ExpectToken(Token::Equal))
         return nullptr;
-    Expression bounds;
-    if (!ParseExpression(bounds) || !m_lexer.ExpectToken(Token::To) || !ParseExpression(bounds))
+    Expression start;
+    Expression end;
+    Expression step;
+    if (!ParseExpression(start) || !m_lexer.ExpectToken(Token::To) || !ParseExpression(end))
         return nullptr;
-    bool hasStep = false;
-    if (m_lexer.Accept(Token::Step)) {
-        hasStep = true;
-        if (!ParseExpression(bounds))
-            return nullptr;
-    }
+    if (m_lexer.Accept(Token::Step) && !ParseExpression(step))
+        return nullptr;
     const int endSlot = m_code->AddSlot(TypeCode(TypeCode::kVariant));
     const int stepSlot = m_code->AddSlot(TypeCode(TypeCode::kVariant));
-    auto statement = std::make_unique<ForStatement>(counter, std::move(bounds), hasStep, endSlot, stepSlot);
+    auto statement = std::make_unique<ForStatement>(counter, std::move(start), std::move(end), std::move(step), endSlot,
+                                                  stepSlot);
     statement->SetKeyword(TokenNumber(Token::For));
     Block block{BlockKind::For};
     block.index = Here();

@@ -1,6 +1,7 @@
 #include "frontend/BodyParser.h"
 
 #include "frontend/LanguageConstants.h"
+#include "frontend/NestingLimits.h"
 
 #include "frontend/CharClasses.h"
 #include "exec/InterpreterHost.h"
@@ -25,7 +26,12 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
         bool unary;
         const char* position;
     };
-    Pending stack[64];
+    const NestingLevel level(m_expressionDepth, kMaxExpressionDepth);
+    if (!level.Entered()) {
+        m_lexer.SignalError(CompileMessage::MacroModuleIsTooLarge);
+        return false;
+    }
+    Pending stack[kMaxPendingOperators];
     int depth = 0;
     bool first = true;
     bool simple = false;
@@ -57,8 +63,8 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
             break;
         }
         while (m_lexer.Kind() == Token::Plus || m_lexer.Kind() == Token::Minus || m_lexer.Kind() == Token::Not) {
-            if (depth >= 64) {
-                m_lexer.SignalError(CompileMessage::ExpectingASimpleExpression);
+            if (depth >= kMaxPendingOperators) {
+                m_lexer.SignalError(CompileMessage::MacroModuleIsTooLarge);
                 return false;
             }
             const Token unary = m_lexer.Kind();
@@ -82,8 +88,8 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
         popTo(binary ? binary->precedence : -1);
         if (!binary)
             break;
-        if (depth >= 64) {
-            m_lexer.SignalError(CompileMessage::ExpectingASimpleExpression);
+        if (depth >= kMaxPendingOperators) {
+            m_lexer.SignalError(CompileMessage::MacroModuleIsTooLarge);
             return false;
         }
         stack[depth++] = Pending{binary->op, binary->precedence, false, m_lexer.TokenStart()};
@@ -269,8 +275,24 @@ void BodyParser::AppendBinary(Expression& out, OperationId op, const char* posit
 {
     const std::size_t size = out.ops.size();
     if (size >= 2 && out.ops[size - 2].code == ExprOpCode::kConstant && out.ops[size - 1].code == ExprOpCode::kConstant) {
-        Variant left(m_code->ConstantAt(out.ops[size - 2].index));
-        const Variant& right = m_code->ConstantAt(out.ops[size - 1].index);
+        // Operands that are the two newest constants belong to this operator alone: they are taken out of
+        // the table, so that a long chain of folded operators keeps one value instead of every
+        // intermediate (and a string built by & grows in place).
+        const int leftIndex = out.ops[size - 2].index;
+        const int rightIndex = out.ops[size - 1].index;
+        const bool owned = m_code->IsNewestConstant(rightIndex) && leftIndex + 1 == rightIndex;
+        Variant right;
+        Variant left;
+        if (owned) {
+            right = m_code->TakeNewestConstant();
+            left = m_code->TakeNewestConstant();
+        } else {
+            right = m_code->ConstantAt(rightIndex);
+            left = m_code->ConstantAt(leftIndex);
+        }
+        Variant leftCopy;
+        if (owned && op != OperationId::kConcatenate)
+            leftCopy = left; // kept for the unfolded form below
         s_foldError = 0;
         const RaiseFn previous = SetRaiseHandler(&RecordFoldError);
         const bool folded = ApplyBinary(op, left, right);
@@ -279,6 +301,13 @@ void BodyParser::AppendBinary(Expression& out, OperationId op, const char* posit
             out.ops.resize(size - 2);
             AppendConstant(out, std::move(left));
             return;
+        }
+        if (owned) {
+            // Not folded: the operands go back as they were (after a failed & the left one is unchanged
+            // or the failure is reported below).
+            out.ops[size - 2].index = m_code->AddConstant(op == OperationId::kConcatenate ? std::move(left)
+                                                                                        : std::move(leftCopy));
+            out.ops[size - 1].index = m_code->AddConstant(std::move(right));
         }
         // The same operation would fail each time the statement runs ("Divide by zero.", "Type mismatch.").
         if (s_foldError != 0) {
@@ -505,7 +534,7 @@ bool BodyParser::ParseNameValue(Expression& out, bool* simpleVariable)
     if (!local || (&m_procedure == FindProcedure(key) && m_lexer.Kind() == Token::LeftParen))
         callee = FindProcedure(key);
     if (callee) {
-        if (callee->kind == ProcedureKind::Sub) {
+        if (!HasResult(*callee)) {
             m_lexer.SignalError(CompileMessage::SubsCantBeUsedInExpressions, name);
             return false;
         }
