@@ -8,6 +8,7 @@
 #include "code/RecordAccess.h"
 #include "code/RegisterBuilder.h"
 #include "code/MemberCall.h"
+#include "values/Operators.h"
 #include "exec/Activation.h"
 #include "exec/HaltFlags.h"
 #include "exec/Interpreter.h"
@@ -321,9 +322,17 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
                 break;
             }
             Variant& left = values.At(size - 2);
-            const Variant& right = values.At(size - 1);
-            if (!TryFastBinary(op.op, left.Raw(), right.Raw()) && !CellFor(left.Tag()).Binary(op.op, left, right))
-                return EvalStatus::kFailed;
+            Variant& right = values.At(size - 1);
+            if (!TryFastBinary(op.op, left.Raw(), right.Raw())) {
+                // A Variant against a value of a fixed kind: the Variant's value takes the other's kind
+                // first (the text 5 equals the number 5).
+                if (op.count != 0 &&
+                    !AlignStaticKinds(op.op, left, op.count == kAlignLeft ? StaticKind::kVariant : StaticKind::kFixed,
+                                      right, op.count == kAlignRight ? StaticKind::kVariant : StaticKind::kFixed))
+                    return EvalStatus::kFailed;
+                if (!CellFor(left.Tag()).Binary(op.op, left, right))
+                    return EvalStatus::kFailed;
+            }
             values.Pop();
             break;
         }

@@ -53,7 +53,9 @@ enum class ExprOpCode : std::uint8_t {
     kConstant,   // push constant `index` of the procedure
     kLoad,       // push the value of a variable
     kLoadRef,    // push a reference to a variable (by-reference arguments)
-    kBinary,     // left op right, leaving the result in place of both
+    kBinary,     // left op right, leaving the result in place of both; `count` is kAlignLeft or kAlignRight
+                 // when one operand is a Variant and the other of a fixed kind (the Variant's value is
+                 // converted toward the other before the operator), else 0
     kUnary,      // op top
     kMissing,    // a left-out optional argument
     kEmpty,      // a function's result slot (the kResultSlotStatus placeholder)
@@ -90,6 +92,10 @@ enum class ExprOpCode : std::uint8_t {
     kTypedValue, // push the value of typed form `index` of the procedure and skip the `count` ops after
                  // it; when the form gives up (or direct forms are off) those ops compute the value
 };
+
+// kBinary's `count`: which operand is converted toward the other one's kind.
+constexpr int kAlignLeft = 1;
+constexpr int kAlignRight = 2;
 
 struct ExprOp {
     ExprOpCode code = ExprOpCode::kConstant;

@@ -120,6 +120,7 @@ struct Block {
     bool hasElse = false;
     bool expectCase = false;
     int selectorSlot = -1;
+    TypeCode selectorType; // the static type of the Select Case expression
     // Do: whether the Do line tests a condition.
     bool doHasCondition = false;
     // For: the counter's name and hidden slots.
@@ -277,6 +278,8 @@ private:
     // Appends a binary operator, folding it when both operands are constants; an error of the folding
     // is a compile error, reported at position (the operator) or, without one, at the current token.
     void AppendBinary(Expression& out, OperationId op, const char* position = nullptr);
+    // Marks the binary operator just appended to convert a Variant operand toward a fixed-kind one.
+    static void AlignOperands(Expression& out, TypeCode left, TypeCode right);
     // Walks the postfix code with a stack of operand types; the first operator that refuses its operands
     // reports "Operand/operator type mismatch.". Sets the expression's result type.
     [[nodiscard]] bool TypeCheck(Expression& expression, std::size_t start);

@@ -109,6 +109,31 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
     return TypeCheck(out, start);
 }
 
+namespace {
+
+// kAlignLeft or kAlignRight when one operand is a Variant and the other of a fixed kind (its value is
+// then converted toward that kind when the operator runs), else 0. Not for & and Is.
+int AlignmentOf(OperationId op, TypeCode left, TypeCode right)
+{
+    const auto fixed = [](TypeCode type) {
+        return !type.IsArray() && (type.IsNumeric() || type.IsString() || type.IsFixedString());
+    };
+    const bool leftFixed = fixed(left);
+    const bool rightFixed = fixed(right);
+    if (leftFixed == rightFixed || !(left.IsVariant() || right.IsVariant()) || op == OperationId::kConcatenate ||
+        op == OperationId::kIs)
+        return 0;
+    return leftFixed ? kAlignRight : kAlignLeft;
+}
+
+} // namespace
+
+void BodyParser::AlignOperands(Expression& out, TypeCode left, TypeCode right)
+{
+    if (!out.ops.empty() && out.ops.back().code == ExprOpCode::kBinary)
+        out.ops.back().count = AlignmentOf(out.ops.back().op, left, right);
+}
+
 bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
 {
     std::vector<TypeCode> types;
@@ -116,7 +141,7 @@ bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
     const TypeCode variant(TypeCode::kVariant);
     auto refuses = [](TypeCode type) { return type.IsArray() || type.IsUserType(); };
     for (std::size_t i = start; i < expression.ops.size(); ++i) {
-        const ExprOp& op = expression.ops[i];
+        ExprOp& op = expression.ops[i];
         switch (op.code) {
         case ExprOpCode::kConstant:
         case ExprOpCode::kLoad:
@@ -210,6 +235,7 @@ bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
                 m_lexer.SignalError(CompileMessage::OperandOperatorTypeMismatch);
                 return false;
             }
+            op.count = AlignmentOf(op.op, left, right);
             if (IsComparison(op.op) || op.op == OperationId::kLike || op.op == OperationId::kIs)
                 types.back() = TypeCode(TypeCode::kBoolean);
             else if (op.op == OperationId::kConcatenate)
@@ -274,7 +300,9 @@ void RecordFoldError(long number)
 void BodyParser::AppendBinary(Expression& out, OperationId op, const char* position)
 {
     const std::size_t size = out.ops.size();
-    if (size >= 2 && out.ops[size - 2].code == ExprOpCode::kConstant && out.ops[size - 1].code == ExprOpCode::kConstant) {
+    // Is compares object references, which constants (Nothing) are not folded into.
+    if (size >= 2 && op != OperationId::kIs && out.ops[size - 2].code == ExprOpCode::kConstant &&
+        out.ops[size - 1].code == ExprOpCode::kConstant) {
         // Operands that are the two newest constants belong to this operator alone: they are taken out of
         // the table, so that a long chain of folded operators keeps one value instead of every
         // intermediate (and a string built by & grows in place).
