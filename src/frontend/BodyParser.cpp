@@ -71,7 +71,9 @@ bool BodyParser::Compile()
             m_lexer.ClearStatementError();
             const char* start = m_lexer.TokenStart();
             StatementPtr statement = ParseLine();
-            if (statement && m_lexer.Kind() != Token::EndOfLine && m_lexer.Kind() != Token::Apostrophe)
+            // The line ends here, or with a comment: "'" or a Rem after ":".
+            if (statement && m_lexer.Kind() != Token::EndOfLine && m_lexer.Kind() != Token::Apostrophe &&
+                m_lexer.Kind() != Token::Rem)
                 m_lexer.SignalError(CompileMessage::UnexpectedText, m_lexer.Text());
             if (statement) {
                 std::string_view rest = m_lexer.LineText();
@@ -342,7 +344,8 @@ BodyParser::StatementPtr BodyParser::ParseInline(bool inSingleLineIf)
             break;
     }
     const Token word = m_lexer.Kind();
-    if (!(word == Token::EndOfLine || word == Token::Apostrophe || (inSingleLineIf && word == Token::Else))) {
+    if (!(word == Token::EndOfLine || word == Token::Apostrophe || word == Token::Rem ||
+          (inSingleLineIf && word == Token::Else))) {
         m_lexer.SignalError(CompileMessage::UnexpectedText, m_lexer.Text());
         return nullptr;
     }

@@ -77,6 +77,12 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
         }
         if (!ParseFactor(out, &simple))
             return false;
+        // "&" followed by H or O after an operand starts a number, not a concatenation ("a" &hi).
+        if (m_lexer.Kind() == Token::LiteralNumber && m_lexer.Text().front() == '&' &&
+            !ReadNumberLiteral(m_lexer.Text(), *m_lexer.TokenEnd() == '&')) {
+            m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
+            return false;
+        }
         const BinaryOperator* binary = FindBinary(m_lexer.Kind());
         if (!binary && first) {
             if (simpleVariable)
@@ -359,31 +365,15 @@ bool BodyParser::ParseNumber(Expression& out)
     const char* start = m_lexer.TokenStart();
     const char* end = m_lexer.TokenEnd();
     Variant value;
-    if (!text.empty() && text[0] == '&') {
-        const std::optional<RadixLiteral> literal = ReadRadixLiteral(text, *end == '&');
-        if (!literal) {
-            m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
-            return false;
-        }
-        if (literal->isInteger)
-            value.SetInteger(static_cast<SHORT>(literal->value));
-        else
-            value.SetLong(literal->value);
-    } else if (text.find_first_of(".EeDd") != std::string::npos) {
-        std::string normal = text;
-        for (char& c : normal) {
-            if (c == 'D' || c == 'd')
-                c = 'E';
-        }
-        value.SetDouble(std::strtod(normal.c_str(), nullptr));
-    } else {
-        const long long number = std::strtoll(text.c_str(), nullptr, 10);
-        if (number <= 32767)
-            value.SetInteger(static_cast<SHORT>(number));
-        else if (number <= 2147483647LL)
-            value.SetLong(static_cast<LONG>(number));
-        else
-            value.SetDouble(static_cast<double>(number));
+    const std::optional<NumberLiteral> literal = ReadNumberLiteral(text, *end == '&');
+    if (!literal) {
+        m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
+        return false;
+    }
+    switch (literal->kind) {
+    case NumberLiteral::Kind::kInteger: value.SetInteger(static_cast<SHORT>(literal->whole)); break;
+    case NumberLiteral::Kind::kLong: value.SetLong(literal->whole); break;
+    case NumberLiteral::Kind::kDouble: value.SetDouble(literal->real); break;
     }
     m_lexer.NextToken();
     const TypeCode suffix = TypeOfSuffix(following);
@@ -454,9 +444,12 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
         return true;
     }
     case Token::True:
-    case Token::False: {
+    case Token::False:
+    case Token::Win32:
+    case Token::Win16: {
+        // Win32 and Win16 tell the platform the macro runs on: this one is 32-bit.
         Variant value;
-        value.SetBoolean(word == Token::True);
+        value.SetBoolean(word == Token::True || word == Token::Win32);
         m_lexer.NextToken();
         AppendConstant(out, std::move(value));
         return true;
