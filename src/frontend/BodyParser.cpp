@@ -395,6 +395,10 @@ BodyParser::StatementPtr BodyParser::ParseSimple()
         statement = ParseAssignmentOrCall(AssignKind::Implicit);
         break;
     case Token::Erase: statement = ParseErase(); break;
+    case Token::LeftParen:
+        // A statement that starts with "(" can only be an assignment to an expression: (x) = 1.
+        m_lexer.SignalError(CompileMessage::CantAssignAValueToAnExpression);
+        return nullptr;
     case Token::LSet:
     case Token::RSet: statement = ParseAlign(word == Token::RSet); break;
     case Token::Let:

@@ -211,8 +211,10 @@ public:
         case kReadMacro: {
             std::string bytes;
             if (!ReadFileBytes(text(1), bytes))
-                bytes.clear();
-            std::wstring source = Wide(WithCarriageReturns(bytes));
+                return Answer(result, std::wstring()); // no text: the engine reports a missing macro
+            // An empty file is a macro of one empty line, so that the engine says what it lacks (its
+            // Main) instead of reporting a missing macro.
+            std::wstring source = bytes.empty() ? std::wstring(L"\r\n") : Wide(WithCarriageReturns(bytes));
             m_texts.push_back({text(1), source});
             return Answer(result, source);
         }
