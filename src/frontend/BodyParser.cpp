@@ -4,6 +4,7 @@
 #include "frontend/CharClasses.h"
 #include "frontend/NestingLimits.h"
 #include "exec/InterpreterHost.h"
+#include "library/BuiltinTable.h"
 #include "values/Conversion.h"
 #include "values/ValueCell.h"
 #include "values/ValueError.h"
@@ -395,6 +396,20 @@ BodyParser::StatementPtr BodyParser::ParseSimple()
         statement = ParseAssignmentOrCall(AssignKind::Implicit);
         break;
     case Token::Erase: statement = ParseErase(); break;
+    case Token::Stop: {
+        // A keyword that is also a built-in instruction.
+        const BuiltinRecord* record = FindBuiltin(word);
+        if (!record) {
+            m_lexer.SignalError(CompileMessage::UnexpectedText, m_lexer.Text());
+            return nullptr;
+        }
+        m_lexer.NextToken();
+        Expression code;
+        if (!ParseBuiltinCall(*record, TypeCode(), code, true))
+            return nullptr;
+        statement = std::make_unique<EvaluateStatement>(std::move(code));
+        break;
+    }
     case Token::LeftParen:
         // A statement that starts with "(" can only be an assignment to an expression: (x) = 1.
         m_lexer.SignalError(CompileMessage::CantAssignAValueToAnExpression);
