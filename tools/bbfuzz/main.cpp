@@ -147,6 +147,14 @@ bool Usable(const std::string& text)
     for (const char* word : kWords)
         if (lower.find(word) != std::string::npos)
             return false;
+    // Scripts with numbers of seven digits or more (ten million array elements) become macros that
+    // allocate tens of megabytes in each statement of a loop once mutated: slow, but no engine fault.
+    int digits = 0;
+    for (char c : lower) {
+        digits = std::isdigit(static_cast<unsigned char>(c)) ? digits + 1 : 0;
+        if (digits >= 7)
+            return false;
+    }
     return true;
 }
 
