@@ -8,6 +8,7 @@
 #include "code/RecordAccess.h"
 #include "code/RegisterBuilder.h"
 #include "code/MemberCall.h"
+#include "values/Operators.h"
 #include "exec/Activation.h"
 #include "exec/HaltFlags.h"
 #include "exec/Interpreter.h"
@@ -321,9 +322,17 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
                 break;
             }
             Variant& left = values.At(size - 2);
-            const Variant& right = values.At(size - 1);
-            if (!TryFastBinary(op.op, left.Raw(), right.Raw()) && !CellFor(left.Tag()).Binary(op.op, left, right))
-                return EvalStatus::kFailed;
+            Variant& right = values.At(size - 1);
+            if (!TryFastBinary(op.op, left.Raw(), right.Raw())) {
+                // A Variant against a value of a fixed kind: the Variant's value takes the other's kind
+                // first (the text 5 equals the number 5).
+                if (op.count != 0 &&
+                    !AlignStaticKinds(op.op, left, op.count == kAlignLeft ? StaticKind::kVariant : StaticKind::kFixed,
+                                      right, op.count == kAlignRight ? StaticKind::kVariant : StaticKind::kFixed))
+                    return EvalStatus::kFailed;
+                if (!CellFor(left.Tag()).Binary(op.op, left, right))
+                    return EvalStatus::kFailed;
+            }
             values.Pop();
             break;
         }
@@ -350,8 +359,11 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
         }
         case ExprOpCode::kCall: {
             Procedure* callee = context.procedure->CalleeAt(op.index);
-            if (!callee->code)
-                return (void)context.interpreter->SignalError(10018), EvalStatus::kFailed;
+            if (!callee->code) {
+                // Declare'd procedures are compiled as calls; binding them to their library is not there yet.
+                const long number = callee->kind == ProcedureKind::External ? 10160 : 10018;
+                return (void)context.interpreter->SignalError(number), EvalStatus::kFailed;
+            }
             ModuleInstance* instance = context.activation->Instance();
             if (const Module* module = context.procedure->CalleeModuleAt(op.index); module && instance)
                 instance = instance->Find(*module);
@@ -995,6 +1007,13 @@ int CompiledProcedure::AddConstant(Variant value)
 {
     m_constants.push_back(std::move(value));
     return static_cast<int>(m_constants.size()) - 1;
+}
+
+Variant CompiledProcedure::TakeNewestConstant()
+{
+    Variant value = std::move(m_constants.back());
+    m_constants.pop_back();
+    return value;
 }
 
 int CompiledProcedure::AddTypedForm(std::unique_ptr<TypedExpression> form)

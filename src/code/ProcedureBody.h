@@ -53,7 +53,9 @@ enum class ExprOpCode : std::uint8_t {
     kConstant,   // push constant `index` of the procedure
     kLoad,       // push the value of a variable
     kLoadRef,    // push a reference to a variable (by-reference arguments)
-    kBinary,     // left op right, leaving the result in place of both
+    kBinary,     // left op right, leaving the result in place of both; `count` is kAlignLeft or kAlignRight
+                 // when one operand is a Variant and the other of a fixed kind (the Variant's value is
+                 // converted toward the other before the operator), else 0
     kUnary,      // op top
     kMissing,    // a left-out optional argument
     kEmpty,      // a function's result slot (the kResultSlotStatus placeholder)
@@ -90,6 +92,10 @@ enum class ExprOpCode : std::uint8_t {
     kTypedValue, // push the value of typed form `index` of the procedure and skip the `count` ops after
                  // it; when the form gives up (or direct forms are off) those ops compute the value
 };
+
+// kBinary's `count`: which operand is converted toward the other one's kind.
+constexpr int kAlignLeft = 1;
+constexpr int kAlignRight = 2;
 
 struct ExprOp {
     ExprOpCode code = ExprOpCode::kConstant;
@@ -320,6 +326,10 @@ public:
     int AddRecordPath(std::unique_ptr<RecordPath> path);
     const RecordPath& RecordPathAt(int index) const { return *m_recordPaths[static_cast<std::size_t>(index)]; }
     int AddConstant(Variant value);
+    // Constant folding: whether index is the newest constant, and taking the newest constant out of the
+    // table (the operands of a folded operator are not kept beside its result).
+    bool IsNewestConstant(int index) const { return index >= 0 && index + 1 == static_cast<int>(m_constants.size()); }
+    Variant TakeNewestConstant();
     int AddMemberSite(MemberSite site);
     // A procedure this one calls; module is the callee's when it belongs to another module.
     int AddCallee(Procedure* procedure, const Module* module = nullptr);

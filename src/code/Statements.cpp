@@ -977,31 +977,80 @@ bool CaseLineStatement::Step(ExecEntry& entry)
 bool ForStatement::Step(ExecEntry& entry)
 {
     const RunContext context = Context();
-    int pc = entry.state;
-    switch (RunExpression(context, m_bounds, pc)) {
-    case EvalStatus::kYield: entry.state = pc; return false;
-    case EvalStatus::kFailed: return Fail(context, entry);
-    case EvalStatus::kDone: break;
-    }
     ValueStack& values = context.interpreter->Values();
-    const std::size_t first = values.Size() - (m_hasStep ? 3 : 2);
-    if (!StoreVariable(context, m_counter, values.At(first)))
-        return Fail(context, entry);
-    VARIANT& endSlot = HiddenSlot(context, m_endSlot);
-    VARIANT& stepSlot = HiddenSlot(context, m_stepSlot);
-    ClearSlot(endSlot);
-    ClearSlot(stepSlot);
+    // Part 0 is the start (assigned to the counter at once), part 1 the end, part 2 the step.
+    int part = PartOf(entry.state);
+    int pc = PositionOf(entry.state);
+    if (part == 0) {
+        switch (RunExpression(context, m_start, pc)) {
+        case EvalStatus::kYield: entry.state = MakeState(0, pc); return false;
+        case EvalStatus::kFailed: return Fail(context, entry);
+        case EvalStatus::kDone: break;
+        }
+        const bool stored = StoreVariable(context, m_counter, values.Top());
+        values.Pop();
+        if (!stored)
+            return Fail(context, entry);
+        VARIANT& endSlot = HiddenSlot(context, m_endSlot);
+        VARIANT& stepSlot = HiddenSlot(context, m_stepSlot);
+        ClearSlot(endSlot);
+        ClearSlot(stepSlot);
+        stepSlot.vt = VT_I2;
+        stepSlot.iVal = 1;
+        part = 1;
+        pc = 0;
+    }
+    if (part == 1) {
+        switch (RunExpression(context, m_end, pc)) {
+        case EvalStatus::kYield: entry.state = MakeState(1, pc); return false;
+        case EvalStatus::kFailed: return Fail(context, entry);
+        case EvalStatus::kDone: break;
+        }
+        if (!KeepBound(context, m_endSlot))
+            return Fail(context, entry);
+        part = 2;
+        pc = 0;
+    }
+    if (!m_step.IsEmpty()) {
+        switch (RunExpression(context, m_step, pc)) {
+        case EvalStatus::kYield: entry.state = MakeState(2, pc); return false;
+        case EvalStatus::kFailed: return Fail(context, entry);
+        case EvalStatus::kDone: break;
+        }
+        if (!KeepBound(context, m_stepSlot))
+            return Fail(context, entry);
+    } else {
+        // Without Step the step is 1 in the counter's kind, so that each pass adds like kinds.
+        Variant one;
+        one.SetInteger(1);
+        if (!StorageCell(static_cast<VARTYPE>(m_counter.type.ValueTag())).Store(HiddenSlot(context, m_stepSlot), one))
+            return Fail(context, entry);
+    }
+    return TestFirst(context, entry);
+}
+
+bool ForStatement::KeepBound(const RunContext& context, int slot)
+{
+    ValueStack& values = context.interpreter->Values();
     // The end and step keep the counter's kind, so that each pass adds and compares like kinds.
     const ValueCell& cell = StorageCell(static_cast<VARTYPE>(m_counter.type.ValueTag()));
-    if (!cell.Store(endSlot, values.At(first + 1)))
-        return Fail(context, entry);
-    Variant one;
-    one.SetInteger(1);
-    if (!cell.Store(stepSlot, m_hasStep ? values.At(first + 2) : one))
-        return Fail(context, entry);
-    values.CutBack(first);
+    VARIANT& kept = HiddenSlot(context, slot);
+    ClearSlot(kept);
+    const bool stored = cell.Store(kept, values.Top());
+    values.Pop();
+    // An Empty step adds nothing, like a step of 0 (an Empty step slot marks a loop that never started).
+    if (stored && slot == m_stepSlot && kept.vt == VT_EMPTY) {
+        kept.vt = VT_I2;
+        kept.iVal = 0;
+    }
+    return stored;
+}
 
-    // The first test: is the counter already past the end?
+bool ForStatement::TestFirst(const RunContext& context, ExecEntry& entry)
+{
+    ValueStack& values = context.interpreter->Values();
+    VARIANT& endSlot = HiddenSlot(context, m_endSlot);
+    VARIANT& stepSlot = HiddenSlot(context, m_stepSlot);
     Variant* counter = values.Push();
     Variant* limit = counter ? values.Push() : nullptr;
     if (!limit)
@@ -1104,6 +1153,9 @@ bool NextStatement::Execute()
 bool NextStatement::ExecuteOther()
 {
     const RunContext context = Context();
+    // A loop entered by GoTo past its For has no step: it ends here.
+    if (HiddenSlot(context, m_stepSlot).vt == VT_EMPTY)
+        return true;
     VARIANT* storage = StorageOf(context, m_counter.scope, m_counter.index, m_counter.module);
     if (storage && DirectFormsEnabled()) {
         bool goOn = false;

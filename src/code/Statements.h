@@ -383,13 +383,15 @@ private:
     int m_target = 0;
 };
 
-// For counter = start To end [Step step]. Start, end and step are evaluated once, in that order; end and
-// step are kept in hidden slots of the frame.
+// For counter = start To end [Step step]. Start, end and step are evaluated once, in that order, the start
+// assigned to the counter before the end is evaluated; end and step are kept in hidden slots of the frame.
+// The step slot holds 1 before the end and step are evaluated, so that a loop whose bound failed (and was
+// resumed past) still ends at its first Next.
 class ForStatement final : public Statement {
 public:
-    ForStatement(VariableRef counter, Expression bounds, bool hasStep, int endSlot, int stepSlot)
-        : m_counter(counter), m_bounds(std::move(bounds)), m_hasStep(hasStep), m_endSlot(endSlot),
-          m_stepSlot(stepSlot)
+    ForStatement(VariableRef counter, Expression start, Expression end, Expression step, int endSlot, int stepSlot)
+        : m_counter(counter), m_start(std::move(start)), m_end(std::move(end)), m_step(std::move(step)),
+          m_endSlot(endSlot), m_stepSlot(stepSlot)
     {
     }
     [[nodiscard]] bool Step(ExecEntry& entry) override;
@@ -399,15 +401,22 @@ public:
     int StepSlot() const { return m_stepSlot; }
 
 private:
+    // Stores the value on top of the value stack into a hidden slot, in the counter's kind, and pops it.
+    [[nodiscard]] bool KeepBound(const RunContext& context, int slot);
+    // The first test: is the counter already past the end?
+    [[nodiscard]] bool TestFirst(const RunContext& context, ExecEntry& entry);
+
     VariableRef m_counter;
-    Expression m_bounds;
-    bool m_hasStep;
+    Expression m_start;
+    Expression m_end;
+    Expression m_step; // empty without Step
     int m_endSlot;
     int m_stepSlot;
     int m_exitTarget = 0;
 };
 
-// Next: adds the step to the counter and goes back to the line after its For while the loop goes on.
+// Next: adds the step to the counter and goes back to the line after its For while the loop goes on. A
+// loop whose For never ran (entered by GoTo) has no step: its Next leaves it.
 class NextStatement final : public Statement {
 public:
     NextStatement(VariableRef counter, int endSlot, int stepSlot, int loopStart)

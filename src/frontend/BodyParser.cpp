@@ -2,7 +2,9 @@
 
 #include "code/ObjectStatements.h"
 #include "frontend/CharClasses.h"
+#include "frontend/NestingLimits.h"
 #include "exec/InterpreterHost.h"
+#include "library/BuiltinTable.h"
 #include "values/Conversion.h"
 #include "values/ValueCell.h"
 #include "values/ValueError.h"
@@ -70,7 +72,9 @@ bool BodyParser::Compile()
             m_lexer.ClearStatementError();
             const char* start = m_lexer.TokenStart();
             StatementPtr statement = ParseLine();
-            if (statement && m_lexer.Kind() != Token::EndOfLine && m_lexer.Kind() != Token::Apostrophe)
+            // The line ends here, or with a comment: "'" or a Rem after ":".
+            if (statement && m_lexer.Kind() != Token::EndOfLine && m_lexer.Kind() != Token::Apostrophe &&
+                m_lexer.Kind() != Token::Rem)
                 m_lexer.SignalError(CompileMessage::UnexpectedText, m_lexer.Text());
             if (statement) {
                 std::string_view rest = m_lexer.LineText();
@@ -306,6 +310,11 @@ BodyParser::StatementPtr BodyParser::ParseEnd()
 
 BodyParser::StatementPtr BodyParser::ParseInline(bool inSingleLineIf)
 {
+    const NestingLevel level(m_inlineDepth, kMaxInlineDepth);
+    if (!level.Entered()) {
+        m_lexer.SignalError(CompileMessage::MacroModuleIsTooLarge);
+        return nullptr;
+    }
     auto list = std::make_unique<StatementList>();
     int count = 0;
     StatementPtr single;
@@ -336,7 +345,8 @@ BodyParser::StatementPtr BodyParser::ParseInline(bool inSingleLineIf)
             break;
     }
     const Token word = m_lexer.Kind();
-    if (!(word == Token::EndOfLine || word == Token::Apostrophe || (inSingleLineIf && word == Token::Else))) {
+    if (!(word == Token::EndOfLine || word == Token::Apostrophe || word == Token::Rem ||
+          (inSingleLineIf && word == Token::Else))) {
         m_lexer.SignalError(CompileMessage::UnexpectedText, m_lexer.Text());
         return nullptr;
     }
@@ -404,6 +414,24 @@ BodyParser::StatementPtr BodyParser::ParseSimple()
         statement = ParseAssignmentOrCall(AssignKind::Implicit);
         break;
     case Token::Erase: statement = ParseErase(); break;
+    case Token::Stop: {
+        // A keyword that is also a built-in instruction.
+        const BuiltinRecord* record = FindBuiltin(word);
+        if (!record) {
+            m_lexer.SignalError(CompileMessage::UnexpectedText, m_lexer.Text());
+            return nullptr;
+        }
+        m_lexer.NextToken();
+        Expression code;
+        if (!ParseBuiltinCall(*record, TypeCode(), code, true))
+            return nullptr;
+        statement = std::make_unique<EvaluateStatement>(std::move(code));
+        break;
+    }
+    case Token::LeftParen:
+        // A statement that starts with "(" can only be an assignment to an expression: (x) = 1.
+        m_lexer.SignalError(CompileMessage::CantAssignAValueToAnExpression);
+        return nullptr;
     case Token::LSet:
     case Token::RSet: statement = ParseAlign(word == Token::RSet); break;
     case Token::Let:

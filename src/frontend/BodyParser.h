@@ -120,6 +120,7 @@ struct Block {
     bool hasElse = false;
     bool expectCase = false;
     int selectorSlot = -1;
+    TypeCode selectorType; // the static type of the Select Case expression
     // Do: whether the Do line tests a condition.
     bool doHasCondition = false;
     // For: the counter's name and hidden slots.
@@ -293,6 +294,8 @@ private:
     // Appends a binary operator, folding it when both operands are constants; an error of the folding
     // is a compile error, reported at position (the operator) or, without one, at the current token.
     void AppendBinary(Expression& out, OperationId op, const char* position = nullptr);
+    // Marks the binary operator just appended to convert a Variant operand toward a fixed-kind one.
+    static void AlignOperands(Expression& out, TypeCode left, TypeCode right);
     // Walks the postfix code with a stack of operand types; the first operator that refuses its operands
     // reports "Operand/operator type mismatch.". Sets the expression's result type.
     [[nodiscard]] bool TypeCheck(Expression& expression, std::size_t start);
@@ -424,6 +427,9 @@ private:
     // nothing but one (what a by-reference argument may take as a reference).
     bool m_factorIsElement = false;
     bool m_expressionIsElement = false;
+    // Nesting of the expressions and single-line Ifs being parsed (NestingLimits.h).
+    int m_expressionDepth = 0;
+    int m_inlineDepth = 0;
 };
 
 } // namespace brannoc::body

@@ -67,7 +67,8 @@ TypeCode TypeOfWord(Token token)
     case Token::Boolean: return TypeCode(TypeCode::kBoolean);
     case Token::Byte: return TypeCode(TypeCode::kByte);
     case Token::Integer: return TypeCode(TypeCode::kInteger);
-    case Token::Long: return TypeCode(TypeCode::kLong);
+    case Token::Long:
+    case Token::PortInt: return TypeCode(TypeCode::kLong); // the platform's integer: Long on 32-bit
     case Token::Single: return TypeCode(TypeCode::kSingle);
     case Token::Double: return TypeCode(TypeCode::kDouble);
     case Token::Currency: return TypeCode(TypeCode::kCurrency);

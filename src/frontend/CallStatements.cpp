@@ -332,7 +332,7 @@ bool BodyParser::ParseCallArguments(Procedure& callee, Expression& out, Argument
     parsed.elementsByReference = true;
     if (!ParseArguments(callee, list, callee.parameters.size(), parsed))
         return false;
-    const bool isFunction = callee.kind == ProcedureKind::Function || callee.kind == ProcedureKind::PropertyGet;
+    const bool isFunction = HasResult(callee);
     if (isFunction)
         out.ops.push_back(ExprOp{ExprOpCode::kEmpty});
     if (!AppendArguments(callee, parsed, out))

@@ -1,5 +1,7 @@
 #include "frontend/ConstantReader.h"
 
+#include "frontend/NestingLimits.h"
+
 #include "frontend/LanguageConstants.h"
 
 #include "frontend/CharClasses.h"
@@ -107,6 +109,11 @@ bool ConstantReader::ReadBinary(int minimumPrecedence, ConstantValue& value)
 
 bool ConstantReader::ReadUnary(ConstantValue& value)
 {
+    const NestingLevel level(m_depth, kMaxExpressionDepth);
+    if (!level.Entered()) {
+        m_lexer.SignalError(CompileMessage::MacroModuleIsTooLarge);
+        return false;
+    }
     const Token token = m_lexer.Kind();
     if (token == Token::Minus || token == Token::Plus || token == Token::Not) {
         m_lexer.NextToken();
@@ -142,7 +149,10 @@ bool ConstantReader::ReadPrimary(ConstantValue& value)
     }
     case Token::True:
     case Token::False:
-        value = ConstantValue::Boolean(m_lexer.Kind() == Token::True);
+    case Token::Win32:
+    case Token::Win16:
+        // Win32 and Win16 tell the platform the macro runs on: this one is 32-bit.
+        value = ConstantValue::Boolean(m_lexer.Kind() == Token::True || m_lexer.Kind() == Token::Win32);
         m_lexer.NextToken();
         return true;
     case Token::LeftParen:
@@ -247,38 +257,50 @@ std::optional<RadixLiteral> ReadRadixLiteral(std::string_view text, bool longSuf
     return literal;
 }
 
-// Decimal numbers become Integer, Long or Double by size (Double with a point or exponent); "&H" and
-// "&O" numbers follow ReadRadixLiteral.
+std::optional<NumberLiteral> ReadNumberLiteral(std::string_view text, bool longSuffix)
+{
+    NumberLiteral result;
+    if (!text.empty() && text[0] == '&') {
+        const std::optional<RadixLiteral> radix = ReadRadixLiteral(text, longSuffix);
+        if (!radix)
+            return std::nullopt;
+        result.kind = radix->isInteger ? NumberLiteral::Kind::kInteger : NumberLiteral::Kind::kLong;
+        result.whole = radix->value;
+        return result;
+    }
+    std::string normal(text);
+    for (char& c : normal)
+        if (c == 'D' || c == 'd')
+            c = 'E';
+    char* end = nullptr;
+    const double number = std::strtod(normal.c_str(), &end);
+    if (normal.empty() || end == nullptr || *end != '\0' || !std::isfinite(number))
+        return std::nullopt;
+    const bool digitsOnly = normal.find_first_not_of("0123456789") == std::string::npos;
+    if (digitsOnly && number <= 32767) {
+        result.whole = static_cast<std::int32_t>(number);
+    } else if (digitsOnly && number <= 2147483647.0) {
+        result.kind = NumberLiteral::Kind::kLong;
+        result.whole = static_cast<std::int32_t>(number);
+    } else {
+        result.kind = NumberLiteral::Kind::kDouble;
+        result.real = number;
+    }
+    return result;
+}
+
 bool ConstantReader::ReadNumber(ConstantValue& value)
 {
-    std::string text(m_lexer.Text());
-    if (text[0] == '&') {
-        const std::optional<RadixLiteral> literal = ReadRadixLiteral(text, *m_lexer.TokenEnd() == '&');
-        if (!literal) {
-            m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
-            return false;
-        }
-        value = literal->isInteger ? ConstantValue::Integer(literal->value, TypeCode::kInteger)
-                                   : ConstantValue::Integer(literal->value, TypeCode::kLong);
-    } else if (text.find_first_of(".EeDd") != std::string::npos) {
-        for (char& c : text)
-            if (c == 'D' || c == 'd')
-                c = 'E';
-        char* end = nullptr;
-        const double number = std::strtod(text.c_str(), &end);
-        if (end == nullptr || *end != '\0' || !std::isfinite(number)) {
-            m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
-            return false;
-        }
-        value = ConstantValue::Real(number);
-    } else {
-        const double number = std::strtod(text.c_str(), nullptr);
-        if (number <= 32767)
-            value = ConstantValue::Integer(static_cast<std::int64_t>(number), TypeCode::kInteger);
-        else if (number <= 2147483647.0)
-            value = ConstantValue::Integer(static_cast<std::int64_t>(number), TypeCode::kLong);
-        else
-            value = ConstantValue::Real(number);
+    const std::optional<NumberLiteral> literal =
+        ReadNumberLiteral(m_lexer.Text(), *m_lexer.TokenEnd() == '&');
+    if (!literal) {
+        m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
+        return false;
+    }
+    switch (literal->kind) {
+    case NumberLiteral::Kind::kInteger: value = ConstantValue::Integer(literal->whole, TypeCode::kInteger); break;
+    case NumberLiteral::Kind::kLong: value = ConstantValue::Integer(literal->whole, TypeCode::kLong); break;
+    case NumberLiteral::Kind::kDouble: value = ConstantValue::Real(literal->real); break;
     }
     m_lexer.NextToken();
     return ApplySuffix(value);

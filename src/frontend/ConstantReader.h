@@ -20,6 +20,18 @@ struct RadixLiteral {
 };
 std::optional<RadixLiteral> ReadRadixLiteral(std::string_view text, bool longSuffix);
 
+// The value of a number literal as the lexer gave it (text without its type suffix; longSuffix when "&"
+// follows): "&H"/"&O" literals by ReadRadixLiteral; digits only, an Integer when the value fits in 16
+// bits, else a Long when it fits in 32, else a Double; with a point or an exponent ("E" or "D") a
+// Double. Nothing ("Invalid numeric constant.") for a malformed literal or one too large for a Double.
+// Expressions and Const declarations both read their numbers here.
+struct NumberLiteral {
+    enum class Kind { kInteger, kLong, kDouble } kind = Kind::kInteger;
+    std::int32_t whole = 0;
+    double real = 0;
+};
+std::optional<NumberLiteral> ReadNumberLiteral(std::string_view text, bool longSuffix);
+
 class Lexer;
 struct ParseState;
 
@@ -47,6 +59,7 @@ private:
 
     Lexer& m_lexer;
     const ParseState* m_names;
+    int m_depth = 0; // nesting of parentheses and unary operators (NestingLimits.h)
 };
 
 } // namespace brannoc

@@ -98,6 +98,7 @@ BodyParser::StatementPtr BodyParser::ParseSelect()
     Expression selector;
     if (!ParseExpression(selector))
         return nullptr;
+    const TypeCode selectorType = selector.type;
     auto branch = std::make_unique<BranchStatement>();
     const int slot = m_code->AddSlot(TypeCode(TypeCode::kVariant));
     branch->SetSelector(std::move(selector), slot);
@@ -107,6 +108,7 @@ BodyParser::StatementPtr BodyParser::ParseSelect()
     block.opener = branch.get();
     block.expectCase = true;
     block.selectorSlot = slot;
+    block.selectorType = selectorType;
     m_blocks.push_back(block);
     return branch;
 }
@@ -151,7 +153,9 @@ BodyParser::StatementPtr BodyParser::ParseCase()
                 loadSelector(item);
                 if (!ParseExpression(item))
                     return nullptr;
+                const TypeCode compared = item.type;
                 AppendBinary(item, comparison->op);
+                AlignOperands(item, block->selectorType, compared);
             } else {
                 Expression low;
                 if (!ParseExpression(low))
@@ -160,14 +164,18 @@ BodyParser::StatementPtr BodyParser::ParseCase()
                 if (m_lexer.Accept(Token::To)) {
                     item.Append(low);
                     AppendBinary(item, OperationId::kGreaterEqual);
+                    AlignOperands(item, block->selectorType, low.type);
                     loadSelector(item);
                     if (!ParseExpression(item))
                         return nullptr;
+                    const TypeCode high = item.type;
                     AppendBinary(item, OperationId::kLessEqual);
+                    AlignOperands(item, block->selectorType, high);
                     AppendBinary(item, OperationId::kAnd);
                 } else {
                     item.Append(low);
                     AppendBinary(item, OperationId::kEqual);
+                    AlignOperands(item, block->selectorType, low.type);
                 }
             }
             condition.Append(item);
@@ -226,18 +234,17 @@ BodyParser::StatementPtr BodyParser::ParseFor()
     }
     if (!m_lexer.ExpectToken(Token::Equal))
         return nullptr;
-    Expression bounds;
-    if (!ParseExpression(bounds) || !m_lexer.ExpectToken(Token::To) || !ParseExpression(bounds))
+    Expression start;
+    Expression end;
+    Expression step;
+    if (!ParseExpression(start) || !m_lexer.ExpectToken(Token::To) || !ParseExpression(end))
         return nullptr;
-    bool hasStep = false;
-    if (m_lexer.Accept(Token::Step)) {
-        hasStep = true;
-        if (!ParseExpression(bounds))
-            return nullptr;
-    }
+    if (m_lexer.Accept(Token::Step) && !ParseExpression(step))
+        return nullptr;
     const int endSlot = m_code->AddSlot(TypeCode(TypeCode::kVariant));
     const int stepSlot = m_code->AddSlot(TypeCode(TypeCode::kVariant));
-    auto statement = std::make_unique<ForStatement>(counter, std::move(bounds), hasStep, endSlot, stepSlot);
+    auto statement = std::make_unique<ForStatement>(counter, std::move(start), std::move(end), std::move(step), endSlot,
+                                                  stepSlot);
     statement->SetKeyword(TokenNumber(Token::For));
     Block block{BlockKind::For};
     block.index = Here();

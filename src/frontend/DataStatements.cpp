@@ -459,8 +459,16 @@ BodyParser::StatementPtr BodyParser::ParseConst()
         }
         const std::string name = ReadName();
         TypeCode type = ReadSuffix();
-        if (m_lexer.Accept(Token::As) && !ReadType(type))
-            return nullptr;
+        if (m_lexer.Accept(Token::As)) {
+            const char* typePosition = m_lexer.TokenStart();
+            if (!ReadType(type))
+                return nullptr;
+            // Constants hold numbers, texts and Variants, never objects or records.
+            if (type.IsArray() || !(type.IsNumeric() || type.IsString() || type.IsVariant())) {
+                m_lexer.SignalErrorAt(CompileMessage::ExpectingAValidConstTypeEgInteger, {}, typePosition);
+                return nullptr;
+            }
+        }
         if (!m_lexer.ExpectToken(Token::Equal))
             return nullptr;
         Expression value;

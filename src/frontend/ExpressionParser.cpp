@@ -1,6 +1,7 @@
 #include "frontend/BodyParser.h"
 
 #include "frontend/LanguageConstants.h"
+#include "frontend/NestingLimits.h"
 
 #include "frontend/CharClasses.h"
 #include "exec/InterpreterHost.h"
@@ -25,7 +26,12 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
         bool unary;
         const char* position;
     };
-    Pending stack[64];
+    const NestingLevel level(m_expressionDepth, kMaxExpressionDepth);
+    if (!level.Entered()) {
+        m_lexer.SignalError(CompileMessage::MacroModuleIsTooLarge);
+        return false;
+    }
+    Pending stack[kMaxPendingOperators];
     int depth = 0;
     bool first = true;
     bool simple = false;
@@ -57,8 +63,8 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
             break;
         }
         while (m_lexer.Kind() == Token::Plus || m_lexer.Kind() == Token::Minus || m_lexer.Kind() == Token::Not) {
-            if (depth >= 64) {
-                m_lexer.SignalError(CompileMessage::ExpectingASimpleExpression);
+            if (depth >= kMaxPendingOperators) {
+                m_lexer.SignalError(CompileMessage::MacroModuleIsTooLarge);
                 return false;
             }
             const Token unary = m_lexer.Kind();
@@ -71,6 +77,12 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
         }
         if (!ParseFactor(out, &simple))
             return false;
+        // "&" followed by H or O after an operand starts a number, not a concatenation ("a" &hi).
+        if (m_lexer.Kind() == Token::LiteralNumber && m_lexer.Text().front() == '&' &&
+            !ReadNumberLiteral(m_lexer.Text(), *m_lexer.TokenEnd() == '&')) {
+            m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
+            return false;
+        }
         const BinaryOperator* binary = FindBinary(m_lexer.Kind());
         if (!binary && first) {
             if (simpleVariable)
@@ -82,8 +94,8 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
         popTo(binary ? binary->precedence : -1);
         if (!binary)
             break;
-        if (depth >= 64) {
-            m_lexer.SignalError(CompileMessage::ExpectingASimpleExpression);
+        if (depth >= kMaxPendingOperators) {
+            m_lexer.SignalError(CompileMessage::MacroModuleIsTooLarge);
             return false;
         }
         stack[depth++] = Pending{binary->op, binary->precedence, false, m_lexer.TokenStart()};
@@ -103,6 +115,31 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
     return TypeCheck(out, start);
 }
 
+namespace {
+
+// kAlignLeft or kAlignRight when one operand is a Variant and the other of a fixed kind (its value is
+// then converted toward that kind when the operator runs), else 0. Not for & and Is.
+int AlignmentOf(OperationId op, TypeCode left, TypeCode right)
+{
+    const auto fixed = [](TypeCode type) {
+        return !type.IsArray() && (type.IsNumeric() || type.IsString() || type.IsFixedString());
+    };
+    const bool leftFixed = fixed(left);
+    const bool rightFixed = fixed(right);
+    if (leftFixed == rightFixed || !(left.IsVariant() || right.IsVariant()) || op == OperationId::kConcatenate ||
+        op == OperationId::kIs)
+        return 0;
+    return leftFixed ? kAlignRight : kAlignLeft;
+}
+
+} // namespace
+
+void BodyParser::AlignOperands(Expression& out, TypeCode left, TypeCode right)
+{
+    if (!out.ops.empty() && out.ops.back().code == ExprOpCode::kBinary)
+        out.ops.back().count = AlignmentOf(out.ops.back().op, left, right);
+}
+
 bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
 {
     std::vector<TypeCode> types;
@@ -110,7 +147,7 @@ bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
     const TypeCode variant(TypeCode::kVariant);
     auto refuses = [](TypeCode type) { return type.IsArray() || type.IsUserType(); };
     for (std::size_t i = start; i < expression.ops.size(); ++i) {
-        const ExprOp& op = expression.ops[i];
+        ExprOp& op = expression.ops[i];
         switch (op.code) {
         case ExprOpCode::kConstant:
         case ExprOpCode::kLoad:
@@ -204,6 +241,7 @@ bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
                 m_lexer.SignalError(CompileMessage::OperandOperatorTypeMismatch);
                 return false;
             }
+            op.count = AlignmentOf(op.op, left, right);
             if (IsComparison(op.op) || op.op == OperationId::kLike || op.op == OperationId::kIs)
                 types.back() = TypeCode(TypeCode::kBoolean);
             else if (op.op == OperationId::kConcatenate)
@@ -268,9 +306,27 @@ void RecordFoldError(long number)
 void BodyParser::AppendBinary(Expression& out, OperationId op, const char* position)
 {
     const std::size_t size = out.ops.size();
-    if (size >= 2 && out.ops[size - 2].code == ExprOpCode::kConstant && out.ops[size - 1].code == ExprOpCode::kConstant) {
-        Variant left(m_code->ConstantAt(out.ops[size - 2].index));
-        const Variant& right = m_code->ConstantAt(out.ops[size - 1].index);
+    // Is compares object references, which constants (Nothing) are not folded into.
+    if (size >= 2 && op != OperationId::kIs && out.ops[size - 2].code == ExprOpCode::kConstant &&
+        out.ops[size - 1].code == ExprOpCode::kConstant) {
+        // Operands that are the two newest constants belong to this operator alone: they are taken out of
+        // the table, so that a long chain of folded operators keeps one value instead of every
+        // intermediate (and a string built by & grows in place).
+        const int leftIndex = out.ops[size - 2].index;
+        const int rightIndex = out.ops[size - 1].index;
+        const bool owned = m_code->IsNewestConstant(rightIndex) && leftIndex + 1 == rightIndex;
+        Variant right;
+        Variant left;
+        if (owned) {
+            right = m_code->TakeNewestConstant();
+            left = m_code->TakeNewestConstant();
+        } else {
+            right = m_code->ConstantAt(rightIndex);
+            left = m_code->ConstantAt(leftIndex);
+        }
+        Variant leftCopy;
+        if (owned && op != OperationId::kConcatenate)
+            leftCopy = left; // kept for the unfolded form below
         s_foldError = 0;
         const RaiseFn previous = SetRaiseHandler(&RecordFoldError);
         const bool folded = ApplyBinary(op, left, right);
@@ -279,6 +335,13 @@ void BodyParser::AppendBinary(Expression& out, OperationId op, const char* posit
             out.ops.resize(size - 2);
             AppendConstant(out, std::move(left));
             return;
+        }
+        if (owned) {
+            // Not folded: the operands go back as they were (after a failed & the left one is unchanged
+            // or the failure is reported below).
+            out.ops[size - 2].index = m_code->AddConstant(op == OperationId::kConcatenate ? std::move(left)
+                                                                                        : std::move(leftCopy));
+            out.ops[size - 1].index = m_code->AddConstant(std::move(right));
         }
         // The same operation would fail each time the statement runs ("Divide by zero.", "Type mismatch.").
         if (s_foldError != 0) {
@@ -302,31 +365,15 @@ bool BodyParser::ParseNumber(Expression& out)
     const char* start = m_lexer.TokenStart();
     const char* end = m_lexer.TokenEnd();
     Variant value;
-    if (!text.empty() && text[0] == '&') {
-        const std::optional<RadixLiteral> literal = ReadRadixLiteral(text, *end == '&');
-        if (!literal) {
-            m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
-            return false;
-        }
-        if (literal->isInteger)
-            value.SetInteger(static_cast<SHORT>(literal->value));
-        else
-            value.SetLong(literal->value);
-    } else if (text.find_first_of(".EeDd") != std::string::npos) {
-        std::string normal = text;
-        for (char& c : normal) {
-            if (c == 'D' || c == 'd')
-                c = 'E';
-        }
-        value.SetDouble(std::strtod(normal.c_str(), nullptr));
-    } else {
-        const long long number = std::strtoll(text.c_str(), nullptr, 10);
-        if (number <= 32767)
-            value.SetInteger(static_cast<SHORT>(number));
-        else if (number <= 2147483647LL)
-            value.SetLong(static_cast<LONG>(number));
-        else
-            value.SetDouble(static_cast<double>(number));
+    const std::optional<NumberLiteral> literal = ReadNumberLiteral(text, *end == '&');
+    if (!literal) {
+        m_lexer.SignalError(CompileMessage::InvalidNumericConstant);
+        return false;
+    }
+    switch (literal->kind) {
+    case NumberLiteral::Kind::kInteger: value.SetInteger(static_cast<SHORT>(literal->whole)); break;
+    case NumberLiteral::Kind::kLong: value.SetLong(literal->whole); break;
+    case NumberLiteral::Kind::kDouble: value.SetDouble(literal->real); break;
     }
     m_lexer.NextToken();
     const TypeCode suffix = TypeOfSuffix(following);
@@ -397,9 +444,12 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
         return true;
     }
     case Token::True:
-    case Token::False: {
+    case Token::False:
+    case Token::Win32:
+    case Token::Win16: {
+        // Win32 and Win16 tell the platform the macro runs on: this one is 32-bit.
         Variant value;
-        value.SetBoolean(word == Token::True);
+        value.SetBoolean(word == Token::True || word == Token::Win32);
         m_lexer.NextToken();
         AppendConstant(out, std::move(value));
         return true;
@@ -505,7 +555,7 @@ bool BodyParser::ParseNameValue(Expression& out, bool* simpleVariable)
     if (!local || (&m_procedure == FindProcedure(key) && m_lexer.Kind() == Token::LeftParen))
         callee = FindProcedure(key);
     if (callee) {
-        if (callee->kind == ProcedureKind::Sub) {
+        if (!HasResult(*callee)) {
             m_lexer.SignalError(CompileMessage::SubsCantBeUsedInExpressions, name);
             return false;
         }

@@ -44,8 +44,7 @@ Procedure* BodyParser::FindProcedure(const std::string& upperName) const
     if (found != m_state.names.end()) {
         if (found->second.kind != SymbolKind::Procedure)
             return nullptr;
-        Procedure* procedure = m_state.procedures[found->second.index].get();
-        return procedure->kind == ProcedureKind::External ? nullptr : procedure;
+        return m_state.procedures[found->second.index].get();
     }
     // Public procedures of the plain modules named in '#Uses (class members are reached through objects).
     for (Module* used : m_module.UsedModules()) {
@@ -53,8 +52,7 @@ Procedure* BodyParser::FindProcedure(const std::string& upperName) const
             continue;
         const auto& procedures = used->Procedures();
         for (const auto& procedure : procedures) {
-            if (procedure->visibility != Visibility::Private && procedure->kind != ProcedureKind::External &&
-                UpperName(procedure->name) == upperName)
+            if (procedure->visibility != Visibility::Private && UpperName(procedure->name) == upperName)
                 return procedure.get();
         }
     }

@@ -106,4 +106,11 @@ struct Procedure {
     std::unique_ptr<ProcedureCode> code;
 };
 
+// Whether a call of the procedure leaves a result: Functions, Property Gets and Declare'd Functions.
+inline bool HasResult(const Procedure& procedure)
+{
+    return procedure.kind == ProcedureKind::Function || procedure.kind == ProcedureKind::PropertyGet ||
+           (procedure.kind == ProcedureKind::External && !(procedure.result.code == TypeCode()));
+}
+
 } // namespace brannoc

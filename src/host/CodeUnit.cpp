@@ -429,7 +429,7 @@ HRESULT __stdcall CodeUnit::get_ErrorLine(BSTR* result)
 
 HRESULT __stdcall CodeUnit::get_ErrorLineNum(short* result)
 {
-    return Entered([&] { *result = m_context->ErrorReport().lineNumber; return S_OK; });
+    return Entered([&] { *result = static_cast<short>(m_context->ErrorReport().lineNumber); return S_OK; });
 }
 
 HRESULT __stdcall CodeUnit::get_ErrorOffset(short* result)

@@ -302,7 +302,7 @@ void EngineContext::ReportUntrappedError(const ErrorRecord& error)
         int line = 0;
         if (m_modules.Locate(current->OwnProcedure(), current->CurrentIndex(), m_errorReport.macroName, line,
                              m_errorReport.lineText))
-            m_errorReport.lineNumber = static_cast<short>(line);
+            m_errorReport.lineNumber = line;
     }
     SendNotification(kNotifyErrorReport);
     SendNotification(kNotifyError);

@@ -28,7 +28,7 @@ struct ErrorLocation {
     std::wstring description;
     std::wstring macroName;
     std::wstring lineText;
-    short lineNumber = 0;
+    long lineNumber = 0; // the full number; the host interface's member holds its low 16 bits
     // Character offset of the failing token in the line; -1 when the error has none.
     short offset = -1;
     std::wstring source;

@@ -673,7 +673,7 @@ void ModuleManager::Report(const CompileError& error)
     report.description = error.message;
     report.macroName = WideFromAnsi(error.module);
     report.lineText = WideFromAnsi(error.lineText);
-    report.lineNumber = static_cast<short>(error.line);
+    report.lineNumber = static_cast<long>(error.line);
     report.offset = static_cast<short>(error.offset);
     m_context.SendNotification(EngineContext::kNotifyError);
 }

@@ -8,6 +8,7 @@
 
 #include <cstdio>
 #include <string>
+#include <vector>
 
 namespace console {
 
@@ -99,9 +100,43 @@ struct FirstError {
     std::wstring description;
     std::wstring macroName;
     std::wstring lineText;
-    short line = 0;
+    long line = 0; // the true line number (the engine's 16-bit member wraps past 32767)
     short offset = 0;
 };
+
+// The lines of a text ended by CR LF, CR or LF.
+inline std::vector<std::wstring> SplitLines(const std::wstring& text)
+{
+    std::vector<std::wstring> lines;
+    std::size_t start = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != L'\r' && text[i] != L'\n')
+            continue;
+        lines.push_back(text.substr(start, i - start));
+        if (text[i] == L'\r' && i + 1 < text.size() && text[i + 1] == L'\n')
+            ++i;
+        start = i + 1;
+    }
+    if (start < text.size())
+        lines.push_back(text.substr(start));
+    return lines;
+}
+
+// The true line number of an error whose 16-bit line number wrapped: the first line of the module's text
+// with the same low 16 bits and the reported line text (the reported number when none matches).
+inline long TrueLineNumber(const std::wstring& moduleText, short reported, const std::wstring& lineText)
+{
+    const long low = static_cast<unsigned short>(reported);
+    if (moduleText.empty())
+        return reported;
+    const std::vector<std::wstring> lines = SplitLines(moduleText);
+    if (lines.size() <= 32767)
+        return reported;
+    for (long line = low; line >= 1 && line <= static_cast<long>(lines.size()); line += 65536)
+        if (lines[static_cast<std::size_t>(line - 1)] == lineText)
+            return line;
+    return low;
+}
 
 // The host callback: Debug.Print to stdout, macros from disk, '#Uses names relative to the using file,
 // errors recorded for the final report.
@@ -176,8 +211,12 @@ public:
         case kReadMacro: {
             std::string bytes;
             if (!ReadFileBytes(text(1), bytes))
-                bytes.clear();
-            return Answer(result, Wide(WithCarriageReturns(bytes)));
+                return Answer(result, std::wstring()); // no text: the engine reports a missing macro
+            // An empty file is a macro of one empty line, so that the engine says what it lacks (its
+            // Main) instead of reporting a missing macro.
+            std::wstring source = bytes.empty() ? std::wstring(L"\r\n") : Wide(WithCarriageReturns(bytes));
+            m_texts.push_back({text(1), source});
+            return Answer(result, source);
         }
         case kMapMacroName: {
             std::wstring name = text(1);
@@ -195,6 +234,21 @@ public:
     }
 
 private:
+    struct MacroText {
+        std::wstring name;
+        std::wstring text;
+    };
+    // The texts served through ReadMacro, to recover line numbers past 32767.
+    std::vector<MacroText> m_texts;
+
+    const std::wstring* TextOf(const std::wstring& name) const
+    {
+        for (const MacroText& macro : m_texts)
+            if (lstrcmpiW(macro.name.c_str(), name.c_str()) == 0)
+                return &macro.text;
+        return m_texts.size() == 1 ? &m_texts.front().text : nullptr;
+    }
+
     static HRESULT Answer(VARIANT* result, const std::wstring& text)
     {
         if (!result)
@@ -221,7 +275,10 @@ private:
             error.macroName = TakeText(value);
         if (SUCCEEDED(engine->get_ErrorLine(&value)))
             error.lineText = TakeText(value);
-        engine->get_ErrorLineNum(&error.line);
+        short line = 0;
+        engine->get_ErrorLineNum(&line);
+        const std::wstring* moduleText = TextOf(error.macroName);
+        error.line = TrueLineNumber(moduleText ? *moduleText : std::wstring(), line, error.lineText);
         engine->get_ErrorOffset(&error.offset);
         engine->Release();
     }

@@ -1,0 +1,434 @@
+// bbfuzz: compiles and runs many mutated macros in one process, with the engine's compiler and interpreter
+// loaded once. The macros are mutations of the golden scripts (lines deleted, duplicated and swapped,
+// tokens swapped, two scripts spliced, keywords and operators inserted, numbers changed to limits); each
+// runs under a statement budget, so none can hang the run. Findings are written to a folder and the run
+// goes on:
+//   - a crash (an exception the engine let through): the macro is written as crash.bas and the program
+//     ends with exit code 3;
+//   - a macro that takes longer than the slow limit: slow-N.bas; one still running at three times that
+//     limit (a hang inside one statement): hang.bas, and the program ends with exit code 4;
+//   - an error outside the system's numbers (a compile error outside 10000 to 10902 and 11000, or a
+//     run-time error without its message): number-N.bas;
+//   - a leak: the process's private memory grows past the leak margin over the run.
+// Usage: bbfuzz [--seed N] [--count N | --hours H] [--corpus DIR] [--findings DIR] [--budget STEPS]
+// Exit code 0 when nothing was found, 1 with findings, 2 for bad arguments.
+#include "exec/Interpreter.h"
+#include "exec/InterpreterHost.h"
+#include "exec/ModuleInstance.h"
+#include "frontend/BodyCompiler.h"
+#include "frontend/Compiler.h"
+
+#include <windows.h>
+#include <psapi.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace brannoc;
+
+struct Options {
+    unsigned seed = 1;
+    long long count = 2000;
+    double hours = 0;
+    std::string corpus = "tests/golden";
+    std::string findings = "fuzz-findings";
+    int budget = 20000;
+    double slowSeconds = 10;
+    long long leakMargin = 256ll << 20;
+};
+
+class MemorySource final : public ModuleSource {
+public:
+    std::string text;
+    std::optional<ModuleText> Read(std::string_view name) override
+    {
+        if (name != "Fuzz")
+            return std::nullopt;
+        return ModuleText{text, false};
+    }
+};
+
+// The statement budget: the interpreter reads its tick source every few statements and yields to the
+// host (PumpMessages) when 100 ticks have passed; this source advances one tick a read, so each yield
+// comes after a bounded number of statements, also inside loops that the interpreter runs in line. The
+// host ends the run through the engine's control action once the macro has used its yields.
+DWORD s_ticks = 0;
+DWORD WINAPI CountingTick() { return ++s_ticks; }
+
+// Debug.Print output is dropped; errors are counted; End and Stop end the run.
+class QuietHost final : public InterpreterHost {
+public:
+    Interpreter* interpreter = nullptr;
+    std::vector<ErrorRecord> errors;
+    int yieldsLeft = 0;
+    bool budgetUsed = false;
+    void Notify(Notification) override {}
+    void PerformControlAction(int action, long) override
+    {
+        if (action == kActionEnd || action == kActionEndAll)
+            interpreter->UnwindAll();
+        else if (action == kActionStop && interpreter->RunLevel() > 0)
+            interpreter->SetRunLevel(-interpreter->RunLevel());
+    }
+    void PumpMessages() override
+    {
+        if (--yieldsLeft == 0) {
+            budgetUsed = true;
+            (void)interpreter->RequestAction(kActionEnd, 0);
+        }
+    }
+    void ReportUntrappedError(const ErrorRecord& error) override { errors.push_back(error); }
+    void DebugPrint(const std::wstring&) override {}
+};
+
+struct Outcome {
+    bool compiled = false;
+    std::vector<unsigned> compileErrors;
+    std::vector<ErrorRecord> runErrors;
+};
+
+Outcome RunMacro(const std::string& text, int budget)
+{
+    Outcome outcome;
+    MemorySource source;
+    source.text = text;
+    Compiler compiler(source);
+    BodyCompiler bodies;
+    compiler.SetBodyCompiler(&bodies);
+    compiler.SetErrorLimit(20);
+    const ParseResult parsed = compiler.Parse("Fuzz", 0);
+    for (const CompileError& error : compiler.Errors())
+        outcome.compileErrors.push_back(error.number);
+    if (parsed != ParseResult::Okay)
+        return outcome;
+    Module* module = compiler.FindModule("Fuzz");
+    if (!module || !module->Compiled() || !module->Compiled()->entry || !module->Compiled()->entry->code)
+        return outcome;
+    outcome.compiled = true;
+    QuietHost host;
+    Interpreter interpreter(host);
+    host.interpreter = &interpreter;
+    host.yieldsLeft = budget / 100 + 1;
+    interpreter.SetTickSource(&CountingTick);
+    interpreter.SetYielding(true);
+    InterpreterScope scope(interpreter);
+    ModuleInstance instance(*module);
+    if (!interpreter.StartEntry(*module->Compiled()->entry->code, &instance))
+        return outcome;
+    interpreter.PrepareRun(0);
+    for (int steps = 0; steps < budget && interpreter.RunStep(false) != 0; ++steps) {
+    }
+    interpreter.UnwindAll();
+    outcome.runErrors = host.errors;
+    return outcome;
+}
+
+// Scripts whose behaviour reaches outside the process (windows that wait, files, other programs, the
+// registry) or other modules are left out of the corpus.
+bool Usable(const std::string& text)
+{
+    static const char* const kWords[] = {"msgbox", "inputbox", "shell", "sendkeys", "appactivate", "dde",
+                                         "dialog", "#uses", "open ", "kill", "mkdir", "rmdir", "filecopy",
+                                         "name ", "savesetting", "deletesetting", "chdir", "chdrive",
+                                         "setattr", "createobject", "getobject", "execute", "macrorun",
+                                         "wait", "clipboard", "version", "class", "declare"};
+    std::string lower(text);
+    for (char& c : lower)
+        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    for (const char* word : kWords)
+        if (lower.find(word) != std::string::npos)
+            return false;
+    // Scripts with numbers of seven digits or more (ten million array elements) become macros that
+    // allocate tens of megabytes in each statement of a loop once mutated: slow, but no engine fault.
+    int digits = 0;
+    for (char c : lower) {
+        digits = std::isdigit(static_cast<unsigned char>(c)) ? digits + 1 : 0;
+        if (digits >= 7)
+            return false;
+    }
+    return true;
+}
+
+std::vector<std::string> SplitLines(const std::string& text)
+{
+    std::vector<std::string> lines;
+    std::string line;
+    for (char c : text) {
+        if (c == '\r')
+            continue;
+        if (c == '\n') {
+            lines.push_back(line);
+            line.clear();
+        } else {
+            line += c;
+        }
+    }
+    if (!line.empty())
+        lines.push_back(line);
+    return lines;
+}
+
+std::string JoinLines(const std::vector<std::string>& lines)
+{
+    std::string text;
+    for (const std::string& line : lines)
+        text += line + "\r\n";
+    return text;
+}
+
+std::vector<std::string> Tokens(const std::string& line)
+{
+    std::vector<std::string> tokens;
+    std::string current;
+    for (char c : line) {
+        if (c == ' ') {
+            if (!current.empty())
+                tokens.push_back(current);
+            current.clear();
+        } else {
+            current += c;
+        }
+    }
+    if (!current.empty())
+        tokens.push_back(current);
+    return tokens;
+}
+
+std::string JoinTokens(const std::vector<std::string>& tokens)
+{
+    std::string line;
+    for (const std::string& token : tokens)
+        line += (line.empty() ? "" : " ") + token;
+    return line;
+}
+
+class Mutator {
+public:
+    Mutator(const std::vector<std::string>& corpus, unsigned seed) : m_corpus(corpus), m_random(seed) {}
+
+    std::string Next()
+    {
+        std::vector<std::string> lines = SplitLines(m_corpus[Pick(m_corpus.size())]);
+        const int mutations = 1 + static_cast<int>(Pick(4));
+        for (int i = 0; i < mutations && !lines.empty(); ++i)
+            Mutate(lines);
+        return JoinLines(lines);
+    }
+
+private:
+    std::size_t Pick(std::size_t count) { return count == 0 ? 0 : std::uniform_int_distribution<std::size_t>(0, count - 1)(m_random); }
+
+    void Mutate(std::vector<std::string>& lines)
+    {
+        static const char* const kInserted[] = {
+            "(", ")", "+", "-", "*", "/", "\\", "^", "&", "=", "<>", "<", ">=", ",", ":", ";", ".", "Not", "And",
+            "Or", "Mod", "Is", "Like", "If", "Then", "Else", "End", "For", "Next", "To", "Step", "Do", "Loop",
+            "While", "Wend", "Select", "Case", "With", "GoTo", "Exit", "Sub", "Function", "Dim", "ReDim",
+            "Preserve", "As", "Integer", "Long", "String", "Variant", "Object", "New", "Set", "Let", "Const",
+            "Call", "On Error Resume Next", "On Error GoTo 0", "Resume", "Err.Raise 10061", "Nothing", "Null",
+            "Empty", "Array(1, 2)", "\"text\"", "#1/2/2000#", "&HFFFF", "Rem", "'", "Me", "Erase", "LSet",
+            "Mid$(", "Len(", "Abs(", "Val(", "Str$(", "Format$(", "UBound(", "IsMissing("};
+        static const char* const kLimits[] = {"0", "-1", "32767", "32768", "-32768", "2147483647", "-2147483648",
+                                              "1E308", "65535", "255", "256", "1E-300", "0.5", "99999999999"};
+        const std::size_t at = Pick(lines.size());
+        switch (Pick(8)) {
+        case 0: lines.erase(lines.begin() + static_cast<std::ptrdiff_t>(at)); break;
+        case 1: lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(at), lines[at]); break;
+        case 2: std::swap(lines[at], lines[Pick(lines.size())]); break;
+        case 3: {
+            std::vector<std::string> tokens = Tokens(lines[at]);
+            if (tokens.size() >= 2)
+                std::swap(tokens[Pick(tokens.size())], tokens[Pick(tokens.size())]);
+            lines[at] = JoinTokens(tokens);
+            break;
+        }
+        case 4: {
+            // Splice: this script up to the line, another one from a line on.
+            std::vector<std::string> other = SplitLines(m_corpus[Pick(m_corpus.size())]);
+            lines.resize(at);
+            const std::size_t from = Pick(other.size());
+            lines.insert(lines.end(), other.begin() + static_cast<std::ptrdiff_t>(from), other.end());
+            break;
+        }
+        case 5:
+        case 6: {
+            std::vector<std::string> tokens = Tokens(lines[at]);
+            tokens.insert(tokens.begin() + static_cast<std::ptrdiff_t>(Pick(tokens.size() + 1)),
+                          kInserted[Pick(std::size(kInserted))]);
+            lines[at] = JoinTokens(tokens);
+            break;
+        }
+        default: {
+            std::vector<std::string> tokens = Tokens(lines[at]);
+            for (std::string& token : tokens)
+                if (!token.empty() && std::isdigit(static_cast<unsigned char>(token[0])) && Pick(2) == 0)
+                    token = kLimits[Pick(std::size(kLimits))];
+            lines[at] = JoinTokens(tokens);
+            break;
+        }
+        }
+    }
+
+    const std::vector<std::string>& m_corpus;
+    std::mt19937 m_random;
+};
+
+// The macro being run and when it started, for the crash handler and the hang watch.
+std::string s_current;
+std::string s_findings;
+volatile ULONGLONG s_macroStart = 0;
+double s_hangSeconds = 30;
+
+void WriteFinding(const std::string& name, const std::string& text, const std::string& note)
+{
+    std::filesystem::create_directories(s_findings);
+    std::ofstream out(std::filesystem::path(s_findings) / name, std::ios::binary);
+    out << "' bbfuzz finding: " << note << "\r\n" << text;
+}
+
+LONG WINAPI OnCrash(EXCEPTION_POINTERS* exception)
+{
+    char note[64];
+    std::snprintf(note, sizeof note, "exception 0x%08lx", exception->ExceptionRecord->ExceptionCode);
+    WriteFinding("crash.bas", s_current, note);
+    std::fprintf(stderr, "bbfuzz: crash (%s); the macro is in %s\n", note, s_findings.c_str());
+    std::fflush(stderr);
+    ExitProcess(3);
+}
+
+// A macro still running after the hang limit is a hang inside one statement (the statement budget ends
+// every other run): it is written as hang.bas and the program ends with exit code 4.
+DWORD WINAPI WatchForHangs(void*)
+{
+    for (;;) {
+        Sleep(500);
+        const ULONGLONG started = s_macroStart;
+        if (started != 0 && GetTickCount64() - started > static_cast<ULONGLONG>(s_hangSeconds * 1000)) {
+            WriteFinding("hang.bas", s_current, "still running after the hang limit");
+            std::fprintf(stderr, "bbfuzz: hang; the macro is in %s\n", s_findings.c_str());
+            std::fflush(stderr);
+            ExitProcess(4);
+        }
+    }
+}
+
+long long PrivateBytes()
+{
+    PROCESS_MEMORY_COUNTERS_EX counters{};
+    counters.cb = sizeof counters;
+    GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters), sizeof counters);
+    return static_cast<long long>(counters.PrivateUsage);
+}
+
+bool SystemCompileNumber(unsigned number)
+{
+    return (number >= 10000 && number <= 10902) || number == 11000;
+}
+
+bool ParseOptions(int argc, char** argv, Options& options)
+{
+    for (int i = 1; i < argc; ++i) {
+        const std::string name = argv[i];
+        if (i + 1 >= argc)
+            return false;
+        const char* value = argv[++i];
+        if (name == "--seed")
+            options.seed = static_cast<unsigned>(std::strtoul(value, nullptr, 10));
+        else if (name == "--count")
+            options.count = std::strtoll(value, nullptr, 10);
+        else if (name == "--hours")
+            options.hours = std::strtod(value, nullptr);
+        else if (name == "--corpus")
+            options.corpus = value;
+        else if (name == "--findings")
+            options.findings = value;
+        else if (name == "--budget")
+            options.budget = std::atoi(value);
+        else
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    Options options;
+    if (!ParseOptions(argc, argv, options)) {
+        std::fprintf(stderr, "usage: bbfuzz [--seed N] [--count N | --hours H] [--corpus DIR] [--findings DIR] "
+                             "[--budget STEPS]\n");
+        return 2;
+    }
+    s_findings = options.findings;
+    std::vector<std::string> corpus;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(options.corpus, error)) {
+        if (entry.path().extension() != ".bas")
+            continue;
+        std::ifstream in(entry.path(), std::ios::binary);
+        std::stringstream buffer;
+        buffer << in.rdbuf();
+        if (Usable(buffer.str()))
+            corpus.push_back(buffer.str());
+    }
+    if (corpus.empty()) {
+        std::fprintf(stderr, "bbfuzz: no usable scripts under %s\n", options.corpus.c_str());
+        return 2;
+    }
+    SetUnhandledExceptionFilter(&OnCrash);
+    s_hangSeconds = options.slowSeconds * 3;
+    CloseHandle(CreateThread(nullptr, 0, &WatchForHangs, nullptr, 0, nullptr));
+    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+
+    Mutator mutator(corpus, options.seed);
+    const ULONGLONG start = GetTickCount64();
+    const ULONGLONG end = options.hours > 0 ? start + static_cast<ULONGLONG>(options.hours * 3600000.0) : 0;
+    long long macros = 0, compiled = 0, runErrors = 0, findings = 0;
+    long long baseline = 0;
+    for (; options.hours > 0 ? GetTickCount64() < end : macros < options.count; ++macros) {
+        std::string next = mutator.Next();
+        s_macroStart = 0;
+        s_current.swap(next);
+        const ULONGLONG before = GetTickCount64();
+        s_macroStart = before;
+        const Outcome outcome = RunMacro(s_current, options.budget);
+        s_macroStart = 0;
+        const double seconds = static_cast<double>(GetTickCount64() - before) / 1000.0;
+        compiled += outcome.compiled ? 1 : 0;
+        runErrors += static_cast<long long>(outcome.runErrors.size());
+        if (seconds > options.slowSeconds)
+            WriteFinding("slow-" + std::to_string(++findings) + ".bas", s_current,
+                         "took " + std::to_string(seconds) + " s");
+        for (unsigned number : outcome.compileErrors)
+            if (!SystemCompileNumber(number))
+                WriteFinding("number-" + std::to_string(++findings) + ".bas", s_current,
+                             "compile error " + std::to_string(number));
+        for (const ErrorRecord& run : outcome.runErrors)
+            if (run.number == 0 || run.description.empty())
+                WriteFinding("number-" + std::to_string(++findings) + ".bas", s_current,
+                             "run-time error " + std::to_string(run.number) + " without a message");
+        // The memory level once the first macros have warmed the caches.
+        if (macros == 200)
+            baseline = PrivateBytes();
+    }
+    const long long grown = baseline > 0 ? PrivateBytes() - baseline : 0;
+    if (grown > options.leakMargin) {
+        ++findings;
+        std::fprintf(stderr, "bbfuzz: private memory grew by %lld bytes after the first 200 macros\n", grown);
+    }
+    std::printf("bbfuzz: seed %u, %lld macros (%lld compiled and run, %lld run-time errors), %lld findings, %.1f s, "
+                "memory growth %lld bytes\n",
+                options.seed, macros, compiled, runErrors, findings,
+                static_cast<double>(GetTickCount64() - start) / 1000.0, grown);
+    return findings == 0 ? 0 : 1;
+}
