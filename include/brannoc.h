@@ -353,6 +353,53 @@ BRANNOC_API IEnumVARIANT* __stdcall OA_CreateEnum(IUnknown* data, OA_ENUMPROC ge
 BRANNOC_API IUnknown* __stdcall OA_WrapMFCLib(ITypeLib* library, OA_WRAPPROC wrap);
 BRANNOC_API IDispatch* __stdcall OA_BindMFC(IDispatch* dispatch, LPCSTR typeGuidText, OA_WRAPPROC wrap, BOOL keep);
 
+/* ---- Host callbacks (CB_ family) ----
+ * A callback over plain functions (standard calling convention, the user data last). ANSI texts handed
+ * to the host are valid for the call; ReadMacro and MapMacroName answer a byte-length ANSI string
+ * (OA_SysAllocStringA) that the engine takes over, or null. A null pointer forwards the call to the
+ * fallback callback. */
+typedef void (__stdcall *CB_DEBUGPRINTPROC)(IDispatch* engine, LPCSTR text, void* userData);
+typedef void (__stdcall *CB_DOEVENTSPROC)(IDispatch* engine, void* userData);
+typedef void (__stdcall *CB_NOTIFYPROC)(IDispatch* engine, LONG code, void* userData);
+typedef BSTR (__stdcall *CB_READMACROPROC)(IDispatch* engine, LPCSTR macroName, void* userData);
+typedef LONG (__stdcall *CB_WINDOWPROC)(void* userData);
+typedef BSTR (__stdcall *CB_MAPMACRONAMEPROC)(IDispatch* engine, LPCSTR macroName, LPCSTR baseName, void* userData);
+
+typedef struct CB_FUNCTIONS {
+    CB_DEBUGPRINTPROC DebugPrint;
+    CB_DOEVENTSPROC DoEvents;
+    CB_NOTIFYPROC Notify;
+    CB_READMACROPROC ReadMacro;
+    CB_WINDOWPROC Window;
+} CB_FUNCTIONS;
+
+typedef struct CB_FUNCTIONS2 {
+    CB_DEBUGPRINTPROC DebugPrint;
+    CB_DOEVENTSPROC DoEvents;
+    CB_MAPMACRONAMEPROC MapMacroName;
+    CB_NOTIFYPROC Notify;
+    CB_READMACROPROC ReadMacro;
+    CB_WINDOWPROC Window;
+} CB_FUNCTIONS2;
+
+/* A callback object (one reference) over the functions; the fallback, when given, is held. */
+BRANNOC_API IDispatch* __stdcall CB_CreateCallBack(IDispatch* fallback, const CB_FUNCTIONS* functions, void* userData);
+BRANNOC_API IDispatch* __stdcall CB_CreateCallBack2(IDispatch* fallback, const CB_FUNCTIONS2* functions, void* userData);
+/* Destroy functions of the adapters behind CB_CreateCallBack and CB_CreateCallBack2. */
+BRANNOC_API void __stdcall OA_DestroyCallBack(void* adapter, void* unused);
+BRANNOC_API void __stdcall OA_DestroyCallBack2(void* adapter, void* unused);
+/* Calls of a callback's members by name; a missing required member is reported as OA_Invoke reports. */
+BRANNOC_API void __stdcall CB_DebugPrintA(IDispatch* callBack, IDispatch* engine, LPCSTR text);
+BRANNOC_API void __stdcall CB_DebugPrintW(IDispatch* callBack, IDispatch* engine, LPCWSTR text);
+BRANNOC_API void __stdcall CB_DoEvents(IDispatch* callBack, IDispatch* engine);
+BRANNOC_API void __stdcall CB_Notify(IDispatch* callBack, IDispatch* engine, LONG code);
+BRANNOC_API BSTR __stdcall CB_ReadMacroA(IDispatch* callBack, IDispatch* engine, LPCSTR macroName);
+BRANNOC_API BSTR __stdcall CB_ReadMacroW(IDispatch* callBack, IDispatch* engine, LPCWSTR macroName);
+/* The callback's MapMacroName answer, or a copy of the name when it has no such member. */
+BRANNOC_API BSTR __stdcall CB_MapMacroNameA(IDispatch* callBack, IDispatch* engine, LPCSTR macroName, LPCSTR baseName);
+BRANNOC_API BSTR __stdcall CB_MapMacroNameW(IDispatch* callBack, IDispatch* engine, LPCWSTR macroName, LPCWSTR baseName);
+BRANNOC_API LONG __stdcall CB_Window(IDispatch* callBack);
+
 #ifdef __cplusplus
 }
 #endif

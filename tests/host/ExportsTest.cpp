@@ -162,6 +162,19 @@ const ExportRow kExports[] = {
     {"OA_CreateEnum", 8, true},
     {"OA_WrapMFCLib", 8, true},
     {"OA_BindMFC", 16, true},
+    {"CB_CreateCallBack", 12, true},
+    {"CB_CreateCallBack2", 12, true},
+    {"OA_DestroyCallBack", 8, true},
+    {"OA_DestroyCallBack2", 8, true},
+    {"CB_DebugPrintA", 12, true},
+    {"CB_DebugPrintW", 12, true},
+    {"CB_DoEvents", 8, true},
+    {"CB_Notify", 12, true},
+    {"CB_ReadMacroA", 12, true},
+    {"CB_ReadMacroW", 12, true},
+    {"CB_MapMacroNameA", 16, true},
+    {"CB_MapMacroNameW", 16, true},
+    {"CB_Window", 4, true},
 };
 
 std::string Decorated(const ExportRow& row) { return "_" + std::string(row.name) + "@" + std::to_string(row.argumentBytes); }
