@@ -400,6 +400,53 @@ BRANNOC_API BSTR __stdcall CB_MapMacroNameA(IDispatch* callBack, IDispatch* engi
 BRANNOC_API BSTR __stdcall CB_MapMacroNameW(IDispatch* callBack, IDispatch* engine, LPCWSTR macroName, LPCWSTR baseName);
 BRANNOC_API LONG __stdcall CB_Window(IDispatch* callBack);
 
+/* ---- Engine objects through exported functions (CU_ family) ----
+ * unit is the handle CU_CreateCodeUnit answered. A null handle or a failed member is reported in a
+ * task-modal box; the result is then 0, null or FALSE. Texts are ANSI; text results are freed with
+ * OA_SysFreeStringA, objects with OA_Release. 16-bit values are passed in 32-bit slots. */
+BRANNOC_API IDispatch* __stdcall CU_CallBack(void* unit);
+BRANNOC_API BSTR __stdcall CU_Caption(void* unit);
+BRANNOC_API void __stdcall CU_CaptionPut(void* unit, LPCSTR caption);
+BRANNOC_API BOOL __stdcall CU_Continue(void* unit);
+BRANNOC_API BOOL __stdcall CU_DoEvents(void* unit);
+BRANNOC_API void __stdcall CU_DoEventsPut(void* unit, BOOL on);
+BRANNOC_API BSTR __stdcall CU_ErrorDesc(void* unit);
+BRANNOC_API void __stdcall CU_ErrorDescPut(void* unit, LPCSTR description);
+BRANNOC_API LONG __stdcall CU_ErrorHelpContext(void* unit);
+BRANNOC_API BSTR __stdcall CU_ErrorHelpFile(void* unit);
+BRANNOC_API SHORT __stdcall CU_ErrorLimit(void* unit);
+BRANNOC_API void __stdcall CU_ErrorLimitPut(void* unit, LONG limit);
+BRANNOC_API BSTR __stdcall CU_ErrorLine(void* unit);
+BRANNOC_API SHORT __stdcall CU_ErrorLineNum(void* unit);
+BRANNOC_API BSTR __stdcall CU_ErrorMacroName(void* unit);
+BRANNOC_API LONG __stdcall CU_ErrorNumber(void* unit);
+BRANNOC_API SHORT __stdcall CU_ErrorOffset(void* unit);
+BRANNOC_API BSTR __stdcall CU_ErrorSource(void* unit);
+BRANNOC_API BOOL __stdcall CU_Evaluating(void* unit);
+BRANNOC_API BOOL __stdcall CU_Halt(void* unit);
+BRANNOC_API BOOL __stdcall CU_HaltAll(void* unit);
+BRANNOC_API BSTR __stdcall CU_HelpFile(void* unit);
+BRANNOC_API BOOL __stdcall CU_IsActive(void* unit);
+BRANNOC_API BOOL __stdcall CU_IsIdle(void* unit);
+BRANNOC_API BOOL __stdcall CU_IsMacro(void* unit, LPCSTR macroName);
+BRANNOC_API BOOL __stdcall CU_IsMacroActive(void* unit, LPCSTR macroName);
+BRANNOC_API BOOL __stdcall CU_IsPaused(void* unit);
+BRANNOC_API BOOL __stdcall CU_IsStopped(void* unit);
+BRANNOC_API BOOL __stdcall CU_Load(void* unit, LPCSTR macroName);
+BRANNOC_API BSTR __stdcall CU_LoadedMacroName(void* unit, LONG index);
+BRANNOC_API BSTR __stdcall CU_MacroName(void* unit);
+BRANNOC_API BOOL __stdcall CU_Rename(void* unit, LPCSTR oldMacroName, LPCSTR newMacroName);
+BRANNOC_API BOOL __stdcall CU_Run(void* unit, LONG depth);
+BRANNOC_API void __stdcall CU_SetCallBack(void* unit, IDispatch* callBack);
+BRANNOC_API BOOL __stdcall CU_Shutdown(void* unit);
+BRANNOC_API SHORT __stdcall CU_StackDepth(void* unit);
+BRANNOC_API void __stdcall CU_StackDepthPut(void* unit, LONG depth);
+BRANNOC_API BOOL __stdcall CU_Start(void* unit, LPCSTR macroName);
+BRANNOC_API BOOL __stdcall CU_Step(void* unit);
+BRANNOC_API BOOL __stdcall CU_Stop(void* unit);
+BRANNOC_API BOOL __stdcall CU_Unload(void* unit, LPCSTR macroName);
+BRANNOC_API BSTR __stdcall CU_Version(void* unit);
+
 #ifdef __cplusplus
 }
 #endif
