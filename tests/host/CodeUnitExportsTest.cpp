@@ -52,6 +52,8 @@ TEST(CodeUnitExports, ResultsComeFromTheMembersAndTextsAreAnsi)
     EXPECT_EQ("Ledger macros", AnsiText(CU_Caption(unit)));
     CU_ErrorLimitPut(unit, 7);
     EXPECT_EQ(7, CU_ErrorLimit(unit));
+    CU_ErrorLimitPut(unit, 0);
+    EXPECT_EQ(1, CU_ErrorLimit(unit)) << "a limit below 1 is stored as 1";
     CU_DoEventsPut(unit, FALSE);
     EXPECT_EQ(0, CU_DoEvents(unit));
     EXPECT_EQ(0u, capture.Count());
