@@ -399,6 +399,8 @@ BRANNOC_API BSTR __stdcall CB_ReadMacroW(IDispatch* callBack, IDispatch* engine,
 BRANNOC_API BSTR __stdcall CB_MapMacroNameA(IDispatch* callBack, IDispatch* engine, LPCSTR macroName, LPCSTR baseName);
 BRANNOC_API BSTR __stdcall CB_MapMacroNameW(IDispatch* callBack, IDispatch* engine, LPCWSTR macroName, LPCWSTR baseName);
 BRANNOC_API LONG __stdcall CB_Window(IDispatch* callBack);
+/* Raises "Declare is not implemented." (10160) in the running macro; answers 0. */
+BRANNOC_API LONG __stdcall KZ_CallProcError(void);
 
 /* ---- Engine objects through exported functions (CU_ family) ----
  * unit is the handle CU_CreateCodeUnit answered. A null handle or a failed member is reported in a

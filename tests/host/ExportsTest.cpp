@@ -217,6 +217,7 @@ const ExportRow kExports[] = {
     {"CU_Stop", 4, true},
     {"CU_Unload", 8, true},
     {"CU_Version", 4, true},
+    {"KZ_CallProcError", 0, false},
 };
 
 std::string Decorated(const ExportRow& row) { return "_" + std::string(row.name) + "@" + std::to_string(row.argumentBytes); }

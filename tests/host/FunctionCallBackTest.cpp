@@ -186,3 +186,32 @@ TEST(CallBackFunctions, MapMacroNameAnswersACopyWithoutTheMemberAndTheHostsNameW
     SysFreeString(mapped);
     mapper->Release();
 }
+
+namespace {
+
+// The first printed line raises the library's Declare error in the macro that printed it.
+void __stdcall RaiseOnFirstPrint(IDispatch*, LPCSTR text, void* userData)
+{
+    auto* record = static_cast<HostRecord*>(userData);
+    if (record->printed.empty())
+        EXPECT_EQ(0, KZ_CallProcError());
+    record->printed.emplace_back(text);
+}
+
+} // namespace
+
+TEST_F(FunctionCallBackTest, CallProcErrorRaisesTheDeclareErrorInTheRunningMacro)
+{
+    HostRecord record;
+    record.source = "Sub Main\r\n    On Error Resume Next\r\n    Debug.Print \"first\"\r\n"
+                    "    Debug.Print CStr(Err.Number) & \" \" & Err.Description\r\nEnd Sub\r\n";
+    CB_FUNCTIONS functions = kRecording;
+    functions.DebugPrint = RaiseOnFirstPrint;
+    IDispatch* callBack = CB_CreateCallBack(nullptr, &functions, &record);
+    ASSERT_NE(nullptr, callBack);
+    EXPECT_TRUE(StartAndRun(callBack, L"declares"));
+    ASSERT_EQ(2u, record.printed.size());
+    EXPECT_EQ("\"10160 Declare is not implemented.\"\r\n", record.printed[1]);
+    unit->SetCallBack(nullptr);
+    callBack->Release();
+}
