@@ -353,6 +353,102 @@ BRANNOC_API IEnumVARIANT* __stdcall OA_CreateEnum(IUnknown* data, OA_ENUMPROC ge
 BRANNOC_API IUnknown* __stdcall OA_WrapMFCLib(ITypeLib* library, OA_WRAPPROC wrap);
 BRANNOC_API IDispatch* __stdcall OA_BindMFC(IDispatch* dispatch, LPCSTR typeGuidText, OA_WRAPPROC wrap, BOOL keep);
 
+/* ---- Host callbacks (CB_ family) ----
+ * A callback over plain functions (standard calling convention, the user data last). ANSI texts handed
+ * to the host are valid for the call; ReadMacro and MapMacroName answer a byte-length ANSI string
+ * (OA_SysAllocStringA) that the engine takes over, or null. A null pointer forwards the call to the
+ * fallback callback. */
+typedef void (__stdcall *CB_DEBUGPRINTPROC)(IDispatch* engine, LPCSTR text, void* userData);
+typedef void (__stdcall *CB_DOEVENTSPROC)(IDispatch* engine, void* userData);
+typedef void (__stdcall *CB_NOTIFYPROC)(IDispatch* engine, LONG code, void* userData);
+typedef BSTR (__stdcall *CB_READMACROPROC)(IDispatch* engine, LPCSTR macroName, void* userData);
+typedef LONG (__stdcall *CB_WINDOWPROC)(void* userData);
+typedef BSTR (__stdcall *CB_MAPMACRONAMEPROC)(IDispatch* engine, LPCSTR macroName, LPCSTR baseName, void* userData);
+
+typedef struct CB_FUNCTIONS {
+    CB_DEBUGPRINTPROC DebugPrint;
+    CB_DOEVENTSPROC DoEvents;
+    CB_NOTIFYPROC Notify;
+    CB_READMACROPROC ReadMacro;
+    CB_WINDOWPROC Window;
+} CB_FUNCTIONS;
+
+typedef struct CB_FUNCTIONS2 {
+    CB_DEBUGPRINTPROC DebugPrint;
+    CB_DOEVENTSPROC DoEvents;
+    CB_MAPMACRONAMEPROC MapMacroName;
+    CB_NOTIFYPROC Notify;
+    CB_READMACROPROC ReadMacro;
+    CB_WINDOWPROC Window;
+} CB_FUNCTIONS2;
+
+/* A callback object (one reference) over the functions; the fallback, when given, is held. */
+BRANNOC_API IDispatch* __stdcall CB_CreateCallBack(IDispatch* fallback, const CB_FUNCTIONS* functions, void* userData);
+BRANNOC_API IDispatch* __stdcall CB_CreateCallBack2(IDispatch* fallback, const CB_FUNCTIONS2* functions, void* userData);
+/* Destroy functions of the adapters behind CB_CreateCallBack and CB_CreateCallBack2. */
+BRANNOC_API void __stdcall OA_DestroyCallBack(void* adapter, void* unused);
+BRANNOC_API void __stdcall OA_DestroyCallBack2(void* adapter, void* unused);
+/* Calls of a callback's members by name; a missing required member is reported as OA_Invoke reports. */
+BRANNOC_API void __stdcall CB_DebugPrintA(IDispatch* callBack, IDispatch* engine, LPCSTR text);
+BRANNOC_API void __stdcall CB_DebugPrintW(IDispatch* callBack, IDispatch* engine, LPCWSTR text);
+BRANNOC_API void __stdcall CB_DoEvents(IDispatch* callBack, IDispatch* engine);
+BRANNOC_API void __stdcall CB_Notify(IDispatch* callBack, IDispatch* engine, LONG code);
+BRANNOC_API BSTR __stdcall CB_ReadMacroA(IDispatch* callBack, IDispatch* engine, LPCSTR macroName);
+BRANNOC_API BSTR __stdcall CB_ReadMacroW(IDispatch* callBack, IDispatch* engine, LPCWSTR macroName);
+/* The callback's MapMacroName answer, or a copy of the name when it has no such member. */
+BRANNOC_API BSTR __stdcall CB_MapMacroNameA(IDispatch* callBack, IDispatch* engine, LPCSTR macroName, LPCSTR baseName);
+BRANNOC_API BSTR __stdcall CB_MapMacroNameW(IDispatch* callBack, IDispatch* engine, LPCWSTR macroName, LPCWSTR baseName);
+BRANNOC_API LONG __stdcall CB_Window(IDispatch* callBack);
+/* Raises "Declare is not implemented." (10160) in the running macro; answers 0. */
+BRANNOC_API LONG __stdcall KZ_CallProcError(void);
+
+/* ---- Engine objects through exported functions (CU_ family) ----
+ * unit is the handle CU_CreateCodeUnit answered. A null handle or a failed member is reported in a
+ * task-modal box; the result is then 0, null or FALSE. Texts are ANSI; text results are freed with
+ * OA_SysFreeStringA, objects with OA_Release. 16-bit values are passed in 32-bit slots. */
+BRANNOC_API IDispatch* __stdcall CU_CallBack(void* unit);
+BRANNOC_API BSTR __stdcall CU_Caption(void* unit);
+BRANNOC_API void __stdcall CU_CaptionPut(void* unit, LPCSTR caption);
+BRANNOC_API BOOL __stdcall CU_Continue(void* unit);
+BRANNOC_API BOOL __stdcall CU_DoEvents(void* unit);
+BRANNOC_API void __stdcall CU_DoEventsPut(void* unit, BOOL on);
+BRANNOC_API BSTR __stdcall CU_ErrorDesc(void* unit);
+BRANNOC_API void __stdcall CU_ErrorDescPut(void* unit, LPCSTR description);
+BRANNOC_API LONG __stdcall CU_ErrorHelpContext(void* unit);
+BRANNOC_API BSTR __stdcall CU_ErrorHelpFile(void* unit);
+BRANNOC_API SHORT __stdcall CU_ErrorLimit(void* unit);
+BRANNOC_API void __stdcall CU_ErrorLimitPut(void* unit, LONG limit);
+BRANNOC_API BSTR __stdcall CU_ErrorLine(void* unit);
+BRANNOC_API SHORT __stdcall CU_ErrorLineNum(void* unit);
+BRANNOC_API BSTR __stdcall CU_ErrorMacroName(void* unit);
+BRANNOC_API LONG __stdcall CU_ErrorNumber(void* unit);
+BRANNOC_API SHORT __stdcall CU_ErrorOffset(void* unit);
+BRANNOC_API BSTR __stdcall CU_ErrorSource(void* unit);
+BRANNOC_API BOOL __stdcall CU_Evaluating(void* unit);
+BRANNOC_API BOOL __stdcall CU_Halt(void* unit);
+BRANNOC_API BOOL __stdcall CU_HaltAll(void* unit);
+BRANNOC_API BSTR __stdcall CU_HelpFile(void* unit);
+BRANNOC_API BOOL __stdcall CU_IsActive(void* unit);
+BRANNOC_API BOOL __stdcall CU_IsIdle(void* unit);
+BRANNOC_API BOOL __stdcall CU_IsMacro(void* unit, LPCSTR macroName);
+BRANNOC_API BOOL __stdcall CU_IsMacroActive(void* unit, LPCSTR macroName);
+BRANNOC_API BOOL __stdcall CU_IsPaused(void* unit);
+BRANNOC_API BOOL __stdcall CU_IsStopped(void* unit);
+BRANNOC_API BOOL __stdcall CU_Load(void* unit, LPCSTR macroName);
+BRANNOC_API BSTR __stdcall CU_LoadedMacroName(void* unit, LONG index);
+BRANNOC_API BSTR __stdcall CU_MacroName(void* unit);
+BRANNOC_API BOOL __stdcall CU_Rename(void* unit, LPCSTR oldMacroName, LPCSTR newMacroName);
+BRANNOC_API BOOL __stdcall CU_Run(void* unit, LONG depth);
+BRANNOC_API void __stdcall CU_SetCallBack(void* unit, IDispatch* callBack);
+BRANNOC_API BOOL __stdcall CU_Shutdown(void* unit);
+BRANNOC_API SHORT __stdcall CU_StackDepth(void* unit);
+BRANNOC_API void __stdcall CU_StackDepthPut(void* unit, LONG depth);
+BRANNOC_API BOOL __stdcall CU_Start(void* unit, LPCSTR macroName);
+BRANNOC_API BOOL __stdcall CU_Step(void* unit);
+BRANNOC_API BOOL __stdcall CU_Stop(void* unit);
+BRANNOC_API BOOL __stdcall CU_Unload(void* unit, LPCSTR macroName);
+BRANNOC_API BSTR __stdcall CU_Version(void* unit);
+
 #ifdef __cplusplus
 }
 #endif
