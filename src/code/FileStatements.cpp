@@ -70,11 +70,20 @@ bool FileStatement::Step(ExecEntry& entry)
     ValueStack& values = context.interpreter->Values();
     const std::size_t first = values.Size() - static_cast<std::size_t>(m_count);
     Variant* args = m_count > 0 ? &values.At(first) : nullptr;
-    if (!Perform(context, args))
+    const bool performed = Perform(context, args);
+    if (!WriteBack(context) || !performed)
         return Fail(context, entry);
     values.CutBack(first);
     entry.state = ExecEntry::kFinished;
     return true;
+}
+
+bool FileStatement::WriteBack(const RunContext& context)
+{
+    if (m_writeBack.IsEmpty())
+        return true;
+    int pc = 0;
+    return RunExpression(context, m_writeBack, pc) == EvalStatus::kDone;
 }
 
 bool OpenStatement::Perform(const RunContext&, Variant* args)
@@ -132,10 +141,10 @@ bool StreamInputStatement::Perform(const RunContext& context, Variant* args)
     FileStream* stream = StreamOf(args[0]);
     if (!stream)
         return false;
-    for (const VariableRef& target : m_targets) {
+    for (const FileTarget& target : m_targets) {
         Variant field;
-        if (!ReadInputField(*stream, FieldTargetOf(target.type), field) ||
-            !StoreVariableTaking(context, target, field))
+        if (!ReadInputField(*stream, FieldTargetOf(target.variable.type), field) ||
+            !StoreVariableTaking(context, target.variable, field))
             return false;
     }
     return true;
@@ -145,7 +154,7 @@ bool LineInputStatement::Perform(const RunContext& context, Variant* args)
 {
     FileStream* stream = StreamOf(args[0]);
     Variant line;
-    return stream && ReadStreamLine(*stream, line) && StoreVariableTaking(context, m_target, line);
+    return stream && ReadStreamLine(*stream, line) && StoreVariableTaking(context, m_target.variable, line);
 }
 
 bool TransferStatement::Perform(const RunContext& context, Variant* args)
@@ -165,13 +174,15 @@ bool TransferStatement::Perform(const RunContext& context, Variant* args)
             return RaiseValueError(kErrorInvalidArgument);
         SeekStream(*stream, position);
     }
-    VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
+    const VariableRef& target = m_target.variable;
+    VARIANT* storage = m_target.recordInPlace ? &args[m_hasPosition ? 2 : 1].Raw()
+                                              : StorageOf(context, target.scope, target.index, target.module);
     if (!storage)
         return false;
     const bool random = stream->Mode() == StreamMode::kRandom;
     if (random)
         stream->SetPosition(static_cast<long long>(stream->CurrentRecord() - 1) * stream->RecordLength());
-    if (!(m_put ? PutVariable(*stream, *storage, m_target.type) : GetVariable(*stream, *storage, m_target.type)))
+    if (!(m_put ? PutVariable(*stream, *storage, target.type) : GetVariable(*stream, *storage, target.type)))
         return false;
     if (random)
         SeekStream(*stream, stream->CurrentRecord() + 1);

@@ -9,9 +9,23 @@
 
 namespace brannoc {
 
+// What Input #, Line Input #, Get and Put read into or write from: a variable, or the hidden slot that
+// holds a copy of an array element or record field while the statement runs (its reference is among
+// the statement's values, and the statement's write-back code returns it to its place), or, for Get and
+// Put, a record element or field referred to where it lives (its reference is the last value).
+struct FileTarget {
+    VariableRef variable;
+    bool throughSlot = false;
+    bool recordInPlace = false;
+};
+
 class FileStatement : public Statement {
 public:
     FileStatement(Expression code, int count) : m_code(std::move(code)), m_count(count) {}
+    FileStatement(Expression code, Expression writeBack, int count)
+        : m_code(std::move(code)), m_writeBack(std::move(writeBack)), m_count(count)
+    {
+    }
     [[nodiscard]] bool Step(ExecEntry& entry) override;
 
 protected:
@@ -19,9 +33,22 @@ protected:
     [[nodiscard]] virtual bool Perform(const RunContext& context, Variant* args) = 0;
 
 private:
+    // Returns the elements and fields read into hidden slots to their places, also after a failing
+    // statement (a slot not filled holds the value copied from its place). False after raising.
+    [[nodiscard]] bool WriteBack(const RunContext& context);
     Expression m_code;
+    Expression m_writeBack;
     int m_count;
 };
+
+// The number of values the code of targets leaves: one reference for each element or field.
+inline int SlotCount(const std::vector<FileTarget>& targets)
+{
+    int count = 0;
+    for (const FileTarget& target : targets)
+        count += target.throughSlot || target.recordInPlace ? 1 : 0;
+    return count;
+}
 
 // Open name For mode [Access access] [lock] As [#]n [Len = length]: values name, number [, length].
 class OpenStatement final : public FileStatement {
@@ -68,38 +95,42 @@ private:
 // Input # n, variables: one field for each variable.
 class StreamInputStatement final : public FileStatement {
 public:
-    StreamInputStatement(Expression code, std::vector<VariableRef> targets)
-        : FileStatement(std::move(code), 1), m_targets(std::move(targets))
+    StreamInputStatement(Expression code, Expression writeBack, std::vector<FileTarget> targets)
+        : FileStatement(std::move(code), std::move(writeBack), 1 + SlotCount(targets)), m_targets(std::move(targets))
     {
     }
 
 private:
     bool Perform(const RunContext& context, Variant* args) override;
-    std::vector<VariableRef> m_targets;
+    std::vector<FileTarget> m_targets;
 };
 
 // Line Input # n, variable.
 class LineInputStatement final : public FileStatement {
 public:
-    LineInputStatement(Expression code, VariableRef target) : FileStatement(std::move(code), 1), m_target(target) {}
+    LineInputStatement(Expression code, Expression writeBack, FileTarget target)
+        : FileStatement(std::move(code), std::move(writeBack), target.throughSlot ? 2 : 1), m_target(target)
+    {
+    }
 
 private:
     bool Perform(const RunContext& context, Variant* args) override;
-    VariableRef m_target;
+    FileTarget m_target;
 };
 
 // Get and Put [#]n, [position], variable: values number [, position].
 class TransferStatement final : public FileStatement {
 public:
-    TransferStatement(Expression code, int count, VariableRef target, bool put)
-        : FileStatement(std::move(code), count), m_hasPosition(count == 2), m_target(target), m_put(put)
+    TransferStatement(Expression code, Expression writeBack, int count, FileTarget target, bool put)
+        : FileStatement(std::move(code), std::move(writeBack), count + (target.throughSlot || target.recordInPlace ? 1 : 0)),
+          m_hasPosition(count == 2), m_target(target), m_put(put)
     {
     }
 
 private:
     bool Perform(const RunContext& context, Variant* args) override;
     bool m_hasPosition;
-    VariableRef m_target;
+    FileTarget m_target;
     bool m_put;
 };
 

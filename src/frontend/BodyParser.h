@@ -15,6 +15,10 @@
 #include <unordered_map>
 #include <vector>
 
+namespace brannoc {
+struct FileTarget;
+}
+
 namespace brannoc::body {
 
 // The compiler shares the run-time message "Wrong number of parameters." for calls with too many arguments.
@@ -215,6 +219,9 @@ private:
     const UserType* FindUserType(std::string_view name) const;
     // The run-time record type of a user-defined type (null for none).
     static IRecordInfo* RecordInfoOf(const UserType* userType);
+    // Makes last (an element or record-path load) copy its value into a new hidden slot and push a
+    // reference to the slot; returns the op that stores the slot back into the place it came from.
+    ExprOp ThroughHiddenSlot(ExprOp& last, ExprOpCode argumentCode, ExprOpCode writeBackCode);
     // An argument for a by-reference parameter: a variable, or a record named by an element access,
     // is passed as a reference; any other expression as its value.
     void PassByReference(Expression& argument, bool simple, ParsedArguments& parsed);
@@ -249,7 +256,11 @@ private:
     // "#" (required or optional) and a stream number expression, appended to code.
     [[nodiscard]] bool ParseStreamNumber(Expression& code, bool hashRequired);
     // The variable an Input #, Line Input #, Get or Put statement reads into or writes from.
-    [[nodiscard]] bool ParseFileTarget(VariableRef& target);
+    // The variable, array element or record field an Input #, Line Input #, Get or Put reads or writes; an
+    // element or field appends the code of its place to code and the op returning it to writeBack; with
+    // recordsInPlace, a record element or field is taken by reference.
+    [[nodiscard]] bool ParseFileTarget(FileTarget& target, Expression& code, Expression& writeBack,
+                                       bool recordsInPlace = false);
     // Whether a Line or Name at the line's start begins its statement (not a variable or procedure).
     bool AtFileStatementWord(Token word) const;
     StatementPtr ParseOpen();

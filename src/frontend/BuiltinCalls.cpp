@@ -133,6 +133,11 @@ bool BodyParser::ParseBuiltinCall(const BuiltinRecord& called, TypeCode suffix, 
     if (m_lexer.Kind() == Token::LeftParen && (!statement || ParenthesisedToEnd())) {
         parenthesised = true;
         m_lexer.NextToken();
+        // Clipboard with a text is the instruction that sets it: its function form only reads.
+        if (!statement && record.keyword == Token::Clipboard && m_lexer.Kind() != Token::RightParen) {
+            m_lexer.SignalError(CompileMessage::SubsCantBeUsedInExpressions, name);
+            return false;
+        }
     }
     std::vector<std::optional<Expression>> arguments;
     if ((parenthesised || statement) && !ParseBuiltinArguments(record, parenthesised, arguments))

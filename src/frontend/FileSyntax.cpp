@@ -25,9 +25,52 @@ bool BodyParser::ParseStreamNumber(Expression& code, bool hashRequired)
     return true;
 }
 
-bool BodyParser::ParseFileTarget(VariableRef& target)
+bool BodyParser::ParseFileTarget(FileTarget& target, Expression& code, Expression& writeBack, bool recordsInPlace)
 {
-    return ReadExistingVariable(target, CompileMessage::ExpectingAVarName);
+    const bool simpleName = IsNameToken(m_lexer.Kind()) && [this] {
+        const char* after = m_lexer.TokenEnd();
+        if (*after && std::string_view("%&!#@$").find(*after) != std::string_view::npos)
+            ++after; // a type suffix
+        const char next = *SkipBlanks(after);
+        return next != '(' && next != '.';
+    }();
+    if (simpleName || (m_lexer.Kind() != Token::Dot && !IsNameToken(m_lexer.Kind())))
+        return ReadExistingVariable(target.variable, CompileMessage::ExpectingAVarName);
+    // An array element or a record field: as for a by-reference argument, its value is copied into a
+    // hidden slot that the statement reads or fills, and the slot goes back to its place afterwards.
+    const char* start = m_lexer.TokenStart();
+    Expression place;
+    bool simple = false;
+    if (!ParseExpression(place, &simple))
+        return false;
+    ExprOp* last = place.ops.empty() ? nullptr : &place.ops.back();
+    // Get and Put move a whole record (an element of an array of records, or a record inside one) where
+    // it lives, through the reference a by-reference argument would pass.
+    if (recordsInPlace && last && !simple && last->code == ExprOpCode::kLoadPath && place.type.IsUserType() &&
+        !place.type.IsArray()) {
+        last->code = ExprOpCode::kRefPath;
+        target.variable.type = place.type;
+        target.recordInPlace = true;
+        code.Append(place);
+        return true;
+    }
+    const bool element = last && !simple && m_expressionIsElement && !place.type.IsArray() &&
+                         !place.type.IsUserType() &&
+                         (last->code == ExprOpCode::kElement || last->code == ExprOpCode::kLoadPath);
+    if (!element) {
+        m_lexer.SignalErrorAt(CompileMessage::ExpectingAVarName, {}, start);
+        return false;
+    }
+    const bool inRecord = last->code == ExprOpCode::kLoadPath;
+    writeBack.ops.push_back(
+        inRecord ? ThroughHiddenSlot(*last, ExprOpCode::kPathArgument, ExprOpCode::kPathWriteBack)
+                 : ThroughHiddenSlot(*last, ExprOpCode::kElementArgument, ExprOpCode::kElementWriteBack));
+    target.variable = VariableRef{};
+    target.variable.index = last->variable;
+    target.variable.type = last->type;
+    target.throughSlot = true;
+    code.Append(place);
+    return true;
 }
 
 BodyParser::StatementPtr BodyParser::ParseOpen()
@@ -149,14 +192,15 @@ BodyParser::StatementPtr BodyParser::ParseStreamInput()
     Expression code;
     if (!ParseStreamNumber(code, true) || !m_lexer.ExpectToken(Token::Comma))
         return nullptr;
-    std::vector<VariableRef> targets;
+    std::vector<FileTarget> targets;
+    Expression writeBack;
     do {
-        VariableRef target;
-        if (!ParseFileTarget(target))
+        FileTarget target;
+        if (!ParseFileTarget(target, code, writeBack))
             return nullptr;
         targets.push_back(target);
     } while (m_lexer.Accept(Token::Comma));
-    return std::make_unique<StreamInputStatement>(std::move(code), std::move(targets));
+    return std::make_unique<StreamInputStatement>(std::move(code), std::move(writeBack), std::move(targets));
 }
 
 BodyParser::StatementPtr BodyParser::ParseLineInput()
@@ -165,10 +209,12 @@ BodyParser::StatementPtr BodyParser::ParseLineInput()
     if (!m_lexer.ExpectToken(Token::Input))
         return nullptr;
     Expression code;
-    VariableRef target;
-    if (!ParseStreamNumber(code, true) || !m_lexer.ExpectToken(Token::Comma) || !ParseFileTarget(target))
+    Expression writeBack;
+    FileTarget target;
+    if (!ParseStreamNumber(code, true) || !m_lexer.ExpectToken(Token::Comma) ||
+        !ParseFileTarget(target, code, writeBack))
         return nullptr;
-    return std::make_unique<LineInputStatement>(std::move(code), target);
+    return std::make_unique<LineInputStatement>(std::move(code), std::move(writeBack), target);
 }
 
 BodyParser::StatementPtr BodyParser::ParseTransfer(bool put)
@@ -185,10 +231,11 @@ BodyParser::StatementPtr BodyParser::ParseTransfer(bool put)
         code.Append(position);
         count = 2;
     }
-    VariableRef target;
-    if (!m_lexer.ExpectToken(Token::Comma) || !ParseFileTarget(target))
+    FileTarget target;
+    Expression writeBack;
+    if (!m_lexer.ExpectToken(Token::Comma) || !ParseFileTarget(target, code, writeBack, true))
         return nullptr;
-    return std::make_unique<TransferStatement>(std::move(code), count, target, put);
+    return std::make_unique<TransferStatement>(std::move(code), std::move(writeBack), count, target, put);
 }
 
 BodyParser::StatementPtr BodyParser::ParseSeekStatement()

@@ -64,6 +64,18 @@ void BodyParser::PrefixTypedForm(Expression& argument)
     argument.ops.insert(argument.ops.begin(), typed);
 }
 
+ExprOp BodyParser::ThroughHiddenSlot(ExprOp& last, ExprOpCode argumentCode, ExprOpCode writeBackCode)
+{
+    last.code = argumentCode;
+    last.variable = m_code->AddSlot(last.type);
+    (void)m_code->AddSlot(TypeCode(TypeCode::kVariant));
+    ExprOp writeBack{writeBackCode};
+    writeBack.variable = last.variable;
+    writeBack.index = last.index;
+    writeBack.type = last.type;
+    return writeBack;
+}
+
 void BodyParser::PassByReference(Expression& argument, bool simple, ParsedArguments& parsed)
 {
     // A fixed-length string is never the same type as a parameter (parameters cannot be fixed-length):
@@ -74,14 +86,7 @@ void BodyParser::PassByReference(Expression& argument, bool simple, ParsedArgume
     // The value's copy in a hidden slot (and where it lives in the next one) stands for it during the
     // call; the write-back after the call returns it to its place.
     const auto throughHiddenSlot = [&](ExprOpCode argumentCode, ExprOpCode writeBackCode) {
-        last.code = argumentCode;
-        last.variable = m_code->AddSlot(last.type);
-        (void)m_code->AddSlot(TypeCode(TypeCode::kVariant));
-        ExprOp writeBack{writeBackCode};
-        writeBack.variable = last.variable;
-        writeBack.index = last.index;
-        writeBack.type = last.type;
-        parsed.writeBacks.push_back(writeBack);
+        parsed.writeBacks.push_back(ThroughHiddenSlot(last, argumentCode, writeBackCode));
     };
     if (simple) {
         last.code = ExprOpCode::kLoadRef;
