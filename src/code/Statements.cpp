@@ -457,13 +457,19 @@ bool AlignStatement::Step(ExecEntry& entry)
     case EvalStatus::kDone: break;
     }
     ValueStack& values = context.interpreter->Values();
-    Variant& source = values.Top();
-    if (source.Tag() != VT_BSTR && !ChangeType(source, VT_BSTR))
-        return Fail(context, entry);
     VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
     if (!storage)
         return Fail(context, entry);
     VARIANT* target = FollowByRefChain(storage);
+    // A record reaches here only inside a Variant (record variables are copied by their own
+    // statement); aligning it is not supported, whatever the source is.
+    if (target->vt == VT_RECORD) {
+        (void)context.interpreter->SignalError(10902);
+        return Fail(context, entry);
+    }
+    Variant& source = values.Top();
+    if (source.Tag() != VT_BSTR && !ChangeType(source, VT_BSTR))
+        return Fail(context, entry);
     if (target->vt != VT_BSTR) {
         (void)context.interpreter->SignalError(10080);
         return Fail(context, entry);
