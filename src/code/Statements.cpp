@@ -984,7 +984,7 @@ bool ForStatement::Step(ExecEntry& entry)
 {
     const RunContext context = Context();
     ValueStack& values = context.interpreter->Values();
-    // Part 0 is the start (assigned to the counter at once), part 1 the end, part 2 the step.
+    // Stage 0 runs the start (assigned to the counter at once), stage 1 the end, stage 2 the step.
     int part = PartOf(entry.state);
     int pc = PositionOf(entry.state);
     if (part == 0) {
