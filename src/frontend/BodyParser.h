@@ -4,6 +4,7 @@
 // and assignments, expressions, and name resolution.
 #include "frontend/BodyCompiler.h"
 #include "frontend/ConstantReader.h"
+#include "frontend/ReachedNames.h"
 #include "code/Statements.h"
 #include "library/BuiltinTable.h"
 
@@ -175,7 +176,8 @@ std::string_view BlockWord(BlockKind kind);
 class BodyParser final {
 public:
     BodyParser(Module& module, Procedure& procedure, Lexer& lexer)
-        : m_module(module), m_state(*module.State()), m_procedure(procedure), m_lexer(lexer)
+        : m_module(module), m_state(*module.State()), m_procedure(procedure), m_lexer(lexer),
+          m_reached(ReachedModules(module))
     {
     }
 
@@ -328,6 +330,9 @@ private:
     StatementPtr ParsePropertyAssignment(Procedure& property, AssignKind kind);
     const Module* ModuleOf(const Procedure& procedure) const;
     bool FindUsedVariable(const std::string& upperName, VariableRef& ref) const;
+    // Whether the name is an enumeration of this module or a public one of a module reached through
+    // '#Uses.
+    bool IsEnumName(const std::string& upperName) const;
     // An As type; a user-defined type's name gives kUserType and the type in userType (when asked for).
     [[nodiscard]] bool ReadType(TypeCode& type, const Module** classModule = nullptr,
                                 const UserType** userType = nullptr);
@@ -421,6 +426,8 @@ private:
     ParseState& m_state;
     Procedure& m_procedure;
     Lexer& m_lexer;
+    // The modules reached through '#Uses, whose public names this module sees (ReachedNames.h).
+    const std::vector<Module*> m_reached;
     CompiledProcedure* m_code = nullptr;
     std::unordered_map<std::string, LocalSymbol> m_locals;
     std::unordered_map<std::string, Label> m_labels;

@@ -1,4 +1,5 @@
 #include "frontend/Compiler.h"
+#include "frontend/ReachedNames.h"
 
 #include "frontend/CharClasses.h"
 #include "frontend/ConstantReader.h"
@@ -163,6 +164,11 @@ void Compiler::DeclarationPhases(Module& module, ParseResult& result)
 void Compiler::Definitions(Module& module, ParseResult& result)
 {
     if (module.State() != nullptr) {
+        // The records of the modules it reaches are laid out first, so that its variables and bodies
+        // can use their public types; the most distant modules first.
+        const std::vector<Module*> reached = ReachedModules(module);
+        for (auto other = reached.rbegin(); other != reached.rend(); ++other)
+            PrepareTypes(**other);
         m_compiling = true;
         TraceEntry("ParseDefinitions", module.Name());
         ParseDefinitions(module, result);
@@ -457,13 +463,23 @@ void Compiler::CheckEntry(Module& module, Procedure* procedure, bool mustBePriva
     (void)module;
 }
 
-void Compiler::ParseDefinitions(Module& module, ParseResult& result)
+void Compiler::PrepareTypes(Module& module)
 {
+    ParseState* state = module.State();
+    if (state == nullptr || state->typesPrepared)
+        return;
+    state->typesPrepared = true;
     m_lexer.SetText(module.Text().c_str(), module.Name());
-    ParseState& state = *module.State();
     DeclarationReader reader(m_lexer, module, &m_source, &Compiler::IsClassName, this);
     reader.ResolveTypes();
     reader.LayoutTypes();
+}
+
+void Compiler::ParseDefinitions(Module& module, ParseResult& result)
+{
+    PrepareTypes(module);
+    m_lexer.SetText(module.Text().c_str(), module.Name());
+    ParseState& state = *module.State();
     SetResultFromErrors(m_lexer, result);
     for (auto& procedure : state.procedures) {
         if (result != ParseResult::Okay || m_lexer.ErrorLimitReached() || m_lexer.MemoryExhausted())

@@ -53,6 +53,8 @@ public:
     void Uses(Module& module, ParseResult& result);
     void ParseDeclarations2(Module& module, ParseResult& result);
     void ParseDefinitions(Module& module, ParseResult& result);
+    // Resolves the module's type names and lays out its records, once.
+    void PrepareTypes(Module& module);
 
 private:
     void Report(const CompileError& error) override;

@@ -316,6 +316,12 @@ bool BodyParser::ReadType(TypeCode& type, const Module** classModule, const User
     const Token word = m_lexer.Kind();
     TypeCode code = TypeOfWord(word);
     if (code == TypeCode()) {
+        // An enumeration's name as a type stands for Long.
+        if (IsNameToken(word) && IsEnumName(UpperName(m_lexer.Text()))) {
+            type = TypeCode(TypeCode::kLong);
+            m_lexer.NextToken();
+            return true;
+        }
         if (const UserType* record = IsNameToken(word) ? FindUserType(m_lexer.Text()) : nullptr) {
             type = TypeCode(TypeCode::kUserType);
             if (userType)

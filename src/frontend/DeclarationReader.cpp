@@ -1,4 +1,5 @@
 #include "frontend/DeclarationReader.h"
+#include "frontend/ReachedNames.h"
 
 #include "frontend/CharClasses.h"
 #include "frontend/ConstantReader.h"
@@ -217,6 +218,19 @@ bool DeclarationReader::ResolveNamedType(TypeSpec& type)
     const auto found = m_state.names.find(UpperName(type.className));
     if (found != m_state.names.end() && found->second.kind == SymbolKind::UserType) {
         type.userType = m_state.userTypes[found->second.index].get();
+        type.code = TypeCode(static_cast<std::uint16_t>(TypeCode::kUserType | (type.code.Code() & ~TypeCode::kScalarMask)));
+        return true;
+    }
+    // An enumeration's name stands for Long.
+    const std::string key = UpperName(type.className);
+    const std::vector<Module*> reached = ReachedModules(m_module);
+    if ((found != m_state.names.end() && found->second.kind == SymbolKind::Enum) || IsReachedEnumName(reached, key)) {
+        type.code = TypeCode(static_cast<std::uint16_t>(TypeCode::kLong | (type.code.Code() & ~TypeCode::kScalarMask)));
+        type.className.clear();
+        return true;
+    }
+    if (UserType* used = FindReachedUserType(reached, key)) {
+        type.userType = used;
         type.code = TypeCode(static_cast<std::uint16_t>(TypeCode::kUserType | (type.code.Code() & ~TypeCode::kScalarMask)));
         return true;
     }

@@ -587,7 +587,12 @@ bool BodyParser::ParseNameValue(Expression& out, bool* simpleVariable)
                 return true;
             }
         }
-        // The language's own constants, unless the macro declared the name.
+        // Public constants of the modules reached through '#Uses, then the language's own constants,
+        // unless the macro declared the name.
+        if (ConstantValue used; found == m_state.names.end() && FindReachedConstant(m_reached, key, used)) {
+            AppendConstant(out, FromConstant(used));
+            return true;
+        }
         if (ConstantValue language; found == m_state.names.end() && FindLanguageConstant(key, language)) {
             AppendConstant(out, FromConstant(language));
             return true;

@@ -32,6 +32,9 @@ struct ParseState {
     std::vector<std::string> implements;
     // Upper-cased module-level names.
     std::unordered_map<std::string, SymbolRef> names;
+    // The second pass over type names and the record layout have run (they may run early, when a module
+    // that uses this one compiles its definitions first).
+    bool typesPrepared = false;
     int resumeLine = 1;
     Procedure* entry = nullptr;
     Procedure* terminate = nullptr;
@@ -108,6 +111,18 @@ public:
     const std::vector<std::unique_ptr<Variable>>& Variables() const
     {
         return m_state ? m_state->variables : m_compiled->variables;
+    }
+    const std::vector<std::unique_ptr<Constant>>& Constants() const
+    {
+        return m_state ? m_state->constants : m_compiled->constants;
+    }
+    const std::vector<std::unique_ptr<UserType>>& UserTypes() const
+    {
+        return m_state ? m_state->userTypes : m_compiled->userTypes;
+    }
+    const std::vector<std::unique_ptr<EnumType>>& Enums() const
+    {
+        return m_state ? m_state->enums : m_compiled->enums;
     }
     void FreeState() { m_state.reset(); }
     const CompiledModule* Compiled() const { return m_compiled.get(); }

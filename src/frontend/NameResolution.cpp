@@ -46,8 +46,9 @@ Procedure* BodyParser::FindProcedure(const std::string& upperName) const
             return nullptr;
         return m_state.procedures[found->second.index].get();
     }
-    // Public procedures of the plain modules named in '#Uses (class members are reached through objects).
-    for (Module* used : m_module.UsedModules()) {
+    // Public procedures of the plain modules reached through '#Uses (class members are reached through
+    // objects).
+    for (const Module* used : m_reached) {
         if (used->Kind() != ModuleKind::Plain)
             continue;
         const auto& procedures = used->Procedures();
@@ -59,24 +60,13 @@ Procedure* BodyParser::FindProcedure(const std::string& upperName) const
     return nullptr;
 }
 
-// Class modules are found among the modules this one uses, directly or through the modules they use.
+// Class modules are found among the modules this one reaches through '#Uses.
 const Module* BodyParser::FindClassModule(std::string_view name) const
 {
     // A class module may name its own class.
     if (m_module.Kind() != ModuleKind::Plain && SameName(name, m_module.RecordName()))
         return &m_module;
-    std::vector<const Module*> pending(m_module.UsedModules().begin(), m_module.UsedModules().end());
-    for (std::size_t i = 0; i < pending.size(); ++i) {
-        const Module* used = pending[i];
-        for (std::size_t j = 0; j < i; ++j) {
-            if (pending[j] == used) {
-                used = nullptr;
-                break;
-            }
-        }
-        if (!used)
-            continue;
-        pending.insert(pending.end(), used->UsedModules().begin(), used->UsedModules().end());
+    for (const Module* used : m_reached) {
         if (used->Kind() == ModuleKind::Plain)
             continue;
         std::string_view own = used->Name();
@@ -114,21 +104,8 @@ ObjectVariable BodyParser::ClassOfVariable(const std::string& upperName) const
     if (global != m_state.names.end()) {
         if (global->second.kind == SymbolKind::Variable)
             variable = m_state.variables[global->second.index].get();
-    } else {
-        for (Module* used : m_module.UsedModules()) {
-            if (used->Kind() != ModuleKind::Plain)
-                continue;
-            const auto& variables = used->Variables();
-            for (const auto& candidate : variables) {
-                if ((candidate->visibility == Visibility::Public || candidate->visibility == Visibility::Friend) &&
-                    UpperName(candidate->name) == upperName) {
-                    variable = candidate.get();
-                    break;
-                }
-            }
-            if (variable)
-                break;
-        }
+    } else if (std::size_t index = 0; const Module* used = FindReachedVariable(m_reached, upperName, index)) {
+        variable = used->Variables()[index].get();
     }
     if (variable && variable->bounds.empty()) {
         object.classModule = ClassOfType(variable->type);
@@ -155,7 +132,7 @@ Procedure* BodyParser::FindProperty(const std::string& upperName, ProcedureKind 
         if (procedure->kind == kind && UpperName(procedure->name) == upperName)
             return procedure.get();
     }
-    for (Module* used : m_module.UsedModules()) {
+    for (const Module* used : m_reached) {
         if (used->Kind() != ModuleKind::Plain)
             continue;
         const auto& procedures = used->Procedures();
@@ -174,7 +151,7 @@ const Module* BodyParser::ModuleOf(const Procedure& procedure) const
         if (own.get() == &procedure)
             return nullptr;
     }
-    for (Module* used : m_module.UsedModules()) {
+    for (const Module* used : m_reached) {
         const auto& procedures = used->Procedures();
         for (const auto& candidate : procedures) {
             if (candidate.get() == &procedure)
@@ -186,22 +163,27 @@ const Module* BodyParser::ModuleOf(const Procedure& procedure) const
 
 bool BodyParser::FindUsedVariable(const std::string& upperName, VariableRef& ref) const
 {
-    // Variables of class modules belong to their instances and are not reached by name.
-    for (Module* used : m_module.UsedModules()) {
-        if (used->Kind() != ModuleKind::Plain)
-            continue;
-        const auto& variables = used->Variables();
-        for (std::size_t i = 0; i < variables.size(); ++i) {
-            const Variable& variable = *variables[i];
-            if (variable.visibility != Visibility::Public && variable.visibility != Visibility::Friend)
-                continue;
-            if (UpperName(variable.name) == upperName) {
-                ref = VariableRef{StorageScope::Module, static_cast<int>(i), variable.type.code, used};
-                return true;
-            }
-        }
-    }
-    return false;
+    std::size_t index = 0;
+    Module* used = FindReachedVariable(m_reached, upperName, index);
+    if (!used)
+        return false;
+    ref = VariableRef{StorageScope::Module, static_cast<int>(index), used->Variables()[index]->type.code, used};
+    return true;
+}
+
+bool BodyParser::IsEnumName(const std::string& upperName) const
+{
+    auto found = m_state.names.find(upperName);
+    if (found != m_state.names.end())
+        return found->second.kind == SymbolKind::Enum;
+    return IsReachedEnumName(m_reached, upperName);
+}
+
+// A type suffix on a name agrees with the variable's type, or with its element type for an array
+// (`Dim words$(2)` is reached as `words$(0)` as well as `words(0)`).
+static bool SuffixMatches(TypeCode suffix, TypeCode type)
+{
+    return suffix == TypeCode() || suffix == type.Scalar();
 }
 
 bool BodyParser::ResolveVariable(const std::string& name, TypeCode suffix, VariableRef& ref, bool& found)
@@ -209,7 +191,7 @@ bool BodyParser::ResolveVariable(const std::string& name, TypeCode suffix, Varia
     const std::string key = UpperName(name);
     found = true;
     if (const LocalSymbol* local = FindLocal(key); local && local->kind == LocalKind::Variable) {
-        if (suffix != TypeCode() && suffix != local->ref.type) {
+        if (!SuffixMatches(suffix, local->ref.type)) {
             m_lexer.SignalErrorAt(CompileMessage::VarIsAlreadyDefinedAsADifferentType, name, m_namePosition);
             return false;
         }
@@ -223,7 +205,7 @@ bool BodyParser::ResolveVariable(const std::string& name, TypeCode suffix, Varia
             return false;
         }
         const Variable& variable = *m_state.variables[global->second.index];
-        if (suffix != TypeCode() && suffix != variable.type.code) {
+        if (!SuffixMatches(suffix, variable.type.code)) {
             m_lexer.SignalErrorAt(CompileMessage::VarIsAlreadyDefinedAsADifferentType, name, m_namePosition);
             return false;
         }
@@ -231,7 +213,7 @@ bool BodyParser::ResolveVariable(const std::string& name, TypeCode suffix, Varia
         return true;
     }
     if (FindUsedVariable(key, ref)) {
-        if (suffix != TypeCode() && suffix != ref.type) {
+        if (!SuffixMatches(suffix, ref.type)) {
             m_lexer.SignalErrorAt(CompileMessage::VarIsAlreadyDefinedAsADifferentType, name, m_namePosition);
             return false;
         }

@@ -10,10 +10,11 @@ namespace brannoc::body {
 
 const UserType* BodyParser::FindUserType(std::string_view name) const
 {
-    auto found = m_state.names.find(UpperName(name));
-    if (found == m_state.names.end() || found->second.kind != SymbolKind::UserType)
-        return nullptr;
-    return m_state.userTypes[found->second.index].get();
+    const std::string key = UpperName(name);
+    auto found = m_state.names.find(key);
+    if (found != m_state.names.end())
+        return found->second.kind == SymbolKind::UserType ? m_state.userTypes[found->second.index].get() : nullptr;
+    return FindReachedUserType(m_reached, key);
 }
 
 const UserType* BodyParser::UserTypeOf(const std::string& upperName) const
@@ -26,6 +27,9 @@ const UserType* BodyParser::UserTypeOf(const std::string& upperName) const
             return nullptr;
         return m_state.variables[global->second.index]->type.userType;
     }
+    std::size_t index = 0;
+    if (const Module* used = FindReachedVariable(m_reached, upperName, index))
+        return used->Variables()[index]->type.userType;
     return nullptr;
 }
 

@@ -1,0 +1,102 @@
+#include "frontend/ReachedNames.h"
+
+#include "frontend/CharClasses.h"
+
+#include <algorithm>
+
+namespace brannoc {
+
+std::vector<Module*> ReachedModules(Module& module)
+{
+    std::vector<Module*> reached;
+    std::vector<Module*> pending(module.UsedModules().begin(), module.UsedModules().end());
+    for (std::size_t i = 0; i < pending.size(); ++i) {
+        Module* used = pending[i];
+        if (used == &module || std::find(reached.begin(), reached.end(), used) != reached.end())
+            continue;
+        reached.push_back(used);
+        pending.insert(pending.end(), used->UsedModules().begin(), used->UsedModules().end());
+    }
+    return reached;
+}
+
+namespace {
+
+// Constants and variables are public only when declared so; types, enumerations and procedures unless
+// declared Private.
+bool IsPublicData(Visibility visibility)
+{
+    return visibility == Visibility::Public || visibility == Visibility::Friend;
+}
+
+} // namespace
+
+Module* FindReachedVariable(const std::vector<Module*>& reached, const std::string& upperName, std::size_t& index)
+{
+    // Variables of class modules belong to their instances and are not reached by name.
+    for (Module* used : reached) {
+        if (used->Kind() != ModuleKind::Plain)
+            continue;
+        const auto& variables = used->Variables();
+        for (std::size_t i = 0; i < variables.size(); ++i) {
+            if (IsPublicData(variables[i]->visibility) && UpperName(variables[i]->name) == upperName) {
+                index = i;
+                return used;
+            }
+        }
+    }
+    return nullptr;
+}
+
+bool FindReachedConstant(const std::vector<Module*>& reached, const std::string& upperName, ConstantValue& value)
+{
+    for (const Module* used : reached) {
+        if (used->Kind() != ModuleKind::Plain)
+            continue;
+        for (const auto& constant : used->Constants()) {
+            if (IsPublicData(constant->visibility) && UpperName(constant->name) == upperName) {
+                value = constant->value;
+                return true;
+            }
+        }
+        for (const auto& enumType : used->Enums()) {
+            if (enumType->visibility == Visibility::Private)
+                continue;
+            for (const Constant& member : enumType->members) {
+                if (UpperName(member.name) == upperName) {
+                    value = member.value;
+                    return true;
+                }
+            }
+        }
+    }
+    return false;
+}
+
+UserType* FindReachedUserType(const std::vector<Module*>& reached, const std::string& upperName)
+{
+    for (const Module* used : reached) {
+        if (used->Kind() != ModuleKind::Plain)
+            continue;
+        for (const auto& userType : used->UserTypes()) {
+            if (userType->visibility != Visibility::Private && UpperName(userType->name) == upperName)
+                return userType.get();
+        }
+    }
+    return nullptr;
+}
+
+bool IsReachedEnumName(const std::vector<Module*>& reached, const std::string& upperName)
+{
+    for (const Module* used : reached) {
+        if (used->Kind() != ModuleKind::Plain)
+            continue;
+        for (const auto& enumType : used->Enums()) {
+            if (enumType->visibility != Visibility::Private && UpperName(enumType->name) == upperName)
+                return true;
+        }
+    }
+    return false;
+}
+
+} // namespace brannoc

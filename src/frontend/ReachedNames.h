@@ -1,0 +1,23 @@
+#pragma once
+// The public names of the modules a module reaches through '#Uses: the modules it names, in the order of
+// those lines, then the ones they name in turn (breadth first), each once. Only plain modules have public
+// names reached this way; class and object modules are reached by their class names.
+#include "frontend/Module.h"
+
+#include <string>
+#include <vector>
+
+namespace brannoc {
+
+std::vector<Module*> ReachedModules(Module& module);
+
+// A public module-level variable of the reached modules: its module and index there, or null.
+Module* FindReachedVariable(const std::vector<Module*>& reached, const std::string& upperName, std::size_t& index);
+// A public constant or member of a public enumeration of the reached modules.
+bool FindReachedConstant(const std::vector<Module*>& reached, const std::string& upperName, ConstantValue& value);
+// A public user-defined type of the reached modules, or null.
+UserType* FindReachedUserType(const std::vector<Module*>& reached, const std::string& upperName);
+// Whether a public enumeration of the reached modules has that name.
+bool IsReachedEnumName(const std::vector<Module*>& reached, const std::string& upperName);
+
+} // namespace brannoc
