@@ -1,4 +1,5 @@
 #include "code/ProcedureBody.h"
+#include "code/TypeOfTest.h"
 
 #include "code/BuiltinCall.h"
 #include "code/ElementArguments.h"
@@ -197,6 +198,13 @@ bool StoreVariableTaking(const RunContext& context, const VariableRef& target, V
     const VARTYPE kind = StorageTag(target.type);
     return StorePlain(*storage, kind, value.Raw()) || StoreStringTaking(*storage, kind, value) ||
            StorageCell(kind).Store(*storage, value);
+}
+
+bool ResolveLetValue(Variant& value)
+{
+    if ((FollowByRefChain(&value.Raw())->vt & ~VT_BYREF) != VT_DISPATCH)
+        return true;
+    return Resolve(value);
 }
 
 bool ConditionIsTrue(Variant& value, bool& result)
@@ -410,6 +418,10 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             break;
         case ExprOpCode::kRecordSize:
             if (!ReplaceByRecordSize(context))
+                return EvalStatus::kFailed;
+            break;
+        case ExprOpCode::kTypeOf:
+            if (!ReplaceByTypeTest(context, op.classModule))
                 return EvalStatus::kFailed;
             break;
         case ExprOpCode::kRefPath:

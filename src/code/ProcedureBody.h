@@ -89,6 +89,8 @@ enum class ExprOpCode : std::uint8_t {
                        // copied into hidden slot `variable` (where it lives kept in slot `variable` + 1)
                        // and a reference to that slot replaces the path's indexes
     kPathWriteBack,    // after the call: the hidden slot `variable` goes back to the place of path `index`
+    kTypeOf,     // replace the object and the type name above it by whether the object is of that type
+                 // (`classModule`: the class module the name found at compile time, if any)
     kTypedValue, // push the value of typed form `index` of the procedure and skip the `count` ops after
                  // it; when the form gives up (or direct forms are off) those ops compute the value
 };
@@ -170,6 +172,9 @@ inline VARTYPE StorageTag(TypeCode type)
 // The same for a value that is discarded afterwards: a String moves into the variable instead of being
 // copied, and value may be left holding the variable's previous contents.
 [[nodiscard]] bool StoreVariableTaking(const RunContext& context, const VariableRef& target, Variant& value);
+// A Let assignment stores values, never objects: an object assigned to a Variant gives way to the value
+// of its default member (10080 when it has none).
+[[nodiscard]] bool ResolveLetValue(Variant& value);
 // The element of the array held by storage at the `count` indexes on top of the value stack (left to
 // right); null after raising an error. tag receives the element kind.
 void* ElementOf(const RunContext& context, VARIANT* storage, int count, VARTYPE& tag);

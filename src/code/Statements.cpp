@@ -206,6 +206,8 @@ bool AssignStatement::Step(ExecEntry& entry)
     case EvalStatus::kDone: break;
     }
     ValueStack& values = context.interpreter->Values();
+    if (m_target.type.IsVariant() && !ResolveLetValue(values.Top()))
+        return Fail(context, entry);
     const bool stored = StoreVariableTaking(context, m_target, values.Top());
     values.Pop();
     if (!stored)
@@ -357,6 +359,8 @@ bool AssignElementStatement::Step(ExecEntry& entry)
             return Fail(context, entry);
         return Finish(entry);
     }
+    if (m_letsValue && m_target.type.Scalar().IsVariant() && !ResolveLetValue(value))
+        return Fail(context, entry);
     VARTYPE tag = VT_EMPTY;
     void* element = storage ? ElementOf(context, storage, m_count, tag) : nullptr;
     if (!element || !StoreTypedElement(element, tag, m_target.type, value))

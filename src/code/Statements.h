@@ -90,8 +90,9 @@ private:
 // Integer, Long, Boolean or Double elements.
 class AssignElementStatement final : public Statement {
 public:
-    AssignElementStatement(Expression code, VariableRef target, int count, int valueStart)
-        : m_code(std::move(code)), m_target(target), m_count(count), m_valueStart(valueStart)
+    // `letsValue`: a Let (an object value gives way to its default member's value), not a Set.
+    AssignElementStatement(Expression code, VariableRef target, int count, int valueStart, bool letsValue)
+        : m_code(std::move(code)), m_target(target), m_count(count), m_valueStart(valueStart), m_letsValue(letsValue)
     {
     }
     [[nodiscard]] bool Execute() override;
@@ -107,6 +108,7 @@ private:
     VariableRef m_target;
     int m_count;
     int m_valueStart;
+    bool m_letsValue;
     enum class Direct : std::uint8_t { kUntried, kNone, kReady };
     Direct m_direct = Direct::kUntried;
     VARTYPE m_elementKind = VT_EMPTY;

@@ -301,6 +301,7 @@ private:
     [[nodiscard]] bool ParseName(Expression& out, bool* simpleVariable);
     // A name's value without the member selections that may follow it (m_factorClass: its class).
     [[nodiscard]] bool ParseNameValue(Expression& out, bool* simpleVariable);
+    [[nodiscard]] bool ParseTypeOf(Expression& out);
     [[nodiscard]] bool ParseCallArguments(Procedure& callee, Expression& out, ArgumentList list);
     [[nodiscard]] bool ParseArguments(Procedure& callee, ArgumentList list, std::size_t limit, ParsedArguments& parsed);
     [[nodiscard]] bool AppendArguments(Procedure& callee, const ParsedArguments& parsed, Expression& out);

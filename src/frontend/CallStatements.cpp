@@ -173,7 +173,8 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(AssignKind kind)
         const int valueStart = static_cast<int>(code.ops.size());
         if (!ParseExpression(code))
             return nullptr;
-        return std::make_unique<AssignElementStatement>(std::move(code), target, count, valueStart);
+        return std::make_unique<AssignElementStatement>(std::move(code), target, count, valueStart,
+                                                        kind != AssignKind::Set);
     }
     if (target.type.IsArray()) {
         if (kind == AssignKind::Set) {

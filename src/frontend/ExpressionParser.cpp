@@ -178,6 +178,13 @@ bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
             if (!types.empty())
                 types.back() = op.type;
             break;
+        case ExprOpCode::kTypeOf:
+            // The object and the type name give way to a Boolean.
+            if (types.size() >= 2)
+                types.pop_back();
+            if (!types.empty())
+                types.back() = op.type;
+            break;
         case ExprOpCode::kMemberCall:
             // The arguments and the result slot give way to the result; the object stays below it.
             types.resize(types.size() > static_cast<std::size_t>(op.count) ? types.size() - op.count - 1 : 0);
@@ -485,6 +492,7 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
         AppendModuleObject(out, ExprOpCode::kNew, *classModule);
         return true;
     }
+    case Token::TypeOf: return ParseTypeOf(out);
     case Token::Dot: {
         if (RecordWithBlock())
             return ParseRecordFactor(out, simpleVariable);
@@ -640,6 +648,11 @@ bool BodyParser::ParseNameValue(Expression& out, bool* simpleVariable)
         out.ops.push_back(element);
         out.type = element.type;
         m_factorIsElement = true;
+        // v(0)(1): an element that holds an array is indexed in turn; the result is a value.
+        if (m_lexer.Kind() == Token::LeftParen && out.type.IsVariant()) {
+            m_factorIsElement = false;
+            return ParseResultIndexes(out);
+        }
         return true;
     }
     AppendLoad(out, ref, object);
@@ -648,22 +661,73 @@ bool BodyParser::ParseNameValue(Expression& out, bool* simpleVariable)
     return true;
 }
 
+// TypeOf object Is Type, where Type is Object, a class or object module, or the name of an automation
+// object's type (optionally "Library.Type").
+bool BodyParser::ParseTypeOf(Expression& out)
+{
+    m_lexer.NextToken();
+    bool simpleVariable = false;
+    if (!ParseFactor(out, &simpleVariable))
+        return false;
+    if (!(out.type.IsObject() || out.type.IsVariant())) {
+        m_lexer.SignalError(CompileMessage::ExpectingAnObjectExpression);
+        return false;
+    }
+    if (!m_lexer.ExpectToken(Token::Is))
+        return false;
+    const Token word = m_lexer.Kind();
+    if (word != Token::Object && !IsNameToken(word)) {
+        m_lexer.SignalError(CompileMessage::ExpectingASpecificObjectType);
+        return false;
+    }
+    std::string typeName(m_lexer.Text());
+    m_lexer.NextToken();
+    if (word != Token::Object && m_lexer.Kind() == Token::Dot && m_lexer.PreviousFollowingChar() == '.') {
+        m_lexer.NextToken();
+        if (!IsNameToken(m_lexer.Kind())) {
+            m_lexer.SignalError(CompileMessage::ExpectingASpecificObjectType);
+            return false;
+        }
+        typeName += '.';
+        typeName.append(m_lexer.Text());
+        m_lexer.NextToken();
+    } else if (word != Token::Object && (IsEnumName(UpperName(typeName)) || FindUserType(typeName))) {
+        m_lexer.SignalError(CompileMessage::ExpectingASpecificObjectType, typeName);
+        return false;
+    }
+    Variant name;
+    if (!name.SetString(Widen(typeName))) {
+        m_lexer.SignalError(CompileMessage::OutOfMemory);
+        return false;
+    }
+    AppendConstant(out, std::move(name));
+    ExprOp test{ExprOpCode::kTypeOf};
+    test.type = TypeCode(TypeCode::kBoolean);
+    test.classModule = word == Token::Object ? nullptr : FindClassModule(typeName);
+    out.ops.push_back(test);
+    out.type = test.type;
+    m_factorClass = nullptr;
+    m_factorIsElement = false;
+    return true;
+}
+
 bool BodyParser::ParseResultIndexes(Expression& out)
 {
-    // Only a result that can hold an array takes indexes; anything else leaves "(" to the caller.
-    if (m_lexer.Kind() != Token::LeftParen || !(out.type.IsVariant() || out.type.IsArray()))
-        return true;
-    m_lexer.NextToken();
-    const TypeCode indexed = out.type;
-    int count = 0;
-    if (!ParseIndexes(out, count))
-        return false;
-    ExprOp element{ExprOpCode::kIndexValue};
-    element.count = count;
-    element.type = indexed.IsArray() ? indexed.Scalar() : TypeCode(TypeCode::kVariant);
-    out.ops.push_back(element);
-    out.type = element.type;
-    m_factorClass = nullptr;
+    // Only a result that can hold an array takes indexes; anything else leaves "(" to the caller. Each
+    // further argument list indexes the element the previous one gave (Array(Array(1, 2))(0)(1)).
+    while (m_lexer.Kind() == Token::LeftParen && (out.type.IsVariant() || out.type.IsArray())) {
+        m_lexer.NextToken();
+        const TypeCode indexed = out.type;
+        int count = 0;
+        if (!ParseIndexes(out, count))
+            return false;
+        ExprOp element{ExprOpCode::kIndexValue};
+        element.count = count;
+        element.type = indexed.IsArray() ? indexed.Scalar() : TypeCode(TypeCode::kVariant);
+        out.ops.push_back(element);
+        out.type = element.type;
+        m_factorClass = nullptr;
+    }
     return true;
 }
 
