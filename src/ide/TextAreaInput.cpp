@@ -254,11 +254,13 @@ void DragTo(TextAreaState& state, int x, int y)
 {
     TextDocument& document = *state.document;
     TextPosition position = state.view.PositionAt(document, x, y, !document.Overwrite());
+    TextPosition caret = document.Caret(), anchor = document.Anchor();
     if (state.drag == MouseDrag::Lines)
         SelectWholeLines(state, state.dragAnchorLine, position.line);
     else
         document.MoveCaret(position, true);
-    state.Refresh();
+    if (document.Caret() != caret || document.Anchor() != anchor)
+        state.Refresh();
 }
 
 void ButtonDown(TextAreaState& state, int x, int y, bool shift)
@@ -408,11 +410,17 @@ bool HandleInput(TextAreaState& state, UINT message, WPARAM wParam, LPARAM lPara
         state.Refresh();
         return true;
     }
-    case WM_MOUSEMOVE:
-        state.lastMouse = POINT{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
+    case WM_MOUSEMOVE: {
+        // The system also sends a move after scrolling and caret changes; only a real move counts, else
+        // a drag would feed itself.
+        POINT mouse{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
+        if (mouse.x == state.lastMouse.x && mouse.y == state.lastMouse.y)
+            return true;
+        state.lastMouse = mouse;
         if (state.drag != MouseDrag::None)
-            DragTo(state, state.lastMouse.x, state.lastMouse.y);
+            DragTo(state, mouse.x, mouse.y);
         return true;
+    }
     case WM_LBUTTONUP:
     case WM_CAPTURECHANGED:
         ButtonUp(state);
