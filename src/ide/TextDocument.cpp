@@ -165,7 +165,12 @@ bool TextDocument::Replace(const Replacement& change, ChangeKind kind, bool comm
 void TextDocument::ShiftMarks(int first, int oldLast, int newLast)
 {
     int delta = newLast - oldLast;
-    m_endOfDeclarations = -2;
+    // The end of the declarations depends on the lines up to the first procedure header only.
+    bool headerAdded = false;
+    for (int line = first; line <= newLast && !headerAdded; ++line)
+        headerAdded = (LineClassOf(line) & LineClass::ProcedureHeader) != 0;
+    if (m_firstHeader < 0 ? headerAdded : first <= m_firstHeader)
+        m_endOfDeclarations = -2;
     for (LineRange* range : {&m_currentStatement, &m_errorStatement}) {
         if (range->first < 0)
             continue;
@@ -390,8 +395,10 @@ int TextDocument::EndOfDeclarations()
     if (m_endOfDeclarations != -2)
         return m_endOfDeclarations;
     m_endOfDeclarations = -1;
+    m_firstHeader = -1;
     for (int line = 0; line < LineCount(); ++line) {
         if (LineClassOf(line) & LineClass::ProcedureHeader) {
+            m_firstHeader = line;
             int before = line - 1;
             while (before >= 0 && IsCommentOrEmpty(Line(before)))
                 --before;

@@ -140,6 +140,7 @@ private:
     bool m_tabsAsSpaces = false;
     bool m_overwrite = false;
     int m_endOfDeclarations = -2; // -2: not computed
+    int m_firstHeader = -1;       // the first procedure header found with it (-1: none)
     LineRange m_currentStatement, m_errorStatement;
     int m_firstVisibleLine = 0;
     int m_firstVisibleColumn = 0;

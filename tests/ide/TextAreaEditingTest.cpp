@@ -9,7 +9,7 @@ using EditingTest = TextAreaFixture;
 
 TEST_F(EditingTest, KeywordCaseIsCorrectedWhenTheCaretLeavesTheLine)
 {
-    SetText("\r\nother text");
+    SetText("\r\nqq zz");
     TypeText("dim s as string: s = \"if\" & [rem] ' dim");
     EXPECT_EQ(LineText(0), "dim s as string: s = \"if\" & [rem] ' dim") << "unchanged while typed on";
     Send(WM_KEYDOWN, VK_DOWN, 0);
@@ -17,15 +17,15 @@ TEST_F(EditingTest, KeywordCaseIsCorrectedWhenTheCaretLeavesTheLine)
     // Leaving by a click, and by losing the focus.
     TypeText(" rem end sub");
     Click(400, 0);
-    EXPECT_EQ(LineText(1), "other text Rem end sub");
+    EXPECT_EQ(LineText(1), "qq zz Rem end sub");
     GoTo(1, 0);
     TypeText("debug.print ");
     SetFocus(m_host);
-    EXPECT_EQ(LineText(1), "Debug.Print other text Rem end sub");
+    EXPECT_EQ(LineText(1), "Debug.Print qq zz Rem end sub");
     // A correction is no step of its own, and both typings on line 1 are one step: undo restores the
     // line as it was before the first.
     Send(EM_UNDO);
-    EXPECT_EQ(LineText(1), "other text");
+    EXPECT_EQ(LineText(1), "qq zz");
 }
 
 TEST_F(EditingTest, EnterIndentsLikeTheLineAbove)
