@@ -121,6 +121,7 @@ void ToggleOverwrite(TextAreaState& state)
     if (state.hasCaret) {
         DestroyCaret();
         CreateCaret(state.window, nullptr, document.Overwrite() ? state.view.CharWidth() : 2, state.view.LineHeight());
+        state.caretPoint = POINT{-1, -1};
         state.PlaceCaret();
         ShowCaret(state.window);
     }

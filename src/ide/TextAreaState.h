@@ -10,6 +10,13 @@ namespace brannoc::ide {
 
 enum class MouseDrag { None, Text, Lines };
 
+struct ScrollBarState {
+    int maximum = -1;
+    int page = 0;
+    int position = 0;
+    friend bool operator==(const ScrollBarState&, const ScrollBarState&) = default;
+};
+
 struct TextAreaState {
     HWND window = nullptr;
     TextAreaView view;
@@ -25,6 +32,8 @@ struct TextAreaState {
     MouseDrag drag = MouseDrag::None;
     int dragAnchorLine = 0;
     POINT lastMouse{};
+    POINT caretPoint{-1, -1};        // where the caret was last placed
+    ScrollBarState verticalBar, horizontalBar; // what the scroll bars were last given
     HCURSOR textCursor = nullptr;
     HCURSOR arrowCursor = nullptr;
     HCURSOR lineCursor = nullptr;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <tuple>
 
 namespace brannoc::ide {
 
@@ -286,6 +287,7 @@ LRESULT HandleEditMessage(TextAreaState& state, UINT message, WPARAM wParam, LPA
         if (GetFocus() == state.window) {
             CreateCaret(state.window, nullptr, 2, state.view.LineHeight());
             state.hasCaret = true;
+            state.caretPoint = POINT{-1, -1};
             ShowCaret(state.window);
         }
         state.Refresh(false);
@@ -470,6 +472,7 @@ LRESULT CALLBACK EditWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
         CreateCaret(window, nullptr, state->document->Overwrite() ? state->view.CharWidth() : 2,
                     state->view.LineHeight());
         state->hasCaret = true;
+        state->caretPoint = POINT{-1, -1};
         state->PlaceCaret();
         ShowCaret(window);
         InvalidateRect(window, nullptr, FALSE);
@@ -513,16 +516,22 @@ void TextAreaState::EnsureCaretVisible()
 
 void TextAreaState::UpdateScrollBars()
 {
+    // Setting a scroll bar redraws it at once, so only changed values are passed on.
     TextDocument& doc = *document;
-    SCROLLINFO info{sizeof(SCROLLINFO), SIF_RANGE | SIF_PAGE | SIF_POS | SIF_DISABLENOSCROLL, 0, 0, 0, 0, 0};
-    info.nMax = doc.LineCount() - 1 + view.VisibleLines() - 1;
-    info.nPage = static_cast<UINT>(view.VisibleLines());
-    info.nPos = doc.FirstVisibleLine();
-    SetScrollInfo(window, SB_VERT, &info, TRUE);
-    info.nMax = TextDocument::kMaxScrollColumn + view.VisibleColumns() - 1;
-    info.nPage = static_cast<UINT>(view.VisibleColumns());
-    info.nPos = doc.FirstVisibleColumn();
-    SetScrollInfo(window, SB_HORZ, &info, TRUE);
+    ScrollBarState vertical{doc.LineCount() - 1 + view.VisibleLines() - 1, view.VisibleLines(), doc.FirstVisibleLine()};
+    ScrollBarState horizontal{TextDocument::kMaxScrollColumn + view.VisibleColumns() - 1, view.VisibleColumns(),
+                              doc.FirstVisibleColumn()};
+    for (auto [bar, wanted, shown] : {std::tuple{SB_VERT, vertical, &verticalBar},
+                                      std::tuple{SB_HORZ, horizontal, &horizontalBar}}) {
+        if (wanted == *shown)
+            continue;
+        SCROLLINFO info{sizeof(SCROLLINFO), SIF_RANGE | SIF_PAGE | SIF_POS | SIF_DISABLENOSCROLL, 0, 0, 0, 0, 0};
+        info.nMax = wanted.maximum;
+        info.nPage = static_cast<UINT>(wanted.page);
+        info.nPos = wanted.position;
+        SetScrollInfo(window, bar, &info, TRUE);
+        *shown = wanted;
+    }
 }
 
 void TextAreaState::PlaceCaret()
@@ -530,6 +539,9 @@ void TextAreaState::PlaceCaret()
     if (!hasCaret)
         return;
     POINT point = view.PointOf(*document, document->Caret());
+    if (point.x == caretPoint.x && point.y == caretPoint.y)
+        return;
+    caretPoint = point;
     SetCaretPos(point.x, point.y);
 }
 
