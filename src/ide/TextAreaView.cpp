@@ -71,6 +71,24 @@ private:
     HGDIOBJ m_old;
 };
 
+// Owns a GDI object; declared before the ScopedObject that selects it, so that it is deleted only
+// after being deselected.
+class GdiObject final {
+public:
+    explicit GdiObject(HGDIOBJ object) : m_object(object) {}
+    ~GdiObject()
+    {
+        if (m_object)
+            DeleteObject(m_object);
+    }
+    GdiObject(const GdiObject&) = delete;
+    GdiObject& operator=(const GdiObject&) = delete;
+    HGDIOBJ Get() const { return m_object; }
+
+private:
+    HGDIOBJ m_object;
+};
+
 void FillSolid(HDC dc, const RECT& rect, COLORREF colour)
 {
     SetBkColor(dc, colour);
@@ -157,12 +175,10 @@ void TextAreaView::PaintMargin(HDC dc, int line, int y, TextDocument& document, 
     FillSolid(dc, divider, kSeparatorColour);
     int size = m_lineHeight;
     if (document.BreakPoint(line) && !colours.IsOff(EditorColour::BreakPoint)) {
-        HBRUSH brush = CreateSolidBrush(colours.Resolve(EditorColour::BreakPoint));
-        HPEN pen = CreatePen(PS_SOLID, 1, colours.Resolve(EditorColour::BreakPoint));
-        ScopedObject selectBrush(dc, brush), selectPen(dc, pen);
+        GdiObject brush(CreateSolidBrush(colours.Resolve(EditorColour::BreakPoint)));
+        GdiObject pen(CreatePen(PS_SOLID, 1, colours.Resolve(EditorColour::BreakPoint)));
+        ScopedObject selectBrush(dc, brush.Get()), selectPen(dc, pen.Get());
         Ellipse(dc, 2, y + 2, size - 2, y + size - 2);
-        DeleteObject(pen);
-        DeleteObject(brush);
     }
     if (document.CurrentStatement().first == line && !colours.IsOff(EditorColour::CurrentStatement)) {
         // An arrow pointing right: a shaft from the left and a head reaching the margin's right side.
@@ -170,12 +186,10 @@ void TextAreaView::PaintMargin(HDC dc, int line, int y, TextDocument& document, 
         int shaftTop = middle - size / 6, shaftBottom = middle + size / 6, head = size / 2;
         POINT arrow[7] = {{2, shaftTop}, {head, shaftTop}, {head, top}, {size - 2, middle},
                           {head, bottom}, {head, shaftBottom}, {2, shaftBottom}};
-        HBRUSH brush = CreateSolidBrush(colours.Resolve(EditorColour::CurrentStatement));
-        HPEN pen = CreatePen(PS_SOLID, 1, colours.Resolve(EditorColour::Text));
-        ScopedObject selectBrush(dc, brush), selectPen(dc, pen);
+        GdiObject brush(CreateSolidBrush(colours.Resolve(EditorColour::CurrentStatement)));
+        GdiObject pen(CreatePen(PS_SOLID, 1, colours.Resolve(EditorColour::Text)));
+        ScopedObject selectBrush(dc, brush.Get()), selectPen(dc, pen.Get());
         Polygon(dc, arrow, 7);
-        DeleteObject(pen);
-        DeleteObject(brush);
     }
 }
 
@@ -217,8 +231,8 @@ void TextAreaView::PaintLine(HDC dc, int line, int y, TextDocument& document, co
     int left = TextLeft() - scroll;
     RECT gap{DividerX() + 1, y, TextLeft(), y + m_lineHeight};
     int right = left;
-    HRGN clip = CreateRectRgn(TextLeft(), y, m_width > 0 ? std::max<int>(m_width, TextLeft()) : 32767, y + m_lineHeight);
-    SelectClipRgn(dc, clip);
+    GdiObject clip(CreateRectRgn(TextLeft(), y, m_width > 0 ? std::max<int>(m_width, TextLeft()) : 32767, y + m_lineHeight));
+    SelectClipRgn(dc, static_cast<HRGN>(clip.Get()));
     for (const ColourRun& run : runs) {
         int shownStart = layout.shownColumn[run.start], shownEnd = layout.shownColumn[run.end];
         RECT box{left + ExtentOf(dc, layout, shownStart), y, left + ExtentOf(dc, layout, shownEnd), y + m_lineHeight};
@@ -231,7 +245,6 @@ void TextAreaView::PaintLine(HDC dc, int line, int y, TextDocument& document, co
     RECT rest{std::max(right, TextLeft()), y, std::max<int>(m_width, right) + 1, y + m_lineHeight};
     FillSolid(dc, rest, background);
     SelectClipRgn(dc, nullptr);
-    DeleteObject(clip);
     FillSolid(dc, gap, normalBackground);
 
     if ((document.LineClassOf(line) & LineClass::ProcedureEnd) || line == document.EndOfDeclarations()) {

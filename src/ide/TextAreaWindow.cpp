@@ -395,10 +395,10 @@ LRESULT HandleOwnMessage(TextAreaState& state, UINT message, WPARAM wParam, LPAR
     }
 }
 
-void Paint(TextAreaState& state)
+// Paints the whole client area into `dc` (the window's own DC while painting, or a caller's DC for
+// WM_PRINTCLIENT).
+void PaintInto(TextAreaState& state, HDC dc)
 {
-    PAINTSTRUCT paint;
-    HDC dc = BeginPaint(state.window, &paint);
     RECT client;
     GetClientRect(state.window, &client);
     // Painted off screen first so that a repaint does not flicker.
@@ -412,6 +412,13 @@ void Paint(TextAreaState& state)
     SelectObject(memory, old);
     DeleteObject(bitmap);
     DeleteDC(memory);
+}
+
+void Paint(TextAreaState& state)
+{
+    PAINTSTRUCT paint;
+    HDC dc = BeginPaint(state.window, &paint);
+    PaintInto(state, dc);
     EndPaint(state.window, &paint);
 }
 
@@ -461,6 +468,9 @@ LRESULT CALLBACK EditWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
         return 1;
     case WM_PAINT:
         Paint(*state);
+        return 0;
+    case WM_PRINTCLIENT:
+        PaintInto(*state, reinterpret_cast<HDC>(wParam));
         return 0;
     case WM_SIZE:
         state->view.SetClientSize(LOWORD(lParam), HIWORD(lParam));

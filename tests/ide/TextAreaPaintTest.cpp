@@ -179,6 +179,28 @@ TEST_F(PaintTest, TheOffValueSwitchesAClassOrAHighlightOff)
     EXPECT_FALSE(image.Contains(TextOf(11, 20), kCurrent));
 }
 
+TEST_F(PaintTest, PrintClientPaintsWhatTheScreenShows)
+{
+    Document().SetBreakPoint(5, true);
+    GoTo(2, 0);
+    WindowImage screen = Capture();
+    HDC windowDc = GetDC(m_textArea);
+    HDC memory = CreateCompatibleDC(windowDc);
+    HBITMAP bitmap = CreateCompatibleBitmap(windowDc, screen.Width(), screen.Height());
+    HGDIOBJ old = SelectObject(memory, bitmap);
+    Send(WM_PRINTCLIENT, reinterpret_cast<WPARAM>(memory), PRF_CLIENT);
+    int differing = 0;
+    for (int line : {1, 5, 8})
+        for (int x = 0; x < screen.Width(); x += 3)
+            for (int y = line * m_lineHeight; y < (line + 1) * m_lineHeight; ++y)
+                differing += GetPixel(memory, x, y) != screen.Pixel(x, y);
+    EXPECT_EQ(differing, 0);
+    SelectObject(memory, old);
+    DeleteObject(bitmap);
+    DeleteDC(memory);
+    ReleaseDC(m_textArea, windowDc);
+}
+
 TEST_F(PaintTest, ScreenshotOfASampleModule)
 {
     Send(ide::TAM_MARKERROR, 0, 7);
