@@ -1,0 +1,63 @@
+#pragma once
+// The per-window state of the text area, shared by its message handler, its input handling and its
+// clipboard support.
+#include "ide/TextArea.h"
+#include "ide/TextAreaView.h"
+
+#include <windows.h>
+
+namespace brannoc::ide {
+
+enum class MouseDrag { None, Text, Lines };
+
+struct ScrollBarState {
+    int maximum = -1;
+    int page = 0;
+    int position = 0;
+    friend bool operator==(const ScrollBarState&, const ScrollBarState&) = default;
+};
+
+struct TextAreaState {
+    HWND window = nullptr;
+    TextAreaView view;
+    TextDocument ownDocument;
+    TextDocument* document = &ownDocument;
+    EditorColours colours;
+    KeywordSets ownKeywords;
+    const KeywordSets* keywords = &ownKeywords;
+    HFONT ownFont = nullptr;
+    bool active = false;
+    bool hasCaret = false;
+    int wheelLines = 3;
+    MouseDrag drag = MouseDrag::None;
+    int dragAnchorLine = 0;
+    POINT lastMouse{};
+    POINT caretPoint{-1, -1};        // where the caret was last placed
+    ScrollBarState verticalBar, horizontalBar; // what the scroll bars were last given
+    HCURSOR textCursor = nullptr;
+    HCURSOR arrowCursor = nullptr;
+    HCURSOR lineCursor = nullptr;
+
+    bool ReadOnly() const { return (GetWindowLongA(window, GWL_STYLE) & ES_READONLY) != 0; }
+    // After any change of text, caret or scrolling: keep the caret visible (when asked), update the
+    // scroll bars, repaint and place the caret.
+    void Refresh(bool showCaret = true);
+    void EnsureCaretVisible();
+    void UpdateScrollBars();
+    void PlaceCaret();
+    void ScrollTo(int firstLine, int firstColumn);
+    // Refuses an edit in read-only mode with a beep.
+    bool CanEdit() const;
+    void PostCommand(int command) const;
+};
+
+// Input (keys, characters, mouse, wheel, scroll bars): answers true when the message was handled.
+bool HandleInput(TextAreaState& state, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
+// Clipboard messages and their key equivalents.
+void CopySelection(TextAreaState& state, bool cut);
+void PasteClipboard(TextAreaState& state);
+void ClearSelection(TextAreaState& state);
+// Wheel lines per notch as the system reports them.
+int QueryWheelScrollLines();
+
+} // namespace brannoc::ide
