@@ -43,6 +43,9 @@ bool ReadBox(BuiltinArguments& arguments, int first, DialogBox& box)
 
 bool IsEmptyArgument(BuiltinArguments& arguments, int index, bool& empty)
 {
+    empty = true;
+    if (!arguments.IsGiven(index))
+        return true;
     const Variant* value = nullptr;
     if (!arguments.Value(index, value))
         return false;
@@ -56,7 +59,9 @@ bool DefineDialog(BuiltinArguments& arguments, BuiltinResult&)
     const Variant* held = nullptr;
     if (!arguments.Value(kSlotArgument, slot) || !arguments.Value(kTemplateArgument, held))
         return false;
-    DialogTemplate* dialogTemplate = held->Tag() == VT_UNKNOWN ? DialogTemplate::From(held->Raw().punkVal) : nullptr;
+    const VARIANT* heldTemplate = FollowByRefChain(&held->Raw());
+    DialogTemplate* dialogTemplate =
+        heldTemplate->vt == VT_UNKNOWN ? DialogTemplate::From(heldTemplate->punkVal) : nullptr;
     if (!dialogTemplate || slot->Tag() != (VT_BYREF | VT_VARIANT))
         return Raise(10620);
     const int itemCount = static_cast<int>(dialogTemplate->items.size());

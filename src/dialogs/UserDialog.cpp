@@ -495,6 +495,8 @@ void UserDialog::OnCommand(int id, int code, HWND control)
 {
     if (m_inFunction || m_ended)
         return;
+    // A click moves the focus first: that change comes before the press.
+    NoteFocus();
     const int item = ItemOfId(id);
     if (item < 0 || (!control && id == IDCANCEL)) {
         // Esc without a CancelButton: the OKButton's press when there is one, else nothing.
