@@ -23,6 +23,7 @@
     X(WindowFunctions)            \
     X(DdeFunctions)               \
     X(DialogFunctions)            \
+    X(StandardDialogs)            \
     X(DateFunctions)
 
 namespace brannoc {
