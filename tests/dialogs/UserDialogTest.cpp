@@ -358,4 +358,113 @@ TEST(UserDialog, AStopWhileTheDialogIsUpAbandonsTheStatement)
     EXPECT_EQ(DialogRobot::FindDialog(), nullptr);
 }
 
+TEST(UserDialog, DefaultButtonTwoIsPressedByADoubleClickInAList)
+{
+    DialogRobot robot({[](HWND dialog) {
+        HWND list = Item(dialog, 0);
+        SendMessageW(list, LB_SETCURSEL, 1, 0);
+        SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(100, LBN_DBLCLK), reinterpret_cast<LPARAM>(list));
+        return true;
+    }});
+    auto result = RunProgram(JoinLines({
+        "Sub Main",
+        "    Dim names$(2)",
+        "    names(0) = \"a\": names(1) = \"b\": names(2) = \"c\"",
+        "    Begin Dialog UserDialog 240, 100",
+        "        ListBox 10, 10, 100, 60, names(), .Pick",
+        "        OKButton 130, 10, 50, 20",
+        "        PushButton 130, 34, 50, 20, \"First\"",
+        "        PushButton 130, 58, 50, 20, \"Second\"",
+        "        PushButton 130, 82, 50, 20, \"Third\"",
+        "    End Dialog",
+        "    Dim dlg As UserDialog",
+        "    Debug.Print Dialog(dlg, 2); dlg.Pick",
+        "End Sub",
+    }));
+    ASSERT_TRUE(result.compileErrors.empty()) << result.compileErrors[0].message;
+    EXPECT_TRUE(robot.Finished());
+    EXPECT_EQ(result.output, L"2%1%\r\n");
+}
+
+// A 2 by 2 red bitmap file with 24 bits per pixel.
+void WriteRedBitmap(const wchar_t* path)
+{
+    const unsigned char pixels[16] = {0, 0, 255, 0, 0, 255, 0, 0, 0, 0, 255, 0, 0, 255, 0, 0};
+    BITMAPFILEHEADER file{};
+    BITMAPINFOHEADER info{};
+    info.biSize = sizeof info;
+    info.biWidth = 2;
+    info.biHeight = 2;
+    info.biPlanes = 1;
+    info.biBitCount = 24;
+    file.bfType = 0x4D42;
+    file.bfOffBits = sizeof file + sizeof info;
+    file.bfSize = file.bfOffBits + sizeof pixels;
+    FILE* out = _wfopen(path, L"wb");
+    ASSERT_NE(out, nullptr);
+    fwrite(&file, sizeof file, 1, out);
+    fwrite(&info, sizeof info, 1, out);
+    fwrite(pixels, sizeof pixels, 1, out);
+    fclose(out);
+}
+
+TEST(UserDialog, PicturesShowTheBitmapOrTheMissingText)
+{
+    WriteRedBitmap(L"dialog_red.bmp");
+    COLORREF before = 0;
+    COLORREF after = 0;
+    DialogRobot robot({
+        [&](HWND dialog) {
+            HWND picture = Item(dialog, 0);
+            UpdateWindow(picture);
+            HDC dc = GetDC(picture);
+            RECT client;
+            GetClientRect(picture, &client);
+            before = GetPixel(dc, client.right / 2, client.bottom / 2);
+            ReleaseDC(picture, dc);
+            Click(Item(dialog, 1));
+            return true;
+        },
+        [&](HWND dialog) {
+            HWND picture = Item(dialog, 0);
+            UpdateWindow(picture);
+            HDC dc = GetDC(picture);
+            RECT client;
+            GetClientRect(picture, &client);
+            after = GetPixel(dc, client.right / 2, client.bottom / 2);
+            ReleaseDC(picture, dc);
+            Click(GetDlgItem(dialog, IDOK));
+            return true;
+        },
+    });
+    auto result = RunProgram(JoinLines({
+        "Function Handler(item$, action%, value%) As Boolean",
+        "    If action% <> 2 Or item$ <> \"Load\" Then Exit Function",
+        "    DlgSetPicture \"nofilebmp\", \"dialog_red.bmp\", 0",
+        "    On Error Resume Next",
+        "    DlgSetPicture 0, \"still-missing.bmp\", 16",
+        "    Debug.Print Err.Number",
+        "    DlgSetPicture 0, \"dialog_red.bmp\", 5",
+        "    Debug.Print Err.Number",
+        "    DlgSetPicture 0, \"dialog_red.bmp\", 0",
+        "    Handler = True",
+        "End Function",
+        "Sub Main",
+        "    Begin Dialog UserDialog 200, 100, \"Pictures\", .Handler",
+        "        Picture 10, 10, 80, 40, \"nofile.bmp\", 0",
+        "        PushButton 100, 10, 50, 20, \"Load\"",
+        "        OKButton 100, 40, 50, 20",
+        "    End Dialog",
+        "    Dim dlg As UserDialog",
+        "    Debug.Print Dialog(dlg)",
+        "End Sub",
+    }));
+    ASSERT_TRUE(result.compileErrors.empty()) << result.compileErrors[0].message;
+    EXPECT_TRUE(robot.Finished());
+    EXPECT_EQ(result.output, L"10620&\r\n10620&\r\n-1%\r\n");
+    EXPECT_NE(before, RGB(255, 0, 0));
+    EXPECT_EQ(after, RGB(255, 0, 0));
+    DeleteFileW(L"dialog_red.bmp");
+}
+
 } // namespace
