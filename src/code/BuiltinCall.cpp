@@ -131,9 +131,10 @@ bool RunBuiltinCall(const RunContext& context, const BuiltinCall& call, int& pc)
     Variant result;
     int chosen = -1;
     if (!InvokeBuiltin(record, arguments, result, chosen)) {
-        // An implementation fails only after raising; make sure the statement never ends silently. The
-        // call has no result, so the expression must not go on.
-        if (!HaltFlags::MustStop())
+        // An implementation fails only after raising, or when a stop of the macro abandoned it (a dialog
+        // that was up); make sure the statement never ends silently otherwise. The call has no result, so
+        // the expression must not go on.
+        if (!HaltFlags::MustStop() && !HaltFlags::Has(HaltFlags::kAction))
             (void)RaiseValueError(kErrorInvalidArgument);
         return false;
     }

@@ -73,6 +73,8 @@ public:
         (void)result;
         return false;
     }
+    // The engine's caption: the default title of the dialogs that macros show.
+    virtual std::wstring EngineCaption() const { return {}; }
     // The command text of the current run (what the language's Command gives).
     virtual std::wstring CommandText() const { return {}; }
     // The host's name for a macro name relative to the module named base (its MapMacroName); false when

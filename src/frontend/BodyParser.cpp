@@ -58,6 +58,7 @@ bool BodyParser::Compile()
 
     const int lastIndex = m_procedure.lineCount - 1;
     m_exitIndex = lastIndex;
+    ScanDialogType(m_procedure.firstLine + lastIndex);
     m_code->Append(std::make_unique<NoOperationStatement>())->SetListing(ListingOf(m_lexer.LineText()));
 
     const int endLine = m_procedure.firstLine + lastIndex;
@@ -267,6 +268,10 @@ BodyParser::StatementPtr BodyParser::ParseSegment()
     case Token::Dim: return ParseDim(false);
     case Token::Static: return ParseDim(true);
     case Token::Const: return ParseConst();
+    case Token::Begin:
+        if (AtDialogBlock())
+            return ParseBeginDialog();
+        return ParseSimple();
     default: return ParseSimple();
     }
 }

@@ -275,6 +275,17 @@ private:
     StatementPtr ParseLock(bool unlock);
     StatementPtr ParseNameStatement();
     StatementPtr ParseDim(bool isStatic);
+    // User dialogs (DialogSyntax.cpp).
+    // At "Begin Dialog".
+    bool AtDialogBlock() const;
+    // The record type of the procedure's dialog variable, from a scan of its Begin Dialog block.
+    void ScanDialogType(int endLine);
+    StatementPtr ParseBeginDialog();
+    [[nodiscard]] bool ReadDialogField(std::string& field);
+    [[nodiscard]] bool ReadDialogList(Expression& list);
+    [[nodiscard]] bool CheckDialogFunction(const std::string& name, const char* position, const Procedure*& function);
+    // After "Dialog": the statement (its code goes to out) or the function.
+    [[nodiscard]] bool ParseDialogCall(Expression& out, bool statement);
     StatementPtr ParseConst();
     StatementPtr ParseAssignmentOrCall(AssignKind kind);
     // A statement that begins with an object: ".member" (With), "Me.", or a name followed by members.
@@ -435,6 +446,11 @@ private:
     std::vector<PendingGoTo> m_gotos;
     std::vector<Block> m_blocks;
     int m_exitIndex = 0;
+    // The procedure's user dialog: the record type of its variables, the hidden slot that holds the
+    // definition once the block has run, and whether the block has been compiled.
+    std::unique_ptr<UserType> m_dialogType;
+    int m_dialogSlot = -1;
+    bool m_dialogDefined = false;
     int m_withCount = 0;
     // Where the name read last (ReadName) was written: errors about a name point at it.
     const char* m_namePosition = nullptr;

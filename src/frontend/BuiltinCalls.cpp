@@ -4,6 +4,7 @@
 #include "frontend/BodyParser.h"
 
 #include "code/BuiltinCall.h"
+#include "dialogs/DialogBuiltins.h"
 #include "frontend/CharClasses.h"
 #include "library/BuiltinArguments.h"
 #include "library/BuiltinGroups.h"
@@ -116,7 +117,10 @@ bool BodyParser::ParseBuiltinCall(const BuiltinRecord& called, TypeCode suffix, 
         return false;
     }
     // Error as a statement raises an error; as a function it gives a message.
-    const BuiltinRecord& record = statement && called.keyword == Token::Error ? ErrorStatementRecord() : called;
+    const BuiltinRecord& record = !statement                        ? called
+                                  : called.keyword == Token::Error ? ErrorStatementRecord()
+                                  : DialogInstructionForm(called.keyword) ? *DialogInstructionForm(called.keyword)
+                                                                          : called;
     if (!statement && record.IsInstruction()) {
         m_lexer.SignalError(CompileMessage::TheBuiltInInstructionCantHaveAResult, name);
         return false;

@@ -100,6 +100,13 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(AssignKind kind)
         if (Procedure* property = FindProperty(key, wanted); property && IsAssignmentAhead())
             return ParsePropertyAssignment(*property, kind);
     }
+    if (word == Token::Dialog && !local && !requireAssignment && m_lexer.Kind() != Token::Equal &&
+        m_state.names.count(key) == 0 && !FindProcedure(key)) {
+        Expression code;
+        if (!ParseDialogCall(code, true))
+            return nullptr;
+        return std::make_unique<EvaluateStatement>(std::move(code));
+    }
     if (const BuiltinRecord* record = BuiltinFor(word, key); record && m_lexer.Kind() != Token::Equal) {
         if (requireAssignment) {
             m_lexer.SignalError(CompileMessage::InvalidLetSyntax);

@@ -315,6 +315,18 @@ bool BodyParser::ReadType(TypeCode& type, const Module** classModule, const User
 {
     const Token word = m_lexer.Kind();
     TypeCode code = TypeOfWord(word);
+    if (word == Token::UserDialog) {
+        // The dialog type exists only in the procedure whose Begin Dialog block defines it.
+        if (!m_dialogType) {
+            m_lexer.SignalError(CompileMessage::UserDialogMustBeDefinedInTheCurrentSubFunctionProperty);
+            return false;
+        }
+        type = TypeCode(TypeCode::kUserType);
+        if (userType)
+            *userType = m_dialogType.get();
+        m_lexer.NextToken();
+        return true;
+    }
     if (code == TypeCode()) {
         // An enumeration's name as a type stands for Long.
         if (IsNameToken(word) && IsEnumName(UpperName(m_lexer.Text()))) {
@@ -414,6 +426,10 @@ BodyParser::StatementPtr BodyParser::ParseDim(bool isStatic)
             autoNew = m_lexer.Accept(Token::New);
             if (!ReadType(type, &classModule, &userType))
                 return nullptr;
+        }
+        if (isArray && userType && userType == m_dialogType.get()) {
+            m_lexer.SignalErrorAt(CompileMessage::UserDialogVarMustNotBeAnArray, {}, namePosition);
+            return nullptr;
         }
         RecordType* record = userType ? userType->record.Get() : nullptr;
         if (type == TypeCode())

@@ -87,6 +87,7 @@ public:
     // InterpreterHost
     void Notify(Notification code) override { SendNotification(code); }
     void PerformControlAction(int action, long argument) override;
+    std::wstring EngineCaption() const override { return m_caption; }
     void PumpMessages() override;
     void ReportUntrappedError(const ErrorRecord& error) override;
     void ReleaseMemoryReserve() override;

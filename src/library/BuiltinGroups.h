@@ -22,6 +22,8 @@
     X(SystemFunctions)            \
     X(WindowFunctions)            \
     X(DdeFunctions)               \
+    X(DialogFunctions)            \
+    X(StandardDialogs)            \
     X(DateFunctions)
 
 namespace brannoc {
