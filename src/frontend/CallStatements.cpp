@@ -161,7 +161,7 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(AssignKind kind)
         return std::make_unique<EvaluateStatement>(std::move(code));
     }
     if (m_lexer.Kind() == Token::LeftParen) {
-        if (!found || (!target.type.IsArray() && !target.type.IsVariant())) {
+        if (!found || (!target.type.IsArray() && !target.type.IsVariant() && !target.type.IsObject())) {
             m_lexer.SignalError(CompileMessage::ExpectingAnAlreadyDimensionedArray);
             return nullptr;
         }

@@ -22,6 +22,7 @@
     X(SystemFunctions)            \
     X(WindowFunctions)            \
     X(DdeFunctions)               \
+    X(ObjectFunctions)            \
     X(DateFunctions)
 
 namespace brannoc {
