@@ -239,7 +239,10 @@ bool MapStatus(const Access& access, HRESULT status, UINT argumentError, Variant
     case S_OK: return true;
     case DISP_E_BADINDEX: return Fail(mode, kBadIndex);
     case DISP_E_TYPEMISMATCH: {
-        const long parameter = static_cast<long>(access.PositionalCount()) - static_cast<long>(argumentError);
+        // A server that names no argument leaves the index as it was (Wine's type information does):
+        // an index outside the positional arguments names none.
+        const long positional = static_cast<long>(access.PositionalCount());
+        const long parameter = argumentError < static_cast<UINT>(positional) ? positional - static_cast<long>(argumentError) : 0;
         return Fail(mode, parameter >= 1 && parameter <= 9 ? kTypeMismatch + parameter : kTypeMismatch);
     }
     case DISP_E_OVERFLOW: return Fail(mode, kOverflow);
