@@ -162,7 +162,7 @@ public:
         for (TextBuffer& buffer : m_texts) {
             if (!buffer.variable)
                 continue;
-            std::wstring text = m_wide ? std::wstring(buffer.wide.c_str()) : WideFromAnsi(buffer.ansi.c_str());
+            std::wstring text = m_wide ? buffer.wide : WideFromAnsi(buffer.ansi);
             // The variable keeps its length: the function filled the buffer it was given.
             text.resize(buffer.length, L'\0');
             Bstr updated;
