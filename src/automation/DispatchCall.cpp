@@ -1,5 +1,7 @@
 #include "automation/DispatchCall.h"
 
+#include "automation/OutsideCall.h"
+
 #include "exec/Interpreter.h"
 #include "host/ComRef.h"
 #include "host/EntryGuard.h"
@@ -38,18 +40,6 @@ WORD FlagsOf(MemberAccess access)
 }
 
 bool IsAssignment(MemberAccess access) { return access == MemberAccess::Let || access == MemberAccess::Set; }
-
-// Gives the engine lock up for a call out of the engine and takes it back afterwards.
-class OutsideCall final {
-public:
-    OutsideCall() : m_depth(EngineLock::Suspend()) {}
-    ~OutsideCall() { EngineLock::Resume(m_depth); }
-    OutsideCall(const OutsideCall&) = delete;
-    OutsideCall& operator=(const OutsideCall&) = delete;
-
-private:
-    int m_depth;
-};
 
 // The strings of an exception record, freed with the record.
 class ExceptionRecord final {
@@ -144,8 +134,11 @@ HRESULT CallInvoke(const Access& access, Variant& result, UINT& argumentError, E
     result.Clear();
     argumentError = static_cast<UINT>(-1);
     OutsideCall outside;
-    return access.object->Invoke(access.member, IID_NULL, kLocale, FlagsOf(access.kind), &parameters,
-                                 assignment ? nullptr : &result.Raw(), exception.Get(), &argumentError);
+    // A call statement asks for no result: a server may refuse to give one for a method without a
+    // value (a Sub), and what a function gives back is not wanted.
+    VARIANT* wanted = assignment || access.kind == MemberAccess::Call ? nullptr : &result.Raw();
+    return access.object->Invoke(access.member, IID_NULL, kLocale, FlagsOf(access.kind), &parameters, wanted,
+                                 exception.Get(), &argumentError);
 }
 
 bool Fail(Mode mode, long number)
@@ -246,7 +239,10 @@ bool MapStatus(const Access& access, HRESULT status, UINT argumentError, Variant
     case S_OK: return true;
     case DISP_E_BADINDEX: return Fail(mode, kBadIndex);
     case DISP_E_TYPEMISMATCH: {
-        const long parameter = static_cast<long>(access.PositionalCount()) - static_cast<long>(argumentError);
+        // A server that names no argument leaves the index as it was (Wine's type information does):
+        // an index outside the positional arguments names none.
+        const long positional = static_cast<long>(access.PositionalCount());
+        const long parameter = argumentError < static_cast<UINT>(positional) ? positional - static_cast<long>(argumentError) : 0;
         return Fail(mode, parameter >= 1 && parameter <= 9 ? kTypeMismatch + parameter : kTypeMismatch);
     }
     case DISP_E_OVERFLOW: return Fail(mode, kOverflow);

@@ -1,5 +1,6 @@
 #include "code/ProcedureBody.h"
 #include "code/TypeOfTest.h"
+#include "code/ExternalCall.h"
 
 #include "code/BuiltinCall.h"
 #include "code/ElementArguments.h"
@@ -367,11 +368,13 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
         }
         case ExprOpCode::kCall: {
             Procedure* callee = context.procedure->CalleeAt(op.index);
-            if (!callee->code) {
-                // Declare'd procedures are compiled as calls; binding them to their library is not there yet.
-                const long number = callee->kind == ProcedureKind::External ? 10160 : 10018;
-                return (void)context.interpreter->SignalError(number), EvalStatus::kFailed;
+            if (callee->kind == ProcedureKind::External) {
+                if (!CallExternal(context, *callee, op.count))
+                    return EvalStatus::kFailed;
+                break;
             }
+            if (!callee->code)
+                return (void)context.interpreter->SignalError(10018), EvalStatus::kFailed;
             ModuleInstance* instance = context.activation->Instance();
             if (const Module* module = context.procedure->CalleeModuleAt(op.index); module && instance)
                 instance = instance->Find(*module);

@@ -1,4 +1,5 @@
 #include "code/Statements.h"
+#include "automation/ObjectCreation.h"
 
 #include "code/MemberCall.h"
 #include "code/NumericKinds.h"
@@ -371,14 +372,56 @@ bool AssignElementStatement::Step(ExecEntry& entry)
 
 namespace {
 
+// Assigns the next element of the enumerator kept in `kept` to the loop variable; false at the end of
+// the enumeration or after raising an error (then error is set).
+bool AssignNextEnumerated(const RunContext& context, const VariableRef& variable, const VARIANT& kept, bool& error)
+{
+    Variant value;
+    if (!kept.punkVal || !automation::NextElement(static_cast<IEnumVARIANT*>(kept.punkVal), value))
+        return false;
+    if (!StoreVariable(context, variable, value)) {
+        error = true;
+        return false;
+    }
+    return true;
+}
+
+// Keeps the enumerator of the object on top of the value stack in the hidden slot (the object is
+// popped). False after raising 10094 for Nothing or 10090 for an object without an enumerator.
+bool StartObjectEnumeration(const RunContext& context, int arraySlot)
+{
+    ValueStack& values = context.interpreter->Values();
+    const VARIANT& group = *FollowByRefChain(&values.Top().Raw());
+    ComRef<IDispatch> object;
+    if (group.vt == VT_DISPATCH)
+        object = ComRef<IDispatch>::Share(group.pdispVal);
+    else if (group.punkVal &&
+             FAILED(group.punkVal->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(object.Out()))))
+        return context.interpreter->SignalError(10090);
+    else if (!group.punkVal)
+        return context.interpreter->SignalError(10094);
+    ComRef<IEnumVARIANT> enumerator;
+    if (!automation::StartEnumeration(object.Get(), enumerator))
+        return false;
+    values.Pop();
+    Variant kept;
+    kept.Attach(HiddenSlot(context, arraySlot));
+    kept.SetUnknown(enumerator.Detach(), false);
+    kept.Detach(HiddenSlot(context, arraySlot));
+    return true;
+}
+
 // Assigns element `position` (in storage order) of the array kept in arraySlot to the loop variable;
 // false at the end of the array or after raising an error (then error is set).
 bool AssignEachElement(const RunContext& context, const VariableRef& variable, int arraySlot, LONG position,
                        bool& error)
 {
     error = false;
-    // The kept value is the array itself or a reference to the array variable being walked.
+    // The kept value is the array itself, a reference to the array variable being walked, or the
+    // enumerator of an object.
     VARIANT* kept = FollowByRefChain(&HiddenSlot(context, arraySlot));
+    if (kept->vt == VT_UNKNOWN)
+        return AssignNextEnumerated(context, variable, *kept, error);
     SAFEARRAY* array = ArrayOf(kept);
     if (!array)
         return false;
@@ -408,6 +451,20 @@ bool ForEachStatement::Step(ExecEntry& entry)
     case EvalStatus::kDone: break;
     }
     ValueStack& values = context.interpreter->Values();
+    const VARTYPE groupTag = FollowByRefChain(&values.Top().Raw())->vt;
+    if (groupTag == VT_DISPATCH || groupTag == VT_UNKNOWN) {
+        // An object: its elements come from its enumerator.
+        if (!StartObjectEnumeration(context, m_arraySlot))
+            return Fail(context, entry);
+        bool error = false;
+        if (!AssignEachElement(context, m_element, m_arraySlot, 0, error)) {
+            if (error)
+                return Fail(context, entry);
+            ClearSlot(HiddenSlot(context, m_arraySlot));
+            JumpTo(context, m_exitTarget);
+        }
+        return Finish(entry);
+    }
     if (!ArrayOf(&values.Top().Raw())) {
         // Not an array (10080), or an array that is not dimensioned (10022).
         const bool array = (FollowByRefChain(&values.Top().Raw())->vt & VT_ARRAY) != 0;

@@ -168,7 +168,7 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(AssignKind kind)
         return std::make_unique<EvaluateStatement>(std::move(code));
     }
     if (m_lexer.Kind() == Token::LeftParen) {
-        if (!found || (!target.type.IsArray() && !target.type.IsVariant())) {
+        if (!found || (!target.type.IsArray() && !target.type.IsVariant() && !target.type.IsObject())) {
             m_lexer.SignalError(CompileMessage::ExpectingAnAlreadyDimensionedArray);
             return nullptr;
         }
@@ -364,6 +364,21 @@ bool BodyParser::ParseCallArguments(Procedure& callee, Expression& out, Argument
 
 // Reads the arguments written for callee; the first `limit` parameters take them (a Property Let's
 // assigned value comes separately).
+namespace {
+
+// Whether a variable argument goes as a reference to its storage: for ByRef parameters, and for the
+// text parameters of Declare'd procedures, whose libraries may write into the text they are given.
+bool PassesReference(const Procedure& callee, const Parameter& parameter)
+{
+    if (!parameter.byVal)
+        return true;
+    const TypeCode type = parameter.type.code;
+    return callee.kind == ProcedureKind::External &&
+           (type.IsString() || type.IsFixedString() || type.Code() == TypeCode::kUnknown);
+}
+
+} // namespace
+
 bool BodyParser::ParseArguments(Procedure& callee, ArgumentList list, std::size_t limit, ParsedArguments& parsed)
 {
     const std::size_t count = limit;
@@ -402,7 +417,7 @@ bool BodyParser::ParseArguments(Procedure& callee, ArgumentList list, std::size_
                 bool simple = false;
                 if (!ParseExpression(argument, &simple))
                     return false;
-                if (!callee.parameters[index].byVal)
+                if (PassesReference(callee, callee.parameters[index]))
                     PassByReference(argument, simple, parsed);
                 PrefixTypedForm(argument);
                 parsed.byParameter[index] = std::move(argument);
@@ -425,7 +440,7 @@ bool BodyParser::ParseArguments(Procedure& callee, ArgumentList list, std::size_
                 m_lexer.SignalError(kWrongNumberOfParameters);
                 return false;
             } else if (!empty) {
-                if (!callee.parameters[position].byVal)
+                if (PassesReference(callee, callee.parameters[position]))
                     PassByReference(argument, simple, parsed);
                 PrefixTypedForm(argument);
                 parsed.byParameter[position] = std::move(argument);

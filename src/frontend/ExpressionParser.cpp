@@ -632,7 +632,7 @@ bool BodyParser::ParseNameValue(Expression& out, bool* simpleVariable)
             m_factorClass = classModule;
             return true;
         }
-        if (!found || (!ref.type.IsArray() && !ref.type.IsVariant())) {
+        if (!found || (!ref.type.IsArray() && !ref.type.IsVariant() && !ref.type.IsObject())) {
             m_lexer.SignalError(CompileMessage::ExpectingAnAlreadyDimensionedArray);
             return false;
         }

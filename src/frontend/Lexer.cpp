@@ -409,6 +409,13 @@ std::string Lexer::BlockedKeywords() const
     return list;
 }
 
+std::string Lexer::CanonicalBlockedKeywords(std::string_view words)
+{
+    Lexer lexer;
+    lexer.SetBlockedKeywords(words);
+    return lexer.BlockedKeywords();
+}
+
 namespace {
 
 std::string JoinUnblocked(const std::bitset<344>& blocked, int first, int last)

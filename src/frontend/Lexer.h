@@ -80,6 +80,9 @@ public:
     void SetBlockedKeywords(std::string_view words);
     // Every blocked token 1 to 339, each followed by a blank.
     std::string BlockedKeywords() const;
+    // The canonical form of a blocked-keyword list: its keywords in keyword-number order, each followed
+    // by a blank (what BlockedKeywords gives after SetBlockedKeywords(words)).
+    static std::string CanonicalBlockedKeywords(std::string_view words);
     // Reserved words (31 to 162) that are not blocked, separated by blanks.
     std::string Keywords() const;
     // Recognised names (164 to 339) that are not blocked, separated by blanks.

@@ -3,6 +3,7 @@
 // enumerations and procedures (including external Declare procedures).
 #include "frontend/ConstantValue.h"
 #include "frontend/TypeCode.h"
+#include "exec/ExternalBinding.h"
 #include "exec/ProcedureCode.h"
 #include "values/RecordType.h"
 
@@ -101,6 +102,8 @@ struct Procedure {
     // External procedures.
     std::string library;
     std::string alias;
+    // Made at the first call.
+    ExternalBinding binding;
     // The executable form the body compiler builds (none for external procedures and when no body
     // compiler ran).
     std::unique_ptr<ProcedureCode> code;

@@ -1,6 +1,7 @@
 #include "host/CodeUnit.h"
 
 #include "exec/ErrorMessages.h"
+#include "frontend/Lexer.h"
 #include "host/AnsiText.h"
 #include "host/EntryGuard.h"
 #include "host/LibraryLifetime.h"
@@ -351,6 +352,19 @@ HRESULT __stdcall CodeUnit::put_ErrorLimit(short limit)
     return Entered([&] { m_context->SetErrorLimit(limit); return S_OK; });
 }
 
+HRESULT __stdcall CodeUnit::get_BlockedKeywords(BSTR* result)
+{
+    return Entered([&] { return Out(result, WideFromAnsi(m_context->BlockedKeywords())); });
+}
+
+HRESULT __stdcall CodeUnit::put_BlockedKeywords(BSTR keywords)
+{
+    return Entered([&] {
+        m_context->SetBlockedKeywords(Lexer::CanonicalBlockedKeywords(AnsiFromWide(Text(keywords))));
+        return S_OK;
+    });
+}
+
 HRESULT __stdcall CodeUnit::get_Version(BSTR* result) { return Out(result, VersionText()); }
 
 HRESULT __stdcall CodeUnit::get_HelpFile(BSTR* result)
@@ -567,8 +581,6 @@ HRESULT __stdcall CodeUnit::Call3(BSTR, VARIANT*, VARIANT*, VARIANT*, VARIANT_BO
 HRESULT __stdcall CodeUnit::Call4(BSTR, VARIANT*, VARIANT*, VARIANT*, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::Call5(BSTR, VARIANT*, VARIANT*, VARIANT*, VARIANT*, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::ToggleBreak(BSTR, short, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::get_BlockedKeywords(BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::put_BlockedKeywords(BSTR) { return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::CreateHandler(BSTR, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::RemoveExtensions(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_Prototypes(BSTR, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }

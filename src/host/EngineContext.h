@@ -66,7 +66,9 @@ public:
     void SetDoEventsPolling(bool on);
     short ErrorLimit() const { return m_errorLimit; }
     void SetErrorLimit(short limit) { m_errorLimit = limit < 1 ? 1 : limit; }
-    std::bitset<kKeywordCount>& BlockedKeywords() { return m_blocked; }
+    // The keywords the host closed, in keyword-number order, each followed by a blank.
+    const std::string& BlockedKeywords() const { return m_blocked; }
+    void SetBlockedKeywords(std::string words) { m_blocked = std::move(words); }
 
     ErrorLocation& ErrorReport() { return m_errorReport; }
     bool IsBusy() const { return m_compiling || m_reportingError; }
@@ -118,7 +120,7 @@ private:
     std::wstring m_caption = L"Brannoc Basic";
     bool m_doEvents = true;
     short m_errorLimit = 1;
-    std::bitset<kKeywordCount> m_blocked;
+    std::string m_blocked;
     bool m_compiling = false;
     bool m_reportingError = false;
     bool m_stepIntoHostCall = false;

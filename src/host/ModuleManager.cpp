@@ -195,6 +195,7 @@ ModuleStatus ModuleManager::Load(const std::string& name, int mode)
     if (existing)
         Discard(name);
     m_compiler->SetErrorLimit(m_context.ErrorLimit());
+    m_compiler->GetLexer().SetBlockedKeywords(m_context.BlockedKeywords());
     m_compiler->SetBodyCompiler(m_bodyCompiler);
     m_compiler->ClearErrors();
     m_context.SetCompiling(true);

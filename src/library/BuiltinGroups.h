@@ -24,6 +24,7 @@
     X(DdeFunctions)               \
     X(DialogFunctions)            \
     X(StandardDialogs)            \
+    X(ObjectFunctions)            \
     X(DateFunctions)
 
 namespace brannoc {

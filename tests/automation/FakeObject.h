@@ -10,10 +10,11 @@ namespace brannoc::testing {
 
 // Members: Value (property get/let/set), Add(a, b) (method), Items (no parameters: an array of three
 // Longs), Inner (no parameters: another object whose default member takes an index), Fail (raises an
-// exception), Picky (refuses its argument's type).
+// exception), Picky (refuses its argument's type), Store (a method without a value: refuses to give a
+// result, as servers built from type information do).
 class FakeObject final : public TestDispatch {
 public:
-    enum Id : DISPID { kValue = 1, kAdd, kItems, kInner, kFail, kPicky, kParamA = 100, kParamB };
+    enum Id : DISPID { kValue = 1, kAdd, kItems, kInner, kFail, kPicky, kStore, kParamA = 100, kParamB };
 
     struct Call {
         DISPID member;
@@ -21,6 +22,7 @@ public:
         LCID locale;
         std::vector<VARIANT> arguments;   // in IDispatch order, shallow copies
         std::vector<DISPID> named;
+        bool resultWanted;
     };
     std::vector<Call> calls;
     std::vector<LCID> nameLocales;
@@ -35,7 +37,8 @@ public:
             const wchar_t* name;
             DISPID id;
         } s_names[] = {{L"Value", kValue}, {L"Add", kAdd},   {L"Items", kItems}, {L"Inner", kInner},
-                       {L"Fail", kFail},   {L"Picky", kPicky}, {L"a", kParamA},   {L"b", kParamB}};
+                       {L"Fail", kFail},   {L"Picky", kPicky}, {L"Store", kStore}, {L"a", kParamA},
+                       {L"b", kParamB}};
         HRESULT status = S_OK;
         for (UINT i = 0; i < count; ++i) {
             ids[i] = DISPID_UNKNOWN;
@@ -51,12 +54,26 @@ public:
     HRESULT __stdcall Invoke(DISPID member, REFIID, LCID locale, WORD flags, DISPPARAMS* parameters, VARIANT* result,
                              EXCEPINFO* exception, UINT* argumentError) override
     {
-        Call call{member, flags, locale, {}, {}};
+        Call call{member, flags, locale, {}, {}, result != nullptr};
         for (UINT i = 0; i < parameters->cArgs; ++i)
             call.arguments.push_back(parameters->rgvarg[i]);
         for (UINT i = 0; i < parameters->cNamedArgs; ++i)
             call.named.push_back(parameters->rgdispidNamedArgs[i]);
         calls.push_back(call);
+        // A caller that wants no result (a call statement) gets none: what a member gives goes into a
+        // scratch value, cleared afterwards.
+        VARIANT scratch;
+        VariantInit(&scratch);
+        const HRESULT status = Answer(member, flags, parameters, result ? result : &scratch, result != nullptr,
+                                      exception, argumentError);
+        VariantClear(&scratch);
+        return status;
+    }
+
+private:
+    HRESULT Answer(DISPID member, WORD flags, DISPPARAMS* parameters, VARIANT* result, bool resultWanted,
+                   EXCEPINFO* exception, UINT* argumentError)
+    {
         auto longAt = [&](UINT i) {
             VARIANT copy;
             VariantInit(&copy);
@@ -110,6 +127,11 @@ public:
             exception->scode = static_cast<SCODE>(0x80040123);
             exception->bstrDescription = SysAllocString(L"server failed");
             return DISP_E_EXCEPTION;
+        case kStore:
+            if (resultWanted)
+                return DISP_E_TYPEMISMATCH;
+            value = parameters->cArgs == 1 ? longAt(0) : value;
+            return S_OK;
         case kPicky:
             *argumentError = 0;
             return DISP_E_TYPEMISMATCH;
@@ -117,8 +139,6 @@ public:
             return DISP_E_MEMBERNOTFOUND;
         }
     }
-
-private:
 };
 
 } // namespace brannoc::testing

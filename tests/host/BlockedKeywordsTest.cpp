@@ -1,0 +1,81 @@
+// BlockedKeywords: a host closes language features; each blocked word is then a compile error.
+#include "brannoc.h"
+#include "host/CodeUnit.h"
+#include "host/FakeCallBack.h"
+#include <gtest/gtest.h>
+#include <string>
+
+using namespace brannoc;
+
+namespace {
+
+class BlockedKeywordsTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_NE(nullptr, unit);
+        unit->SetCallBack(&callBack);
+    }
+    void TearDown() override
+    {
+        if (!unit)
+            return;
+        unit->SetCallBack(nullptr);
+        unit->Release();
+    }
+    void Block(const wchar_t* words)
+    {
+        BSTR text = SysAllocString(words);
+        EXPECT_EQ(S_OK, unit->put_BlockedKeywords(text));
+        SysFreeString(text);
+    }
+    std::wstring Blocked()
+    {
+        BSTR text = nullptr;
+        EXPECT_EQ(S_OK, unit->get_BlockedKeywords(&text));
+        std::wstring result = text ? std::wstring(text, SysStringLen(text)) : std::wstring();
+        SysFreeString(text);
+        return result;
+    }
+    // Loads the macro; the first error it reported (the compile error, before the load's own 10012),
+    // or 0 when it compiled.
+    long Load(const wchar_t* name)
+    {
+        callBack.errorNumbers.clear();
+        BSTR text = SysAllocString(name);
+        VARIANT_BOOL loaded = VARIANT_FALSE;
+        EXPECT_EQ(S_OK, unit->Load(text, &loaded));
+        SysFreeString(text);
+        EXPECT_EQ(loaded == VARIANT_TRUE, callBack.errorNumbers.empty());
+        return callBack.errorNumbers.empty() ? 0 : callBack.errorNumbers.front();
+    }
+
+    CodeUnit* unit = static_cast<CodeUnit*>(static_cast<_CodeUnit*>(KZ_CreateCodeUnit()));
+    brannoc::testing::FakeCallBack callBack;
+};
+
+} // namespace
+
+TEST_F(BlockedKeywordsTest, TheListIsKeptInKeywordOrderAndUnknownWordsAreIgnored)
+{
+    EXPECT_EQ(L"", Blocked());
+    Block(L"GetObject  nonsense CreateObject Declare");
+    EXPECT_EQ(L"Declare CreateObject GetObject ", Blocked());
+    Block(L"");
+    EXPECT_EQ(L"", Blocked());
+}
+
+TEST_F(BlockedKeywordsTest, EachBlockedWordIsACompileErrorAndUnblockingOpensItAgain)
+{
+    callBack.macros[L"create"] = L"Sub Main\r\n    Dim o As Object\r\n    Set o = CreateObject(\"X.Y\")\r\nEnd Sub\r\n";
+    callBack.macros[L"find"] = L"Sub Main\r\n    Dim o As Object\r\n    Set o = GetObject(, \"X.Y\")\r\nEnd Sub\r\n";
+    callBack.macros[L"declare"] = L"Declare Function GetTickCount Lib \"kernel32\" () As Long\r\nSub Main\r\nEnd Sub\r\n";
+    Block(L"CreateObject GetObject Declare");
+    EXPECT_EQ(10540, Load(L"create"));
+    EXPECT_EQ(10540, Load(L"find"));
+    EXPECT_EQ(10540, Load(L"declare"));
+    Block(L"");
+    EXPECT_EQ(0, Load(L"create"));
+    EXPECT_EQ(0, Load(L"find"));
+    EXPECT_EQ(0, Load(L"declare"));
+}
