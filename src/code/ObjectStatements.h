@@ -9,6 +9,7 @@ class SetStatement final : public Statement {
 public:
     SetStatement(Expression value, VariableRef target) : m_value(std::move(value)), m_target(target) {}
     [[nodiscard]] bool Step(ExecEntry& entry) override;
+    int WithDepthChange() const override { return 1; }
 
 private:
     Expression m_value;
@@ -21,6 +22,7 @@ class WithStatement final : public Statement {
 public:
     explicit WithStatement(Expression value) : m_value(std::move(value)) {}
     [[nodiscard]] bool Step(ExecEntry& entry) override;
+    int WithDepthChange() const override { return 1; }
 
 private:
     Expression m_value;
@@ -30,6 +32,7 @@ private:
 class EndWithStatement final : public Statement {
 public:
     [[nodiscard]] bool Execute() override;
+    int WithDepthChange() const override { return -1; }
 };
 
 // Drops the innermost `count` With objects of the current activation (a jump out of With blocks).

@@ -705,13 +705,25 @@ int CompiledProcedure::FirstLine() const { return m_procedure->firstLine; }
 
 Node* CompiledProcedure::ReplaceStatement(int index, Node* statement)
 {
-    // The register form would run past a replacement (a break point): the table's own loop runs.
-    if (m_registers)
-        SetTable(StatementTable{m_statements.data(), m_emptyFlags.data(), static_cast<int>(m_statements.size()) - 1});
     Node*& entry = m_statements[static_cast<std::size_t>(index)];
     Node* previous = entry;
     entry = statement;
+    // The register form enters the statement through its marker: while a replacement stands there the
+    // marker runs the entry's object, and it enters the statement's own form again once it is back.
+    if (m_registers) {
+        const auto at = static_cast<std::size_t>(index);
+        if (at < m_registers->entries.size()) {
+            RegisterOp& marker = m_registers->ops[static_cast<std::size_t>(m_registers->entries[at])];
+            if (marker.code == RegisterCode::kStatement || marker.code == RegisterCode::kReplaced)
+                marker.code = statement == m_statementObjects[at] ? RegisterCode::kStatement : RegisterCode::kReplaced;
+        }
+    }
     return previous;
+}
+
+int CompiledProcedure::WithDepthChangeAt(int index) const
+{
+    return m_statementObjects[static_cast<std::size_t>(index)]->WithDepthChange();
 }
 
 void CompiledProcedure::PublishTable() noexcept

@@ -232,6 +232,8 @@ public:
     // none (the register loop then runs the statement object). Called once, when the procedure is
     // complete.
     virtual bool EmitRegisters(RegisterBuilder& builder) { return false; }
+    // How the statement changes the With depth of its activation: With 1, End With -1, others 0.
+    virtual int WithDepthChange() const { return 0; }
 
     void SetListing(std::string listing) { m_listing = std::move(listing); }
     const std::string& Listing() const { return m_listing; }
@@ -291,12 +293,13 @@ public:
 
     Procedure& Source() const { return *m_procedure; }
     // Source line of statement 0 (the header) and the number of lines from the header to the End line.
-    int FirstLine() const;
+    int FirstLine() const override;
     int LineCount() const { return static_cast<int>(m_statements.size()); }
     // Puts statement in place of entry index and answers the previous one (breakpoints wrap statements
     // this way); the caller owns the replacement and puts the original back. The entry keeps whether
     // it is empty.
-    Node* ReplaceStatement(int index, Node* statement);
+    Node* ReplaceStatement(int index, Node* statement) override;
+    int WithDepthChangeAt(int index) const override;
     bool IsFunction() const { return m_resultSlot >= 0; }
     // Lays out the frame (and builds the register form) before the first call.
     void PrepareForCalls() override

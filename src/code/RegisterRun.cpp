@@ -187,13 +187,24 @@ bool RunRegisterProgram(Activation& activation, ExecEntry& entry, const void* da
 
     // ---- Statements and control ----
 op_Statement:
-    if (HaltFlags::Any() || interpreter.StatementCheckStops()) {
+    if (HaltFlags::Any() || interpreter.StatementCheckStops(activation, pc->a)) {
         // The statement has not run: it is tried again on a later step.
         activation.HoldAt(pc->a);
         return false;
     }
     activation.EnterStatement(pc->a);
     BRANNOC_NEXT();
+op_Replaced:
+    // A break point stands in the statement's place: its object runs instead of the statement's form.
+    if (HaltFlags::Any() || interpreter.StatementCheckStops(activation, pc->a)) {
+        activation.HoldAt(pc->a);
+        return false;
+    }
+    activation.EnterStatement(pc->a);
+    if (!statements[pc->a]->Execute() || HaltFlags::Any())
+        return false;
+    pc = resume();
+    BRANNOC_DISPATCH();
 op_General:
     // A statement that ran into an error or recorded a request answers true with a halt bit set.
     if (!statements[pc->a]->Execute() || HaltFlags::Any())

@@ -139,7 +139,7 @@ void Interpreter::RefreshTestCount() noexcept
 {
     // Without yielding nothing but a break test needs the tick counter or the budget.
     constexpr int kTestsWithoutYielding = 1 << 30;
-    if (m_stepCounter <= 2 || m_runDepth > 0)
+    if (m_stepCounter <= 2 || m_runDepth > 0 || IsLineTracing())
         m_testsUntilTickRead = 1;
     else
         m_testsUntilTickRead = m_yieldSetting != 0 ? m_tickReadInterval : kTestsWithoutYielding;
@@ -147,14 +147,25 @@ void Interpreter::RefreshTestCount() noexcept
 
 bool Interpreter::StatementCheckSlow()
 {
+    // A yield comes first: the statement is tested again afterwards, and the break test (which counts
+    // the statement at which the run resumed, and traces) sees each statement once.
+    if (m_yieldSetting != 0 && TimeSliceOver()) {
+        CheckNextStatement();
+        return true;
+    }
     if (BreakTestStops()) {
         CheckNextStatement();
         return true;
     }
-    if (m_yieldSetting != 0)
-        return TimeSliceOver();
-    RefreshTestCount();
+    if (m_yieldSetting == 0)
+        RefreshTestCount();
     return false;
+}
+
+bool Interpreter::StatementCheckSlowAt(Activation& activation, int index)
+{
+    activation.m_currentIndex = index;
+    return StatementCheckSlow();
 }
 
 void Interpreter::SetYielding(bool on) noexcept
@@ -175,12 +186,14 @@ bool Interpreter::BreakTestSlow()
 {
     if (m_stepCounter <= 2) {
         ++m_stepCounter;
-        // The statement at which the run resumed is never stopped at.
+        // The statement at which the run resumed is neither traced nor stopped at.
         if (m_stepCounter == 2)
             return false;
     }
-    // FIXME: line tracing, the statement trace and the exclusion of hidden modules.
-    if (m_callDepth < m_runDepth) {
+    if (IsLineTracing())
+        m_host.TraceLine();
+    // Stepping runs through the procedures of hidden modules (evaluation code and the like).
+    if (m_callDepth < m_runDepth && !(m_current && m_host.IsSteppingExcluded(m_current->OwnProcedure()))) {
         m_stepCounter = 0;
         (void)RequestAction(InterpreterHost::kActionQuery, 0);
         return true;
@@ -541,6 +554,39 @@ void Interpreter::SetNextStatement(int index) noexcept
 {
     if (m_current)
         m_current->SetIndexes(index);
+}
+
+bool Interpreter::SetNextLine(int line)
+{
+    Activation* activation = m_current;
+    if (!activation)
+        return false;
+    const ProcedureCode& procedure = activation->OwnProcedure();
+    const int target = line - procedure.FirstLine();
+    if (procedure.FirstLine() == 0 || target < 0 || target > procedure.LastStatementIndex())
+        return false;
+    // The With depth along the way: forwards each statement passed over counts as it would run,
+    // backwards as undone. Ending above the lowest value reached means entering a block from outside.
+    const int current = activation->CurrentIndex();
+    int change = 0;
+    int lowest = 0;
+    for (int i = current; i < target; ++i) {
+        change += procedure.WithDepthChangeAt(i);
+        lowest = change < lowest ? change : lowest;
+    }
+    for (int i = current - 1; i >= target; --i) {
+        change -= procedure.WithDepthChangeAt(i);
+        lowest = change < lowest ? change : lowest;
+    }
+    const int withDepth = activation->WithDepth() + change;
+    if (change > lowest || withDepth < 0)
+        return false;
+    UnwindTo(*activation);
+    activation->SetIndexes(target);
+    // The objects of the With blocks left go; the ones still entered stay on the value stack.
+    m_values.CutBack(activation->ValueStackBase() + static_cast<std::size_t>(withDepth));
+    activation->SetWithDepth(withDepth);
+    return true;
 }
 
 void Interpreter::UnwindTo(const Activation& activation)

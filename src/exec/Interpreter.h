@@ -101,6 +101,11 @@ public:
 
     // Moves the execution point of the current activation.
     void SetNextStatement(int index) noexcept;
+    // Moves the execution point of the current activation to the statement of a source line of its
+    // procedure (the debugger's set-next-statement). Refused (false, nothing changed) for a line outside
+    // the procedure or a move into a With block from outside it; a move out of With blocks releases
+    // their objects.
+    [[nodiscard]] bool SetNextLine(int line);
     // Pops and releases entries until activation is the top executor.
     void UnwindTo(const Activation& activation);
     // Pops and releases every entry; the run ends when the last call-end marker goes.
@@ -140,6 +145,12 @@ public:
     // a break test can stop a statement (the first statements of a run, a run depth) that count stays at
     // one, so that every statement is tested.
     [[nodiscard]] bool StatementCheckStops() { return --m_testsUntilTickRead <= 0 && StatementCheckSlow(); }
+    // The same for a statement loop that makes statement `index` current only once it runs (the register
+    // form): the full checks see it as the current statement (the trace and the debugger show it).
+    [[nodiscard]] bool StatementCheckStops(Activation& activation, int index)
+    {
+        return --m_testsUntilTickRead <= 0 && StatementCheckSlowAt(activation, index);
+    }
 
     // Pushes an entry on the pending stack (Node::Execute's default). False after raising out of memory.
     [[nodiscard]] bool PushPending(const ExecEntry& entry)
@@ -153,6 +164,11 @@ public:
     // Prepares a Run or Step from the host: the break test stops while the call depth is below
     // runDepth (0: never), and the statement at which the run resumes is not stopped at.
     void PrepareRun(int runDepth) noexcept;
+    // Whether a break point reached now stops the run: not at the statement at which the run resumes,
+    // not while a host evaluation runs, and only while a run is active.
+    bool BreakpointStops() const noexcept { return m_stepCounter != 2 && !m_evaluating && m_runLevel > 0; }
+    // An even run level: each statement that the break test examines is traced (Run with depth -1).
+    bool IsLineTracing() const noexcept { return m_runLevel > 0 && (m_runLevel & 1) == 0; }
 
     // The error object (the language's Err).
     const ErrorRecord& Error() const noexcept { return m_error; }
@@ -214,10 +230,15 @@ private:
     void EndRun();
     void RunHaltHandler();
     // The break test before a non-empty statement: true when the run must pause before it. Past the
-    // first statements of a run and at or below the run depth there is nothing to test.
-    [[nodiscard]] bool BreakTestStops() { return (m_stepCounter <= 2 || m_callDepth < m_runDepth) && BreakTestSlow(); }
+    // first statements of a run, at or below the run depth and without line tracing there is nothing
+    // to test.
+    [[nodiscard]] bool BreakTestStops()
+    {
+        return (m_stepCounter <= 2 || m_callDepth < m_runDepth || IsLineTracing()) && BreakTestSlow();
+    }
     [[nodiscard]] bool BreakTestSlow();
     [[nodiscard]] bool StatementCheckSlow();
+    [[nodiscard]] bool StatementCheckSlowAt(Activation& activation, int index);
     // Sets the number of tests until the next full check: one while break tests can stop, the read
     // interval while yielding, and a long count otherwise.
     void RefreshTestCount() noexcept;

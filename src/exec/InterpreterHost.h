@@ -10,6 +10,7 @@ struct IUnknown;
 namespace brannoc {
 
 class Module;
+class ProcedureCode;
 class ModuleInstance;
 class StreamTable;
 class Variant;
@@ -84,6 +85,14 @@ public:
         (void)name;
         (void)base;
         (void)mapped;
+        return false;
+    }
+    // Line tracing: the current line as the debugger shows it goes to the host's debug output.
+    virtual void TraceLine() {}
+    // True for a procedure that stepping never stops in (one of a hidden module).
+    virtual bool IsSteppingExcluded(const ProcedureCode& procedure)
+    {
+        (void)procedure;
         return false;
     }
     // The file streams of the engine (null: the host keeps none, and stream statements find nothing open).

@@ -121,6 +121,24 @@ public:
     // procedure that lays its frame out lazily does it now, so that FrameSize answers the final size.
     virtual void PrepareForCalls() {}
 
+    // Puts node in place of entry index of the statement vector and answers the entry it replaced (a
+    // break point stands in for its statement this way; putting the answer back undoes it). Null, and
+    // nothing changed, for a procedure whose statements cannot be replaced.
+    virtual Node* ReplaceStatement(int index, Node* node)
+    {
+        (void)index;
+        (void)node;
+        return nullptr;
+    }
+    // How entry index changes the With depth: 1 for With, -1 for End With, else 0.
+    virtual int WithDepthChangeAt(int index) const
+    {
+        (void)index;
+        return 0;
+    }
+    // Source line of entry 0 (the header line); 0 when the procedure has no source.
+    virtual int FirstLine() const { return 0; }
+
 protected:
     void SetTable(const StatementTable& table) noexcept { m_table = table; }
     void SetLayout(const FrameLayout& layout) noexcept { m_layout = layout; }

@@ -1,5 +1,6 @@
 #pragma once
 // A loaded source module, its compile state between the phases and what a successful compile leaves.
+#include "exec/Breakpoint.h"
 #include "frontend/Symbols.h"
 #include "frontend/TypeCode.h"
 
@@ -54,6 +55,9 @@ struct CompiledModule {
     std::vector<std::string> implements;
     // Bytes of module-level storage; laid out only when the compile had no error.
     std::uint32_t storageSize = 0;
+    // The break points set in the procedures, in the order set. Declared last: they go first and put
+    // their statements back while the procedures still exist.
+    std::vector<std::unique_ptr<Breakpoint>> breakpoints;
 };
 
 class Module final {

@@ -558,11 +558,69 @@ HRESULT __stdcall CodeUnit::get_MacroName(BSTR* result)
     return Entered([&] { return Out(result, WideFromAnsi(m_context->Modules().RunningName())); });
 }
 
+// ---- Debugging ----
+
+HRESULT __stdcall CodeUnit::get_CallersLine(short depth, BSTR* result)
+{
+    return Entered([&] { return Out(result, m_context->Debugging().FrameLine(depth)); });
+}
+
+HRESULT __stdcall CodeUnit::get_CurrentLine(BSTR* result)
+{
+    return Entered([&] { return Out(result, m_context->Debugging().FrameLine(0)); });
+}
+
+HRESULT __stdcall CodeUnit::get_LineNum(short* result)
+{
+    return Entered([&] {
+        if (!result)
+            return E_POINTER;
+        *result = static_cast<short>(m_context->Debugging().CurrentLineNumber());
+        return S_OK;
+    });
+}
+
+// Moves the next statement of the current frame; ignored while a statement executes.
+HRESULT __stdcall CodeUnit::put_LineNum(short line)
+{
+    return Entered([&] {
+        if (m_context->Machine().ExecutionMarker() == 0 && !m_context->IsBusy())
+            (void)m_context->Machine().SetNextLine(line);
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::ToggleBreak(BSTR macroName, short line, VARIANT_BOOL* result)
+{
+    return Entered([&] {
+        const std::wstring name = Text(macroName);
+        bool outcome = false;
+        if (name.empty()) {
+            if (line == 0)
+                m_context->Debugging().ClearAllBreaks();
+            outcome = line == 0;
+        } else {
+            outcome = m_context->Debugging().ToggleBreak(AnsiFromWide(name), line);
+        }
+        if (result)
+            *result = AsBool(outcome);
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::get_BreakLineNum(BSTR macroName, short index, short* result)
+{
+    return Entered([&] {
+        if (!result)
+            return E_POINTER;
+        *result = static_cast<short>(m_context->Debugging().BreakLineNum(AnsiFromWide(Text(macroName)), index));
+        return S_OK;
+    });
+}
+
 // ---- Members that arrive with later parts of the engine ----
 // FIXME: each answers E_NOTIMPL until its subsystem exists (README lists them).
 
-HRESULT __stdcall CodeUnit::get_CallersLine(short, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::get_CurrentLine(BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_DefaultCallBack(IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_Evaluate(BSTR, short, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::put_Evaluate(BSTR, short, BSTR) { return E_NOTIMPL; }
@@ -571,8 +629,6 @@ HRESULT __stdcall CodeUnit::get_ExtensionType(short, IUnknown** result) { if (re
 HRESULT __stdcall CodeUnit::get_ExtensionTypeName(short, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_Fire(VARIANT_BOOL, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_Keywords(BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::get_LineNum(short* result) { if (result) *result = 0; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::put_LineNum(short) { return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::AddExtension(BSTR, IDispatch*) { return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::Call0(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::Call1(BSTR, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
@@ -580,14 +636,12 @@ HRESULT __stdcall CodeUnit::Call2(BSTR, VARIANT*, VARIANT*, VARIANT_BOOL* result
 HRESULT __stdcall CodeUnit::Call3(BSTR, VARIANT*, VARIANT*, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::Call4(BSTR, VARIANT*, VARIANT*, VARIANT*, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::Call5(BSTR, VARIANT*, VARIANT*, VARIANT*, VARIANT*, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::ToggleBreak(BSTR, short, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::CreateHandler(BSTR, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::RemoveExtensions(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_Prototypes(BSTR, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_MacroKeywords(BSTR, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::CreateHandlers(BSTR, IDispatch*, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::Macro(BSTR, VARIANT_BOOL, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::get_BreakLineNum(BSTR, short, short* result) { if (result) *result = 0; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::AddExtensionEx(BSTR, IDispatch*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_ExtensionTypeEx(BSTR, short, IUnknown** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_ExtensionTypeNameEx(BSTR, short, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }

@@ -138,6 +138,7 @@ CU_BOOL_METHOD_TEXT(IsMacro, get_IsMacro, L"get_IsMacro")
 CU_BOOL_METHOD_TEXT(IsMacroActive, get_IsMacroActive, L"get_IsMacroActive")
 
 CU_TEXT_GET(Caption, get_Caption, L"get_Caption")
+CU_TEXT_GET(CurrentLine, get_CurrentLine, L"get_CurrentLine")
 CU_TEXT_GET(ErrorDesc, get_ErrorDesc, L"get_ErrorDesc")
 CU_TEXT_GET(ErrorHelpFile, get_ErrorHelpFile, L"get_ErrorHelpFile")
 CU_TEXT_GET(ErrorLine, get_ErrorLine, L"get_ErrorLine")
@@ -151,6 +152,7 @@ CU_TEXT_PUT(CaptionPut, put_Caption, L"put_Caption")
 CU_TEXT_PUT(ErrorDescPut, put_ErrorDesc, L"put_ErrorDesc")
 
 CU_NUMBER_GET(ErrorLimit, short, get_ErrorLimit, L"get_ErrorLimit")
+CU_NUMBER_GET(LineNum, short, get_LineNum, L"get_LineNum")
 CU_NUMBER_GET(ErrorLineNum, short, get_ErrorLineNum, L"get_ErrorLineNum")
 CU_NUMBER_GET(ErrorOffset, short, get_ErrorOffset, L"get_ErrorOffset")
 CU_NUMBER_GET(StackDepth, short, get_StackDepth, L"get_StackDepth")
@@ -159,6 +161,7 @@ CU_NUMBER_GET(ErrorHelpContext, long, get_ErrorHelpContext, L"get_ErrorHelpConte
 
 CU_SHORT_PUT(ErrorLimitPut, put_ErrorLimit, L"put_ErrorLimit")
 CU_SHORT_PUT(StackDepthPut, put_StackDepth, L"put_StackDepth")
+CU_SHORT_PUT(LineNumPut, put_LineNum, L"put_LineNum")
 
 void __stdcall CU_DoEventsPut(void* unit, BOOL on)
 {
@@ -192,6 +195,35 @@ BSTR __stdcall CU_LoadedMacroName(void* unit, LONG index)
         return AnsiResult(CallMember<BSTR>(unit, L"get_LoadedMacroName", [&](_CodeUnit* u, BSTR* r) {
             return u->get_LoadedMacroName(static_cast<short>(index), r);
         }));
+    });
+}
+
+BSTR __stdcall CU_CallersLine(void* unit, LONG depth)
+{
+    return AtExportBoundary<BSTR>(nullptr, [&] {
+        return AnsiResult(CallMember<BSTR>(unit, L"get_CallersLine", [&](_CodeUnit* u, BSTR* r) {
+            return u->get_CallersLine(static_cast<short>(depth), r);
+        }));
+    });
+}
+
+BOOL __stdcall CU_ToggleBreak(void* unit, LPCSTR macroName, LONG line)
+{
+    return AtExportBoundary<BOOL>(0, [&] {
+        Bstr name = TextIn(macroName);
+        return AsBoolean(CallMember<VARIANT_BOOL>(unit, L"ToggleBreak", [&](_CodeUnit* u, VARIANT_BOOL* r) {
+            return u->ToggleBreak(name.Get(), static_cast<short>(line), r);
+        }));
+    });
+}
+
+SHORT __stdcall CU_BreakLineNum(void* unit, LPCSTR macroName, LONG index)
+{
+    return AtExportBoundary<SHORT>(0, [&] {
+        Bstr name = TextIn(macroName);
+        return CallMember<short>(unit, L"get_BreakLineNum", [&](_CodeUnit* u, short* r) {
+            return u->get_BreakLineNum(name.Get(), static_cast<short>(index), r);
+        });
     });
 }
 

@@ -112,6 +112,8 @@ RunState EngineContext::Run(long depth)
     int target = depth < 0 || depth == 10000 ? 0 : static_cast<int>(depth);
     m_interpreter.SetRunLevel(depth == -1 ? 2 : 1);
     m_interpreter.PrepareRun(target);
+    if (depth == 10000)
+        m_interpreter.SetStepCounter(3);   // even the statement at which the run resumes may stop
     RunScheduler(step);
     if (step)
         return State();
@@ -196,8 +198,12 @@ void EngineContext::SetTraceByte(long depth)
 
 void EngineContext::Trace(TraceKind kind, const std::wstring& text)
 {
-    if (!ApiTraceOn())
-        return;
+    if (ApiTraceOn())
+        WriteTrace(kind, text);
+}
+
+void EngineContext::WriteTrace(TraceKind kind, const std::wstring& text)
+{
     if (m_callBack)
         HostCallBack::DebugTrace(m_callBack.Get(), m_owner.AsDispatch(), static_cast<short>(kind), text);
     else if (m_traceSink)
@@ -306,6 +312,16 @@ void EngineContext::ReportUntrappedError(const ErrorRecord& error)
     }
     SendNotification(kNotifyErrorReport);
     SendNotification(kNotifyError);
+}
+
+// A line-tracing run: the line about to run, as CurrentLine gives it, to the debug output, and to the
+// trace as an event line while the execution trace is on.
+void EngineContext::TraceLine()
+{
+    const std::wstring line = m_debugger.FrameLine(0);
+    DebugPrint(line + L"\r\n");
+    if (ExecutionTraceOn())
+        WriteTrace(TraceKind::Event, line);
 }
 
 void EngineContext::DebugPrint(const std::wstring& text)

@@ -5,6 +5,7 @@
 #include "frontend/BodyCompiler.h"
 #include "exec/InterpreterHost.h"
 #include "host/ComRef.h"
+#include "host/Debugger.h"
 #include "host/ModuleManager.h"
 #include "library/StreamTable.h"
 #include <oaidl.h>
@@ -51,6 +52,7 @@ public:
     CodeUnit& Owner() const { return m_owner; }
     Interpreter& Machine() { return m_interpreter; }
     ModuleManager& Modules() { return m_modules; }
+    Debugger& Debugging() { return m_debugger; }
 
     // The control operation: carries out request (0..8) with its argument, answers the state after it.
     RunState Control(int request, long argument);
@@ -101,6 +103,8 @@ public:
     std::wstring CommandText() const override;
     StreamTable* Streams() override { return &m_streams; }
     bool MapMacroName(const std::wstring& name, const std::wstring& base, std::wstring& mapped) override;
+    void TraceLine() override;
+    bool IsSteppingExcluded(const ProcedureCode& procedure) override { return m_debugger.IsSteppingExcluded(procedure); }
 
 private:
     RunState Run(long depth);
@@ -112,6 +116,8 @@ private:
     bool StatementExecuting() const { return m_interpreter.ExecutionMarker() != 0; }
     void RunScheduler(bool single);
     void DefaultNotify(short code);
+    // Writes a trace line through the callback (or the test sink) whatever the trace bytes say.
+    void WriteTrace(TraceKind kind, const std::wstring& text);
 
     CodeUnit& m_owner;
     // Declared before the interpreter and modules so that it outlives them, and the files close last.
@@ -133,6 +139,7 @@ private:
     // Declared before the interpreter so that the interpreter's stacks go before the code they run.
     ModuleManager m_modules;
     Interpreter m_interpreter;
+    Debugger m_debugger{m_modules, m_interpreter};
 };
 
 } // namespace brannoc

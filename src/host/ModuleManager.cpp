@@ -544,6 +544,25 @@ bool ModuleManager::Locate(const ProcedureCode& code, int index, std::wstring& m
     return false;
 }
 
+Module* ModuleManager::ModuleOf(const ProcedureCode& code, const Procedure** procedure) const
+{
+    for (const auto& module : m_compiler->Modules()) {
+        const CompiledModule* compiled = module->Compiled();
+        if (!compiled)
+            continue;
+        for (const auto& candidate : compiled->procedures) {
+            if (candidate->code.get() == &code) {
+                if (procedure)
+                    *procedure = candidate.get();
+                return module.get();
+            }
+        }
+    }
+    return nullptr;
+}
+
+std::string ModuleManager::SourceLine(const Module& module, int number) { return LineOf(module.Text(), number); }
+
 Module* ModuleManager::FindLoadedModule(const std::string& name) const { return m_compiler->FindModule(name); }
 
 ModuleInstance* ModuleManager::DefaultInstance(const Module& module) const

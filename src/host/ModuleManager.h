@@ -109,6 +109,12 @@ public:
     // of the procedure whose executable form is code. False when no loaded module has that procedure.
     bool Locate(const ProcedureCode& code, int index, std::wstring& moduleName, int& line,
                 std::wstring& lineText) const;
+    // The module whose compiled code holds the procedure code, and its procedure; null when none does.
+    Module* ModuleOf(const ProcedureCode& code, const Procedure** procedure = nullptr) const;
+    // Every compiled module (top-level and used ones).
+    const std::vector<std::unique_ptr<Module>>& AllModules() const { return m_compiler->Modules(); }
+    // Line `number` (from 1) of a module's text, without its line break.
+    static std::string SourceLine(const Module& module, int number);
     // The run has ended: the started module is idle again.
     void RunEnded();
 

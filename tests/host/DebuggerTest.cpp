@@ -1,0 +1,569 @@
+// Debugging through the engine object: break points, the Stop statement, stepping into, over and out,
+// the call stack's line texts, moving the execution point and line tracing. Macros are served from
+// memory; the fake callback records DebugPrint texts and notifications.
+#include "brannoc.h"
+#include "host/CodeUnit.h"
+#include "host/FakeCallBack.h"
+#include <gtest/gtest.h>
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+using namespace brannoc;
+
+namespace {
+
+std::wstring TakeText(BSTR text)
+{
+    std::wstring result = text ? std::wstring(text, SysStringLen(text)) : std::wstring();
+    SysFreeString(text);
+    return result;
+}
+
+// Source lines joined with CR LF: line n of the macro is element n - 1.
+std::wstring Lines(std::initializer_list<const wchar_t*> lines)
+{
+    std::wstring text;
+    for (const wchar_t* line : lines)
+        text += std::wstring(line) + L"\r\n";
+    return text;
+}
+
+// A macro whose lines are numbered by the comments at their ends' positions in this list.
+const std::wstring kMacro = Lines({
+    L"' debugging",                          // 1
+    L"Dim counter As Long",                  // 2
+    L"",                                     // 3
+    L"Sub Main",                             // 4
+    L"    Dim x As Long",                    // 5
+    L"    x = 1",                            // 6
+    L"    Debug.Print \"a\"",                // 7
+    L"    Helper x",                         // 8
+    L"    Debug.Print \"b\": Debug.Print \"c\"", // 9
+    L"    Debug.Print \"end\"; x",           // 10
+    L"End Sub",                              // 11
+    L"",                                     // 12
+    L"Sub Helper(ByRef v As Long)",          // 13
+    L"    v = v + 1",                        // 14
+    L"    Debug.Print \"helper\"",           // 15
+    L"End Sub",                              // 16
+});
+
+class DebuggerTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_NE(nullptr, unit);
+        unit->SetCallBack(&callBack);
+        callBack.macros[L"dbg"] = kMacro;
+    }
+    void TearDown() override
+    {
+        if (!unit)
+            return;
+        VARIANT_BOOL ignored;
+        unit->HaltAll(&ignored);
+        unit->SetCallBack(nullptr);
+        unit->Release();
+    }
+    static BSTR Name(const wchar_t* text) { return SysAllocString(text); }
+    bool Call(HRESULT (__stdcall CodeUnit::*member)(VARIANT_BOOL*))
+    {
+        VARIANT_BOOL result = VARIANT_FALSE;
+        EXPECT_EQ(S_OK, (unit->*member)(&result));
+        return result == VARIANT_TRUE;
+    }
+    bool Start(const wchar_t* macro = L"dbg")
+    {
+        BSTR name = Name(macro);
+        VARIANT_BOOL started = VARIANT_FALSE;
+        EXPECT_EQ(S_OK, unit->Start(name, &started));
+        SysFreeString(name);
+        return started == VARIANT_TRUE;
+    }
+    bool Load(const wchar_t* macro)
+    {
+        BSTR name = Name(macro);
+        VARIANT_BOOL loaded = VARIANT_FALSE;
+        EXPECT_EQ(S_OK, unit->Load(name, &loaded));
+        SysFreeString(name);
+        return loaded == VARIANT_TRUE;
+    }
+    bool Run(short depth)
+    {
+        VARIANT_BOOL active = VARIANT_FALSE;
+        EXPECT_EQ(S_OK, unit->Run(depth, &active));
+        return active == VARIANT_TRUE;
+    }
+    bool Step() { return Call(&CodeUnit::Step); }
+    bool Continue() { return Call(&CodeUnit::Continue); }
+    bool Toggle(const wchar_t* macro, short line)
+    {
+        BSTR name = Name(macro);
+        VARIANT_BOOL result = VARIANT_FALSE;
+        EXPECT_EQ(S_OK, unit->ToggleBreak(name, line, &result));
+        SysFreeString(name);
+        return result == VARIANT_TRUE;
+    }
+    short BreakLine(const wchar_t* macro, short index)
+    {
+        BSTR name = Name(macro);
+        short line = -1;
+        EXPECT_EQ(S_OK, unit->get_BreakLineNum(name, index, &line));
+        SysFreeString(name);
+        return line;
+    }
+    bool IsStopped()
+    {
+        VARIANT_BOOL stopped = VARIANT_FALSE;
+        EXPECT_EQ(S_OK, unit->get_IsStopped(&stopped));
+        return stopped == VARIANT_TRUE;
+    }
+    bool IsIdle()
+    {
+        VARIANT_BOOL idle = VARIANT_FALSE;
+        EXPECT_EQ(S_OK, unit->get_IsIdle(&idle));
+        return idle == VARIANT_TRUE;
+    }
+    std::wstring CurrentLine()
+    {
+        BSTR text = nullptr;
+        EXPECT_EQ(S_OK, unit->get_CurrentLine(&text));
+        return TakeText(text);
+    }
+    std::wstring CallersLine(short depth)
+    {
+        BSTR text = nullptr;
+        EXPECT_EQ(S_OK, unit->get_CallersLine(depth, &text));
+        return TakeText(text);
+    }
+    short StackDepth()
+    {
+        short depth = -1;
+        EXPECT_EQ(S_OK, unit->get_StackDepth(&depth));
+        return depth;
+    }
+    short LineNum()
+    {
+        short line = -1;
+        EXPECT_EQ(S_OK, unit->get_LineNum(&line));
+        return line;
+    }
+    // Continues a stopped run and runs it to its end or its next stop.
+    bool ContinueAndRun()
+    {
+        EXPECT_TRUE(Continue());
+        return Run(0);
+    }
+    std::vector<std::wstring> Printed() const { return callBack.printed; }
+
+    CodeUnit* unit = static_cast<CodeUnit*>(static_cast<_CodeUnit*>(KZ_CreateCodeUnit()));
+    brannoc::testing::FakeCallBack callBack;
+};
+
+using Texts = std::vector<std::wstring>;
+
+TEST_F(DebuggerTest, ABreakPointStopsTheRunBeforeItsLine)
+{
+    ASSERT_TRUE(Start());
+    EXPECT_TRUE(Toggle(L"dbg", 7));
+    EXPECT_FALSE(Run(0)) << "the run stopped";
+    EXPECT_TRUE(IsStopped());
+    EXPECT_EQ(1, callBack.Count(3));
+    EXPECT_TRUE(Printed().empty()) << "line 7 has not run";
+    EXPECT_EQ(L"[dbg|Main#  7] Debug.Print \"a\"", CurrentLine());
+    EXPECT_EQ(7, LineNum());
+
+    // Continuing runs the line at the break point and does not stop there again.
+    EXPECT_FALSE(ContinueAndRun());
+    EXPECT_TRUE(IsIdle());
+    EXPECT_EQ((Texts{L"\"a\"\r\n", L"\"helper\"\r\n", L"\"b\"\r\n", L"\"c\"\r\n", L"\"end\"2&\r\n"}), Printed());
+    EXPECT_EQ(1, callBack.Count(3));
+    EXPECT_EQ(1, callBack.Count(4));
+}
+
+TEST_F(DebuggerTest, OnlyLinesWithAnExecutableStatementTakeABreakPoint)
+{
+    ASSERT_TRUE(Load(L"dbg"));
+    for (short line : {1, 2, 3, 5, 12, 17, 200})
+        EXPECT_FALSE(Toggle(L"dbg", line)) << "line " << line;
+    EXPECT_EQ(0, BreakLine(L"dbg", 0));
+    EXPECT_FALSE(Toggle(L"nothing", 6)) << "a module that is not loaded";
+    EXPECT_FALSE(Toggle(L"", 6)) << "an empty name with a line";
+}
+
+TEST_F(DebuggerTest, TogglingTwiceLeavesNoBreakPoint)
+{
+    ASSERT_TRUE(Start());
+    EXPECT_TRUE(Toggle(L"dbg", 14));
+    EXPECT_TRUE(Toggle(L"dbg", 14));
+    EXPECT_EQ(0, BreakLine(L"dbg", 0));
+    EXPECT_FALSE(Run(0));
+    EXPECT_TRUE(IsIdle());
+    EXPECT_EQ(0, callBack.Count(3));
+    EXPECT_EQ(5u, Printed().size());
+}
+
+TEST_F(DebuggerTest, ABreakPointOnALineOfSeveralStatementsStopsOnceBeforeTheLine)
+{
+    ASSERT_TRUE(Start());
+    EXPECT_TRUE(Toggle(L"dbg", 9));
+    EXPECT_FALSE(Run(0));
+    EXPECT_TRUE(IsStopped());
+    EXPECT_EQ((Texts{L"\"a\"\r\n", L"\"helper\"\r\n"}), Printed());
+    EXPECT_EQ(L"[dbg|Main#  9] Debug.Print \"b\": Debug.Print \"c\"", CurrentLine());
+    EXPECT_FALSE(ContinueAndRun());
+    EXPECT_EQ((Texts{L"\"a\"\r\n", L"\"helper\"\r\n", L"\"b\"\r\n", L"\"c\"\r\n", L"\"end\"2&\r\n"}), Printed());
+    EXPECT_EQ(1, callBack.Count(3));
+}
+
+TEST_F(DebuggerTest, ABreakPointInALoopStopsEachTime)
+{
+    callBack.macros[L"loop"] = Lines({
+        L"Sub Main",                          // 1
+        L"    Dim i As Long, total As Long",  // 2
+        L"    For i = 1 To 3",                // 3
+        L"        total = total + i",         // 4
+        L"    Next i",                        // 5
+        L"    Debug.Print total",             // 6
+        L"End Sub",                           // 7
+    });
+    ASSERT_TRUE(Start(L"loop"));
+    EXPECT_TRUE(Toggle(L"loop", 4));
+    EXPECT_FALSE(Run(0));
+    int stops = 0;
+    while (IsStopped() && stops < 10) {
+        ++stops;
+        EXPECT_EQ(L"[loop|Main#  4] total = total + i", CurrentLine());
+        EXPECT_FALSE(ContinueAndRun());
+    }
+    EXPECT_EQ(3, stops);
+    EXPECT_EQ((Texts{L"6&\r\n"}), Printed());
+}
+
+TEST_F(DebuggerTest, TheStopStatementStopsAndContinuingDoesNotStopOnItAgain)
+{
+    callBack.macros[L"stops"] = Lines({
+        L"Sub Main",               // 1
+        L"    Debug.Print 1",      // 2
+        L"    Stop",               // 3
+        L"    Debug.Print 2",      // 4
+        L"End Sub",                // 5
+    });
+    ASSERT_TRUE(Start(L"stops"));
+    EXPECT_FALSE(Run(0));
+    EXPECT_TRUE(IsStopped());
+    EXPECT_EQ((Texts{L"1%\r\n"}), Printed());
+    EXPECT_EQ(L"[stops|Main#  3] Stop", CurrentLine());
+    EXPECT_FALSE(ContinueAndRun());
+    EXPECT_TRUE(IsIdle());
+    EXPECT_EQ((Texts{L"1%\r\n", L"2%\r\n"}), Printed());
+    EXPECT_EQ(1, callBack.Count(3));
+}
+
+TEST_F(DebuggerTest, StepIntoStopsAtTheCalleesFirstStatement)
+{
+    ASSERT_TRUE(Start());
+    EXPECT_TRUE(Toggle(L"dbg", 8));
+    EXPECT_FALSE(Run(0));
+    ASSERT_EQ(L"[dbg|Main#  8] Helper x", CurrentLine());
+    EXPECT_EQ(1, StackDepth());
+    EXPECT_TRUE(Continue());
+    EXPECT_TRUE(Step()) << "a step leaves the run active";
+    EXPECT_EQ(L"[dbg|Helper# 13] Sub Helper(ByRef v As Long)", CurrentLine()) << "the header comes first";
+    EXPECT_EQ(2, StackDepth());
+    EXPECT_TRUE(Step());
+    EXPECT_EQ(L"[dbg|Helper# 14] v = v + 1", CurrentLine());
+    EXPECT_TRUE(Step());
+    EXPECT_EQ(L"[dbg|Helper# 15] Debug.Print \"helper\"", CurrentLine());
+    EXPECT_TRUE(Printed().size() == 1u);
+}
+
+TEST_F(DebuggerTest, StepOverRunsTheCallAndStopsAtTheNextLine)
+{
+    ASSERT_TRUE(Start());
+    EXPECT_TRUE(Toggle(L"dbg", 8));
+    EXPECT_FALSE(Run(0));
+    EXPECT_TRUE(Continue());
+    EXPECT_FALSE(Run(static_cast<short>(StackDepth() + 1))) << "reaching the depth stops the run";
+    EXPECT_TRUE(IsStopped());
+    EXPECT_EQ(L"[dbg|Main#  9] Debug.Print \"b\": Debug.Print \"c\"", CurrentLine());
+    EXPECT_EQ((Texts{L"\"a\"\r\n", L"\"helper\"\r\n"}), Printed());
+}
+
+TEST_F(DebuggerTest, StepOverStopsAtABreakPointInsideTheCallee)
+{
+    ASSERT_TRUE(Start());
+    EXPECT_TRUE(Toggle(L"dbg", 8));
+    EXPECT_TRUE(Toggle(L"dbg", 15));
+    EXPECT_FALSE(Run(0));
+    EXPECT_TRUE(Continue());
+    EXPECT_FALSE(Run(static_cast<short>(StackDepth() + 1)));
+    EXPECT_EQ(L"[dbg|Helper# 15] Debug.Print \"helper\"", CurrentLine());
+}
+
+TEST_F(DebuggerTest, StepOutRunsToTheCallersNextLine)
+{
+    ASSERT_TRUE(Start());
+    EXPECT_TRUE(Toggle(L"dbg", 14));
+    EXPECT_FALSE(Run(0));
+    ASSERT_EQ(L"[dbg|Helper# 14] v = v + 1", CurrentLine());
+    EXPECT_EQ(2, StackDepth());
+    EXPECT_TRUE(Continue());
+    EXPECT_FALSE(Run(StackDepth()));
+    EXPECT_EQ(L"[dbg|Main#  9] Debug.Print \"b\": Debug.Print \"c\"", CurrentLine());
+    EXPECT_EQ(1, StackDepth());
+    EXPECT_EQ((Texts{L"\"a\"\r\n", L"\"helper\"\r\n"}), Printed());
+}
+
+TEST_F(DebuggerTest, CallersLineDescribesEachFrame)
+{
+    ASSERT_TRUE(Start());
+    EXPECT_TRUE(Toggle(L"dbg", 15));
+    EXPECT_FALSE(Run(0));
+    EXPECT_EQ(2, StackDepth());
+    EXPECT_EQ(L"[dbg|Helper# 15] Debug.Print \"helper\"", CallersLine(0));
+    EXPECT_EQ(CurrentLine(), CallersLine(0));
+    EXPECT_EQ(L"[dbg|Main#  8] Helper x", CallersLine(1));
+    EXPECT_EQ(L"", CallersLine(2));
+    EXPECT_EQ(L"", CallersLine(200));
+}
+
+TEST_F(DebuggerTest, CallersLineNamesTheObjectOfAnObjectModule)
+{
+    callBack.macros[L"Shape.cls"] = Lines({
+        L"VERSION 1.0 CLASS",                   // 1
+        L"BEGIN",                               // 2
+        L"  MultiUse = -1",                     // 3
+        L"END",                                 // 4
+        L"Attribute VB_Name = \"Shape\"",       // 5
+        L"Public Function Area() As Long",      // 6
+        L"    Area = 12",                       // 7
+        L"End Function",                        // 8
+    });
+    callBack.macros[L"user"] = Lines({
+        L"'#Uses \"Shape.cls\"",                // 1
+        L"Sub Main",                            // 2
+        L"    Dim s As New Shape",              // 3
+        L"    Debug.Print s.Area()",            // 4
+        L"End Sub",                             // 5
+    });
+    ASSERT_TRUE(Start(L"user"));
+    EXPECT_TRUE(Toggle(L"Shape.cls", 7));
+    EXPECT_FALSE(Run(0));
+    EXPECT_EQ(L"[Shape.cls|Shape.Area#  7] Area = 12", CallersLine(0));
+    EXPECT_EQ(L"[user|Main#  4] Debug.Print s.Area()", CallersLine(1));
+    EXPECT_FALSE(ContinueAndRun());
+    EXPECT_EQ((Texts{L"12&\r\n"}), Printed());
+}
+
+TEST_F(DebuggerTest, BreakLineNumListsBreakPointsInTheOrderSet)
+{
+    ASSERT_TRUE(Start());
+    EXPECT_TRUE(Toggle(L"dbg", 10));
+    EXPECT_TRUE(Toggle(L"dbg", 7));
+    EXPECT_TRUE(Toggle(L"dbg", 14));
+    EXPECT_EQ(10, BreakLine(L"dbg", 0));
+    EXPECT_EQ(7, BreakLine(L"dbg", 1));
+    EXPECT_EQ(14, BreakLine(L"dbg", 2));
+    EXPECT_EQ(0, BreakLine(L"dbg", 3));
+    EXPECT_EQ(0, BreakLine(L"dbg", -1));
+    EXPECT_TRUE(Toggle(L"dbg", 7));
+    EXPECT_EQ(14, BreakLine(L"dbg", 1));
+    EXPECT_TRUE(Toggle(L"", 0)) << "clears every break point";
+    EXPECT_EQ(0, BreakLine(L"dbg", 0));
+    EXPECT_FALSE(Run(0));
+    EXPECT_EQ(0, callBack.Count(3));
+}
+
+TEST_F(DebuggerTest, LineZeroClearsOneModulesBreakPoints)
+{
+    ASSERT_TRUE(Load(L"dbg"));
+    EXPECT_TRUE(Toggle(L"dbg", 10));
+    EXPECT_TRUE(Toggle(L"dbg", 14));
+    EXPECT_TRUE(Toggle(L"dbg", 0));
+    EXPECT_EQ(0, BreakLine(L"dbg", 0));
+}
+
+TEST_F(DebuggerTest, UnloadingOrRecompilingAModuleDropsItsBreakPoints)
+{
+    ASSERT_TRUE(Load(L"dbg"));
+    EXPECT_TRUE(Toggle(L"dbg", 7));
+    BSTR name = Name(L"dbg");
+    VARIANT_BOOL unloaded = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, unit->Unload(name, &unloaded));
+    SysFreeString(name);
+    EXPECT_TRUE(unloaded == VARIANT_TRUE);
+    ASSERT_TRUE(Load(L"dbg"));
+    EXPECT_EQ(0, BreakLine(L"dbg", 0));
+    // Starting compiles the module again: the break point set after the load goes.
+    EXPECT_TRUE(Toggle(L"dbg", 7));
+    ASSERT_TRUE(Start());
+    EXPECT_EQ(0, BreakLine(L"dbg", 0));
+    EXPECT_FALSE(Run(0));
+    EXPECT_EQ(0, callBack.Count(3));
+    EXPECT_EQ(5u, Printed().size());
+}
+
+TEST_F(DebuggerTest, SetNextStatementMovesWithinTheProcedureOnly)
+{
+    ASSERT_TRUE(Start());
+    EXPECT_TRUE(Toggle(L"dbg", 7));
+    EXPECT_FALSE(Run(0));
+    EXPECT_EQ(S_OK, unit->put_LineNum(15));
+    EXPECT_EQ(7, LineNum()) << "a line of another procedure is refused";
+    EXPECT_EQ(S_OK, unit->put_LineNum(2));
+    EXPECT_EQ(7, LineNum()) << "a line outside every procedure is refused";
+    EXPECT_EQ(S_OK, unit->put_LineNum(10));
+    EXPECT_EQ(10, LineNum());
+    EXPECT_EQ(L"[dbg|Main# 10] Debug.Print \"end\"; x", CurrentLine());
+    EXPECT_FALSE(ContinueAndRun());
+    EXPECT_EQ((Texts{L"\"end\"1&\r\n"}), Printed());
+}
+
+TEST_F(DebuggerTest, SetNextStatementRespectsWithBlocks)
+{
+    callBack.macros[L"Probe.cls"] = Lines({
+        L"VERSION 1.0 CLASS",
+        L"BEGIN",
+        L"  MultiUse = -1",
+        L"END",
+        L"Attribute VB_Name = \"Probe\"",
+        L"Public Value As Long",
+        L"Private Sub Class_Terminate()",
+        L"    Debug.Print \"released\"",
+        L"End Sub",
+    });
+    callBack.macros[L"with"] = Lines({
+        L"'#Uses \"Probe.cls\"",            // 1
+        L"Sub Main",                        // 2
+        L"    Debug.Print \"start\"",       // 3
+        L"    With New Probe",              // 4
+        L"        .Value = 1",              // 5
+        L"        Debug.Print .Value",      // 6
+        L"    End With",                    // 7
+        L"    Debug.Print \"after\"",       // 8
+        L"End Sub",                         // 9
+    });
+    ASSERT_TRUE(Start(L"with"));
+    EXPECT_TRUE(Toggle(L"with", 3));
+    EXPECT_TRUE(Toggle(L"with", 6));
+    EXPECT_FALSE(Run(0));
+    ASSERT_EQ(3, LineNum());
+    EXPECT_EQ(S_OK, unit->put_LineNum(5));
+    EXPECT_EQ(3, LineNum()) << "into a With block from outside is refused";
+    EXPECT_EQ(S_OK, unit->put_LineNum(4));
+    EXPECT_EQ(4, LineNum()) << "onto the With line itself is allowed";
+    EXPECT_FALSE(ContinueAndRun());
+    ASSERT_EQ(6, LineNum());
+    EXPECT_EQ((Texts{}), Printed()) << "line 3 was skipped";
+    EXPECT_EQ(S_OK, unit->put_LineNum(8));
+    EXPECT_EQ(8, LineNum()) << "out of the block to after End With is allowed";
+    EXPECT_EQ((Texts{L"\"released\"\r\n"}), Printed()) << "the With object goes at once";
+    EXPECT_FALSE(ContinueAndRun());
+    EXPECT_EQ((Texts{L"\"released\"\r\n", L"\"after\"\r\n"}), Printed());
+}
+
+TEST_F(DebuggerTest, LineTracingPrintsEachLineAsItRuns)
+{
+    callBack.macros[L"trace"] = Lines({
+        L"Sub Main",                 // 1
+        L"    Dim x As Long",        // 2
+        L"    ' a comment",          // 3
+        L"",                         // 4
+        L"    x = 2",                // 5
+        L"    Debug.Print x",        // 6
+        L"End Sub",                  // 7
+    });
+    ASSERT_TRUE(Start(L"trace"));
+    EXPECT_FALSE(Run(-1));
+    EXPECT_EQ((Texts{L"[trace|Main#  1] Sub Main\r\n", L"[trace|Main#  5] x = 2\r\n", L"[trace|Main#  6] Debug.Print x\r\n", L"2&\r\n",
+                     L"[trace|Main#  7] End Sub\r\n"}),
+              Printed());
+}
+
+TEST_F(DebuggerTest, LineTracingSkipsTheLineAtWhichTheRunResumes)
+{
+    ASSERT_TRUE(Start());
+    EXPECT_TRUE(Toggle(L"dbg", 15));
+    EXPECT_FALSE(Run(0));
+    callBack.printed.clear();
+    EXPECT_TRUE(Continue());
+    EXPECT_FALSE(Run(-1));
+    ASSERT_GE(callBack.printed.size(), 2u);
+    EXPECT_EQ(L"\"helper\"\r\n", callBack.printed[0]) << "no trace line for the resumed line";
+    EXPECT_EQ(L"[dbg|Helper# 16] End Sub\r\n", callBack.printed[1]);
+}
+
+TEST_F(DebuggerTest, SteppingNeverStopsInAHiddenModule)
+{
+    callBack.macros[L"*Hidden*"] = Lines({
+        L"Sub Secret",                       // 1
+        L"    Debug.Print \"secret\"",       // 2
+        L"End Sub",                          // 3
+    });
+    callBack.macros[L"open"] = Lines({
+        L"'#Uses \"*Hidden*\"",              // 1
+        L"Sub Main",                         // 2
+        L"    Secret",                       // 3
+        L"    Debug.Print \"back\"",         // 4
+        L"End Sub",                          // 5
+    });
+    ASSERT_TRUE(Start(L"open"));
+    EXPECT_TRUE(Toggle(L"open", 3));
+    EXPECT_FALSE(Run(0));
+    EXPECT_TRUE(Continue());
+    EXPECT_TRUE(Step());
+    EXPECT_EQ(L"[open|Main#  4] Debug.Print \"back\"", CurrentLine());
+    EXPECT_EQ((Texts{L"\"secret\"\r\n"}), Printed());
+}
+
+TEST_F(DebuggerTest, TheExportedFunctionsReachTheSameMembers)
+{
+    ASSERT_TRUE(Start());
+    void* handle = static_cast<_CodeUnit*>(unit);
+    EXPECT_EQ(-1, CU_ToggleBreak(handle, "dbg", 15));
+    EXPECT_EQ(0, CU_ToggleBreak(handle, "dbg", 12));
+    EXPECT_EQ(15, CU_BreakLineNum(handle, "dbg", 0));
+    EXPECT_EQ(0, CU_BreakLineNum(handle, "dbg", 1));
+    EXPECT_FALSE(Run(0));
+    EXPECT_EQ(15, CU_LineNum(handle));
+    CU_LineNumPut(handle, 16);
+    EXPECT_EQ(16, CU_LineNum(handle));
+    auto ansi = [](BSTR text) {
+        std::string bytes = text ? std::string(reinterpret_cast<const char*>(text), OA_SysStringLenA(text)) : "<null>";
+        OA_SysFreeStringA(text);
+        return bytes;
+    };
+    EXPECT_EQ("[dbg|Helper# 16] End Sub", ansi(CU_CurrentLine(handle)));
+    EXPECT_EQ("[dbg|Main#  8] Helper x", ansi(CU_CallersLine(handle, 1)));
+    EXPECT_EQ("", ansi(CU_CallersLine(handle, 2)));
+    EXPECT_EQ(-1, CU_ToggleBreak(handle, "", 0));
+    EXPECT_EQ(0, CU_BreakLineNum(handle, "dbg", 0));
+}
+
+TEST_F(DebuggerTest, AStoppedRunAnswersEveryOtherMember)
+{
+    ASSERT_TRUE(Start());
+    EXPECT_TRUE(Toggle(L"dbg", 7));
+    EXPECT_FALSE(Run(0));
+    BSTR caption = nullptr;
+    EXPECT_EQ(S_OK, unit->get_Caption(&caption));
+    EXPECT_EQ(L"Brannoc Basic", TakeText(caption));
+    BSTR name = Name(L"dbg");
+    VARIANT_BOOL result = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, unit->get_IsMacro(name, &result));
+    EXPECT_TRUE(result == VARIANT_TRUE);
+    EXPECT_EQ(S_OK, unit->get_IsMacroActive(name, &result));
+    EXPECT_TRUE(result == VARIANT_TRUE);
+    SysFreeString(name);
+    VARIANT_BOOL paused = VARIANT_TRUE;
+    EXPECT_EQ(S_OK, unit->get_IsPaused(&paused));
+    EXPECT_TRUE(paused == VARIANT_FALSE) << "no statement is executing while stopped";
+    EXPECT_TRUE(Call(&CodeUnit::HaltAll));
+    EXPECT_TRUE(IsIdle());
+    EXPECT_EQ(L"", CurrentLine());
+    EXPECT_EQ(0, LineNum());
+}
+
+} // namespace
