@@ -58,8 +58,9 @@ bool BodyParser::Compile()
 
     const int lastIndex = m_procedure.lineCount - 1;
     m_exitIndex = lastIndex;
-    ScanDialogType(m_procedure.firstLine + lastIndex);
+    // The header's listing is taken while the lexer still stands on it; the dialog scan moves it.
     m_code->Append(std::make_unique<NoOperationStatement>())->SetListing(ListingOf(m_lexer.LineText()));
+    ScanDialogType(m_procedure.firstLine + lastIndex);
 
     const int endLine = m_procedure.firstLine + lastIndex;
     if (lastIndex > 1) {
