@@ -440,4 +440,14 @@ std::string Lexer::RecognisedNames() const
     return JoinUnblocked(m_blocked, kFirstRecognisedName, kLastRecognisedName);
 }
 
+std::string Lexer::HostKeywordList() const
+{
+    auto line = [](std::string words) {
+        if (!words.empty())
+            words += ' ';
+        return words + "\r\n";
+    };
+    return line(Keywords()) + ".Print \r\n" + line(RecognisedNames());
+}
+
 } // namespace brannoc

@@ -87,6 +87,10 @@ public:
     std::string Keywords() const;
     // Recognised names (164 to 339) that are not blocked, separated by blanks.
     std::string RecognisedNames() const;
+    // The keyword list a host reads: three lines ended by CR LF: the reserved words, then ".Print", then
+    // the other built-in names (the language object's members among them), each word followed by one
+    // blank; blocked words are left out.
+    std::string HostKeywordList() const;
 
 private:
     void StartLine(const char* position, int line);

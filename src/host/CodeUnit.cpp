@@ -357,6 +357,15 @@ HRESULT __stdcall CodeUnit::get_BlockedKeywords(BSTR* result)
     return Entered([&] { return Out(result, WideFromAnsi(m_context->BlockedKeywords())); });
 }
 
+HRESULT __stdcall CodeUnit::get_Keywords(BSTR* result)
+{
+    return Entered([&] {
+        Lexer lexer;
+        lexer.SetBlockedKeywords(m_context->BlockedKeywords());
+        return Out(result, WideFromAnsi(lexer.HostKeywordList()));
+    });
+}
+
 HRESULT __stdcall CodeUnit::put_BlockedKeywords(BSTR keywords)
 {
     return Entered([&] {
@@ -628,7 +637,6 @@ HRESULT __stdcall CodeUnit::get_EvaluateObject(BSTR, short, IDispatch** result) 
 HRESULT __stdcall CodeUnit::get_ExtensionType(short, IUnknown** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_ExtensionTypeName(short, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_Fire(VARIANT_BOOL, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::get_Keywords(BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::AddExtension(BSTR, IDispatch*) { return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::Call0(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::Call1(BSTR, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }

@@ -37,6 +37,14 @@ protected:
         SysFreeString(text);
         return result;
     }
+    std::wstring Keywords()
+    {
+        BSTR text = nullptr;
+        EXPECT_EQ(S_OK, unit->get_Keywords(&text));
+        std::wstring result = text ? std::wstring(text, SysStringLen(text)) : std::wstring();
+        SysFreeString(text);
+        return result;
+    }
     // Loads the macro; the first error it reported (the compile error, before the load's own 10012),
     // or 0 when it compiled.
     long Load(const wchar_t* name)
@@ -78,4 +86,28 @@ TEST_F(BlockedKeywordsTest, EachBlockedWordIsACompileErrorAndUnblockingOpensItAg
     EXPECT_EQ(0, Load(L"create"));
     EXPECT_EQ(0, Load(L"find"));
     EXPECT_EQ(0, Load(L"declare"));
+}
+
+TEST_F(BlockedKeywordsTest, KeywordsListsThreeLinesWithoutTheBlockedWords)
+{
+    const std::wstring all = Keywords();
+    const std::size_t first = all.find(L"\r\n");
+    ASSERT_NE(std::wstring::npos, first);
+    const std::size_t second = all.find(L"\r\n", first + 2);
+    ASSERT_NE(std::wstring::npos, second);
+    const std::wstring reserved = all.substr(0, first);
+    EXPECT_EQ(0u, reserved.find(L"Abs AddressOf And "));
+    EXPECT_EQ(L' ', reserved.back()) << "each word is followed by one blank";
+    EXPECT_EQ(L".Print ", all.substr(first + 2, second - first - 2));
+    const std::wstring names = all.substr(second + 2);
+    ASSERT_GE(names.size(), 2u);
+    EXPECT_EQ(L"\r\n", names.substr(names.size() - 2));
+    EXPECT_NE(std::wstring::npos, names.find(L" CreateObject "));
+    EXPECT_NE(std::wstring::npos, reserved.find(L" Declare "));
+
+    Block(L"CreateObject Declare");
+    const std::wstring blocked = Keywords();
+    EXPECT_EQ(std::wstring::npos, blocked.find(L" CreateObject "));
+    EXPECT_EQ(std::wstring::npos, blocked.find(L" Declare "));
+    EXPECT_EQ(all.size() - std::wstring(L"CreateObject Declare ").size(), blocked.size());
 }
