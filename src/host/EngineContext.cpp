@@ -310,8 +310,12 @@ void EngineContext::ReportUntrappedError(const ErrorRecord& error)
                              m_errorReport.lineText))
             m_errorReport.lineNumber = line;
     }
+    const bool running = m_interpreter.RunLevel() > 0;
     SendNotification(kNotifyErrorReport);
     SendNotification(kNotifyError);
+    // The run stops after the report; the stop request that follows finds it stopped already.
+    if (running)
+        SendNotification(kNotifyStopped);
 }
 
 // A line-tracing run: the line about to run, as CurrentLine gives it, to the debug output, and to the

@@ -111,6 +111,14 @@ TEST_F(ErrorReportTest, AnUntrappedErrorFillsEveryFieldOfTheRecord)
     ASSERT_NE(seen.end(), error);
     EXPECT_LT(report, error);
     EXPECT_EQ(1, std::count(seen.begin(), seen.end(), 0));
+    // Then the run stops: notification 3, once, after the report.
+    auto stopped = std::find(seen.begin(), seen.end(), 3);
+    ASSERT_NE(seen.end(), stopped);
+    EXPECT_LT(error, stopped);
+    EXPECT_EQ(1, std::count(seen.begin(), seen.end(), 3));
+    VARIANT_BOOL isStopped = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, unit->get_IsStopped(&isStopped));
+    EXPECT_EQ(VARIANT_TRUE, isStopped);
 }
 
 TEST_F(ErrorReportTest, TheInnermostStatementIsReportedAndAContinuedOneAtItsFirstLine)
