@@ -2,7 +2,7 @@
 // that runs the macro, Wait serving messages, and a stop while a box is up.
 #include "code/ProgramRunner.h"
 #include "support/MessageBoxCapture.h"
-#include "support/Screenshot.h"
+#include "support/WindowImage.h"
 
 #include <gtest/gtest.h>
 
@@ -116,7 +116,7 @@ TEST(MsgBox, ScreenshotsOfEachIcon)
     int shot = 0;
     BoxRobot robot([&shot](HWND box) {
         const wchar_t* names[] = {L"msgbox_critical", L"msgbox_question", L"msgbox_exclamation", L"msgbox_information"};
-        EXPECT_FALSE(brannoc::test::SaveWindowScreenshot(box, names[shot++ % 4]).empty());
+        EXPECT_FALSE(brannoc::test::WindowImage::Capture(box, true).WriteScreenshot(names[shot++ % 4]).empty());
         PostMessageW(box, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
     });
     EXPECT_EQ(RunLines({"Debug.Print MsgBox(\"Critical\", 16, \"Icons\")", "Debug.Print MsgBox(\"Question\", 32)",
@@ -150,7 +150,7 @@ TEST(InputBox, OKGivesTheAnswerAndCancelGivesNothingEvenWithADefault)
             prompt = text;
             GetDlgItemTextW(box, 100, text, 128);
             initial = text;
-            EXPECT_FALSE(brannoc::test::SaveWindowScreenshot(box, L"inputbox").empty());
+            EXPECT_FALSE(brannoc::test::WindowImage::Capture(box, true).WriteScreenshot(L"inputbox").empty());
             SetDlgItemTextW(box, 100, L"Brannoc");
             SendMessageW(GetDlgItem(box, IDOK), BM_CLICK, 0, 0);
         } else {

@@ -3,7 +3,7 @@
 // the owner window, and a stop while the dialog is up.
 #include "code/ProgramRunner.h"
 #include "dialogs/DialogRobot.h"
-#include "support/Screenshot.h"
+#include "support/WindowImage.h"
 
 #include <gtest/gtest.h>
 
@@ -68,7 +68,7 @@ TEST(UserDialog, ShowsEveryItemKindWithTheFieldsAndCopiesThemBackOnOK)
         wchar_t className[64] = L"";
         GetClassNameW(Item(dialog, 13), className, 64);
         seen += L"|" + std::wstring(className);
-        brannoc::test::SaveWindowScreenshot(dialog, L"userdialog_all_kinds");
+        brannoc::test::WindowImage::Capture(dialog, true).WriteScreenshot(L"userdialog_all_kinds");
         SetDlgItemTextW(dialog, 101, L"Bob");
         SendMessageW(Item(dialog, 3), BM_SETCHECK, BST_CHECKED, 0);
         SendMessageW(Item(dialog, 6), BM_SETCHECK, BST_UNCHECKED, 0);
