@@ -5,6 +5,8 @@
 #include "exec/Interpreter.h"
 #include "library/BuiltinArguments.h"
 
+#include "values/ValueError.h"
+
 namespace brannoc {
 
 namespace {
@@ -18,13 +20,6 @@ constexpr int kHeaderArgument = 2;
 constexpr int kTitleArgument = 6;
 constexpr int kFirstItemArgument = 7;
 constexpr int kArgumentsPerItem = 6;
-
-bool Raise(long number)
-{
-    if (Interpreter* machine = Interpreter::Current())
-        return machine->SignalError(number);
-    return false;
-}
 
 bool ReadNumber(BuiltinArguments& arguments, int index, int& number)
 {
@@ -63,10 +58,10 @@ bool DefineDialog(BuiltinArguments& arguments, BuiltinResult&)
     DialogTemplate* dialogTemplate =
         heldTemplate->vt == VT_UNKNOWN ? DialogTemplate::From(heldTemplate->punkVal) : nullptr;
     if (!dialogTemplate || slot->Tag() != (VT_BYREF | VT_VARIANT))
-        return Raise(10620);
+        return RaiseValueError(10620);
     const int itemCount = static_cast<int>(dialogTemplate->items.size());
     if (arguments.Count() != kFirstItemArgument + itemCount * kArgumentsPerItem + dialogTemplate->listCount)
-        return Raise(10620);
+        return RaiseValueError(10620);
     auto* definition = new (std::nothrow) DialogDefinition(*dialogTemplate);
     if (!definition)
         return Interpreter::Current() && Interpreter::Current()->RaiseOutOfMemory();
@@ -104,7 +99,7 @@ bool DefineDialog(BuiltinArguments& arguments, BuiltinResult&)
                 return false;
             const int base = item.pictureType & ~16;
             if ((base != 0 && base != 3) || item.pictureType < 0)
-                return Raise(10620);
+                return RaiseValueError(10620);
         }
     }
     for (int i = 0; i < dialogTemplate->listCount; ++i) {

@@ -10,6 +10,8 @@
 
 #include <vector>
 
+#include "values/ValueError.h"
+
 namespace brannoc {
 
 namespace {
@@ -20,13 +22,6 @@ constexpr long kItemOutOfRange = 10032;
 constexpr long kNoDialogDisplayed = 10033;
 constexpr long kDialogInaccessible = 10034;
 constexpr long kInvalidArgument = 10620;
-
-bool Raise(long number)
-{
-    if (Interpreter* machine = Interpreter::Current())
-        return machine->SignalError(number);
-    return false;
-}
 
 // Dialog: shows the definition's dialog with the variable's fields. The statement form raises "User
 // pressed cancel." for the exit code 0.
@@ -42,10 +37,10 @@ bool ShowDialog(BuiltinArguments& arguments, BuiltinResult& result, bool stateme
     const VARIANT* stored = FollowByRefChain(&held->Raw());
     DialogDefinition* definition = stored->vt == VT_UNKNOWN ? DialogDefinition::From(stored->punkVal) : nullptr;
     if (!definition)
-        return Raise(kUserDialogNotDefined);
+        return RaiseValueError(kUserDialogNotDefined);
     const VARIANT* record = FollowByRefChain(&variable->Raw());
     if ((record->vt & ~VT_BYREF) != VT_RECORD || !record->pvRecord)
-        return Raise(kUserDialogNotDefined);
+        return RaiseValueError(kUserDialogNotDefined);
     int defaultButton = UserDialog::kNoDefaultButton;
     if (arguments.IsGiven(2)) {
         SHORT value = 0;
@@ -67,7 +62,7 @@ bool ShowDialog(BuiltinArguments& arguments, BuiltinResult& result, bool stateme
     if (outcome != UserDialog::Outcome::kEnded)
         return false;
     if (statement)
-        return exitCode != 0 || Raise(kUserPressedCancel);
+        return exitCode != 0 || RaiseValueError(kUserPressedCancel);
     result.SetInteger(static_cast<SHORT>(exitCode));
     return true;
 }
@@ -80,9 +75,9 @@ UserDialog* CurrentDialog()
 {
     UserDialog* dialog = UserDialog::Current();
     if (!dialog)
-        return Raise(kNoDialogDisplayed), nullptr;
+        return RaiseValueError(kNoDialogDisplayed), nullptr;
     if (!dialog->HasWindow())
-        return Raise(kDialogInaccessible), nullptr;
+        return RaiseValueError(kDialogInaccessible), nullptr;
     return dialog;
 }
 
@@ -95,7 +90,7 @@ bool ReadItem(BuiltinArguments& arguments, int index, UserDialog& dialog, int& i
     const VARIANT* raw = FollowByRefChain(&value->Raw());
     if (raw->vt == VT_BSTR) {
         item = dialog.FindItem(std::wstring_view(raw->bstrVal ? raw->bstrVal : L"", raw->bstrVal ? SysStringLen(raw->bstrVal) : 0u));
-        return item >= 0 || Raise(kItemOutOfRange);
+        return item >= 0 || RaiseValueError(kItemOutOfRange);
     }
     LONG number = 0;
     if (!arguments.Long(index, number))
@@ -103,7 +98,7 @@ bool ReadItem(BuiltinArguments& arguments, int index, UserDialog& dialog, int& i
     item = static_cast<int>(number);
     if (allowWhole && item == -1)
         return true;
-    return (item >= 0 && item < dialog.ItemCount()) || Raise(kItemOutOfRange);
+    return (item >= 0 && item < dialog.ItemCount()) || RaiseValueError(kItemOutOfRange);
 }
 
 bool DlgControlId(BuiltinArguments& arguments, BuiltinResult& result)
@@ -189,7 +184,7 @@ bool DlgFocus(BuiltinArguments& arguments, BuiltinResult& result)
 bool DlgFocusStatement(BuiltinArguments& arguments, BuiltinResult& result)
 {
     if (!arguments.IsGiven(0))
-        return Raise(kInvalidArgument);
+        return RaiseValueError(kInvalidArgument);
     return DlgFocus(arguments, result);
 }
 
@@ -198,12 +193,12 @@ bool ArrayStrings(const Variant& value, std::vector<std::wstring>& entries)
     const VARIANT* raw = FollowByRefChain(&value.Raw());
     SAFEARRAY* array = nullptr;
     if ((raw->vt & VT_ARRAY) == 0)
-        return Raise(kInvalidArgument);
+        return RaiseValueError(kInvalidArgument);
     array = (raw->vt & VT_BYREF) ? (raw->pparray ? *raw->pparray : nullptr) : raw->parray;
     if (!array)
         return true;
     if (SafeArrayGetDim(array) != 1)
-        return Raise(kInvalidArgument);
+        return RaiseValueError(kInvalidArgument);
     LONG lower = 0;
     LONG upper = -1;
     SafeArrayGetLBound(array, 1, &lower);
@@ -215,15 +210,15 @@ bool ArrayStrings(const Variant& value, std::vector<std::wstring>& entries)
         if (element == VT_BSTR) {
             BSTR text = nullptr;
             if (FAILED(SafeArrayGetElement(array, &index, &text)))
-                return Raise(kInvalidArgument);
+                return RaiseValueError(kInvalidArgument);
             item.SetString(text);
         } else if (element == VT_VARIANT) {
             if (FAILED(SafeArrayGetElement(array, &index, &item.Raw())))
-                return Raise(kInvalidArgument);
+                return RaiseValueError(kInvalidArgument);
             if (!ChangeType(item, VT_BSTR))
                 return false;
         } else {
-            return Raise(kInvalidArgument);
+            return RaiseValueError(kInvalidArgument);
         }
         entries.emplace_back(item.StringView());
     }
@@ -238,7 +233,7 @@ bool ListBoxArray(BuiltinArguments& arguments, BuiltinResult& result, bool state
         return false;
     if (!arguments.IsGiven(1)) {
         if (statement)
-            return Raise(kInvalidArgument);
+            return RaiseValueError(kInvalidArgument);
         result.SetInteger(0);
         return true;
     }
@@ -248,7 +243,7 @@ bool ListBoxArray(BuiltinArguments& arguments, BuiltinResult& result, bool state
         return false;
     const int count = dialog->SetList(item, entries);
     if (count < 0)
-        return Raise(kInvalidArgument);
+        return RaiseValueError(kInvalidArgument);
     result.SetInteger(static_cast<SHORT>(count));
     return true;
 }
@@ -273,7 +268,7 @@ bool DlgNumber(BuiltinArguments& arguments, BuiltinResult& result)
         return false;
     const int item = dialog->FindItem(name);
     if (item < 0)
-        return Raise(kItemOutOfRange);
+        return RaiseValueError(kItemOutOfRange);
     result.SetInteger(static_cast<SHORT>(item));
     return true;
 }
@@ -287,7 +282,7 @@ bool DlgSetPicture(BuiltinArguments& arguments, BuiltinResult&)
     if (!dialog || !ReadItem(arguments, 0, *dialog, item) || !arguments.String(1, fileName) ||
         !arguments.Integer(2, type))
         return false;
-    return dialog->SetPicture(item, fileName, type) || Raise(kInvalidArgument);
+    return dialog->SetPicture(item, fileName, type) || RaiseValueError(kInvalidArgument);
 }
 
 bool Text(BuiltinArguments& arguments, BuiltinResult& result, bool statement)
@@ -307,7 +302,7 @@ bool Text(BuiltinArguments& arguments, BuiltinResult& result, bool statement)
         return statement || result.SetString(text);
     }
     if (statement)
-        return Raise(kInvalidArgument);
+        return RaiseValueError(kInvalidArgument);
     return result.SetString(item == -1 ? dialog->Caption() : dialog->ItemText(item));
 }
 
@@ -334,15 +329,15 @@ bool Value(BuiltinArguments& arguments, BuiltinResult& result, bool statement)
         if (!arguments.Integer(1, value))
             return false;
         if (!dialog->SetItemValue(item, value))
-            return Raise(kInvalidArgument);
+            return RaiseValueError(kInvalidArgument);
         result.SetInteger(value);
         return true;
     }
     if (statement)
-        return Raise(kInvalidArgument);
+        return RaiseValueError(kInvalidArgument);
     int value = 0;
     if (!dialog->ItemValue(item, value))
-        return Raise(kInvalidArgument);
+        return RaiseValueError(kInvalidArgument);
     result.SetInteger(static_cast<SHORT>(value));
     return true;
 }
