@@ -1,5 +1,6 @@
 #include "exec/ModuleInstance.h"
 
+#include "exec/ErrorMessages.h"
 #include "frontend/Module.h"
 
 #include <algorithm>
@@ -118,8 +119,8 @@ ModuleInstance::ModuleInstance(Module& module) : m_module(&module)
         IRecordInfo* record = variable.type.userType ? variable.type.userType->record.Get() : nullptr;
         if (!variable.type.code.IsArray()) {
             if (variable.type.code.IsUserType()) {
-                // FIXME: a record that cannot be made leaves the variable Empty; its use raises 10080.
-                (void)InitializeRecordSlot(m_slots[i], record);
+                if (!InitializeRecordSlot(m_slots[i], record))
+                    NoteStorageFailure(i, ToNumber(ErrorId::OutOfMemory));
                 continue;
             }
             InitializeTypedSlot(m_slots[i], variable.type.code.Code());
@@ -132,10 +133,18 @@ ModuleInstance::ModuleInstance(Module& module) : m_module(&module)
             lower[d] = variable.bounds[d].lower;
             upper[d] = variable.bounds[d].upper;
         }
-        // FIXME: a fixed array that cannot be made stays not dimensioned; its use raises 10022.
-        (void)InitializeArraySlot(m_slots[i], variable.type.code.Code(), lower, upper, dimensions, record);
+        if (!InitializeArraySlot(m_slots[i], variable.type.code.Code(), lower, upper, dimensions, record))
+            NoteStorageFailure(i, ToNumber(ErrorId::CantAllocateLargeArray));
     }
     s_live.push_back(this);
+}
+
+void ModuleInstance::NoteStorageFailure(std::size_t variable, long number) noexcept
+{
+    if (m_failedVariable >= 0)
+        return;
+    m_failedVariable = static_cast<int>(variable);
+    m_storageError = number;
 }
 
 void ModuleInstance::Link(ModuleInstance& other)

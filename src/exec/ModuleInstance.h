@@ -23,6 +23,11 @@ public:
     ~ModuleInstance();
 
     Module& OwnModule() const noexcept { return *m_module; }
+    // The first module-level variable whose storage could not be made (a fixed array too large for the
+    // memory left, a record that could not be allocated), or -1 when all of it exists; the error number
+    // that names what failed (10021 for an array, 10001 otherwise).
+    int FailedVariable() const noexcept { return m_failedVariable; }
+    long StorageError() const noexcept { return m_storageError; }
     std::size_t VariableCount() const noexcept { return m_count; }
     // Storage of variable index (declaration order).
     VARIANT& Slot(std::size_t index) noexcept { return m_slots[index]; }
@@ -62,6 +67,8 @@ public:
     void MarkTerminated() noexcept { m_terminated = true; }
 
 private:
+    void NoteStorageFailure(std::size_t variable, long number) noexcept;
+
     Module* m_module = nullptr;
     std::unique_ptr<VARIANT[]> m_slots;
     std::size_t m_count = 0;
@@ -69,6 +76,8 @@ private:
     IDispatch* m_object = nullptr;
     bool m_abandoned = false;
     bool m_terminated = false;
+    int m_failedVariable = -1;
+    long m_storageError = 0;
     std::vector<ModuleInstance*> m_linked;
     // Every live instance, oldest first (all engine code runs under the engine lock).
     static inline std::vector<ModuleInstance*> s_live;

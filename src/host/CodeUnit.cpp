@@ -462,19 +462,6 @@ HRESULT __stdcall CodeUnit::get_ErrorOffset(short* result)
 
 // ---- Modules ----
 
-// A failed load or start is reported with the macro's name (notification 0).
-void CodeUnit::ReportStatus(ModuleStatus status, const std::wstring& macroName)
-{
-    StatusMessage message = MessageForStatus(status);
-    if (message.number == 0)
-        return;
-    ErrorLocation& error = m_context->ErrorReport();
-    error.Clear();
-    error.number = message.number;
-    error.description = message.text;
-    error.macroName = macroName;
-    m_context->SendNotification(EngineContext::kNotifyError);
-}
 
 HRESULT __stdcall CodeUnit::Load(BSTR macroName, VARIANT_BOOL* result)
 {
@@ -482,7 +469,7 @@ HRESULT __stdcall CodeUnit::Load(BSTR macroName, VARIANT_BOOL* result)
         std::wstring name = Text(macroName);
         TraceEntry(L"Load", name);
         ModuleStatus status = m_context->Modules().Load(m_context->Modules().MapName(AnsiFromWide(name)));
-        ReportStatus(status, name);
+        m_context->Modules().ReportStatus(status, name);
         bool outcome = MessageForStatus(status).number == 0;
         TraceResult(outcome);
         if (result)
@@ -501,7 +488,7 @@ HRESULT __stdcall CodeUnit::Start(BSTR macroName, VARIANT_BOOL* result)
         ModuleManager::SplitStartText(AnsiFromWide(text), name, command);
         name = m_context->Modules().MapName(name);
         ModuleStatus status = m_context->Modules().Start(name, command);
-        ReportStatus(status, WideFromAnsi(name));
+        m_context->Modules().ReportStatus(status, WideFromAnsi(name));
         bool outcome = MessageForStatus(status).number == 0;
         TraceResult(outcome);
         if (result)

@@ -129,7 +129,6 @@ private:
                           RunState wanted, VARIANT_BOOL* result);
     void TraceEntry(const wchar_t* operation, const std::wstring& argument);
     void TraceResult(bool result);
-    void ReportStatus(ModuleStatus status, const std::wstring& macroName);
     void Link();
     void Unlink();
 

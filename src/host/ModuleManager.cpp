@@ -19,6 +19,23 @@
 namespace brannoc {
 namespace {
 
+// Line number (1-based) of text, without its line end.
+std::string LineOf(const std::string& text, int number)
+{
+    std::size_t start = 0;
+    for (int line = 1; line < number; ++line) {
+        start = text.find('\n', start);
+        if (start == std::string::npos)
+            return {};
+        ++start;
+    }
+    std::size_t end = text.find('\n', start);
+    std::string line = text.substr(start, end == std::string::npos ? std::string::npos : end - start);
+    if (!line.empty() && line.back() == '\r')
+        line.pop_back();
+    return line;
+}
+
 bool SameName(std::string_view a, std::string_view b)
 {
     return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
@@ -280,7 +297,16 @@ ModuleStatus ModuleManager::Start(const std::string& name, const std::string& co
     // Main is scheduled first; the used modules' initializers then run above it, so all of them have
     // finished before Main's first statement.
     SharedInstance* own = FindShared(*loaded->module);
-    if (!own || !machine.StartEntry(*code, own->instance.get()) || !InitializeUsedModules(made, loaded->module)) {
+    if (own && !machine.StartEntry(*code, own->instance.get())) {
+        // Main could not begin (its fixed-size local arrays could not be made): the error it raised is
+        // reported at Main's header line.
+        const ErrorRecord& raised = machine.Error();
+        if (raised.number != 0)
+            NoteAllocFailure(*loaded->module, raised.number, raised.description, entry->firstLine);
+        m_running.clear();
+        return ModuleStatus::AllocFailed;
+    }
+    if (!own || !InitializeUsedModules(made, loaded->module)) {
         m_running.clear();
         return ModuleStatus::AllocFailed;
     }
@@ -294,16 +320,7 @@ void ModuleManager::RunQueuedStart()
     m_queued = false;
     const std::string name = std::move(m_queuedName);
     const std::string command = std::move(m_queuedCommand);
-    ModuleStatus status = Start(name, command);
-    StatusMessage message = MessageForStatus(status);
-    if (message.number == 0)
-        return;
-    ErrorLocation& error = m_context.ErrorReport();
-    error.Clear();
-    error.number = message.number;
-    error.description = message.text;
-    error.macroName = WideFromAnsi(name);
-    m_context.SendNotification(EngineContext::kNotifyError);
+    ReportStatus(Start(name, command), WideFromAnsi(name));
 }
 
 ModuleManager::SharedInstance* ModuleManager::FindShared(const Module& module)
@@ -329,9 +346,47 @@ bool ModuleManager::HoldDefaultInstances(Loaded& loaded, std::vector<ModuleInsta
             made.push_back(shared->instance.get());
         }
         ++shared->holds;
+        const int failed = shared->instance->FailedVariable();
+        if (failed >= 0) {
+            const Variable& variable = *module->Compiled()->variables[static_cast<std::size_t>(failed)];
+            const long number = shared->instance->StorageError();
+            NoteAllocFailure(*module, number, MessageFor(number), variable.line);
+            // The holds taken so far end again; the instances made now go with them.
+            loaded.holdsInstances = true;
+            ReleaseDefaultInstances(loaded);
+            made.clear();
+            return false;
+        }
     }
     loaded.holdsInstances = true;
     return true;
+}
+
+void ModuleManager::NoteAllocFailure(const Module& module, long number, std::wstring description, int line)
+{
+    m_allocFailure = AllocFailure{number, std::move(description), WideFromAnsi(module.Name()), line,
+                                  WideFromAnsi(LineOf(module.Text(), line))};
+}
+
+void ModuleManager::ReportStatus(ModuleStatus status, const std::wstring& macroName)
+{
+    std::optional<AllocFailure> failure = std::exchange(m_allocFailure, std::nullopt);
+    StatusMessage message = MessageForStatus(status);
+    if (message.number == 0)
+        return;
+    ErrorLocation& error = m_context.ErrorReport();
+    error.Clear();
+    error.number = message.number;
+    error.description = message.text;
+    error.macroName = macroName;
+    if (status == ModuleStatus::AllocFailed && failure) {
+        error.number = failure->number;
+        error.description = std::move(failure->description);
+        error.macroName = std::move(failure->module);
+        error.lineNumber = failure->line;
+        error.lineText = std::move(failure->lineText);
+    }
+    m_context.SendNotification(EngineContext::kNotifyError);
 }
 
 // Released newest first; an instance goes with its last hold (its variables' objects with it).
@@ -401,13 +456,21 @@ bool ModuleManager::RunNested(ProcedureCode& code, ModuleInstance& instance, con
 std::unique_ptr<ModuleInstance> ModuleManager::CreateInstance(Module& module)
 {
     auto instance = std::make_unique<ModuleInstance>(module);
+    Interpreter& machine = m_context.Machine();
+    if (instance->FailedVariable() >= 0) {
+        // Its variables could not all be made: no object, and the code that asked for it gets the error.
+        const long number = instance->StorageError();
+        instance.reset();
+        if (machine.ExecutionMarker() < 0)
+            (void)machine.SignalError(number);
+        return nullptr;
+    }
     // The creator's hold: the initializer's own activation never leaves the instance without uses.
     instance->AddUse();
     const CompiledModule* compiled = module.Compiled();
     ProcedureCode* entry = compiled && compiled->entry ? compiled->entry->code.get() : nullptr;
     // Made by running code (New, the first use of a default instance), the initializer hands an error
     // that it does not trap back to that code, which raises it again where it can be trapped.
-    Interpreter& machine = m_context.Machine();
     const bool madeByCode = machine.ExecutionMarker() < 0;
     if (entry && !RunNested(*entry, *instance, {}, nullptr,
                             madeByCode ? Interpreter::ErrorExit::kToCaller : Interpreter::ErrorExit::kReport)) {
@@ -488,26 +551,6 @@ void ModuleManager::DestroyInstance(std::unique_ptr<ModuleInstance> instance)
     released->Abandon();
 }
 
-namespace {
-
-// Line number (1-based) of text, without its line end.
-std::string LineOf(const std::string& text, int number)
-{
-    std::size_t start = 0;
-    for (int line = 1; line < number; ++line) {
-        start = text.find('\n', start);
-        if (start == std::string::npos)
-            return {};
-        ++start;
-    }
-    std::size_t end = text.find('\n', start);
-    std::string line = text.substr(start, end == std::string::npos ? std::string::npos : end - start);
-    if (!line.empty() && line.back() == '\r')
-        line.pop_back();
-    return line;
-}
-
-} // namespace
 
 bool ModuleManager::Locate(const ProcedureCode& code, int index, std::wstring& moduleName, int& line,
                            std::wstring& lineText) const

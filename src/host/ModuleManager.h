@@ -11,6 +11,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -64,6 +65,10 @@ public:
     ModuleStatus Load(const std::string& name, int mode = 0);
     ModuleStatus Start(const std::string& name, const std::string& command);
     ModuleStatus Unload(const std::string& name);
+    // Reports a failed load or start to the host (error record and notification 0): the status's
+    // number and text with the macro's name; for a macro whose storage could not be made or whose Main
+    // could not begin, what failed and the line of the declaration where it failed.
+    void ReportStatus(ModuleStatus status, const std::wstring& macroName);
     // False when the old name is not loaded or the new one is taken.
     bool Rename(const std::string& oldName, const std::string& newName);
     // True while the named module's run is active or stopped in it.
@@ -181,8 +186,19 @@ private:
     // Runs the entry procedures (Private Sub Main) of the given used modules' instances, each to its end.
     [[nodiscard]] bool InitializeUsedModules(const std::vector<ModuleInstance*>& instances, const Module* top);
 
+    // What could not be made when a load or start answers AllocFailed, and where.
+    struct AllocFailure {
+        long number = 0;
+        std::wstring description;
+        std::wstring module;
+        long line = 0;
+        std::wstring lineText;
+    };
+    void NoteAllocFailure(const Module& module, long number, std::wstring description, int line);
+
     EngineContext& m_context;
     ProcedureBodyCompiler* m_bodyCompiler = nullptr;
+    std::optional<AllocFailure> m_allocFailure;
     // One compiler for every module: a module that several others use is loaded once.
     std::unique_ptr<Compiler> m_compiler;
     std::vector<std::unique_ptr<Loaded>> m_loaded;
