@@ -45,12 +45,8 @@ bool IsHeldByReference(const RunContext& context, const SAFEARRAY* array)
 bool ReDimStatement::Step(ExecEntry& entry)
 {
     const RunContext context = Context();
-    int pc = entry.state;
-    switch (RunExpression(context, m_bounds, pc)) {
-    case EvalStatus::kYield: entry.state = pc; return false;
-    case EvalStatus::kFailed: return Fail(context, entry);
-    case EvalStatus::kDone: break;
-    }
+    if (bool answer; !ExpressionReady(context, m_bounds, entry, answer))
+        return answer;
     ValueStack& values = context.interpreter->Values();
     const std::size_t first = values.Size() - static_cast<std::size_t>(2 * m_dimensions);
     LONG lower[8] = {};
@@ -149,12 +145,8 @@ bool EraseStatement::Step(ExecEntry& entry)
         entry.state = ExecEntry::kFinished;
         return true;
     }
-    int pc = entry.state;
-    switch (RunExpression(context, m_indexes, pc)) {
-    case EvalStatus::kYield: entry.state = pc; return false;
-    case EvalStatus::kFailed: return Fail(context, entry);
-    case EvalStatus::kDone: break;
-    }
+    if (bool answer; !ExpressionReady(context, m_indexes, entry, answer))
+        return answer;
     SAFEARRAY** held = nullptr;
     if (!FindPathArray(context, context.procedure->RecordPathAt(m_path), held) || !Erase(context, nullptr, held))
         return Fail(context, entry);
@@ -193,12 +185,8 @@ bool EraseStatement::Erase(const RunContext& context, VARIANT* target, SAFEARRAY
 bool ArrayAssignStatement::Step(ExecEntry& entry)
 {
     const RunContext context = Context();
-    int pc = entry.state;
-    switch (RunExpression(context, m_value, pc)) {
-    case EvalStatus::kYield: entry.state = pc; return false;
-    case EvalStatus::kFailed: return Fail(context, entry);
-    case EvalStatus::kDone: break;
-    }
+    if (bool answer; !ExpressionReady(context, m_value, entry, answer))
+        return answer;
     VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
     if (!storage)
         return Fail(context, entry);

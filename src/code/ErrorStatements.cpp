@@ -42,12 +42,8 @@ bool ResumeStatement::Execute()
 bool ErrStatement::Step(ExecEntry& entry)
 {
     const RunContext context = Context();
-    int pc = entry.state;
-    switch (RunExpression(context, m_code, pc)) {
-    case EvalStatus::kYield: entry.state = pc; return false;
-    case EvalStatus::kFailed: return Fail(context, entry);
-    case EvalStatus::kDone: break;
-    }
+    if (bool answer; !ExpressionReady(context, m_code, entry, answer))
+        return answer;
     Interpreter& interpreter = *context.interpreter;
     ValueStack& values = interpreter.Values();
     bool done = true;

@@ -61,12 +61,8 @@ void SeekStream(FileStream& stream, long position)
 bool FileStatement::Step(ExecEntry& entry)
 {
     const RunContext context = Context();
-    int pc = entry.state;
-    switch (RunExpression(context, m_code, pc)) {
-    case EvalStatus::kYield: entry.state = pc; return false;
-    case EvalStatus::kFailed: return Fail(context, entry);
-    case EvalStatus::kDone: break;
-    }
+    if (bool answer; !ExpressionReady(context, m_code, entry, answer))
+        return answer;
     ValueStack& values = context.interpreter->Values();
     const std::size_t first = values.Size() - static_cast<std::size_t>(m_count);
     Variant* args = m_count > 0 ? &values.At(first) : nullptr;

@@ -20,12 +20,8 @@ bool Finish(ExecEntry& entry)
 bool SetStatement::Step(ExecEntry& entry)
 {
     const RunContext context = Context();
-    int pc = entry.state;
-    switch (RunExpression(context, m_value, pc)) {
-    case EvalStatus::kYield: entry.state = pc; return false;
-    case EvalStatus::kFailed: return Fail(context, entry);
-    case EvalStatus::kDone: break;
-    }
+    if (bool answer; !ExpressionReady(context, m_value, entry, answer))
+        return answer;
     ValueStack& values = context.interpreter->Values();
     const VARIANT* value = FollowByRefChain(&values.Top().Raw());
     if (value->vt != VT_DISPATCH && value->vt != VT_UNKNOWN) {
@@ -42,12 +38,8 @@ bool SetStatement::Step(ExecEntry& entry)
 bool WithStatement::Step(ExecEntry& entry)
 {
     const RunContext context = Context();
-    int pc = entry.state;
-    switch (RunExpression(context, m_value, pc)) {
-    case EvalStatus::kYield: entry.state = pc; return false;
-    case EvalStatus::kFailed: return Fail(context, entry);
-    case EvalStatus::kDone: break;
-    }
+    if (bool answer; !ExpressionReady(context, m_value, entry, answer))
+        return answer;
     // The value stays where the statement left it: right above the With objects already kept.
     context.activation->SetWithDepth(context.activation->WithDepth() + 1);
     return Finish(entry);

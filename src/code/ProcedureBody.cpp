@@ -427,6 +427,10 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             if (!ReplaceByTypeTest(context, op.classModule))
                 return EvalStatus::kFailed;
             break;
+        case ExprOpCode::kLetValue:
+            if (!ResolveLetValue(values.Top()))
+                return EvalStatus::kFailed;
+            break;
         case ExprOpCode::kRefPath:
             if (!PushRecordReference(context, context.procedure->RecordPathAt(op.index)))
                 return EvalStatus::kFailed;
@@ -677,6 +681,20 @@ bool Statement::Fail(const RunContext& context, ExecEntry& entry)
 {
     context.interpreter->Values().CutBack(context.activation->StatementBase());
     entry.state = ExecEntry::kFinished;
+    return true;
+}
+
+bool Statement::ExpressionReady(const RunContext& context, const Expression& code, ExecEntry& entry, bool& answer)
+{
+    int pc = entry.state;
+    switch (RunExpression(context, code, pc)) {
+    case EvalStatus::kYield:
+        entry.state = pc;
+        answer = false;
+        return false;
+    case EvalStatus::kFailed: answer = Fail(context, entry); return false;
+    case EvalStatus::kDone: break;
+    }
     return true;
 }
 

@@ -93,6 +93,7 @@ enum class ExprOpCode : std::uint8_t {
                  // (`classModule`: the class module the name found at compile time, if any)
     kTypedValue, // push the value of typed form `index` of the procedure and skip the `count` ops after
                  // it; when the form gives up (or direct forms are off) those ops compute the value
+    kLetValue,   // replace an object on top by its default member's value (the value a Let assigns)
 };
 
 // kBinary's `count`: which operand is converted toward the other one's kind.
@@ -253,6 +254,11 @@ protected:
     [[nodiscard]] static bool FinishOrWait(ExecEntry& entry, bool done);
     // Cuts the value stack back to the activation's base after a failed statement.
     static bool Fail(const RunContext& context, ExecEntry& entry);
+    // Runs code from the entry's resume point. True when its value is on the stack; false when the
+    // statement must answer `answer` at once: false with the resume point saved while a call it made
+    // runs, or Fail's answer after a failure.
+    [[nodiscard]] static bool ExpressionReady(const RunContext& context, const Expression& code, ExecEntry& entry,
+                                              bool& answer);
 
     CompiledProcedure* m_owner = nullptr;
     std::string m_listing;

@@ -1,5 +1,7 @@
 #include "code/RecordAccess.h"
 
+#include "code/ProcedureBody.h"
+
 #include "exec/Activation.h"
 #include "exec/ErrorMessages.h"
 #include "exec/Interpreter.h"
@@ -400,15 +402,13 @@ bool RecordCopyStatement::Execute()
 bool AssignPathStatement::Step(ExecEntry& entry)
 {
     const RunContext context = Context();
-    int pc = entry.state;
-    switch (RunExpression(context, m_code, pc)) {
-    case EvalStatus::kYield: entry.state = pc; return false;
-    case EvalStatus::kFailed: return Fail(context, entry);
-    case EvalStatus::kDone: break;
-    }
+    if (bool answer; !ExpressionReady(context, m_code, entry, answer))
+        return answer;
     const RecordPath& path = context.procedure->RecordPathAt(m_path);
     Place place;
     ValueStack& values = context.interpreter->Values();
+    if (m_resolvesDefault && !ResolveLetValue(values.Top()))
+        return Fail(context, entry);
     if (!Walk(context, path, 1, place) || !StorePlace(place, values.Top(), path.elementLength))
         return Fail(context, entry);
     values.CutBack(values.Size() - 1 - static_cast<std::size_t>(path.indexCount));

@@ -55,14 +55,19 @@ struct RecordPath {
 [[nodiscard]] bool ReplaceByRecordSize(const RunContext& context);
 
 // path = value: the value is on top of the stack with the path's indexes below it; both are taken off.
+// A Let into a Variant field (resolvesDefault) stores an object's default value, not the object.
 class AssignPathStatement final : public Statement {
 public:
-    AssignPathStatement(Expression code, int path) : m_code(std::move(code)), m_path(path) {}
+    AssignPathStatement(Expression code, int path, bool resolvesDefault)
+        : m_code(std::move(code)), m_path(path), m_resolvesDefault(resolvesDefault)
+    {
+    }
     [[nodiscard]] bool Step(ExecEntry& entry) override;
 
 private:
     Expression m_code;
     int m_path;
+    bool m_resolvesDefault;
 };
 
 // LSet target = source between records of plain data: the source's first `size` bytes are copied over

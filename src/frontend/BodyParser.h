@@ -375,6 +375,8 @@ private:
     // The arguments of an early-bound member procedure (and the assigned value of a Let or Set).
     [[nodiscard]] bool ParseMemberArguments(Procedure& member, MemberAccess access, Expression& out, int& count);
     // The arguments of a late-bound member, in the order written (named ones after the positional ones).
+    // Appends to a Let's value the op that makes an object its default member's value.
+    void AppendLetResolution(Expression& value);
     [[nodiscard]] bool ParseLateArguments(MemberAccess access, MemberSite& site, Expression& out, int& count);
     // Appends the member access and its end to out; the result's type.
     void AppendMemberCall(Expression& out, MemberSite site, int count, TypeCode result);

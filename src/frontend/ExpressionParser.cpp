@@ -222,6 +222,10 @@ bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
         case ExprOpCode::kElementWriteBack:
         case ExprOpCode::kPathWriteBack:
         case ExprOpCode::kTypedValue: break;
+        case ExprOpCode::kLetValue:
+            if (!types.empty())
+                types.back() = op.type;
+            break;
         case ExprOpCode::kIndexValue:
             // The indexes and the indexed value give way to one element.
             types.resize(types.size() > static_cast<std::size_t>(op.count) ? types.size() - op.count - 1 : 0);

@@ -176,6 +176,8 @@ bool BodyParser::ParseMember(Expression& out, const Module*& classModule, Member
             Expression value;
             if (!ParseExpression(value))
                 return false;
+            if (access == MemberAccess::Let)
+                AppendLetResolution(value);
             out.Append(value);
             count = 1;
         }
@@ -205,6 +207,8 @@ bool BodyParser::ParseMemberArguments(Procedure& member, MemberAccess access, Ex
         Expression value;
         if (!ParseExpression(value))
             return false;
+        if (access == MemberAccess::Let)
+            AppendLetResolution(value);
         parsed.byParameter[total - 1] = std::move(value);
     } else {
         ArgumentList list = ArgumentList::None;
@@ -274,10 +278,23 @@ bool BodyParser::ParseLateArguments(MemberAccess access, MemberSite& site, Expre
         Expression value;
         if (!ParseExpression(value))
             return false;
+        if (access == MemberAccess::Let)
+            AppendLetResolution(value);
         out.Append(value);
         ++count;
     }
     return true;
+}
+
+void BodyParser::AppendLetResolution(Expression& value)
+{
+    // A Let assigns values: an object on the right stands for its default member's value.
+    if (!IsObjectType(value.type) && !value.type.IsVariant())
+        return;
+    ExprOp resolve{ExprOpCode::kLetValue};
+    resolve.type = TypeCode(TypeCode::kVariant);
+    value.ops.push_back(resolve);
+    value.type = resolve.type;
 }
 
 bool BodyParser::ParseDefaultMember(Expression& out, const Module*& classModule, MemberAccess access,

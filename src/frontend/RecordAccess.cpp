@@ -358,7 +358,8 @@ BodyParser::StatementPtr BodyParser::ParseRecordStatement(AssignKind kind)
         return nullptr;
     }
     code.Append(value);
-    return std::make_unique<AssignPathStatement>(std::move(code), path);
+    const bool resolvesDefault = kind != AssignKind::Set && end.type.Scalar().IsVariant();
+    return std::make_unique<AssignPathStatement>(std::move(code), path, resolvesDefault);
 }
 
 } // namespace brannoc::body

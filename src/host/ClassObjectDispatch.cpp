@@ -80,6 +80,18 @@ MemberAccess AccessOf(WORD flags)
     return MemberAccess::Call;
 }
 
+// The value a Let (a property put, not a put by reference) assigns: an object stands for its default
+// member's value. False, without raising, when that value cannot be had.
+bool LetValueOf(Variant& value)
+{
+    if ((FollowByRefChain(&value.Raw())->vt & ~VT_BYREF) != VT_DISPATCH)
+        return true;
+    const RaiseFn previous = SetRaiseHandler(nullptr);
+    const bool resolved = Resolve(value);
+    (void)SetRaiseHandler(previous);
+    return resolved;
+}
+
 // A public variable read or assigned; conversion failures answer a mismatch without raising.
 HRESULT AccessVariable(ModuleInstance& instance, int index, MemberAccess access, DISPPARAMS& parameters,
                        VARIANT* result)
@@ -98,6 +110,8 @@ HRESULT AccessVariable(ModuleInstance& instance, int index, MemberAccess access,
     if (!value.CopyIndirectFrom(parameters.rgvarg[0]))
         return E_OUTOFMEMORY;
     if (access == MemberAccess::Set && value.Tag() != VT_DISPATCH && value.Tag() != VT_UNKNOWN)
+        return DISP_E_TYPEMISMATCH;
+    if (access == MemberAccess::Let && !LetValueOf(value))
         return DISP_E_TYPEMISMATCH;
     const RaiseFn previous = SetRaiseHandler(nullptr);
     const bool stored = StoreTyped(storage, CompiledOf(instance).variables[static_cast<std::size_t>(index)]->type.code, value);
@@ -261,6 +275,18 @@ HRESULT STDMETHODCALLTYPE ClassObject::Invoke(DISPID id, REFIID, LCID, WORD flag
     Arranged arranged;
     if (const HRESULT status = Arrange(*procedure, access, given, arranged); FAILED(status))
         return status;
+    // A Property Let gets an object's default value as its value.
+    Variant letValue;
+    if (access == MemberAccess::Let && !procedure->parameters.empty()) {
+        const VARIANT*& assigned = arranged.byParameter.back();
+        if (assigned) {
+            if (!letValue.CopyIndirectFrom(*assigned))
+                return E_OUTOFMEMORY;
+            if (!LetValueOf(letValue))
+                return DISP_E_TYPEMISMATCH;
+            assigned = &letValue.Raw();
+        }
+    }
     Variant value;
     // Called by running code, the member hands an error it does not trap back to that code.
     const Interpreter::ErrorExit errorExit = m_manager.Context().Machine().ExecutionMarker() < 0

@@ -1,0 +1,397 @@
+// Assignments: to variables, to array elements, String appends, LSet and RSet, Mid on the left.
+#include "code/Statements.h"
+#include "code/StatementSupport.h"
+#include "automation/ObjectCreation.h"
+
+#include "code/MemberCall.h"
+#include "code/NumericKinds.h"
+#include "code/ObjectStatements.h"
+#include "exec/Activation.h"
+#include "exec/HaltFlags.h"
+#include "exec/Interpreter.h"
+#include "exec/ModuleInstance.h"
+#include "values/ArrayStorage.h"
+#include "values/Conversion.h"
+#include "values/StringCapacity.h"
+#include "values/TextForm.h"
+#include "values/ValueCell.h"
+
+#include <climits>
+#include <cstring>
+
+namespace brannoc {
+
+using namespace statement_support;
+
+void AssignStatement::ChooseDirectStore()
+{
+    m_directStore = DirectStore::kNone;
+    const FastExpression* fast = m_fast.Compiled();
+    m_typed = fast ? fast->Typed() : nullptr;
+    if (!fast || m_target.type.IsArray() || !m_fastTarget.IsUsable())
+        return;
+    if (m_target.type.IsVariant()) {
+        m_directStore = DirectStore::kVariant;
+        m_variantForm = m_typed ? m_typed : &fast->AssumedFormSlot();
+        m_run = &StoreIntoVariant;
+        return;
+    }
+    if (!m_typed)
+        return;
+    const VARTYPE target = StorageTag(m_target.type);
+    const VARTYPE value = m_typed->ResultKind();
+    if (target == value)
+        m_directStore = value == VT_R8 ? DirectStore::kReal : value == VT_I4 ? DirectStore::kWhole : DirectStore::kInteger;
+    else if (target == VT_R8 && (value == VT_I4 || value == VT_I2))
+        m_directStore = DirectStore::kWholeToReal;
+    else if (target == VT_I4 && value == VT_I2)
+        m_directStore = DirectStore::kWhole;
+    switch (m_directStore) {
+    case DirectStore::kWhole: m_run = &StoreDirect<DirectStore::kWhole>; break;
+    case DirectStore::kInteger: m_run = &StoreDirect<DirectStore::kInteger>; break;
+    case DirectStore::kReal: m_run = &StoreDirect<DirectStore::kReal>; break;
+    case DirectStore::kWholeToReal: m_run = &StoreDirect<DirectStore::kWholeToReal>; break;
+    default: break;
+    }
+}
+
+template <AssignStatement::DirectStore Store>
+bool AssignStatement::StoreDirect(const AssignStatement& self, const RunContext& context)
+{
+    const VariableRef& target = self.m_target;
+    VARIANT* cell = StorageOf(context, target.scope, target.index, target.module);
+    if (!cell)
+        return false;
+    // The value is computed aside: a form that gives up leaves the variable as it was.
+    if constexpr (Store == DirectStore::kReal) {
+        double value = 0;
+        if (cell->vt != VT_R8 || !self.m_typed->EvaluateReal(context, value))
+            return false;
+        cell->dblVal = value;
+    } else {
+        LONG value = 0;
+        if constexpr (Store == DirectStore::kWholeToReal) {
+            if (cell->vt != VT_R8 || !self.m_typed->EvaluateWhole(context, value))
+                return false;
+            cell->dblVal = value;
+        } else if constexpr (Store == DirectStore::kWhole) {
+            // A Long, or an Integer widened.
+            if (cell->vt != VT_I4 || !self.m_typed->EvaluateWhole(context, value))
+                return false;
+            cell->lVal = value;
+        } else {
+            if (cell->vt != self.m_typed->ResultKind() || !self.m_typed->EvaluateWhole(context, value))
+                return false;
+            cell->iVal = static_cast<SHORT>(value);
+        }
+    }
+    return true;
+}
+
+bool AssignStatement::StoreIntoVariant(const AssignStatement& self, const RunContext& context)
+{
+    // The typed form of the declared kinds, or the one assumed for the kinds the Variants held last: a
+    // Variant that already holds the kind of its result takes only the new payload.
+    const TypedExpression& form = *self.m_variantForm;
+    if (form.IsReady()) {
+        const VariableRef& target = self.m_target;
+        VARIANT* cell = StorageOf(context, target.scope, target.index, target.module);
+        if (cell && cell->vt == form.ResultKind()) {
+            if (cell->vt == VT_R8) {
+                double real = 0;
+                if (form.EvaluateReal(context, real)) {
+                    cell->dblVal = real;
+                    return true;
+                }
+            } else {
+                LONG whole = 0;
+                if (form.EvaluateWhole(context, whole)) {
+                    if (cell->vt == VT_I4)
+                        cell->lVal = whole;
+                    else
+                        cell->iVal = static_cast<SHORT>(whole);
+                    return true;
+                }
+            }
+        }
+    }
+    return StoreIntoVariantOther(self, context);
+}
+
+bool AssignStatement::StoreIntoVariantOther(const AssignStatement& self, const RunContext& context)
+{
+    // Another kind: the form's value through a VARIANT; when the form gives up, the fast expression
+    // assumes the kinds the Variants hold now or works on VARIANTs.
+    const FastExpression& fast = *self.m_fast.Compiled();
+    const TypedExpression* form = self.m_variantForm->IsReady() ? self.m_variantForm : nullptr;
+    VARIANT value;
+    if (!(form && form->Evaluate(context, value)) && !fast.Evaluate(context, value))
+        return false;
+    return self.m_fastTarget.Store(context, value);
+}
+
+bool AssignStatement::Execute()
+{
+    if (m_run && DirectFormsEnabled()) {
+        const RunContext context = Context();
+        return m_run(*this, context) || ExecuteFrom(0);
+    }
+    return ExecuteOther();
+}
+
+bool AssignStatement::ExecuteOther()
+{
+    const RunContext context = Context();
+    if (const FastExpression* fast = m_fast.Get(m_value, context.procedure)) {
+        if (m_directStore == DirectStore::kUntried) {
+            ChooseDirectStore();
+            if (m_run)
+                return m_run(*this, context) || ExecuteFrom(0);
+        }
+        VARIANT value;
+        if (fast->Evaluate(context, value) && m_fastTarget.Store(context, value))
+            return true;
+    }
+    return ExecuteFrom(0);
+}
+
+bool AssignStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    if (bool answer; !ExpressionReady(context, m_value, entry, answer))
+        return answer;
+    ValueStack& values = context.interpreter->Values();
+    if (m_target.type.IsVariant() && !ResolveLetValue(values.Top()))
+        return Fail(context, entry);
+    const bool stored = StoreVariableTaking(context, m_target, values.Top());
+    values.Pop();
+    if (!stored)
+        return Fail(context, entry);
+    return Finish(entry);
+}
+
+bool AppendStatement::Execute()
+{
+    if (m_direct == Direct::kUntried) {
+        m_direct = Direct::kNone;
+        if (m_owner && m_tail.ops.size() == 1 && m_tail.ops[0].code == ExprOpCode::kBuiltin &&
+            m_slice.Compile(m_tail.ops[0].index, *m_owner))
+            m_direct = Direct::kReady;
+    }
+    if (m_direct == Direct::kReady && DirectFormsEnabled()) {
+        const RunContext context = Context();
+        std::wstring_view part;
+        VARIANT* storage = nullptr;
+        bool appended = false;
+        if (m_slice.Evaluate(context, part) &&
+            (storage = StorageOf(context, m_target.scope, m_target.index, m_target.module)) != nullptr &&
+            AppendPartToStorage(*storage, part, appended)) {
+            if (appended)
+                return true;
+            ExecEntry entry{this, 0};
+            return Fail(context, entry);
+        }
+    }
+    return ExecuteFrom(0);
+}
+
+bool AppendStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    if (bool answer; !ExpressionReady(context, m_tail, entry, answer))
+        return answer;
+    ValueStack& values = context.interpreter->Values();
+    VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
+    if (!storage || !AppendToStorage(*storage, values.Top()))
+        return Fail(context, entry);
+    values.Pop();
+    return Finish(entry);
+}
+
+void AssignElementStatement::PrepareDirect()
+{
+    m_direct = Direct::kNone;
+    if (m_count != 1 || !m_target.type.IsArray() || !m_target.type.Scalar().IsNumeric() || !m_owner)
+        return;
+    const VARTYPE kind = static_cast<VARTYPE>(m_target.type.Scalar().ValueTag());
+    if (kind != VT_I2 && kind != VT_I4 && kind != VT_BOOL && kind != VT_R8)
+        return;
+    Expression index;
+    index.ops.assign(m_code.ops.begin(), m_code.ops.begin() + m_valueStart);
+    Expression value;
+    value.ops.assign(m_code.ops.begin() + m_valueStart, m_code.ops.end());
+    if (!m_index.Compile(index, *m_owner) || !m_value.Compile(value, *m_owner))
+        return;
+    const VARTYPE indexKind = m_index.ResultKind();
+    const VARTYPE valueKind = m_value.ResultKind();
+    // The value must go into the element as it is, or as a whole number widened.
+    const bool fits = valueKind == kind || (kind == VT_I4 && valueKind == VT_I2) ||
+                      (kind == VT_R8 && (valueKind == VT_I2 || valueKind == VT_I4));
+    if ((indexKind != VT_I2 && indexKind != VT_I4) || !fits)
+        return;
+    m_elementKind = kind;
+    // An index that is a local whole variable is read in place.
+    if (index.ops.size() == 1 && index.ops[0].code == ExprOpCode::kLoad && index.ops[0].scope == StorageScope::Local &&
+        !index.ops[0].type.IsVariant())
+        m_localIndex = index.ops[0].index;
+    m_direct = Direct::kReady;
+}
+
+bool AssignElementStatement::StoreDirect(const RunContext& context) const
+{
+    LONG index = 0;
+    if (m_localIndex >= 0) {
+        const VARIANT* cell = FollowByRefChain(static_cast<VARIANT*>(context.activation->Locals()) + m_localIndex);
+        if (cell->vt == VT_I4)
+            index = cell->lVal;
+        else if (cell->vt == VT_I2)
+            index = cell->iVal;
+        else
+            return false;
+    } else if (!m_index.EvaluateWhole(context, index)) {
+        return false;
+    }
+    VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
+    if (!storage)
+        return false;
+    char* element = ElementOfVector(storage, m_elementKind, index);
+    if (!element)
+        return false;
+    if (m_elementKind == VT_R8) {
+        double value = 0;
+        if (m_value.ResultKind() == VT_R8) {
+            if (!m_value.EvaluateReal(context, value))
+                return false;
+        } else {
+            LONG whole = 0;
+            if (!m_value.EvaluateWhole(context, whole))
+                return false;
+            value = whole;
+        }
+        *reinterpret_cast<double*>(element) = value;
+        return true;
+    }
+    LONG value = 0;
+    if (!m_value.EvaluateWhole(context, value))
+        return false;
+    if (m_elementKind == VT_I4)
+        *reinterpret_cast<LONG*>(element) = value;
+    else
+        *reinterpret_cast<SHORT*>(element) = static_cast<SHORT>(value);
+    return true;
+}
+
+bool AssignElementStatement::Execute()
+{
+    if (m_direct == Direct::kUntried)
+        PrepareDirect();
+    if (m_direct == Direct::kReady && DirectFormsEnabled() && StoreDirect(Context()))
+        return true;
+    return ExecuteFrom(0);
+}
+
+bool AssignElementStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    if (bool answer; !ExpressionReady(context, m_code, entry, answer))
+        return answer;
+    ValueStack& values = context.interpreter->Values();
+    // The value is on top; the element's indexes are below it.
+    Variant value(std::move(values.Top()));
+    values.Pop();
+    VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
+    if (storage && HoldsObject(*storage)) {
+        // A Variant that holds an object: its default member is assigned.
+        if (!AccessDefaultMember(context, *storage, m_count, &value))
+            return Fail(context, entry);
+        return Finish(entry);
+    }
+    if (m_letsValue && m_target.type.Scalar().IsVariant() && !ResolveLetValue(value))
+        return Fail(context, entry);
+    VARTYPE tag = VT_EMPTY;
+    void* element = storage ? ElementOf(context, storage, m_count, tag) : nullptr;
+    if (!element || !StoreTypedElement(element, tag, m_target.type, value))
+        return Fail(context, entry);
+    values.CutBack(values.Size() - static_cast<std::size_t>(m_count));
+    return Finish(entry);
+}
+
+bool AlignStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    if (bool answer; !ExpressionReady(context, m_value, entry, answer))
+        return answer;
+    ValueStack& values = context.interpreter->Values();
+    VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
+    if (!storage)
+        return Fail(context, entry);
+    VARIANT* target = FollowByRefChain(storage);
+    // A record reaches here only inside a Variant (record variables are copied by their own
+    // statement); aligning it is not supported, whatever the source is.
+    if (target->vt == VT_RECORD) {
+        (void)context.interpreter->SignalError(10902);
+        return Fail(context, entry);
+    }
+    Variant& source = values.Top();
+    if (source.Tag() != VT_BSTR && !ChangeType(source, VT_BSTR))
+        return Fail(context, entry);
+    if (target->vt != VT_BSTR) {
+        (void)context.interpreter->SignalError(10080);
+        return Fail(context, entry);
+    }
+    // The destination's characters are rewritten in place: its length never changes.
+    const UINT length = target->bstrVal ? SysStringLen(target->bstrVal) : 0;
+    const std::wstring_view text = source.StringView();
+    const UINT copied = static_cast<UINT>(text.size() < length ? text.size() : length);
+    const UINT start = m_right ? length - copied : 0;
+    for (UINT i = 0; i < length; ++i)
+        target->bstrVal[i] = L' ';
+    for (UINT i = 0; i < copied; ++i)
+        target->bstrVal[start + i] = text[i];
+    values.Pop();
+    return Finish(entry);
+}
+
+bool MidStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    if (bool answer; !ExpressionReady(context, m_code, entry, answer))
+        return answer;
+    ValueStack& values = context.interpreter->Values();
+    const std::size_t first = values.Size() - (m_hasLength ? 3 : 2);
+    Variant& start = values.At(first);
+    Variant& value = values.Top();
+    if ((start.Tag() != VT_I4 && !ChangeType(start, VT_I4)) || (value.Tag() != VT_BSTR && !ChangeType(value, VT_BSTR)))
+        return Fail(context, entry);
+    LONG count = static_cast<LONG>(value.StringView().size());
+    if (m_hasLength) {
+        Variant& length = values.At(first + 1);
+        if (length.Tag() != VT_I4 && !ChangeType(length, VT_I4))
+            return Fail(context, entry);
+        if (length.Long() < count)
+            count = length.Long() < 0 ? 0 : length.Long();
+    }
+    VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
+    if (!storage)
+        return Fail(context, entry);
+    VARIANT* target = FollowByRefChain(storage);
+    if (target->vt != VT_BSTR) {
+        (void)context.interpreter->SignalError(10080);
+        return Fail(context, entry);
+    }
+    const LONG size = target->bstrVal ? static_cast<LONG>(SysStringLen(target->bstrVal)) : 0;
+    const LONG position = start.Long();
+    if (position < 1 || position > size) {
+        (void)context.interpreter->SignalError(position < 1 ? 10619 : 10620);
+        return Fail(context, entry);
+    }
+    if (count > size - position + 1)
+        count = size - position + 1;
+    const std::wstring_view text = value.StringView();
+    for (LONG i = 0; i < count; ++i)
+        target->bstrVal[position - 1 + i] = text[static_cast<std::size_t>(i)];
+    values.CutBack(first);
+    return Finish(entry);
+}
+
+} // namespace brannoc
