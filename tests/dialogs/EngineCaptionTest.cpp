@@ -114,6 +114,16 @@ std::wstring TitleOf(HWND window)
     return text;
 }
 
+CodeUnit* s_haltedUnit = nullptr;
+
+void CALLBACK HaltOnce(HWND, UINT, UINT_PTR id, DWORD)
+{
+    KillTimer(nullptr, id);
+    VARIANT_BOOL answer = VARIANT_FALSE;
+    if (s_haltedUnit)
+        s_haltedUnit->Halt(&answer);
+}
+
 } // namespace
 
 TEST_F(EngineCaptionTest, IsTheTitleOfMsgBoxInputBoxAndAUserDialogThatGiveNone)
@@ -187,4 +197,24 @@ TEST_F(EngineCaptionTest, AStopWhileTheAboutBoxIsUpAbandonsTheStatement)
     EXPECT_EQ(Printed(), L"\"before\"\r\n");
     EXPECT_EQ(robot.Acted(), 1);
     EXPECT_TRUE(callBack.errorNumbers.empty()) << "no error is reported";
+}
+
+TEST_F(EngineCaptionTest, AHostHaltWhileAnInputBoxFileDialogOrWaitIsUpAbandonsTheStatement)
+{
+    for (const wchar_t* statement : {L"    Debug.Print InputBox(\"Name?\", , \"Ann\")\r\n",
+                                     L"    Debug.Print GetFilePath(, \"txt\")\r\n", L"    Wait 30\r\n"}) {
+        SCOPED_TRACE(statement);
+        callBack.printed.clear();
+        callBack.errorNumbers.clear();
+        // Wait shows no window: a thread timer halts the engine while it waits.
+        s_haltedUnit = unit;
+        const UINT_PTR timer = SetTimer(nullptr, 0, 300, &HaltOnce);
+        RunMacro(std::wstring(L"Sub Main\r\n    Debug.Print \"before\"\r\n") + statement +
+                 L"    Debug.Print \"after\"\r\nEnd Sub\r\n");
+        KillTimer(nullptr, timer);
+        EXPECT_EQ(Printed(), L"\"before\"\r\n");
+        EXPECT_TRUE(callBack.errorNumbers.empty()) << "no error is reported";
+        HWND leftOver = FindWindowW(L"#32770", nullptr);
+        EXPECT_TRUE(!leftOver || !IsWindowVisible(leftOver)) << "the window went with the statement";
+    }
 }
