@@ -441,6 +441,7 @@ BRANNOC_API SHORT __stdcall CU_LineNum(void* unit);
 BRANNOC_API void __stdcall CU_LineNumPut(void* unit, LONG line);
 BRANNOC_API BOOL __stdcall CU_Load(void* unit, LPCSTR macroName);
 BRANNOC_API BSTR __stdcall CU_LoadedMacroName(void* unit, LONG index);
+BRANNOC_API BSTR __stdcall CU_MacroKeywords(void* unit, LPCSTR macroName);
 BRANNOC_API BSTR __stdcall CU_MacroName(void* unit);
 BRANNOC_API BOOL __stdcall CU_Rename(void* unit, LPCSTR oldMacroName, LPCSTR newMacroName);
 BRANNOC_API BOOL __stdcall CU_Run(void* unit, LONG depth);

@@ -3,8 +3,10 @@
 # Idempotent: returns at once when everything is already there. Run as root.
 set -u
 
+# fonts-wine brings Wine's own faces (Marlett draws the caption buttons); fonts-dejavu-core brings
+# the monospaced face the Wine prefix maps "Courier New" to, so the code editor's text lines up.
 PACKAGES_AMD64=(g++-mingw-w64-i686-posix mingw-w64-i686-dev mingw-w64-tools cmake ninja-build
-                googletest xvfb xauth wine x11-apps netpbm)
+                googletest xvfb xauth wine x11-apps netpbm fonts-wine fonts-dejavu-core)
 PACKAGES_I386=(wine32:i386)
 
 log() { echo "setup: $*" >&2; }

@@ -2,9 +2,11 @@
 
 #include "exec/ErrorMessages.h"
 #include "frontend/Lexer.h"
+#include "frontend/Module.h"
 #include "host/AnsiText.h"
 #include "host/EntryGuard.h"
 #include "host/LibraryLifetime.h"
+#include "host/MacroKeywords.h"
 #include "host/MemoryReserve.h"
 #include "host/ThisModule.h"
 #include "values/Variant.h"
@@ -362,7 +364,31 @@ HRESULT __stdcall CodeUnit::get_Keywords(BSTR* result)
     return Entered([&] {
         Lexer lexer;
         lexer.SetBlockedKeywords(m_context->BlockedKeywords());
-        return Out(result, WideFromAnsi(lexer.HostKeywordList()));
+        std::string list = lexer.HostKeywordList();
+        // Bit 0x01 of trace byte B puts the loaded macros' own names at the head of the second line.
+        if (m_context->TraceByte(1) & 0x01) {
+            std::string macroWords;
+            ModuleManager& modules = m_context->Modules();
+            for (std::size_t i = 0; i < modules.LoadedCount(); ++i) {
+                if (const Module* macro = modules.FindLoadedModule(modules.LoadedName(i)))
+                    macroWords += MacroKeywordList(*macro);
+            }
+            list.insert(list.find("\r\n") + 2, macroWords);
+        }
+        return Out(result, WideFromAnsi(list));
+    });
+}
+
+HRESULT __stdcall CodeUnit::get_MacroKeywords(BSTR macroName, BSTR* result)
+{
+    return Entered([&] {
+        if (!result)
+            return E_POINTER;
+        // Only a loaded macro has compiled names; an empty or unknown name gives empty text.
+        std::string name = AnsiFromWide(Text(macroName));
+        ModuleManager& modules = m_context->Modules();
+        const Module* macro = name.empty() ? nullptr : modules.FindLoadedModule(modules.MapName(name));
+        return Out(result, WideFromAnsi(macro ? MacroKeywordList(*macro) : std::string()));
     });
 }
 
@@ -634,7 +660,6 @@ HRESULT __stdcall CodeUnit::Call5(BSTR, VARIANT*, VARIANT*, VARIANT*, VARIANT*, 
 HRESULT __stdcall CodeUnit::CreateHandler(BSTR, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::RemoveExtensions(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_Prototypes(BSTR, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::get_MacroKeywords(BSTR, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::CreateHandlers(BSTR, IDispatch*, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::Macro(BSTR, VARIANT_BOOL, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::AddExtensionEx(BSTR, IDispatch*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }

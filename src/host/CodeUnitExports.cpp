@@ -239,4 +239,14 @@ void __stdcall CU_SetCallBack(void* unit, IDispatch* callBack)
     AtExportBoundary([&] { CallPut(unit, L"SetCallBack", [&](_CodeUnit* u) { return u->SetCallBack(callBack); }); });
 }
 
+BSTR __stdcall CU_MacroKeywords(void* unit, LPCSTR macroName)
+{
+    return AtExportBoundary<BSTR>(nullptr, [&] {
+        Bstr name = TextIn(macroName);
+        return AnsiResult(CallMember<BSTR>(unit, L"get_MacroKeywords", [&](_CodeUnit* u, BSTR* r) {
+            return u->get_MacroKeywords(name.Get(), r);
+        }));
+    });
+}
+
 } // extern "C"

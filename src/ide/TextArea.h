@@ -28,7 +28,7 @@ enum TextAreaMessage : UINT {
     TAM_REDO = WM_USER + 0x88,
     TAM_SETTABS = WM_USER + 0x89,         // wParam tabs-as-spaces, lParam width 1 to 8
     TAM_WALKSTATEMENTS = WM_USER + 0x8A,  // wParam bound, lParam StatementVisitor*
-    TAM_GETWHOLETEXT = WM_USER + 0x8B,    // wParam size, lParam buffer (null: length)
+    TAM_GETWHOLETEXT = WM_USER + 0x8B,    // hidden header and references + code; wParam size, lParam buffer
     TAM_SCROLLCARET = WM_USER + 0x8C,
     TAM_SETACTIVE = WM_USER + 0x8D,       // wParam flag; answers the old flag
     TAM_CARETRECT = WM_USER + 0x8E,       // lParam RECT* in screen terms

@@ -353,7 +353,7 @@ LRESULT HandleOwnMessage(TextAreaState& state, UINT message, WPARAM wParam, LPAR
         return WalkStatements(state, static_cast<int>(wParam), reinterpret_cast<StatementVisitor*>(lParam));
     case TAM_GETWHOLETEXT:
         document.CommitEditingLine();
-        return CopyOut(document.Buffer().Text(), wParam, lParam);
+        return CopyOut(document.WholeText(), wParam, lParam);
     case TAM_SCROLLCARET:
         state.Refresh();
         return 0;

@@ -1,6 +1,7 @@
 #include "ide/TextDocument.h"
 
 #include "ide/CodeLineScan.h"
+#include "ide/ModuleText.h"
 
 #include <windows.h>
 
@@ -50,6 +51,14 @@ void TextDocument::Load(std::string text)
     m_endOfDeclarations = -2;
     m_currentStatement = m_errorStatement = LineRange{};
     m_firstVisibleLine = m_firstVisibleColumn = 0;
+}
+
+void TextDocument::LoadModule(std::string_view wholeText)
+{
+    ModuleTextParts parts = SplitModuleText(wholeText);
+    m_hiddenText = parts.header + parts.references;
+    m_hiddenLines = parts.headerLines + parts.referenceLines;
+    Load(std::move(parts.code));
 }
 
 TextPosition TextDocument::Clamp(TextPosition position) const

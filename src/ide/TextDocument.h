@@ -39,6 +39,13 @@ public:
     // Replaces the whole text; the caret goes to the start, the history and the marks are cleared and
     // the document counts as unmodified.
     void Load(std::string text);
+    // Loads a module's whole text: its header and reference lines are kept hidden (not shown, not
+    // edited) and the code is loaded as by Load.
+    void LoadModule(std::string_view wholeText);
+    // The hidden lines in front of the code, and the whole text with them.
+    const std::string& HiddenText() const { return m_hiddenText; }
+    int HiddenLineCount() const { return m_hiddenLines; }
+    std::string WholeText() const { return m_hiddenText + m_buffer.Text(); }
     const TextBuffer& Buffer() const { return m_buffer; }
     TextBuffer& Buffer() { return m_buffer; }
     int LineCount() const { return m_buffer.LineCount(); }
@@ -129,6 +136,8 @@ private:
     void ShiftMarks(int first, int oldLast, int newLast);
 
     const KeywordSets* m_keywords = nullptr;
+    std::string m_hiddenText;
+    int m_hiddenLines = 0;
     TextBuffer m_buffer;
     TextPosition m_caret, m_anchor;
     int m_editingLine = -1;

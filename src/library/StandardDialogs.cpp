@@ -1,10 +1,13 @@
-// Built-ins that ask the user through standard windows: MsgBox, InputBox and GetFilePath, and Wait. All
+// Built-ins that ask the user through standard windows: MsgBox, InputBox and GetFilePath, Wait, and the
+// about box (AboutBrannocBasic). All
 // are modal on the execution thread, owned by its active window, and a stop of the macro while they
 // are up abandons the call: it gives no result and raises nothing.
 #include "library/BuiltinGroups.h"
 
+#include "brannoc.h"
 #include "exec/HaltFlags.h"
 #include "exec/Interpreter.h"
+#include "host/AnsiText.h"
 #include "host/ThisModule.h"
 #include "library/BuiltinArguments.h"
 
@@ -23,6 +26,10 @@ constexpr UINT_PTR kStopWatchTimer = 0x4254;
 constexpr UINT kStopWatchMs = 50;
 constexpr DWORD kWaitSliceMs = 50;
 constexpr int kAnswerId = 100;
+constexpr double kAboutSeconds = 3;
+constexpr double kLongestAboutSeconds = 1000000;
+// The about box's version field, by which its window is told from other dialogs.
+constexpr int kAboutVersionField = 102;
 
 bool StopRequested()
 {
@@ -403,7 +410,49 @@ bool Wait(BuiltinArguments& arguments, BuiltinResult&)
     }
 }
 
+// Closes the about box of this thread when its time is up: a thread timer, as the box runs its own
+// message loop.
+class AboutTimeout final {
+public:
+    explicit AboutTimeout(UINT milliseconds) { m_timer = SetTimer(nullptr, 0, milliseconds, &Expire); }
+    ~AboutTimeout() { KillTimer(nullptr, m_timer); }
+    AboutTimeout(const AboutTimeout&) = delete;
+    AboutTimeout& operator=(const AboutTimeout&) = delete;
+
+private:
+    static BOOL CALLBACK CloseAboutBox(HWND window, LPARAM)
+    {
+        wchar_t className[16] = L"";
+        GetClassNameW(window, className, 16);
+        if (lstrcmpW(className, L"#32770") == 0 && GetDlgItem(window, kAboutVersionField))
+            PostMessageW(window, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
+        return TRUE;
+    }
+    static void CALLBACK Expire(HWND, UINT, UINT_PTR, DWORD)
+    {
+        EnumThreadWindows(GetCurrentThreadId(), &CloseAboutBox, 0);
+    }
+    UINT_PTR m_timer = 0;
+};
+
+// AboutBrannocBasic [Timeout]: the library's about box with the engine's caption as the name, owned by
+// the engine's window, for the whole seconds of Timeout (3 when omitted).
+bool AboutBrannocBasic(BuiltinArguments& arguments, BuiltinResult&)
+{
+    double seconds = kAboutSeconds;
+    if (arguments.IsGiven(0) && !arguments.Double(0, seconds))
+        return false;
+    seconds = seconds > 0 ? (seconds < kLongestAboutSeconds ? seconds : kLongestAboutSeconds) : 0;
+    const UINT milliseconds = static_cast<UINT>(static_cast<long>(seconds)) * 1000u;
+    const std::string name = AnsiFromWide(EngineCaption());
+    AboutTimeout timeout(milliseconds);
+    StopWatch watch;
+    OA_BrannocAboutBox(OwnerWindow(), name.c_str(), nullptr);
+    return !StopWatch::Stopped();
+}
+
 constexpr BuiltinRecord kRecords[] = {
+    Instruction(Token::AboutBrannocBasic, "#", "Timeout", 1, &AboutBrannocBasic),
     Function(Token::MsgBox, ResultKind::kInteger, "$%$", "Message Type Title", 0, 6, &MsgBox),
     Function(Token::InputBox, ResultKind::kString, "$$$%%", "Prompt Title Default X Y", 0, 30, &InputBox),
     Function(Token::GetFilePath, ResultKind::kString, "$$$$%", "DefName DefExt DefDir Title Option", 0, 31,

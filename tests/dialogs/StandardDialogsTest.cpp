@@ -175,6 +175,52 @@ TEST(GetFilePath, RefusesAnUnknownOptionAndGivesNothingWhenCancelled)
     EXPECT_EQ(robot.Acted(), 1);
 }
 
+TEST(GetFilePath, TheTypeListComesFromDefExtAndTheFirstExtensionIsAddedToATypedName)
+{
+    std::wstring caption;
+    std::vector<std::wstring> types;
+    BoxRobot robot([&](HWND box) {
+        wchar_t text[256] = L"";
+        GetWindowTextW(box, text, 256);
+        caption = text;
+        // The file-type list (cmb1) and the file name field (an edit, or the edit of combo cmb13).
+        HWND typeList = GetDlgItem(box, 0x470);
+        const int count = typeList ? static_cast<int>(SendMessageW(typeList, CB_GETCOUNT, 0, 0)) : 0;
+        for (int i = 0; i < count; ++i) {
+            SendMessageW(typeList, CB_GETLBTEXT, i, reinterpret_cast<LPARAM>(text));
+            types.push_back(text);
+        }
+        HWND nameField = GetDlgItem(box, 0x47c) ? GetDlgItem(box, 0x47c) : GetDlgItem(box, 0x480);
+        SetWindowTextW(nameField, L"report");
+        PostMessageW(box, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
+    });
+    EXPECT_EQ(RunLines({"Debug.Print GetFilePath(\"\", \"txt|doc\", \"C:\\\", \"Pick\", 2)"}),
+              L"\"C:\\report.txt\"\r\n");
+    EXPECT_EQ(robot.Acted(), 1);
+    EXPECT_EQ(caption, L"Pick");
+    EXPECT_EQ(types, (std::vector<std::wstring>{L"Get File Path(*.txt;*.doc)"}));
+}
+
+TEST(GetFilePath, WithoutDefExtAllFilesAreListedUnderTheDefaultCaption)
+{
+    std::wstring caption;
+    std::wstring type;
+    BoxRobot robot([&](HWND box) {
+        wchar_t text[256] = L"";
+        GetWindowTextW(box, text, 256);
+        caption = text;
+        if (HWND typeList = GetDlgItem(box, 0x470))
+            SendMessageW(typeList, CB_GETLBTEXT, 0, reinterpret_cast<LPARAM>(text));
+        type = text;
+        PostMessageW(box, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0);
+    });
+    EXPECT_EQ(RunLines({"On Error Resume Next", "Debug.Print \"[\" & GetFilePath() & \"]\"",
+                        "Debug.Print GetFilePath(, , , , -1)", "Debug.Print Err.Number"}),
+              L"\"[]\"\r\n10620&\r\n");
+    EXPECT_EQ(caption, L"Get File Path");
+    EXPECT_EQ(type, L"Get File Path(*.*)");
+}
+
 int g_ticks = 0;
 
 void CALLBACK CountTick(HWND, UINT, UINT_PTR, DWORD) { ++g_ticks; }

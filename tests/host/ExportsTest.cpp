@@ -210,6 +210,7 @@ const ExportRow kExports[] = {
     {"CU_LineNumPut", 8, true},
     {"CU_Load", 8, true},
     {"CU_LoadedMacroName", 8, true},
+    {"CU_MacroKeywords", 8, true},
     {"CU_MacroName", 4, true},
     {"CU_Rename", 12, true},
     {"CU_Run", 8, true},

@@ -208,3 +208,43 @@ TEST(TypeLibrary, CarriesTheOtherEngineTypesAndTheConstantEnumerations)
             found[0]->Release();
     }
 }
+
+TEST(TypeLibrary, TheLanguageObjectDescribesTheAboutBoxOnceWithItsDefaultTimeout)
+{
+    Ref<ITypeLib> lib;
+    lib.p = LoadEngineTypeLibrary();
+    ASSERT_NE(nullptr, lib.p);
+    Ref<ITypeInfo> basic;
+    ASSERT_EQ(S_OK, lib->GetTypeInfoOfGuid(IID__BasicObject, &basic));
+    TYPEATTR* attributes = nullptr;
+    ASSERT_EQ(S_OK, basic->GetTypeAttr(&attributes));
+    int aboutCount = 0;
+    int msgBoxCount = 0;
+    for (UINT i = 0; i < attributes->cFuncs; ++i) {
+        FUNCDESC* function = nullptr;
+        ASSERT_EQ(S_OK, basic->GetFuncDesc(i, &function));
+        BSTR name = nullptr;
+        basic->GetDocumentation(function->memid, &name, nullptr, nullptr, nullptr);
+        const std::wstring text = name ? name : L"";
+        SysFreeString(name);
+        if (text == L"MsgBox")
+            ++msgBoxCount;
+        if (text == L"AboutBrannocBasic") {
+            ++aboutCount;
+            EXPECT_EQ(1, function->memid);
+            ASSERT_GE(function->cParams, 1);
+            const PARAMDESC& timeout = function->lprgelemdescParam[0].paramdesc;
+            EXPECT_TRUE(timeout.wParamFlags & PARAMFLAG_FOPT);
+            ASSERT_TRUE(timeout.wParamFlags & PARAMFLAG_FHASDEFAULT);
+            ASSERT_NE(nullptr, timeout.pparamdescex);
+            VARIANT five;
+            VariantInit(&five);
+            ASSERT_EQ(S_OK, VariantChangeType(&five, &timeout.pparamdescex->varDefaultValue, 0, VT_I4));
+            EXPECT_EQ(5, V_I4(&five));
+        }
+        basic->ReleaseFuncDesc(function);
+    }
+    basic->ReleaseTypeAttr(attributes);
+    EXPECT_EQ(1, aboutCount) << "the built-in and the description give one member";
+    EXPECT_EQ(1, msgBoxCount) << "the built-ins are described too";
+}

@@ -39,6 +39,15 @@ TEST_F(EditingTest, EnterIndentsLikeTheLineAbove)
     GoTo(2, 1);
     Send(WM_KEYDOWN, VK_RETURN, 0);
     EXPECT_EQ(Text(), "Sub Main\r\n\t  If x Then\r\n\t\r\n\ty = 1");
+    // Blanks right after the caret leave the new line; the break, the indent and that removal are
+    // one undo step.
+    SetText("    x = 1   y");
+    GoTo(0, 9);
+    Send(WM_KEYDOWN, VK_RETURN, 0);
+    EXPECT_EQ(Text(), "    x = 1\r\n    y");
+    EXPECT_EQ(Send(EM_UNDO), TRUE);
+    EXPECT_EQ(Text(), "    x = 1   y");
+    EXPECT_EQ(Send(EM_CANUNDO), FALSE);
 }
 
 TEST_F(EditingTest, BackspaceGoesBackToThePreviousTabStopOverBlanks)

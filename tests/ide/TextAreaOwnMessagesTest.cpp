@@ -73,6 +73,30 @@ TEST_F(OwnMessagesTest, GoingToAndSelectingLines)
     EXPECT_STREQ(whole, "zero\r\none\r\ntwo");
 }
 
+TEST_F(OwnMessagesTest, TheWholeTextHoldsTheHiddenHeaderAndReferences)
+{
+    const std::string hidden = "Attribute VB_Name = \"Ledger\"\r\n'#Reference {1}#1.0#0#a.tlb#A\r\n";
+    ide::TextDocument sheet;
+    sheet.LoadModule(hidden + "Sub Main\r\nEnd Sub");
+    EXPECT_EQ(sheet.HiddenLineCount(), 2);
+    Send(ide::TAM_ATTACH, 0, reinterpret_cast<LPARAM>(&sheet));
+    EXPECT_EQ(Text(), "Sub Main\r\nEnd Sub") << "only the code is shown";
+    EXPECT_EQ(Send(EM_GETLINECOUNT), 2);
+
+    GoTo(1, 0);
+    TypeText("x");
+    const std::string whole = hidden + "Sub Main\r\nxEnd Sub";
+    EXPECT_EQ(Send(ide::TAM_GETWHOLETEXT, 0, 0), static_cast<LRESULT>(whole.size())) << "the length without a buffer";
+    std::vector<char> buffer(whole.size() + 1, '?');
+    EXPECT_EQ(Send(ide::TAM_GETWHOLETEXT, buffer.size(), reinterpret_cast<LPARAM>(buffer.data())),
+              static_cast<LRESULT>(whole.size()));
+    EXPECT_EQ(std::string(buffer.data()), whole) << "the edit on the line being typed is in it";
+    char shortBuffer[8] = {};
+    EXPECT_EQ(Send(ide::TAM_GETWHOLETEXT, sizeof shortBuffer, reinterpret_cast<LPARAM>(shortBuffer)), 7);
+    EXPECT_STREQ(shortBuffer, "Attribu") << "cut to the buffer with its terminating zero";
+    Send(ide::TAM_ATTACH, 0, 0);
+}
+
 TEST_F(OwnMessagesTest, WalkingWholeStatements)
 {
     SetText(kModule);

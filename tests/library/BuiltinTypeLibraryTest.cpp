@@ -41,6 +41,10 @@ TEST(BuiltinTypeLibrary, ListsEveryBuiltinWithItsParameters)
     BasicObjectInfo basic;
     ASSERT_NE(basic.Info(), nullptr);
     ForEachBuiltin([&](const BuiltinRecord& record) {
+        // The about box is the language object's own member 1, described with its default Timeout
+        // (the host type-library test checks it).
+        if (record.keyword == Token::AboutBrannocBasic)
+            return;
         const std::wstring name = Wide(KeywordText(record.keyword));
         SCOPED_TRACE(std::string(KeywordText(record.keyword)));
         LPOLESTR names[1] = {const_cast<LPOLESTR>(name.c_str())};

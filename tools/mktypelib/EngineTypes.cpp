@@ -5,6 +5,8 @@
 #include "../../include/brannoc.h"
 #include "frontend/LanguageConstants.h"
 
+#include <string_view>
+
 namespace mktypelib {
 namespace {
 
@@ -164,15 +166,19 @@ std::vector<Member> ErrObjectMembers()
     };
 }
 
-// The language object's members: the about box and the built-in functions and instructions.
+// The language object's members: the about box and the built-in functions and instructions. The about
+// box is also a built-in instruction; its description here (member 1, Timeout defaulting to 5 seconds)
+// takes the place of the one the built-in table would give, as one interface cannot hold a name twice.
 std::vector<Member> BasicObjectMembers()
 {
+    static constexpr wchar_t kAboutBox[] = L"AboutBrannocBasic";
     std::vector<Member> members = {
-        {L"AboutBrannocBasic", K::Method, 1, {{L"Timeout", T::Variant, true}}, T::Void,
-         L"Show the about box"},
+        {kAboutBox, K::Method, 1, {{L"Timeout", T::Variant, true, true, 5}}, T::Void, L"Show the about box"},
     };
-    for (Member& member : BuiltinMembers())
-        members.push_back(std::move(member));
+    for (Member& member : BuiltinMembers()) {
+        if (std::wstring_view(member.name) != kAboutBox)
+            members.push_back(std::move(member));
+    }
     return members;
 }
 

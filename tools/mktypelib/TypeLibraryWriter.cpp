@@ -121,6 +121,7 @@ bool TypeLibraryWriter::AddFunctions(ICreateTypeInfo* info, const std::vector<Me
         const size_t total = inputs + ((hasRetval && !dispatchOnly) ? 1 : 0);
         std::vector<TypeDescHolder> types(total);
         std::vector<ELEMDESC> elems(total);
+        std::vector<PARAMDESCEX> defaults(total);
         std::vector<const wchar_t*> names;
         names.push_back(member.name);
         for (size_t i = 0; i < inputs; ++i) {
@@ -128,6 +129,13 @@ bool TypeLibraryWriter::AddFunctions(ICreateTypeInfo* info, const std::vector<Me
             types[i].Set(param.type, false);
             elems[i].tdesc = types[i].desc;
             elems[i].paramdesc.wParamFlags = PARAMFLAG_FIN | (param.optional ? PARAMFLAG_FOPT : 0);
+            if (param.hasDefault) {
+                defaults[i].cBytes = sizeof(PARAMDESCEX);
+                V_VT(&defaults[i].varDefaultValue) = VT_I4;
+                V_I4(&defaults[i].varDefaultValue) = param.defaultValue;
+                elems[i].paramdesc.pparamdescex = &defaults[i];
+                elems[i].paramdesc.wParamFlags |= PARAMFLAG_FHASDEFAULT;
+            }
             names.push_back(param.name);
         }
         if (hasRetval && !dispatchOnly) {

@@ -20,6 +20,9 @@ struct Param {
     const wchar_t* name;
     Type type;
     bool optional = false;
+    // A default value (a Long) the description gives an optional parameter.
+    bool hasDefault = false;
+    long defaultValue = 0;
 };
 
 struct Member {
