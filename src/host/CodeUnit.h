@@ -130,6 +130,8 @@ private:
     void TraceEntry(const wchar_t* operation, const std::wstring& argument);
     void TraceResult(bool result);
     void ReportStatus(ModuleStatus status, const std::wstring& macroName);
+    bool HostEvaluation(const wchar_t* operation, Evaluator::Kind kind, BSTR expression, short depth,
+                        const std::wstring& value, Variant& result);
     void Link();
     void Unlink();
 
