@@ -113,6 +113,12 @@ bool Evaluator::RunLine(const std::string& line, Activation* frame, Variant& res
         running->module = &HiddenModule();
         instance = m_hiddenInstance.get();
     }
+    // Each evaluation runs nested on the native stack; an Eval that evaluates itself again and again
+    // ends with Overflow, as too deep a call chain does.
+    if (m_running.size() >= kMaxNesting) {
+        error = Failure(ToNumber(ErrorId::Overflow));
+        return false;
+    }
     static const std::vector<LocalName> kNoNames;
     const std::vector<LocalName>& names = frameCode ? frameCode->LocalNames() : kNoNames;
     if (!CompileEvaluation(*running->module, names, line, m_context.BlockedKeywords(), running->compiled)) {

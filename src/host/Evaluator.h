@@ -6,6 +6,7 @@
 #include "exec/ErrorRecord.h"
 #include "values/Variant.h"
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -27,6 +28,9 @@ public:
         kAssign,    // assigns a value expression to the target expression
         kStatement, // runs a statement ("Call ..."); no value
     };
+
+    // How many evaluations may run nested inside each other (Eval inside Eval ...).
+    static constexpr std::size_t kMaxNesting = 32;
 
     explicit Evaluator(EngineContext& context);
     ~Evaluator();

@@ -5,6 +5,15 @@ Function Square(ByVal v As Double) As Double
     Square = v * v
 End Function
 
+Function Again(ByVal n As Long) As Long
+    Again = Deeper(n)
+End Function
+
+' An Eval that leads to itself again ends with Overflow instead of exhausting the stack.
+Function Deeper(ByVal n As Long) As Long
+    Deeper = Eval("Again(n + 1)")
+End Function
+
 Sub Show(ByVal text As String)
     Dim n As Integer
     n = 5
@@ -32,6 +41,9 @@ Sub Main
     Debug.Print Err.Number; Err.Description
     Err.Clear
     Debug.Print Eval("NoSuchThing(1)")
+    Debug.Print Err.Number; Err.Description
+    Err.Clear
+    Debug.Print Again(1)
     Debug.Print Err.Number; Err.Description
     On Error GoTo 0
     Debug.Print "done"; x
