@@ -49,6 +49,18 @@ struct VariableRef {
     const Module* module = nullptr;
 };
 
+struct UserType;
+
+// A variable of a procedure (local, parameter or Static) by its upper-cased name: what an expression
+// evaluated in a paused frame of the procedure needs to reach it.
+struct LocalName {
+    std::string upperName;
+    VariableRef ref;
+    const Module* classModule = nullptr;
+    const UserType* userType = nullptr;
+    bool autoNew = false;
+};
+
 enum class ExprOpCode : std::uint8_t {
     kConstant,   // push constant `index` of the procedure
     kLoad,       // push the value of a variable
@@ -326,6 +338,9 @@ public:
         return m_statements[at] == m_statementObjects[at] ? m_statementObjects[at] : nullptr;
     }
     int ResultSlot() const { return m_resultSlot; }
+    // The procedure's variables by name (kept for evaluations in its frames).
+    const std::vector<LocalName>& LocalNames() const { return m_localNames; }
+    void AddLocalName(LocalName name) { m_localNames.push_back(std::move(name)); }
 
     // Building (the body compiler).
     // record is the record type of a record or an array of records (a reference is kept).
@@ -425,6 +440,7 @@ private:
     std::vector<RecordTypeRef> m_slotRecords;
     std::vector<std::unique_ptr<RecordPath>> m_recordPaths;
     std::vector<VARIANT> m_statics;
+    std::vector<LocalName> m_localNames;
     std::vector<Variant> m_constants;
     std::vector<Procedure*> m_callees;
     std::vector<const Module*> m_calleeModules;

@@ -212,7 +212,9 @@ void Interpreter::BeginRun()
     m_yieldRequest = m_yieldSetting;
     if (m_yieldSetting != 0)
         m_lastYieldTick = m_tick();
-    m_host.Notify(InterpreterHost::kNotifyRunStarted);
+    // A host evaluation on an idle engine is no run of a macro: the host hears neither start nor end.
+    if (!m_evaluating)
+        m_host.Notify(InterpreterHost::kNotifyRunStarted);
 }
 
 void Interpreter::EndRun()
@@ -221,7 +223,7 @@ void Interpreter::EndRun()
     m_yieldRequest = m_yieldSetting;
     ClearErr();
     // FIXME: the per-run lists (queued starts, dialogs) are emptied here once they exist.
-    if (!m_tearingDown)
+    if (!m_tearingDown && !m_evaluating)
         m_host.Notify(InterpreterHost::kNotifyRunEnded);
 }
 
@@ -751,13 +753,17 @@ void Interpreter::RunHaltHandler()
     }
 
     bool stopped = false;
+    // An error that a handler trapped or that leaves a call for its caller stops nothing.
+    bool handled = false;
     if ((copy & HaltFlags::kStopMask) && m_runLevel != 0) {
         if (Activation* trapping = FindErrorHandler()) {
             TrapError(*trapping);
+            handled = true;
         } else if (FindPassingBoundary()) {
             // The call that ran into the error ends; the code that made it raises the error again.
             HaltFlags::Clear(HaltFlags::kError | HaltFlags::kEvaluationError);
             m_errorPassedOut = true;
+            handled = true;
         } else if (copy & HaltFlags::kEvaluationError) {
             m_host.ReportEvaluationError(m_error);
         } else {
@@ -766,7 +772,8 @@ void Interpreter::RunHaltHandler()
             stopped = true;
         }
     }
-    if (!stopped && (copy & (HaltFlags::kOutOfMemory | HaltFlags::kEvaluationError)))
+    const std::uint8_t stopping = handled ? HaltFlags::kOutOfMemory : HaltFlags::kOutOfMemory | HaltFlags::kEvaluationError;
+    if (!stopped && (copy & stopping))
         m_host.PerformControlAction(InterpreterHost::kActionStop, 0);
 }
 

@@ -95,6 +95,14 @@ public:
         (void)procedure;
         return false;
     }
+    // The language's Eval: the text as an expression in the scope of the running procedure. False after
+    // raising the evaluation's error; a host without evaluations answers false having raised nothing.
+    [[nodiscard]] virtual bool EvaluateText(const std::wstring& text, Variant& result)
+    {
+        (void)text;
+        (void)result;
+        return false;
+    }
     // The file streams of the engine (null: the host keeps none, and stream statements find nothing open).
     virtual StreamTable* Streams() { return nullptr; }
     // The module instance behind an object value made by NewInstance, else null.

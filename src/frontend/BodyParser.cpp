@@ -45,6 +45,13 @@ bool BodyParser::Compile()
         symbol.userType = parameter.type.userType;
         m_locals[UpperName(parameter.name)] = symbol;
     }
+    if (m_outerLocals) {
+        for (const LocalName& outer : *m_outerLocals) {
+            LocalSymbol& symbol = m_locals[outer.upperName];
+            symbol.classModule = outer.classModule;
+            symbol.autoNew = outer.autoNew;
+        }
+    }
     if (m_procedure.kind == ProcedureKind::Function || m_procedure.kind == ProcedureKind::PropertyGet) {
         const UserType* resultType = m_procedure.result.userType;
         const int slot = m_code->AddSlot(m_procedure.result.code, resultType ? resultType->record.Get() : nullptr);
@@ -129,8 +136,18 @@ bool BodyParser::Compile()
 
     if (m_lexer.ErrorCount() != errorsBefore)
         return false;
+    RecordLocalNames();
     m_procedure.code = std::move(code);
     return true;
+}
+
+void BodyParser::RecordLocalNames()
+{
+    for (const auto& [name, symbol] : m_locals) {
+        if (symbol.kind != LocalKind::Variable || symbol.ref.scope == StorageScope::Module)
+            continue;
+        m_code->AddLocalName(LocalName{name, symbol.ref, symbol.classModule, symbol.userType, symbol.autoNew});
+    }
 }
 
 BodyParser::StatementPtr BodyParser::Declaration()

@@ -182,6 +182,9 @@ public:
     }
 
     bool Compile();
+    // Compiles an evaluation in a frame of another procedure: the procedure's parameters stand for
+    // that procedure's variables (outer, in the same order) and bind to them by reference.
+    void SetOuterLocals(const std::vector<LocalName>* outer) { m_outerLocals = outer; }
 
 private:
     using StatementPtr = std::unique_ptr<Statement>;
@@ -434,6 +437,8 @@ private:
     // LSet between two record variables (after "LSet" and the target).
     StatementPtr ParseRecordCopy(const VariableRef& target, const std::string& targetName);
     bool NextIsColonEqual() const;
+    // Keeps the variables of the procedure by name in its compiled form.
+    void RecordLocalNames();
     bool ParenthesisedToEnd() const;
 
     Module& m_module;
@@ -444,6 +449,7 @@ private:
     const std::vector<Module*> m_reached;
     CompiledProcedure* m_code = nullptr;
     std::unordered_map<std::string, LocalSymbol> m_locals;
+    const std::vector<LocalName>* m_outerLocals = nullptr;
     std::unordered_map<std::string, Label> m_labels;
     std::vector<PendingGoTo> m_gotos;
     std::vector<Block> m_blocks;

@@ -503,6 +503,7 @@ void Compiler::ParseDefinitions(Module& module, ParseResult& result)
     compiled->procedures = std::move(state.procedures);
     compiled->events = std::move(state.events);
     compiled->implements = std::move(state.implements);
+    compiled->names = std::move(state.names);
     module.SetCompiled(std::move(compiled));
 }
 

@@ -26,4 +26,34 @@ void Module::SetDefaultType(int letter, TypeCode type)
     m_defaultSet[static_cast<std::size_t>(letter)] = true;
 }
 
+bool Module::LendState()
+{
+    if (m_state || !m_compiled)
+        return false;
+    m_state = std::make_unique<ParseState>();
+    m_state->variables = std::move(m_compiled->variables);
+    m_state->constants = std::move(m_compiled->constants);
+    m_state->userTypes = std::move(m_compiled->userTypes);
+    m_state->enums = std::move(m_compiled->enums);
+    m_state->procedures = std::move(m_compiled->procedures);
+    m_state->names = std::move(m_compiled->names);
+    m_state->typesPrepared = true;
+    m_state->entry = m_compiled->entry;
+    m_state->terminate = m_compiled->terminate;
+    return true;
+}
+
+void Module::ReturnState()
+{
+    if (!m_state || !m_compiled)
+        return;
+    m_compiled->variables = std::move(m_state->variables);
+    m_compiled->constants = std::move(m_state->constants);
+    m_compiled->userTypes = std::move(m_state->userTypes);
+    m_compiled->enums = std::move(m_state->enums);
+    m_compiled->procedures = std::move(m_state->procedures);
+    m_compiled->names = std::move(m_state->names);
+    m_state.reset();
+}
+
 } // namespace brannoc

@@ -53,6 +53,8 @@ struct CompiledModule {
     std::vector<std::unique_ptr<Procedure>> procedures;
     std::vector<std::string> events;
     std::vector<std::string> implements;
+    // Upper-cased module-level names, kept for code compiled later in the module's scope.
+    std::unordered_map<std::string, SymbolRef> names;
     // Bytes of module-level storage; laid out only when the compile had no error.
     std::uint32_t storageSize = 0;
     // The break points set in the procedures, in the order set. Declared last: they go first and put
@@ -129,6 +131,11 @@ public:
         return m_state ? m_state->enums : m_compiled->enums;
     }
     void FreeState() { m_state.reset(); }
+    // Lends the compiled items back to a parse state, so that code compiled later (an evaluation) sees
+    // the module's names as its procedures did; ReturnState takes them back. False, nothing lent, when
+    // the module has a parse state already or has not compiled.
+    [[nodiscard]] bool LendState();
+    void ReturnState();
     const CompiledModule* Compiled() const { return m_compiled.get(); }
     void SetCompiled(std::unique_ptr<CompiledModule> compiled) { m_compiled = std::move(compiled); }
 

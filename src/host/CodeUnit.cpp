@@ -9,6 +9,7 @@
 #include "host/MacroKeywords.h"
 #include "host/MemoryReserve.h"
 #include "host/ThisModule.h"
+#include "values/TextForm.h"
 #include "values/Variant.h"
 #include <atomic>
 #include <new>
@@ -641,12 +642,93 @@ HRESULT __stdcall CodeUnit::get_BreakLineNum(BSTR macroName, short index, short*
 }
 
 // ---- Members that arrive with later parts of the engine ----
+// ---- Evaluation ----
+
+namespace {
+
+// A statement given to Evaluate: a Call runs and has no value.
+bool IsCallStatement(const std::string& text)
+{
+    const std::size_t start = text.find_first_not_of(" \t");
+    if (start == std::string::npos || text.size() - start < 5)
+        return false;
+    return _strnicmp(text.c_str() + start, "Call", 4) == 0 && (text[start + 4] == ' ' || text[start + 4] == '\t');
+}
+
+} // namespace
+
+// Runs an evaluation for the host; a failure becomes the error that ErrorNumber and ErrorDesc read.
+bool CodeUnit::HostEvaluation(const wchar_t* operation, Evaluator::Kind kind, BSTR expression, short depth,
+                              const std::wstring& value, Variant& result)
+{
+    const std::wstring text = Text(expression);
+    TraceEntry(operation, text);
+    m_context->Trace(TraceKind::Detail, L"depth=" + std::to_wstring(depth));
+    if (kind == Evaluator::Kind::kAssign)
+        m_context->Trace(TraceKind::Detail, L"rhs=" + value);
+    ErrorRecord error;
+    const bool evaluated = m_context->Evaluation().EvaluateForHost(kind, AnsiFromWide(text), AnsiFromWide(value),
+                                                                   depth, result, error);
+    if (!evaluated) {
+        ErrorLocation& report = m_context->ErrorReport();
+        report.Clear();
+        report.number = error.number;
+        report.description = error.description;
+        report.source = error.source;
+        report.helpFile = error.helpFile;
+        report.helpContext = error.helpContext;
+        report.lineText = text;
+        m_context->Trace(TraceKind::Detail, L"ErrorDesc=" + error.description);
+    }
+    TraceResult(evaluated);
+    return evaluated;
+}
+
+HRESULT __stdcall CodeUnit::get_Evaluate(BSTR expression, short depth, BSTR* result)
+{
+    if (!result)
+        return E_POINTER;
+    *result = nullptr;
+    return Entered([&] {
+        const bool statement = IsCallStatement(AnsiFromWide(Text(expression)));
+        Variant value;
+        std::wstring shown;
+        if (HostEvaluation(L"Evaluate [Get]", statement ? Evaluator::Kind::kStatement : Evaluator::Kind::kValue,
+                           expression, depth, {}, value) &&
+            !statement && !WriteDebug(shown, value))
+            shown.clear();
+        return Out(result, shown);
+    });
+}
+
+HRESULT __stdcall CodeUnit::put_Evaluate(BSTR expression, short depth, BSTR value)
+{
+    return Entered([&] {
+        Variant ignored;
+        (void)HostEvaluation(L"Evaluate [Let]", Evaluator::Kind::kAssign, expression, depth, Text(value), ignored);
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::get_EvaluateObject(BSTR expression, short depth, IDispatch** result)
+{
+    if (!result)
+        return E_POINTER;
+    *result = nullptr;
+    return Entered([&] {
+        Variant value;
+        if (HostEvaluation(L"EvaluateObject [Get]", Evaluator::Kind::kObject, expression, depth, {}, value) &&
+            value.Tag() == VT_DISPATCH && value.Raw().pdispVal) {
+            *result = value.Raw().pdispVal;
+            (*result)->AddRef();
+        }
+        return S_OK;
+    });
+}
+
 // FIXME: each answers E_NOTIMPL until its subsystem exists (README lists them).
 
 HRESULT __stdcall CodeUnit::get_DefaultCallBack(IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::get_Evaluate(BSTR, short, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::put_Evaluate(BSTR, short, BSTR) { return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::get_EvaluateObject(BSTR, short, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_ExtensionType(short, IUnknown** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_ExtensionTypeName(short, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_Fire(VARIANT_BOOL, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }

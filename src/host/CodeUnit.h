@@ -129,6 +129,8 @@ private:
                           RunState wanted, VARIANT_BOOL* result);
     void TraceEntry(const wchar_t* operation, const std::wstring& argument);
     void TraceResult(bool result);
+    bool HostEvaluation(const wchar_t* operation, Evaluator::Kind kind, BSTR expression, short depth,
+                        const std::wstring& value, Variant& result);
     void Link();
     void Unlink();
 

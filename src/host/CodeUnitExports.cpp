@@ -207,6 +207,37 @@ BSTR __stdcall CU_CallersLine(void* unit, LONG depth)
     });
 }
 
+BSTR __stdcall CU_Evaluate(void* unit, LPCSTR expression, LONG depth)
+{
+    return AtExportBoundary<BSTR>(nullptr, [&] {
+        Bstr text = TextIn(expression);
+        return AnsiResult(CallMember<BSTR>(unit, L"get_Evaluate", [&](_CodeUnit* u, BSTR* r) {
+            return u->get_Evaluate(text.Get(), static_cast<short>(depth), r);
+        }));
+    });
+}
+
+IDispatch* __stdcall CU_EvaluateObject(void* unit, LPCSTR expression, LONG depth)
+{
+    return AtExportBoundary<IDispatch*>(nullptr, [&] {
+        Bstr text = TextIn(expression);
+        return CallMember<IDispatch*>(unit, L"get_EvaluateObject", [&](_CodeUnit* u, IDispatch** r) {
+            return u->get_EvaluateObject(text.Get(), static_cast<short>(depth), r);
+        });
+    });
+}
+
+void __stdcall CU_EvaluatePut(void* unit, LPCSTR expression, LONG depth, LPCSTR value)
+{
+    AtExportBoundary([&] {
+        Bstr text = TextIn(expression);
+        Bstr assigned = TextIn(value);
+        CallPut(unit, L"put_Evaluate", [&](_CodeUnit* u) {
+            return u->put_Evaluate(text.Get(), static_cast<short>(depth), assigned.Get());
+        });
+    });
+}
+
 BOOL __stdcall CU_ToggleBreak(void* unit, LPCSTR macroName, LONG line)
 {
     return AtExportBoundary<BOOL>(0, [&] {

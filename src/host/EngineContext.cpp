@@ -124,8 +124,14 @@ RunState EngineContext::Run(long depth)
 
 void EngineContext::RunScheduler(bool single)
 {
+    // The execution trace brackets each stretch of statements that the scheduler runs.
+    const bool traced = ExecutionTraceOn();
+    if (traced)
+        WriteTrace(TraceKind::Entry, L"*Execute");
     (void)m_interpreter.RunSteps(single);
     m_interpreter.SetExecutionMarker(0);
+    if (traced)
+        WriteTrace(TraceKind::Exit, L"");
 }
 
 // Request 5 (stop); fromHalt marks a stop that followed an end or halt request.
@@ -379,6 +385,11 @@ void EngineContext::ReleaseMemoryReserve()
 bool EngineContext::MapMacroName(const std::wstring& name, const std::wstring& base, std::wstring& mapped)
 {
     return m_callBack && HostCallBack::MapMacroName(m_callBack.Get(), m_owner.AsDispatch(), name, base, mapped);
+}
+
+bool EngineContext::EvaluateText(const std::wstring& text, Variant& result)
+{
+    return m_evaluator.EvaluateForCode(AnsiFromWide(text), result);
 }
 
 } // namespace brannoc

@@ -6,6 +6,7 @@
 #include "exec/InterpreterHost.h"
 #include "host/ComRef.h"
 #include "host/Debugger.h"
+#include "host/Evaluator.h"
 #include "host/ModuleManager.h"
 #include "library/StreamTable.h"
 #include <oaidl.h>
@@ -53,6 +54,7 @@ public:
     Interpreter& Machine() { return m_interpreter; }
     ModuleManager& Modules() { return m_modules; }
     Debugger& Debugging() { return m_debugger; }
+    Evaluator& Evaluation() { return m_evaluator; }
 
     // The control operation: carries out request (0..8) with its argument, answers the state after it.
     RunState Control(int request, long argument);
@@ -104,7 +106,11 @@ public:
     StreamTable* Streams() override { return &m_streams; }
     bool MapMacroName(const std::wstring& name, const std::wstring& base, std::wstring& mapped) override;
     void TraceLine() override;
-    bool IsSteppingExcluded(const ProcedureCode& procedure) override { return m_debugger.IsSteppingExcluded(procedure); }
+    [[nodiscard]] bool EvaluateText(const std::wstring& text, Variant& result) override;
+    bool IsSteppingExcluded(const ProcedureCode& procedure) override
+    {
+        return m_debugger.IsSteppingExcluded(procedure) || m_evaluator.IsEvaluationCode(procedure);
+    }
 
 private:
     RunState Run(long depth);
@@ -140,6 +146,7 @@ private:
     ModuleManager m_modules;
     Interpreter m_interpreter;
     Debugger m_debugger{m_modules, m_interpreter};
+    Evaluator m_evaluator{*this};
 };
 
 } // namespace brannoc

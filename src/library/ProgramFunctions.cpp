@@ -1,8 +1,9 @@
-// Built-ins about the running program: Command (the text the run was started with), and the
-// instructions Beep, DoEvents and Stop.
+// Built-ins about the running program: Command (the text the run was started with), Eval (an expression
+// given as text), and the instructions Beep, DoEvents and Stop.
 #include "library/BuiltinGroups.h"
 
 #include "exec/Interpreter.h"
+#include "exec/HaltFlags.h"
 #include "exec/InterpreterHost.h"
 #include "library/BuiltinArguments.h"
 
@@ -16,6 +17,23 @@ bool Command(BuiltinArguments&, BuiltinResult& result)
 {
     Interpreter* interpreter = Interpreter::Current();
     return result.SetString(interpreter ? interpreter->Host().CommandText() : std::wstring());
+}
+
+// The value of an expression given as text, evaluated in the scope of the running procedure: its
+// variables, its module's and the built-ins. A text that is no expression raises its compile error.
+bool Eval(BuiltinArguments& arguments, BuiltinResult& result)
+{
+    std::wstring_view text;
+    if (!arguments.String(0, text))
+        return false;
+    Interpreter* interpreter = Interpreter::Current();
+    Variant value;
+    if (!interpreter)
+        return false;
+    if (!interpreter->Host().EvaluateText(std::wstring(text), value))
+        return HaltFlags::MustStop() ? false : interpreter->SignalError(ErrorId::NotImplemented);
+    result.SetVariant(std::move(value));
+    return true;
 }
 
 // Plays the system's default sound.
@@ -46,6 +64,7 @@ bool Stop(BuiltinArguments&, BuiltinResult&)
 
 constexpr BuiltinRecord kRecords[] = {
     Function(Token::Command, ResultKind::kString, "", "", 0, 0, &Command),
+    Function(Token::Eval, ResultKind::kVariant, "$", "Expr", 0, 0, &Eval),
     Instruction(Token::Beep, "", "", 0, &Beep),
     Instruction(Token::DoEvents, "", "", 0, &DoEvents),
     Instruction(Token::Stop, "", "", 0, &Stop),

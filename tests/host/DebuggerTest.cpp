@@ -495,6 +495,36 @@ TEST_F(DebuggerTest, LineTracingSkipsTheLineAtWhichTheRunResumes)
     EXPECT_EQ(L"[dbg|Helper# 16] End Sub\r\n", callBack.printed[1]);
 }
 
+TEST_F(DebuggerTest, TheExecutionTraceBracketsTheRunAndRepeatsEachTracedLine)
+{
+    callBack.offerTrace = true;
+    EXPECT_FALSE(Run(static_cast<short>(0x8080))) << "a trace depth runs nothing";
+    ASSERT_TRUE(Start());
+    EXPECT_TRUE(Toggle(L"dbg", 9));
+    EXPECT_FALSE(Run(-1));
+    EXPECT_EQ((Texts{L"0:*Execute", L"4:[dbg|Main#  4] Sub Main", L"4:[dbg|Main#  6] x = 1", L"4:[dbg|Main#  7] Debug.Print \"a\"",
+                     L"4:[dbg|Main#  8] Helper x",
+                     L"4:[dbg|Helper# 13] Sub Helper(ByRef v As Long)", L"4:[dbg|Helper# 14] v = v + 1",
+                     L"4:[dbg|Helper# 15] Debug.Print \"helper\"", L"4:[dbg|Helper# 16] End Sub",
+                     L"4:[dbg|Main#  9] Debug.Print \"b\": Debug.Print \"c\"", L"1:"}),
+              callBack.traces);
+    EXPECT_EQ(L"[dbg|Main#  9] Debug.Print \"b\": Debug.Print \"c\"", CurrentLine());
+}
+
+TEST_F(DebuggerTest, ARunDepthAbove999CountsAs999)
+{
+    // 10000 would run to the end inside the engine; from the host it is 999: stop at the next line.
+    ASSERT_TRUE(Start());
+    EXPECT_FALSE(Run(10000));
+    EXPECT_TRUE(IsStopped());
+    EXPECT_EQ(L"[dbg|Main#  4] Sub Main", CurrentLine());
+    EXPECT_TRUE(Continue());
+    EXPECT_FALSE(Run(5000));
+    EXPECT_TRUE(IsStopped());
+    EXPECT_EQ(L"[dbg|Main#  6] x = 1", CurrentLine());
+    EXPECT_TRUE(Printed().empty());
+}
+
 TEST_F(DebuggerTest, SteppingNeverStopsInAHiddenModule)
 {
     callBack.macros[L"*Hidden*"] = Lines({

@@ -5,6 +5,7 @@
 #include "support/TestComObject.h"
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <string>
 #include <utility>
@@ -16,14 +17,19 @@ namespace brannoc::testing {
 // call: the engine object first, then the member's own arguments.
 class FakeCallBack final : public TestDispatch {
 public:
-    enum Member : DISPID { kDebugPrint = 1, kNotify, kReadMacro, kMapMacroName };
+    enum Member : DISPID { kDebugPrint = 1, kNotify, kReadMacro, kMapMacroName, kDebugTrace };
 
     // MapMacroName is offered only when a prefix is set; it answers the prefix and the name.
     std::wstring mapPrefix;
     std::vector<std::pair<std::wstring, std::wstring>> mapped;
+    // DebugTrace is offered only when set; each line is recorded as its kind, ":" and its text.
+    bool offerTrace = false;
+    std::vector<std::wstring> traces;
 
     std::map<std::wstring, std::wstring> macros;
     std::vector<std::wstring> printed;
+    // Called after each DebugPrint is recorded, with the engine object (tests that re-enter the engine).
+    std::function<void(IDispatch* engine)> onDebugPrint;
     std::vector<short> notifications;
     std::vector<std::wstring> reads;
     std::vector<long> errorNumbers;
@@ -37,6 +43,7 @@ public:
         ids[0] = name == L"DebugPrint" ? static_cast<DISPID>(kDebugPrint) : name == L"Notify" ? kNotify
                : name == L"ReadMacro"  ? kReadMacro
                : name == L"MapMacroName" && !mapPrefix.empty() ? kMapMacroName
+               : name == L"DebugTrace" && offerTrace ? kDebugTrace
                                        : DISPID_UNKNOWN;
         return ids[0] == DISPID_UNKNOWN ? DISP_E_UNKNOWNNAME : S_OK;
     }
@@ -56,6 +63,11 @@ public:
             result->bstrVal = SysAllocString((mapPrefix + name).c_str());
             return S_OK;
         }
+        if (member == kDebugTrace && parameters->cArgs == 3) {
+            traces.push_back(std::to_wstring(parameters->rgvarg[1].iVal) + L":" +
+                             std::wstring(parameters->rgvarg[0].bstrVal, SysStringLen(parameters->rgvarg[0].bstrVal)));
+            return S_OK;
+        }
         if (flags != DISPATCH_METHOD || parameters->cArgs != 2 || parameters->rgvarg[1].vt != VT_DISPATCH) {
             ++badCalls;
             return E_INVALIDARG;
@@ -64,6 +76,8 @@ public:
         switch (member) {
         case kDebugPrint:
             printed.emplace_back(argument.bstrVal, SysStringLen(argument.bstrVal));
+            if (onDebugPrint)
+                onDebugPrint(parameters->rgvarg[1].pdispVal);
             return S_OK;
         case kNotify:
             notifications.push_back(argument.iVal);
