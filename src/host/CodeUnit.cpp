@@ -1,5 +1,6 @@
 #include "host/CodeUnit.h"
 
+#include "automation/ExtensionTypeArray.h"
 #include "exec/ErrorMessages.h"
 #include "frontend/Lexer.h"
 #include "host/AnsiText.h"
@@ -628,16 +629,104 @@ HRESULT __stdcall CodeUnit::get_BreakLineNum(BSTR macroName, short index, short*
 }
 
 // ---- Members that arrive with later parts of the engine ----
+// ---- Extensions and references ----
+
+HRESULT __stdcall CodeUnit::AddExtension(BSTR prefix, IDispatch* extension)
+{
+    return Entered([&] {
+        (void)m_context->Extensions().Add(AnsiFromWide(Text(prefix)), extension);
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::AddExtensionEx(BSTR prefix, IDispatch* extension, VARIANT_BOOL* result)
+{
+    return Entered([&] {
+        const bool added = m_context->Extensions().Add(AnsiFromWide(Text(prefix)), extension);
+        if (result)
+            *result = AsBool(added);
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::RemoveExtensions(BSTR prefix, VARIANT_BOOL* result)
+{
+    return Entered([&] {
+        const bool removed = m_context->Extensions().Remove(AnsiFromWide(Text(prefix)));
+        if (result)
+            *result = AsBool(removed);
+        return S_OK;
+    });
+}
+
+// The extension types the named macro sees; an empty name gives the project's.
+std::vector<automation::ExtensionTypeEntry> CodeUnit::ExtensionTypesOf(BSTR macro)
+{
+    std::string name = AnsiFromWide(Text(macro));
+    if (!name.empty())
+        name = m_context->Modules().MapName(name);
+    return m_context->Extensions().Types(name);
+}
+
+HRESULT __stdcall CodeUnit::get_ExtensionTypeEx(BSTR macro, short index, IUnknown** result)
+{
+    if (!result)
+        return E_POINTER;
+    *result = nullptr;
+    return Entered([&] {
+        const std::vector<automation::ExtensionTypeEntry> types = ExtensionTypesOf(macro);
+        if (index < 0 || static_cast<std::size_t>(index) >= types.size())
+            return S_OK;
+        *result = types[static_cast<std::size_t>(index)].type.Get();
+        if (*result)
+            (*result)->AddRef();
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::get_ExtensionTypeNameEx(BSTR macro, short index, BSTR* result)
+{
+    if (!result)
+        return E_POINTER;
+    *result = nullptr;
+    return Entered([&] {
+        const std::vector<automation::ExtensionTypeEntry> types = ExtensionTypesOf(macro);
+        if (index < 0 || static_cast<std::size_t>(index) >= types.size())
+            return S_OK;
+        return Out(result, types[static_cast<std::size_t>(index)].name);
+    });
+}
+
+HRESULT __stdcall CodeUnit::get_ExtensionType(short index, IUnknown** result)
+{
+    return get_ExtensionTypeEx(nullptr, index, result);
+}
+
+HRESULT __stdcall CodeUnit::get_ExtensionTypeName(short index, BSTR* result)
+{
+    return get_ExtensionTypeNameEx(nullptr, index, result);
+}
+
+HRESULT __stdcall CodeUnit::get_ExtensionTypes(BSTR macro, VARIANT* types, BSTR* result)
+{
+    if (!result)
+        return E_POINTER;
+    *result = nullptr;
+    return Entered([&] {
+        const std::vector<automation::ExtensionTypeEntry> entries = ExtensionTypesOf(macro);
+        if (types && !automation::StoreTypeArray(entries, FollowByRefChain(types)))
+            return E_OUTOFMEMORY;
+        return entries.empty() ? S_OK : Out(result, automation::JoinedTypeNames(entries));
+    });
+}
+
 // FIXME: each answers E_NOTIMPL until its subsystem exists (README lists them).
 
 HRESULT __stdcall CodeUnit::get_DefaultCallBack(IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_Evaluate(BSTR, short, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::put_Evaluate(BSTR, short, BSTR) { return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_EvaluateObject(BSTR, short, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::get_ExtensionType(short, IUnknown** result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::get_ExtensionTypeName(short, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_Fire(VARIANT_BOOL, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::AddExtension(BSTR, IDispatch*) { return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::Call0(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::Call1(BSTR, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::Call2(BSTR, VARIANT*, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
@@ -645,15 +734,10 @@ HRESULT __stdcall CodeUnit::Call3(BSTR, VARIANT*, VARIANT*, VARIANT*, VARIANT_BO
 HRESULT __stdcall CodeUnit::Call4(BSTR, VARIANT*, VARIANT*, VARIANT*, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::Call5(BSTR, VARIANT*, VARIANT*, VARIANT*, VARIANT*, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::CreateHandler(BSTR, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::RemoveExtensions(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_Prototypes(BSTR, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_MacroKeywords(BSTR, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::CreateHandlers(BSTR, IDispatch*, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::Macro(BSTR, VARIANT_BOOL, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::AddExtensionEx(BSTR, IDispatch*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::get_ExtensionTypeEx(BSTR, short, IUnknown** result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::get_ExtensionTypeNameEx(BSTR, short, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::get_ExtensionTypes(BSTR, VARIANT*, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::ProjectCreate(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::ProjectDestroy(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_IsProject(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }

@@ -130,6 +130,7 @@ private:
     void TraceEntry(const wchar_t* operation, const std::wstring& argument);
     void TraceResult(bool result);
     void ReportStatus(ModuleStatus status, const std::wstring& macroName);
+    std::vector<automation::ExtensionTypeEntry> ExtensionTypesOf(BSTR macro);
     void Link();
     void Unlink();
 
