@@ -458,6 +458,15 @@ BRANNOC_API BOOL __stdcall CU_Stop(void* unit);
 BRANNOC_API BOOL __stdcall CU_ToggleBreak(void* unit, LPCSTR macroName, LONG line);
 BRANNOC_API BOOL __stdcall CU_Unload(void* unit, LPCSTR macroName);
 BRANNOC_API BSTR __stdcall CU_Version(void* unit);
+/* Extensions and references: CU_AddExtension calls AddExtensionEx. CU_ExtensionTypes gives the type
+ * names each followed by a NUL character and fills types with the two-column array of the types. */
+BRANNOC_API BOOL __stdcall CU_AddExtension(void* unit, LPCSTR prefix, IDispatch* extension);
+BRANNOC_API BOOL __stdcall CU_RemoveExtensions(void* unit, LPCSTR prefix);
+BRANNOC_API IUnknown* __stdcall CU_ExtensionType(void* unit, LONG index);
+BRANNOC_API IUnknown* __stdcall CU_ExtensionTypeEx(void* unit, LPCSTR macroName, LONG index);
+BRANNOC_API BSTR __stdcall CU_ExtensionTypeName(void* unit, LONG index);
+BRANNOC_API BSTR __stdcall CU_ExtensionTypeNameEx(void* unit, LPCSTR macroName, LONG index);
+BRANNOC_API BSTR __stdcall CU_ExtensionTypes(void* unit, LPCSTR macroName, VARIANT* types);
 
 #ifdef __cplusplus
 }

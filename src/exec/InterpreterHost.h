@@ -25,6 +25,7 @@ public:
         kNotifyStopped = 3,
         kNotifyResumed = 4,
         kNotifyActionPending = 8,
+        kNotifyExtensionsChanged = 14,
         kNotifyErrorReport = 19,
     };
     // Request codes of the engine's control operation.

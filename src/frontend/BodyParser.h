@@ -353,6 +353,13 @@ private:
                                 const UserType** userType = nullptr);
     // Whether a variable of that name is declared (locally, in this module or a used one).
     bool IsDeclaredVariable(const std::string& upperName) const;
+    // True when the name, not declared by the module or the modules it reaches, is given by a host
+    // extension or a type-library reference.
+    bool AtExtensionName(const std::string& upperName, ExtensionName& found) const;
+    // The name's value or call through its extension: a named object, a member called on the
+    // extension's object (or on the object a module variable holds), a library constant.
+    [[nodiscard]] bool ParseExtensionName(const std::string& name, const ExtensionName& found, MemberAccess access,
+                                          Expression& out);
     // The class module of that name among the modules this one uses, or null.
     const Module* FindClassModule(std::string_view name) const;
     // The class module a declared type names, or null (not a class, or an array).

@@ -28,6 +28,14 @@ BodyParser::StatementPtr BodyParser::ParseCallStatement()
     const std::string name = ReadName();
     (void)ReadSuffix();
     Procedure* callee = FindProcedure(UpperName(name));
+    if (ExtensionName extension; !callee && AtExtensionName(UpperName(name), extension) &&
+                                 (extension.kind == ExtensionName::Kind::Member ||
+                                  extension.kind == ExtensionName::Kind::VariableMember)) {
+        Expression code;
+        if (!ParseExtensionName(name, extension, MemberAccess::Call, code))
+            return nullptr;
+        return std::make_unique<EvaluateStatement>(std::move(code));
+    }
     if (!callee) {
         m_lexer.SignalError(CompileMessage::ExpectingSubFunctionPropertyName, name);
         return nullptr;
@@ -104,6 +112,21 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(AssignKind kind)
         m_state.names.count(key) == 0 && !FindProcedure(key)) {
         Expression code;
         if (!ParseDialogCall(code, true))
+            return nullptr;
+        return std::make_unique<EvaluateStatement>(std::move(code));
+    }
+    if (ExtensionName extension; AtExtensionName(key, extension) && (extension.kind == ExtensionName::Kind::Member ||
+                                                                     extension.kind == ExtensionName::Kind::VariableMember)) {
+        // A member of an extension's object: called, or assigned like a property.
+        MemberAccess access = MemberAccess::Call;
+        if (IsAssignmentAhead())
+            access = kind == AssignKind::Set ? MemberAccess::Set : MemberAccess::Let;
+        else if (requireAssignment) {
+            m_lexer.SignalError(CompileMessage::InvalidLetSyntax);
+            return nullptr;
+        }
+        Expression code;
+        if (!ParseExtensionName(name, extension, access, code))
             return nullptr;
         return std::make_unique<EvaluateStatement>(std::move(code));
     }

@@ -77,6 +77,7 @@ Module* Compiler::CreateModule(std::string_view name, int mode, ParseResult& res
     }
     auto module = std::make_unique<Module>(std::string(name), std::move(text->text), mode);
     module->SetObjectModuleFile(text->objectModuleFile);
+    module->SetSource(&m_source);
     m_modules.push_back(std::move(module));
     return m_modules.back().get();
 }
@@ -296,8 +297,22 @@ void Compiler::ReadReferences(Module& module)
         if (!m_lexer.SkipStatement())
             break;
     }
-    if (end != first && !m_source.AddReferences(module.Name(), std::string_view(first, static_cast<std::size_t>(end - first))))
-        m_lexer.SignalError(CompileMessage::TheReferenceCouldNotBeAdded);
+    std::size_t failed = 0;
+    if (end == first || m_source.AddReferences(module.Name(), std::string_view(first, static_cast<std::size_t>(end - first)), failed))
+        return;
+    // The failing line is named without its "'#Reference " and without its line break.
+    const char* line = first + failed;
+    const char* lineEnd = line;
+    while (lineEnd < end && *lineEnd != '\r' && *lineEnd != '\n')
+        ++lineEnd;
+    std::string_view text(line, static_cast<std::size_t>(lineEnd - line));
+    while (!text.empty() && (text.front() == ' ' || text.front() == '\t'))
+        text.remove_prefix(1);
+    if (text.size() >= 11)
+        text.remove_prefix(11);
+    while (!text.empty() && text.front() == ' ')
+        text.remove_prefix(1);
+    m_lexer.SignalErrorAt(CompileMessage::TheReferenceCouldNotBeAdded, text, line);
 }
 
 void Compiler::Uses(Module& module, ParseResult& result)

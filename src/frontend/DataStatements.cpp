@@ -345,7 +345,26 @@ bool BodyParser::ReadType(TypeCode& type, const Module** classModule, const User
             type = TypeCode(TypeCode::kObject);
             if (classModule && word != Token::Object)
                 *classModule = FindClassModule(m_lexer.Text());
+            std::string name(m_lexer.Text());
+            const char* namePosition = m_lexer.TokenStart();
             m_lexer.NextToken();
+            if (word != Token::Object && m_lexer.Kind() == Token::Dot && m_lexer.PreviousFollowingChar() == '.') {
+                // Library.Type: a type of a type-library reference.
+                m_lexer.NextToken();
+                if (!IsNameToken(m_lexer.Kind())) {
+                    m_lexer.SignalError(CompileMessage::ExpectingAValidDataTypeEgInteger);
+                    return false;
+                }
+                name += '.';
+                name += m_lexer.Text();
+                m_lexer.NextToken();
+                if (!m_module.Source() || !m_module.Source()->IsExternalTypeName(m_module.Name(), name)) {
+                    m_lexer.SignalErrorAt(CompileMessage::ExpectingAValidDataTypeEgInteger, {}, namePosition);
+                    return false;
+                }
+                if (classModule)
+                    *classModule = nullptr;
+            }
             return true;
         }
         m_lexer.SignalError(CompileMessage::ExpectingAValidDataTypeEgInteger);

@@ -236,7 +236,7 @@ bool DeclarationReader::ResolveNamedType(TypeSpec& type)
     }
     if (m_isClassName != nullptr && m_isClassName(m_context, type.className))
         return true;
-    if (m_source != nullptr && m_source->IsExternalTypeName(type.className))
+    if (m_source != nullptr && m_source->IsExternalTypeName(m_module.Name(), type.className))
         return true;
     m_lexer.SignalErrorAt(CompileMessage::ExpectingAValidDataTypeEgInteger, {}, type.namePosition);
     return false;

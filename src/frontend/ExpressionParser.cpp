@@ -617,6 +617,8 @@ bool BodyParser::ParseNameValue(Expression& out, bool* simpleVariable)
             return true;
         }
     }
+    if (ExtensionName extension; suffix == TypeCode() && AtExtensionName(key, extension))
+        return ParseExtensionName(name, extension, MemberAccess::Get, out);
     if (word == Token::Dialog && !local && m_state.names.count(key) == 0 && !FindProcedure(key))
         return ParseDialogCall(out, false);
     if (const BuiltinRecord* record = BuiltinFor(word, key))

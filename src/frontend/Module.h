@@ -12,6 +12,8 @@
 
 namespace brannoc {
 
+class ModuleSource;
+
 enum class ModuleKind : std::uint8_t { Plain = 0, Class = 1, Object = 2, Form = 3 };
 
 enum class SymbolKind : std::uint8_t { Variable, Constant, UserType, Enum, EnumMember, Procedure };
@@ -76,6 +78,9 @@ public:
 
     bool IsObjectModuleFile() const { return m_objectModuleFile; }
     void SetObjectModuleFile(bool value) { m_objectModuleFile = value; }
+    // Where the module came from: the compiler asks it about names that extensions give.
+    ModuleSource* Source() const { return m_source; }
+    void SetSource(ModuleSource* source) { m_source = source; }
     ModuleKind Kind() const { return m_kind; }
     void SetKind(ModuleKind kind) { m_kind = kind; }
     // The name from the header's VB_Name attribute (empty for plain modules).
@@ -150,6 +155,7 @@ private:
     std::string m_headerWord;
     ModuleKind m_kind = ModuleKind::Plain;
     bool m_objectModuleFile = false;
+    ModuleSource* m_source = nullptr;
     int m_useCount = 1;
     int m_mode = 0;
     std::array<TypeCode, 26> m_defaultTypes;

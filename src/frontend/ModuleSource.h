@@ -1,11 +1,25 @@
 #pragma once
 // Where the compile driver gets module texts and asks the host about names. The engine puts the host
 // callback behind it; tests give texts directly.
+#include <oaidl.h>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace brannoc {
+
+// What a name means through the host's extensions and type-library references.
+struct ExtensionName {
+    enum class Kind { None, Object, Member, VariableMember, Constant };
+    Kind kind = Kind::None;
+    // Object: the named object; Member: the object whose member the name is. Borrowed: the
+    // extension list holds it while the extension exists, compiled code takes its own reference.
+    IDispatch* object = nullptr;
+    // VariableMember: the module variable whose object has the member.
+    std::string variable;
+    // Constant: an enumeration member's value.
+    long constant = 0;
+};
 
 struct ModuleText {
     std::string text;
@@ -31,11 +45,13 @@ public:
         (void)headerText;
         return false;
     }
-    // Hands the module's '#Reference lines to the reference manager; false when one cannot be added.
-    virtual bool AddReferences(std::string_view module, std::string_view lines)
+    // Hands the module's '#Reference lines to the reference manager; false when one cannot be added,
+    // with failedLine the offset in lines of the line that failed.
+    virtual bool AddReferences(std::string_view module, std::string_view lines, std::size_t& failedLine)
     {
         (void)module;
         (void)lines;
+        (void)failedLine;
         return true;
     }
     // True when a global object, type-library reference or extension already uses the name.
@@ -46,11 +62,20 @@ public:
     }
     // A trace line of the compile driver (written only while the host's compiler trace is on).
     virtual void TraceCompile(std::string_view line) { (void)line; }
-    // True when the name is a type that a type-library reference or extension provides.
-    virtual bool IsExternalTypeName(std::string_view name)
+    // True when the name is a type that a type-library reference or extension visible to the module
+    // provides.
+    virtual bool IsExternalTypeName(std::string_view module, std::string_view name)
     {
+        (void)module;
         (void)name;
         return false;
+    }
+    // What the name means through the extensions and references visible to the module.
+    virtual ExtensionName FindExtensionName(std::string_view module, std::string_view name)
+    {
+        (void)module;
+        (void)name;
+        return {};
     }
 };
 

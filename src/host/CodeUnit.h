@@ -131,6 +131,7 @@ private:
     void TraceResult(bool result);
     bool HostEvaluation(const wchar_t* operation, Evaluator::Kind kind, BSTR expression, short depth,
                         const std::wstring& value, Variant& result);
+    std::vector<automation::ExtensionTypeEntry> ExtensionTypesOf(BSTR macro);
     void Link();
     void Unlink();
 

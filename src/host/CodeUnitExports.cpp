@@ -276,6 +276,64 @@ BSTR __stdcall CU_MacroKeywords(void* unit, LPCSTR macroName)
         Bstr name = TextIn(macroName);
         return AnsiResult(CallMember<BSTR>(unit, L"get_MacroKeywords", [&](_CodeUnit* u, BSTR* r) {
             return u->get_MacroKeywords(name.Get(), r);
+// ---- Extensions and references ----
+
+BOOL __stdcall CU_AddExtension(void* unit, LPCSTR prefix, IDispatch* extension)
+{
+    return AtExportBoundary<BOOL>(0, [&] {
+        Bstr text = TextIn(prefix);
+        return AsBoolean(CallMember<VARIANT_BOOL>(unit, L"AddExtensionEx", [&](_CodeUnit* u, VARIANT_BOOL* r) {
+            return u->AddExtensionEx(text.Get(), extension, r);
+        }));
+    });
+}
+
+CU_BOOL_METHOD_TEXT(RemoveExtensions, RemoveExtensions, L"RemoveExtensions")
+
+IUnknown* __stdcall CU_ExtensionTypeEx(void* unit, LPCSTR macroName, LONG index)
+{
+    return AtExportBoundary<IUnknown*>(nullptr, [&] {
+        Bstr name = TextIn(macroName);
+        return CallMember<IUnknown*>(unit, L"get_ExtensionTypeEx", [&](_CodeUnit* u, IUnknown** r) {
+            return u->get_ExtensionTypeEx(name.Get(), static_cast<short>(index), r);
+        });
+    });
+}
+
+IUnknown* __stdcall CU_ExtensionType(void* unit, LONG index)
+{
+    return AtExportBoundary<IUnknown*>(nullptr, [&] {
+        return CallMember<IUnknown*>(unit, L"get_ExtensionType", [&](_CodeUnit* u, IUnknown** r) {
+            return u->get_ExtensionType(static_cast<short>(index), r);
+        });
+    });
+}
+
+BSTR __stdcall CU_ExtensionTypeNameEx(void* unit, LPCSTR macroName, LONG index)
+{
+    return AtExportBoundary<BSTR>(nullptr, [&] {
+        Bstr name = TextIn(macroName);
+        return AnsiResult(CallMember<BSTR>(unit, L"get_ExtensionTypeNameEx", [&](_CodeUnit* u, BSTR* r) {
+            return u->get_ExtensionTypeNameEx(name.Get(), static_cast<short>(index), r);
+        }));
+    });
+}
+
+BSTR __stdcall CU_ExtensionTypeName(void* unit, LONG index)
+{
+    return AtExportBoundary<BSTR>(nullptr, [&] {
+        return AnsiResult(CallMember<BSTR>(unit, L"get_ExtensionTypeName", [&](_CodeUnit* u, BSTR* r) {
+            return u->get_ExtensionTypeName(static_cast<short>(index), r);
+        }));
+    });
+}
+
+BSTR __stdcall CU_ExtensionTypes(void* unit, LPCSTR macroName, VARIANT* types)
+{
+    return AtExportBoundary<BSTR>(nullptr, [&] {
+        Bstr name = TextIn(macroName);
+        return AnsiResult(CallMember<BSTR>(unit, L"get_ExtensionTypes", [&](_CodeUnit* u, BSTR* r) {
+            return u->get_ExtensionTypes(name.Get(), types, r);
         }));
     });
 }

@@ -1,6 +1,7 @@
 #pragma once
 // The per-object state of an engine: callback, caption and settings, the interpreter, the error
 // record, notifications, trace bytes, and the control operation that every run request goes through.
+#include "automation/ExtensionList.h"
 #include "exec/Interpreter.h"
 #include "frontend/BodyCompiler.h"
 #include "exec/InterpreterHost.h"
@@ -40,7 +41,7 @@ struct ErrorLocation {
     void Clear() { *this = ErrorLocation{}; }
 };
 
-class EngineContext final : public InterpreterHost {
+class EngineContext final : public InterpreterHost, private automation::ExtensionHost {
 public:
     static constexpr int kKeywordCount = 340;
     static constexpr int kStepDepth = 9999;
@@ -55,6 +56,7 @@ public:
     ModuleManager& Modules() { return m_modules; }
     Debugger& Debugging() { return m_debugger; }
     Evaluator& Evaluation() { return m_evaluator; }
+    automation::ExtensionList& Extensions() { return m_extensions; }
 
     // The control operation: carries out request (0..8) with its argument, answers the state after it.
     RunState Control(int request, long argument);
@@ -113,6 +115,12 @@ public:
     }
 
 private:
+    // ExtensionHost
+    void TraceExtension(short kind, const std::wstring& text) override { Trace(static_cast<TraceKind>(kind), text); }
+    void ExtensionsChanged() override { SendNotification(kNotifyExtensionsChanged); }
+    std::string MapModuleName(const std::string& name) override { return m_modules.MapName(name); }
+    bool ModuleExists(const std::string& name) override { return m_modules.FindLoadedModule(name) != nullptr; }
+
     RunState Run(long depth);
     RunState StopRequest(bool fromHalt);
     RunState EndAll();
@@ -142,6 +150,9 @@ private:
     std::function<void(TraceKind, const std::wstring&)> m_traceSink;
     std::function<void(short)> m_notificationSink;
     BodyCompiler m_bodyCompiler;
+    // Declared before the modules so that compiled code may still use the objects it names while the
+    // modules go.
+    automation::ExtensionList m_extensions{*this};
     // Declared before the interpreter so that the interpreter's stacks go before the code they run.
     ModuleManager m_modules;
     Interpreter m_interpreter;

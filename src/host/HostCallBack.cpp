@@ -125,4 +125,21 @@ bool HostCallBack::MapMacroName(IDispatch* callBack, IDispatch* engine, const st
     return TextResult(result, mapped) && !mapped.empty();
 }
 
+bool HostCallBack::SetMacroReferences(IDispatch* callBack, IDispatch* engine, const std::wstring& macroName)
+{
+    Bstr nameArgument(macroName);
+    VARIANT arguments[2] = {EngineArgument(engine), {}};
+    arguments[1].vt = VT_BSTR;
+    arguments[1].bstrVal = nameArgument.Get();
+    Variant result;
+    if (!InvokeByName(callBack, L"SetMacroReferences", arguments, 2, &result.Raw()))
+        return true;
+    VARIANT_BOOL answer = VARIANT_TRUE;
+    VARIANT converted;
+    VariantInit(&converted);
+    if (SUCCEEDED(VariantChangeType(&converted, &result.Raw(), 0, VT_BOOL)))
+        answer = converted.boolVal;
+    return answer != VARIANT_FALSE;
+}
+
 } // namespace brannoc

@@ -22,6 +22,10 @@ public:
     static bool MapMacroName(IDispatch* callBack, IDispatch* engine, const std::wstring& name,
                              const std::wstring& base, std::wstring& mapped);
 
+    // Whether the engine is to apply the module's '#Reference lines; false when the host set the
+    // references itself. True when the member is missing or fails.
+    static bool SetMacroReferences(IDispatch* callBack, IDispatch* engine, const std::wstring& macroName);
+
 private:
     // Invokes a method by name with the given arguments (in declaration order).
     static bool InvokeByName(IDispatch* callBack, const wchar_t* name, VARIANT* arguments, UINT count,

@@ -623,6 +623,8 @@ ModuleStatus ModuleManager::Unload(const std::string& name)
     ModuleStatus status = StatusOf(loaded, false);
     if (status == ModuleStatus::Idle || status == ModuleStatus::NotFound) {
         Discard(name);
+        // The module's own extensions and references go with it.
+        m_context.Extensions().RemoveModule(name, false);
         return ModuleStatus::Unloaded;
     }
     return status;

@@ -166,6 +166,10 @@ private:
     std::optional<ModuleText> Read(std::string_view name) override;
     std::string ResolveName(std::string_view usingModule, std::string_view name) override;
     void TraceCompile(std::string_view line) override;
+    bool AddReferences(std::string_view module, std::string_view lines, std::size_t& failedLine) override;
+    bool IsGlobalNameInUse(std::string_view name) override;
+    bool IsExternalTypeName(std::string_view module, std::string_view name) override;
+    ExtensionName FindExtensionName(std::string_view module, std::string_view name) override;
     // CompileErrorSink
     void Report(const CompileError& error) override;
 

@@ -227,6 +227,13 @@ const ExportRow kExports[] = {
     {"CU_ToggleBreak", 12, true},
     {"CU_Unload", 8, true},
     {"CU_Version", 4, true},
+    {"CU_AddExtension", 12, true},
+    {"CU_RemoveExtensions", 8, true},
+    {"CU_ExtensionType", 8, true},
+    {"CU_ExtensionTypeEx", 12, true},
+    {"CU_ExtensionTypeName", 8, true},
+    {"CU_ExtensionTypeNameEx", 12, true},
+    {"CU_ExtensionTypes", 12, false},
     {"KZ_CallProcError", 0, false},
 };
 

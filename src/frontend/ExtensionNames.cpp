@@ -1,0 +1,67 @@
+// Names that the host's extensions and the modules' type-library references give: they come after the
+// module's own names and the public names of the modules it reaches, before the built-in names.
+#include "frontend/BodyParser.h"
+
+#include "code/MemberCall.h"
+#include "frontend/CharClasses.h"
+#include "values/Variant.h"
+
+namespace brannoc::body {
+
+bool BodyParser::AtExtensionName(const std::string& upperName, ExtensionName& found) const
+{
+    ModuleSource* source = m_module.Source();
+    if (!source || FindLocal(upperName) || m_state.names.count(upperName) != 0 || IsDeclaredVariable(upperName) ||
+        FindProcedure(upperName))
+        return false;
+    found = source->FindExtensionName(m_module.Name(), upperName);
+    return found.kind != ExtensionName::Kind::None;
+}
+
+bool BodyParser::ParseExtensionName(const std::string& name, const ExtensionName& found, MemberAccess access,
+                                    Expression& out)
+{
+    m_factorClass = nullptr;
+    switch (found.kind) {
+    case ExtensionName::Kind::Constant: {
+        Variant value;
+        value.SetLong(found.constant);
+        AppendConstant(out, std::move(value));
+        return true;
+    }
+    case ExtensionName::Kind::Object: {
+        Variant object;
+        object.SetObject(found.object, true);
+        AppendConstant(out, std::move(object));
+        return true;
+    }
+    case ExtensionName::Kind::Member: {
+        Variant object;
+        object.SetObject(found.object, true);
+        AppendConstant(out, std::move(object));
+        break;
+    }
+    case ExtensionName::Kind::VariableMember: {
+        VariableRef ref;
+        bool declared = false;
+        if (!ResolveVariable(found.variable, TypeCode(), ref, declared))
+            return false;
+        AppendLoad(out, ref, ObjectVariable{});
+        break;
+    }
+    default: return false;
+    }
+    // A member of the extension's object, looked up by name when the call runs.
+    MemberSite site;
+    site.name = name;
+    site.wideName = Widen(name);
+    site.access = access;
+    out.ops.push_back(ExprOp{ExprOpCode::kEmpty});
+    int count = 0;
+    if (!ParseLateArguments(access, site, out, count))
+        return false;
+    AppendMemberCall(out, std::move(site), count, TypeCode(TypeCode::kVariant));
+    return true;
+}
+
+} // namespace brannoc::body
