@@ -406,6 +406,8 @@ BRANNOC_API LONG __stdcall KZ_CallProcError(void);
  * unit is the handle CU_CreateCodeUnit answered. A null handle or a failed member is reported in a
  * task-modal box; the result is then 0, null or FALSE. Texts are ANSI; text results are freed with
  * OA_SysFreeStringA, objects with OA_Release. 16-bit values are passed in 32-bit slots. */
+/* Calls a Sub: the list holds its name, then 0 to 5 values (Call0 ... Call5); the list is consumed. */
+BRANNOC_API BOOL __stdcall CU_Call(void* unit, OA_ARG* list);
 BRANNOC_API IDispatch* __stdcall CU_CallBack(void* unit);
 BRANNOC_API BSTR __stdcall CU_Caption(void* unit);
 BRANNOC_API void __stdcall CU_CaptionPut(void* unit, LPCSTR caption);

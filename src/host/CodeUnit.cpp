@@ -4,6 +4,7 @@
 #include "frontend/Lexer.h"
 #include "host/AnsiText.h"
 #include "host/EntryGuard.h"
+#include "host/HostSubCall.h"
 #include "host/LibraryLifetime.h"
 #include "host/MemoryReserve.h"
 #include "host/ThisModule.h"
@@ -418,8 +419,8 @@ HRESULT __stdcall CodeUnit::put_ErrorDesc(BSTR description)
             error.description = text;
             error.helpContext = 5;
             error.helpFile = LanguageHelpFile();
-            m_context->SendNotification(5);
-            m_context->SendNotification(0);
+            m_context->SendNotification(EngineContext::kNotifyErrorSet);
+            m_context->SendNotification(EngineContext::kNotifyError);
         }
         return S_OK;
     });
@@ -473,6 +474,7 @@ void CodeUnit::ReportStatus(ModuleStatus status, const std::wstring& macroName)
     error.number = message.number;
     error.description = message.text;
     error.macroName = macroName;
+    m_context->TraceErrorFields();
     m_context->SendNotification(EngineContext::kNotifyError);
 }
 
@@ -627,6 +629,52 @@ HRESULT __stdcall CodeUnit::get_BreakLineNum(BSTR macroName, short index, short*
     });
 }
 
+// ---- Calls of Subs by name ----
+
+HRESULT CodeUnit::CallSub(BSTR subName, VARIANT* const* arguments, int count, VARIANT_BOOL* result)
+{
+    return Entered([&] {
+        bool outcome = CallSubForHost(*m_context, AnsiFromWide(Text(subName)), arguments, count);
+        if (result)
+            *result = AsBool(outcome);
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::Call0(BSTR subName, VARIANT_BOOL* result) { return CallSub(subName, nullptr, 0, result); }
+
+HRESULT __stdcall CodeUnit::Call1(BSTR subName, VARIANT* arg1, VARIANT_BOOL* result)
+{
+    VARIANT* arguments[] = {arg1};
+    return CallSub(subName, arguments, 1, result);
+}
+
+HRESULT __stdcall CodeUnit::Call2(BSTR subName, VARIANT* arg1, VARIANT* arg2, VARIANT_BOOL* result)
+{
+    VARIANT* arguments[] = {arg1, arg2};
+    return CallSub(subName, arguments, 2, result);
+}
+
+HRESULT __stdcall CodeUnit::Call3(BSTR subName, VARIANT* arg1, VARIANT* arg2, VARIANT* arg3, VARIANT_BOOL* result)
+{
+    VARIANT* arguments[] = {arg1, arg2, arg3};
+    return CallSub(subName, arguments, 3, result);
+}
+
+HRESULT __stdcall CodeUnit::Call4(BSTR subName, VARIANT* arg1, VARIANT* arg2, VARIANT* arg3, VARIANT* arg4,
+                                  VARIANT_BOOL* result)
+{
+    VARIANT* arguments[] = {arg1, arg2, arg3, arg4};
+    return CallSub(subName, arguments, 4, result);
+}
+
+HRESULT __stdcall CodeUnit::Call5(BSTR subName, VARIANT* arg1, VARIANT* arg2, VARIANT* arg3, VARIANT* arg4,
+                                  VARIANT* arg5, VARIANT_BOOL* result)
+{
+    VARIANT* arguments[] = {arg1, arg2, arg3, arg4, arg5};
+    return CallSub(subName, arguments, 5, result);
+}
+
 // ---- Members that arrive with later parts of the engine ----
 // FIXME: each answers E_NOTIMPL until its subsystem exists (README lists them).
 
@@ -638,12 +686,6 @@ HRESULT __stdcall CodeUnit::get_ExtensionType(short, IUnknown** result) { if (re
 HRESULT __stdcall CodeUnit::get_ExtensionTypeName(short, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_Fire(VARIANT_BOOL, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::AddExtension(BSTR, IDispatch*) { return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::Call0(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::Call1(BSTR, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::Call2(BSTR, VARIANT*, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::Call3(BSTR, VARIANT*, VARIANT*, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::Call4(BSTR, VARIANT*, VARIANT*, VARIANT*, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::Call5(BSTR, VARIANT*, VARIANT*, VARIANT*, VARIANT*, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::CreateHandler(BSTR, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::RemoveExtensions(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_Prototypes(BSTR, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }

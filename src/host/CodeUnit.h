@@ -127,6 +127,8 @@ private:
     // A control request whose result is true when the state afterwards is `wanted`.
     HRESULT ControlMethod(const wchar_t* operation, const std::wstring& argument, int request, long value,
                           RunState wanted, VARIANT_BOOL* result);
+    // Call0 ... Call5: the Sub's name and count host arguments.
+    HRESULT CallSub(BSTR subName, VARIANT* const* arguments, int count, VARIANT_BOOL* result);
     void TraceEntry(const wchar_t* operation, const std::wstring& argument);
     void TraceResult(bool result);
     void ReportStatus(ModuleStatus status, const std::wstring& macroName);

@@ -239,4 +239,21 @@ void __stdcall CU_SetCallBack(void* unit, IDispatch* callBack)
     AtExportBoundary([&] { CallPut(unit, L"SetCallBack", [&](_CodeUnit* u) { return u->SetCallBack(callBack); }); });
 }
 
+// The list holds the Sub's name and up to five values: n entries call the member with DISPID n + 2
+// (Call0 ... Call5) through Invoke. The list is consumed either way.
+BOOL __stdcall CU_Call(void* unit, OA_ARG* list)
+{
+    return AtExportBoundary<BOOL>(0, [&]() -> BOOL {
+        const LONG entries = list ? list->count : 0;
+        if (entries < 1 || entries > 6) {
+            if (list)
+                OA_ArgRelease(list);
+            ReportWrapperFailure(L"Call", L"Wrong number of arguments.");
+            return 0;
+        }
+        auto* engine = static_cast<IDispatch*>(static_cast<_CodeUnit*>(unit));
+        return AsBoolean(OA_InvokeBOOL(engine, entries + 2, list, nullptr));
+    });
+}
+
 } // extern "C"

@@ -210,6 +210,19 @@ void EngineContext::WriteTrace(TraceKind kind, const std::wstring& text)
         m_traceSink(kind, text);
 }
 
+// The detail lines that follow an error recorded while the API trace is on.
+void EngineContext::TraceErrorFields()
+{
+    if (!ApiTraceOn())
+        return;
+    const ErrorLocation& error = m_errorReport;
+    WriteTrace(TraceKind::Detail, L"ErrorDesc=" + error.description);
+    WriteTrace(TraceKind::Detail, L"ErrorMacroName=" + error.macroName);
+    WriteTrace(TraceKind::Detail, L"ErrorLine=" + error.lineText);
+    WriteTrace(TraceKind::Detail, L"ErrorLineNum=" + std::to_wstring(static_cast<short>(error.lineNumber)));
+    WriteTrace(TraceKind::Detail, L"ErrorOffset=" + std::to_wstring(error.offset));
+}
+
 void EngineContext::SendNotification(short code)
 {
     if (m_pendingNotification >= 0 && code != m_pendingNotification) {
@@ -239,9 +252,10 @@ void EngineContext::SendNotification(short code)
         m_streams.CloseAll();
         m_modules.RunEnded();
         break;
-    case 5:
+    case kNotifyErrorSet:
         if (m_interpreter.IsEvaluating())
             return;
+        TraceErrorFields();
         break;
     default:
         break;
@@ -296,6 +310,7 @@ void EngineContext::PumpMessages()
 
 void EngineContext::ReportUntrappedError(const ErrorRecord& error)
 {
+    ++m_untrappedErrors;
     m_errorReport.Clear();
     m_errorReport.number = error.number;
     m_errorReport.description = error.description;
@@ -310,6 +325,7 @@ void EngineContext::ReportUntrappedError(const ErrorRecord& error)
                              m_errorReport.lineText))
             m_errorReport.lineNumber = line;
     }
+    TraceErrorFields();
     const bool running = m_interpreter.RunLevel() > 0;
     SendNotification(kNotifyErrorReport);
     SendNotification(kNotifyError);

@@ -306,6 +306,56 @@ void ModuleManager::RunQueuedStart()
     m_context.SendNotification(EngineContext::kNotifyError);
 }
 
+namespace {
+
+Procedure* CallableSub(const Module& module, std::string_view name)
+{
+    const CompiledModule* compiled = module.Compiled();
+    if (!compiled)
+        return nullptr;
+    for (const auto& procedure : compiled->procedures) {
+        if (procedure->kind == ProcedureKind::Sub && procedure->visibility != Visibility::Private &&
+            procedure->code && SameName(procedure->name, name))
+            return procedure.get();
+    }
+    return nullptr;
+}
+
+} // namespace
+
+bool ModuleManager::FindHostSub(const std::string& name, Procedure*& procedure, ModuleInstance*& instance)
+{
+    const std::size_t dot = name.rfind('.');
+    const std::string_view moduleName = dot == std::string::npos ? std::string_view() : std::string_view(name).substr(0, dot);
+    const std::string_view subName = dot == std::string::npos ? std::string_view(name) : std::string_view(name).substr(dot + 1);
+    std::vector<Loaded*> order;
+    if (Loaded* running = m_running.empty() ? nullptr : Find(m_running))
+        order.push_back(running);
+    for (auto loaded = m_loaded.rbegin(); loaded != m_loaded.rend(); ++loaded) {
+        if (std::find(order.begin(), order.end(), loaded->get()) == order.end())
+            order.push_back(loaded->get());
+    }
+    for (Loaded* loaded : order) {
+        for (Module* module : loaded->reach) {
+            if (module->Kind() != ModuleKind::Plain || (!moduleName.empty() && !SameName(module->Name(), moduleName)))
+                continue;
+            procedure = CallableSub(*module, subName);
+            if (!procedure)
+                continue;
+            if (!loaded->holdsInstances) {
+                // A loaded macro gets its module storage now; the used modules' initializers run, its
+                // own Main does not.
+                std::vector<ModuleInstance*> made;
+                if (!HoldDefaultInstances(*loaded, made) || !InitializeUsedModules(made, loaded->module))
+                    return false;
+            }
+            instance = DefaultInstance(*module);
+            return instance != nullptr;
+        }
+    }
+    return false;
+}
+
 ModuleManager::SharedInstance* ModuleManager::FindShared(const Module& module)
 {
     for (SharedInstance& shared : m_instances) {
@@ -695,6 +745,8 @@ void ModuleManager::Report(const CompileError& error)
     report.lineText = WideFromAnsi(error.lineText);
     report.lineNumber = static_cast<long>(error.line);
     report.offset = static_cast<short>(error.offset);
+    // The compile error is set (5) and then shown (0); a failed start reports its status afterwards.
+    m_context.SendNotification(EngineContext::kNotifyErrorSet);
     m_context.SendNotification(EngineContext::kNotifyError);
 }
 

@@ -19,6 +19,7 @@ namespace brannoc {
 
 class EngineContext;
 class ModuleInstance;
+struct Procedure;
 class ProcedureCode;
 class ValueStack;
 class Variant;
@@ -68,6 +69,11 @@ public:
     bool Rename(const std::string& oldName, const std::string& newName);
     // True while the named module's run is active or stopped in it.
     bool IsActive(const std::string& name);
+
+    // A Sub that the host may call by name (Call0 ... Call5): a Sub not declared Private of the running
+    // macro, else of the loaded macros (newest first), or of a module they use; "Module.Sub" names the
+    // module. The module's default instance is made first when it has none. False when there is none.
+    bool FindHostSub(const std::string& name, Procedure*& procedure, ModuleInstance*& instance);
 
     // The loaded top-level modules in load order; empty past the end.
     std::string LoadedName(std::size_t index) const;

@@ -175,6 +175,7 @@ const ExportRow kExports[] = {
     {"CB_MapMacroNameA", 16, true},
     {"CB_MapMacroNameW", 16, true},
     {"CB_Window", 4, true},
+    {"CU_Call", 8, true},
     {"CU_CallBack", 4, true},
     {"CU_Caption", 4, true},
     {"CU_CaptionPut", 8, true},
