@@ -2,7 +2,9 @@
 
 #include "exec/ErrorMessages.h"
 #include "frontend/Lexer.h"
+#include "frontend/Module.h"
 #include "host/AnsiText.h"
+#include "host/DefaultCallBack.h"
 #include "host/EntryGuard.h"
 #include "host/HostSubCall.h"
 #include "host/LibraryLifetime.h"
@@ -10,6 +12,8 @@
 #include "host/ThisModule.h"
 #include "values/Variant.h"
 #include <atomic>
+#include <cstdint>
+#include <cwchar>
 #include <new>
 
 namespace brannoc {
@@ -215,7 +219,9 @@ HRESULT __stdcall CodeUnit::Invoke(DISPID member, REFIID id, LCID, WORD flags, D
 
 void CodeUnit::TraceEntry(const wchar_t* operation, const std::wstring& argument)
 {
-    m_context->Trace(TraceKind::Entry, L"*" + std::wstring(operation) + L"(\"" + argument + L"\")");
+    // A name in a named project is written as the project's name, ">" and the name.
+    const std::wstring shown = !argument.empty() && argument[0] == L'<' ? argument.substr(1) : argument;
+    m_context->Trace(TraceKind::Entry, L"*" + std::wstring(operation) + L"(\"" + shown + L"\")");
 }
 
 void CodeUnit::TraceResult(bool result)
@@ -382,19 +388,42 @@ HRESULT __stdcall CodeUnit::get_HelpFile(BSTR* result)
     return Entered([&] { return Out(result, LanguageHelpFile()); });
 }
 
+// The default callback object, made at its first request. While it is the callback the engine keeps no
+// callback of its own and takes the same default paths directly.
+IDispatch* CodeUnit::DefaultCallBackObject()
+{
+    if (!m_defaultCallBack)
+        m_defaultCallBack = ComRef<IDispatch>::Adopt(CreateDefaultCallBack());
+    return m_defaultCallBack.Get();
+}
+
 HRESULT __stdcall CodeUnit::get_CallBack(IDispatch** result)
 {
     return Entered([&] {
-        *result = m_context->CallBack();
+        *result = m_context->CallBack() ? m_context->CallBack() : DefaultCallBackObject();
         if (*result)
             (*result)->AddRef();
         return S_OK;
     });
 }
 
+HRESULT __stdcall CodeUnit::get_DefaultCallBack(IDispatch** result)
+{
+    if (!result)
+        return E_POINTER;
+    *result = DefaultCallBackObject();
+    if (!*result)
+        return E_OUTOFMEMORY;
+    (*result)->AddRef();
+    return S_OK;
+}
+
 HRESULT __stdcall CodeUnit::SetCallBack(IDispatch* callBack)
 {
-    return Entered([&] { m_context->SetCallBack(callBack); return S_OK; });
+    return Entered([&] {
+        m_context->SetCallBack(callBack && callBack == m_defaultCallBack.Get() ? nullptr : callBack);
+        return S_OK;
+    });
 }
 
 // ---- Error record ----
@@ -498,10 +527,13 @@ HRESULT __stdcall CodeUnit::Start(BSTR macroName, VARIANT_BOOL* result)
     return Entered([&] {
         std::wstring text = Text(macroName);
         TraceEntry(L"Start", text);
+        std::string project;
+        std::string request;
+        const bool named = ModuleManager::SplitProject(AnsiFromWide(text), project, request);
         std::string name;
         std::string command;
-        ModuleManager::SplitStartText(AnsiFromWide(text), name, command);
-        name = m_context->Modules().MapName(name);
+        ModuleManager::SplitStartText(request, name, command);
+        name = m_context->Modules().MapName(named ? "<" + project + ">" + name : name);
         ModuleStatus status = m_context->Modules().Start(name, command);
         ReportStatus(status, WideFromAnsi(name));
         bool outcome = MessageForStatus(status).number == 0;
@@ -675,10 +707,66 @@ HRESULT __stdcall CodeUnit::Call5(BSTR subName, VARIANT* arg1, VARIANT* arg2, VA
     return CallSub(subName, arguments, 5, result);
 }
 
+// ---- Projects and module objects ----
+
+HRESULT __stdcall CodeUnit::ProjectCreate(BSTR projectName, VARIANT_BOOL* result)
+{
+    return Entered([&] {
+        bool outcome = m_context->Modules().CreateProject(AnsiFromWide(Text(projectName)));
+        if (result)
+            *result = AsBool(outcome);
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::ProjectDestroy(BSTR projectName, VARIANT_BOOL* result)
+{
+    return Entered([&] {
+        bool outcome = m_context->Modules().DestroyProject(AnsiFromWide(Text(projectName)));
+        if (result)
+            *result = AsBool(outcome);
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::get_IsProject(BSTR projectName, VARIANT_BOOL* result)
+{
+    return Entered([&] {
+        *result = AsBool(m_context->Modules().HasProject(AnsiFromWide(Text(projectName))));
+        return S_OK;
+    });
+}
+
+// The object of a class or object module: a new instance, or its default one; loaded first when needed.
+HRESULT __stdcall CodeUnit::Macro(BSTR macroName, VARIANT_BOOL createNew, IDispatch** result)
+{
+    return Entered([&] {
+        if (!result)
+            return E_POINTER;
+        *result = nullptr;
+        const std::wstring text = Text(macroName);
+        TraceEntry(createNew ? L"CreateModuleNewInstance" : L"CreateModuleDefaultInstance", text);
+        ModuleManager& modules = m_context->Modules();
+        const std::string name = modules.MapName(AnsiFromWide(text));
+        Module* module = modules.FindLoadedModule(name);
+        if (!module) {
+            ModuleStatus status = modules.Load(name);
+            ReportStatus(status, WideFromAnsi(name));
+            module = MessageForStatus(status).number == 0 ? modules.FindLoadedModule(name) : nullptr;
+        }
+        if (module && module->Kind() != ModuleKind::Plain)
+            *result = createNew ? modules.NewObject(*module) : modules.DefaultObject(*module);
+        wchar_t address[32];
+        swprintf(address, 32, L"Result=0x%lx", static_cast<unsigned long>(reinterpret_cast<uintptr_t>(*result)));
+        m_context->Trace(TraceKind::Result, address);
+        m_context->Trace(TraceKind::Exit, L"");
+        return S_OK;
+    });
+}
+
 // ---- Members that arrive with later parts of the engine ----
 // FIXME: each answers E_NOTIMPL until its subsystem exists (README lists them).
 
-HRESULT __stdcall CodeUnit::get_DefaultCallBack(IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_Evaluate(BSTR, short, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::put_Evaluate(BSTR, short, BSTR) { return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_EvaluateObject(BSTR, short, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
@@ -691,13 +779,9 @@ HRESULT __stdcall CodeUnit::RemoveExtensions(BSTR, VARIANT_BOOL* result) { if (r
 HRESULT __stdcall CodeUnit::get_Prototypes(BSTR, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_MacroKeywords(BSTR, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::CreateHandlers(BSTR, IDispatch*, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::Macro(BSTR, VARIANT_BOOL, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::AddExtensionEx(BSTR, IDispatch*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_ExtensionTypeEx(BSTR, short, IUnknown** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_ExtensionTypeNameEx(BSTR, short, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_ExtensionTypes(BSTR, VARIANT*, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::ProjectCreate(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::ProjectDestroy(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::get_IsProject(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 
 } // namespace brannoc

@@ -134,12 +134,14 @@ private:
     void ReportStatus(ModuleStatus status, const std::wstring& macroName);
     void Link();
     void Unlink();
+    IDispatch* DefaultCallBackObject();
 
     unsigned long m_identifier;
     unsigned long m_references = 1;
     ComRef<ITypeInfo> m_classType;
     ComRef<ITypeInfo> m_dispatchType;
     std::unique_ptr<EngineContext> m_context;
+    ComRef<IDispatch> m_defaultCallBack;
     GUID m_instanceGuid{};
     CodeUnit* m_previous = nullptr;
     CodeUnit* m_next = nullptr;

@@ -136,6 +136,9 @@ CU_BOOL_METHOD_TEXT(Start, Start, L"Start")
 CU_BOOL_METHOD_TEXT(Unload, Unload, L"Unload")
 CU_BOOL_METHOD_TEXT(IsMacro, get_IsMacro, L"get_IsMacro")
 CU_BOOL_METHOD_TEXT(IsMacroActive, get_IsMacroActive, L"get_IsMacroActive")
+CU_BOOL_METHOD_TEXT(ProjectCreate, ProjectCreate, L"ProjectCreate")
+CU_BOOL_METHOD_TEXT(ProjectDestroy, ProjectDestroy, L"ProjectDestroy")
+CU_BOOL_METHOD_TEXT(IsProject, get_IsProject, L"get_IsProject")
 
 CU_TEXT_GET(Caption, get_Caption, L"get_Caption")
 CU_TEXT_GET(CurrentLine, get_CurrentLine, L"get_CurrentLine")
@@ -147,9 +150,12 @@ CU_TEXT_GET(ErrorSource, get_ErrorSource, L"get_ErrorSource")
 CU_TEXT_GET(HelpFile, get_HelpFile, L"get_HelpFile")
 CU_TEXT_GET(MacroName, get_MacroName, L"get_MacroName")
 CU_TEXT_GET(Version, get_Version, L"get_Version")
+CU_TEXT_GET(BlockedKeywords, get_BlockedKeywords, L"get_BlockedKeywords")
+CU_TEXT_GET(Keywords, get_Keywords, L"get_Keywords")
 
 CU_TEXT_PUT(CaptionPut, put_Caption, L"put_Caption")
 CU_TEXT_PUT(ErrorDescPut, put_ErrorDesc, L"put_ErrorDesc")
+CU_TEXT_PUT(BlockedKeywordsPut, put_BlockedKeywords, L"put_BlockedKeywords")
 
 CU_NUMBER_GET(ErrorLimit, short, get_ErrorLimit, L"get_ErrorLimit")
 CU_NUMBER_GET(LineNum, short, get_LineNum, L"get_LineNum")
@@ -231,6 +237,24 @@ IDispatch* __stdcall CU_CallBack(void* unit)
 {
     return AtExportBoundary<IDispatch*>(nullptr, [&] {
         return CallMember<IDispatch*>(unit, L"get_CallBack", [](_CodeUnit* u, IDispatch** r) { return u->get_CallBack(r); });
+    });
+}
+
+IDispatch* __stdcall CU_DefaultCallBack(void* unit)
+{
+    return AtExportBoundary<IDispatch*>(nullptr, [&] {
+        return CallMember<IDispatch*>(unit, L"get_DefaultCallBack",
+                                      [](_CodeUnit* u, IDispatch** r) { return u->get_DefaultCallBack(r); });
+    });
+}
+
+IDispatch* __stdcall CU_Macro(void* unit, LPCSTR macroName, BOOL createNew)
+{
+    return AtExportBoundary<IDispatch*>(nullptr, [&] {
+        Bstr name = TextIn(macroName);
+        return CallMember<IDispatch*>(unit, L"Macro", [&](_CodeUnit* u, IDispatch** r) {
+            return u->Macro(name.Get(), createNew ? VARIANT_TRUE : VARIANT_FALSE, r);
+        });
     });
 }
 

@@ -4,6 +4,7 @@
 #include "host/AnsiText.h"
 #include "host/ClassObject.h"
 #include "host/CodeUnit.h"
+#include "host/DefaultCallBack.h"
 #include "host/EntryGuard.h"
 #include "host/HostCallBack.h"
 #include "host/MemoryReserve.h"
@@ -271,16 +272,8 @@ void EngineContext::SendNotification(short code)
 // Without a callback, an error is shown in a task-modal box; other notifications are ignored.
 void EngineContext::DefaultNotify(short code)
 {
-    if (code != kNotifyError)
-        return;
-    const ErrorLocation& error = m_errorReport;
-    std::wstring line = error.lineText;
-    if (error.offset >= 0 && static_cast<size_t>(error.offset) <= line.size())
-        line.insert(static_cast<size_t>(error.offset), FixedText(ErrorId::HereMarker, L"<here>"));
-    std::wstring text = L"[" + error.macroName + L"#" + std::to_wstring(error.lineNumber) + L"] " + line + L"\n" +
-                        error.description;
-    const std::wstring caption = FixedText(ErrorId::ErrorCaption, L"Error");
-    MessageBoxW(nullptr, text.c_str(), caption.c_str(), MB_TASKMODAL | MB_OK);
+    if (code == kNotifyError)
+        ShowErrorBox(m_errorReport);
 }
 
 // A pending action from the scheduler; a start queued meanwhile is carried out after it.

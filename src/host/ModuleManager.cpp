@@ -71,8 +71,78 @@ ModuleManager::ModuleManager(EngineContext& context)
 
 ModuleManager::~ModuleManager() = default;
 
+bool ModuleManager::SplitProject(const std::string& text, std::string& project, std::string& rest)
+{
+    const std::size_t close = text.size() > 1 && text[0] == '<' ? text.find('>') : std::string::npos;
+    if (close == std::string::npos) {
+        project.clear();
+        rest = text;
+        return false;
+    }
+    project = text.substr(1, close - 1);
+    rest = text.substr(close + 1);
+    return true;
+}
+
+bool ModuleManager::HasProject(const std::string& name) const
+{
+    std::string project;
+    std::string rest;
+    const std::string& bare = SplitProject(name, project, rest) ? project : name;
+    return std::any_of(m_projects.begin(), m_projects.end(), [&](const std::string& p) { return SameName(p, bare); });
+}
+
+bool ModuleManager::CreateProject(const std::string& name)
+{
+    std::string project;
+    std::string rest;
+    const std::string bare = SplitProject(name, project, rest) ? project : name;
+    if (bare.empty() || HasProject(bare))
+        return false;
+    m_projects.push_back(bare);
+    return true;
+}
+
+bool ModuleManager::DestroyProject(const std::string& name)
+{
+    std::string project;
+    std::string rest;
+    const std::string bare = SplitProject(name, project, rest) ? project : name;
+    if (m_context.State() != RunState::Idle)
+        return false;
+    if (!bare.empty() && !HasProject(bare))
+        return false;
+    std::vector<std::string> doomed;
+    for (const auto& loaded : m_loaded) {
+        std::string owner;
+        std::string moduleName;
+        if (SplitProject(loaded->name, owner, moduleName) && (bare.empty() || SameName(owner, bare)))
+            doomed.push_back(loaded->name);
+    }
+    for (const std::string& moduleName : doomed)
+        Discard(moduleName);
+    if (bare.empty())
+        m_projects.clear();
+    else
+        m_projects.erase(std::remove_if(m_projects.begin(), m_projects.end(),
+                                        [&](const std::string& p) { return SameName(p, bare); }),
+                         m_projects.end());
+    return true;
+}
+
 std::string ModuleManager::MapName(const std::string& name)
 {
+    std::string project;
+    std::string rest;
+    if (SplitProject(name, project, rest)) {
+        if (project.empty())
+            return MapName(rest);
+        for (const std::string& known : m_projects) {
+            if (SameName(known, project))
+                return "<" + known + ">" + rest;
+        }
+        return name;
+    }
     IDispatch* callBack = m_context.CallBack();
     std::wstring mapped;
     if (!name.empty() && callBack &&
@@ -689,10 +759,17 @@ bool ModuleManager::IsObjectModuleText(const std::string& text)
     return false;
 }
 
-std::optional<ModuleText> ModuleManager::Read(std::string_view name)
+std::optional<ModuleText> ModuleManager::Read(std::string_view fullName)
 {
+    // A module of a named project is read under its own name; a project that was never created has none.
+    std::string project;
+    std::string name;
+    if (SplitProject(std::string(fullName), project, name) && !project.empty() && !HasProject(project))
+        return std::nullopt;
     std::string text;
-    auto given = m_givenTexts.find(std::string(name));
+    auto given = m_givenTexts.find(std::string(fullName));
+    if (given == m_givenTexts.end())
+        given = m_givenTexts.find(name);
     if (given != m_givenTexts.end()) {
         text = std::move(given->second);
         m_givenTexts.erase(given);
@@ -721,6 +798,11 @@ std::optional<ModuleText> ModuleManager::Read(std::string_view name)
 
 std::string ModuleManager::ResolveName(std::string_view usingModule, std::string_view name)
 {
+    // A module of a named project uses modules of the same project; names are not mapped there.
+    std::string project;
+    std::string rest;
+    if (SplitProject(std::string(usingModule), project, rest) && !project.empty())
+        return "<" + project + ">" + std::string(name);
     IDispatch* callBack = m_context.CallBack();
     std::wstring mapped;
     if (callBack && HostCallBack::MapMacroName(callBack, m_context.Owner().AsDispatch(), WideFromAnsi(name),

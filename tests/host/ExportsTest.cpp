@@ -177,6 +177,14 @@ const ExportRow kExports[] = {
     {"CB_Window", 4, true},
     {"CU_Call", 8, true},
     {"CU_CallBack", 4, true},
+    {"CU_BlockedKeywords", 4, true},
+    {"CU_BlockedKeywordsPut", 8, true},
+    {"CU_DefaultCallBack", 4, true},
+    {"CU_IsProject", 8, false},
+    {"CU_Keywords", 4, true},
+    {"CU_Macro", 12, true},
+    {"CU_ProjectCreate", 8, false},
+    {"CU_ProjectDestroy", 8, false},
     {"CU_Caption", 4, true},
     {"CU_CaptionPut", 8, true},
     {"CU_BreakLineNum", 12, true},
@@ -225,6 +233,11 @@ const ExportRow kExports[] = {
     {"CU_Unload", 8, true},
     {"CU_Version", 4, true},
     {"KZ_CallProcError", 0, false},
+    {"KZ_CallBackDebugPrint", 12, false},
+    {"KZ_CallBackDoEvents", 8, false},
+    {"KZ_CallBackNotify", 12, false},
+    {"KZ_CallBackReadMacro", 12, false},
+    {"KZ_CallBackWindow", 4, false},
 };
 
 std::string Decorated(const ExportRow& row) { return "_" + std::string(row.name) + "@" + std::to_string(row.argumentBytes); }
