@@ -424,6 +424,7 @@ BRANNOC_API BSTR __stdcall CU_Keywords(void* unit);
 BRANNOC_API IDispatch* __stdcall CU_Macro(void* unit, LPCSTR macroName, BOOL createNew);
 BRANNOC_API BOOL __stdcall CU_ProjectCreate(void* unit, LPCSTR projectName);
 BRANNOC_API BOOL __stdcall CU_ProjectDestroy(void* unit, LPCSTR projectName);
+BRANNOC_API BSTR __stdcall CU_Prototypes(void* unit, LPCSTR prefix);
 BRANNOC_API BSTR __stdcall CU_Caption(void* unit);
 BRANNOC_API void __stdcall CU_CaptionPut(void* unit, LPCSTR caption);
 BRANNOC_API SHORT __stdcall CU_BreakLineNum(void* unit, LPCSTR macroName, LONG index);

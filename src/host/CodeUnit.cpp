@@ -9,6 +9,7 @@
 #include "host/HostSubCall.h"
 #include "host/LibraryLifetime.h"
 #include "host/MemoryReserve.h"
+#include "host/Prototypes.h"
 #include "host/ThisModule.h"
 #include "values/Variant.h"
 #include <atomic>
@@ -764,6 +765,16 @@ HRESULT __stdcall CodeUnit::Macro(BSTR macroName, VARIANT_BOOL createNew, IDispa
     });
 }
 
+// The declaration lines of the named loaded macro's procedures; empty for a macro that is not loaded.
+HRESULT __stdcall CodeUnit::get_Prototypes(BSTR prefix, BSTR* result)
+{
+    return Entered([&] {
+        ModuleManager& modules = m_context->Modules();
+        const Module* module = modules.FindLoadedModule(modules.MapName(AnsiFromWide(Text(prefix))));
+        return Out(result, module ? WideFromAnsi(PrototypeList(*module)) : std::wstring());
+    });
+}
+
 // ---- Members that arrive with later parts of the engine ----
 // FIXME: each answers E_NOTIMPL until its subsystem exists (README lists them).
 
@@ -776,7 +787,6 @@ HRESULT __stdcall CodeUnit::get_Fire(VARIANT_BOOL, IDispatch** result) { if (res
 HRESULT __stdcall CodeUnit::AddExtension(BSTR, IDispatch*) { return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::CreateHandler(BSTR, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::RemoveExtensions(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::get_Prototypes(BSTR, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_MacroKeywords(BSTR, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::CreateHandlers(BSTR, IDispatch*, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::AddExtensionEx(BSTR, IDispatch*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }

@@ -204,6 +204,16 @@ BSTR __stdcall CU_LoadedMacroName(void* unit, LONG index)
     });
 }
 
+BSTR __stdcall CU_Prototypes(void* unit, LPCSTR prefix)
+{
+    return AtExportBoundary<BSTR>(nullptr, [&] {
+        Bstr argument = TextIn(prefix);
+        return AnsiResult(CallMember<BSTR>(unit, L"get_Prototypes", [&](_CodeUnit* u, BSTR* r) {
+            return u->get_Prototypes(argument.Get(), r);
+        }));
+    });
+}
+
 BSTR __stdcall CU_CallersLine(void* unit, LONG depth)
 {
     return AtExportBoundary<BSTR>(nullptr, [&] {

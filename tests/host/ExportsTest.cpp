@@ -185,6 +185,7 @@ const ExportRow kExports[] = {
     {"CU_Macro", 12, true},
     {"CU_ProjectCreate", 8, false},
     {"CU_ProjectDestroy", 8, false},
+    {"CU_Prototypes", 8, true},
     {"CU_Caption", 4, true},
     {"CU_CaptionPut", 8, true},
     {"CU_BreakLineNum", 12, true},

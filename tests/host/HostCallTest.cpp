@@ -307,3 +307,21 @@ TEST(HostCallExports, CallWithTheNameOnlyCallsCall0AndBadCountsShowTheBox)
     callBack->Release();
     OA_Release(static_cast<IUnknown*>(unit));
 }
+
+TEST_F(HostCallTest, PrototypesListTheDeclarationLinesOfALoadedMacro)
+{
+    BSTR name = SysAllocString(L"lib");
+    BSTR text = nullptr;
+    EXPECT_EQ(S_OK, unit->get_Prototypes(name, &text));
+    EXPECT_EQ(L"", TakeText(text)) << "nothing before the macro is loaded";
+    ASSERT_TRUE(Load(L"lib"));
+    EXPECT_EQ(S_OK, unit->get_Prototypes(name, &text));
+    SysFreeString(name);
+    EXPECT_EQ(L"Sub Main\r\n"
+              L"Sub Hello\r\n"
+              L"Sub Twice(ByRef v As Variant, ByRef n As Long)\r\n"
+              L"Sub Sum5(a, b, c, d, e)\r\n"
+              L"Private Sub Hidden\r\n"
+              L"Sub Fails\r\n",
+              TakeText(text));
+}
