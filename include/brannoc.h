@@ -402,11 +402,29 @@ BRANNOC_API LONG __stdcall CB_Window(IDispatch* callBack);
 /* Raises "Declare is not implemented." (10160) in the running macro; answers 0. */
 BRANNOC_API LONG __stdcall KZ_CallProcError(void);
 
+/* The default callback's handlers (what an engine object uses while the host sets no callback). */
+BRANNOC_API void __stdcall KZ_CallBackDebugPrint(IDispatch* engine, LPCSTR text, void* userData);
+BRANNOC_API void __stdcall KZ_CallBackDoEvents(IDispatch* engine, void* userData);
+BRANNOC_API void __stdcall KZ_CallBackNotify(IDispatch* engine, LONG code, void* userData);
+BRANNOC_API BSTR __stdcall KZ_CallBackReadMacro(IDispatch* engine, LPCSTR macroName, void* userData);
+BRANNOC_API LONG __stdcall KZ_CallBackWindow(void* userData);
+
 /* ---- Engine objects through exported functions (CU_ family) ----
  * unit is the handle CU_CreateCodeUnit answered. A null handle or a failed member is reported in a
  * task-modal box; the result is then 0, null or FALSE. Texts are ANSI; text results are freed with
  * OA_SysFreeStringA, objects with OA_Release. 16-bit values are passed in 32-bit slots. */
+/* Calls a Sub: the list holds its name, then 0 to 5 values (Call0 ... Call5); the list is consumed. */
+BRANNOC_API BOOL __stdcall CU_Call(void* unit, OA_ARG* list);
 BRANNOC_API IDispatch* __stdcall CU_CallBack(void* unit);
+BRANNOC_API BSTR __stdcall CU_BlockedKeywords(void* unit);
+BRANNOC_API void __stdcall CU_BlockedKeywordsPut(void* unit, LPCSTR keywords);
+BRANNOC_API IDispatch* __stdcall CU_DefaultCallBack(void* unit);
+BRANNOC_API BOOL __stdcall CU_IsProject(void* unit, LPCSTR projectName);
+BRANNOC_API BSTR __stdcall CU_Keywords(void* unit);
+BRANNOC_API IDispatch* __stdcall CU_Macro(void* unit, LPCSTR macroName, BOOL createNew);
+BRANNOC_API BOOL __stdcall CU_ProjectCreate(void* unit, LPCSTR projectName);
+BRANNOC_API BOOL __stdcall CU_ProjectDestroy(void* unit, LPCSTR projectName);
+BRANNOC_API BSTR __stdcall CU_Prototypes(void* unit, LPCSTR prefix);
 BRANNOC_API BSTR __stdcall CU_Caption(void* unit);
 BRANNOC_API void __stdcall CU_CaptionPut(void* unit, LPCSTR caption);
 BRANNOC_API SHORT __stdcall CU_BreakLineNum(void* unit, LPCSTR macroName, LONG index);

@@ -24,6 +24,7 @@ public:
         kNotifyRunEnded = 2,
         kNotifyStopped = 3,
         kNotifyResumed = 4,
+        kNotifyErrorSet = 5,
         kNotifyActionPending = 8,
         kNotifyExtensionsChanged = 14,
         kNotifyErrorReport = 19,

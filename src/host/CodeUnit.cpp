@@ -5,14 +5,19 @@
 #include "frontend/Lexer.h"
 #include "frontend/Module.h"
 #include "host/AnsiText.h"
+#include "host/DefaultCallBack.h"
 #include "host/EntryGuard.h"
+#include "host/HostSubCall.h"
 #include "host/LibraryLifetime.h"
 #include "host/MacroKeywords.h"
 #include "host/MemoryReserve.h"
+#include "host/Prototypes.h"
 #include "host/ThisModule.h"
 #include "values/TextForm.h"
 #include "values/Variant.h"
 #include <atomic>
+#include <cstdint>
+#include <cwchar>
 #include <new>
 
 namespace brannoc {
@@ -218,7 +223,9 @@ HRESULT __stdcall CodeUnit::Invoke(DISPID member, REFIID id, LCID, WORD flags, D
 
 void CodeUnit::TraceEntry(const wchar_t* operation, const std::wstring& argument)
 {
-    m_context->Trace(TraceKind::Entry, L"*" + std::wstring(operation) + L"(\"" + argument + L"\")");
+    // A name in a named project is written as the project's name, ">" and the name.
+    const std::wstring shown = !argument.empty() && argument[0] == L'<' ? argument.substr(1) : argument;
+    m_context->Trace(TraceKind::Entry, L"*" + std::wstring(operation) + L"(\"" + shown + L"\")");
 }
 
 void CodeUnit::TraceResult(bool result)
@@ -409,19 +416,42 @@ HRESULT __stdcall CodeUnit::get_HelpFile(BSTR* result)
     return Entered([&] { return Out(result, LanguageHelpFile()); });
 }
 
+// The default callback object, made at its first request. While it is the callback the engine keeps no
+// callback of its own and takes the same default paths directly.
+IDispatch* CodeUnit::DefaultCallBackObject()
+{
+    if (!m_defaultCallBack)
+        m_defaultCallBack = ComRef<IDispatch>::Adopt(CreateDefaultCallBack());
+    return m_defaultCallBack.Get();
+}
+
 HRESULT __stdcall CodeUnit::get_CallBack(IDispatch** result)
 {
     return Entered([&] {
-        *result = m_context->CallBack();
+        *result = m_context->CallBack() ? m_context->CallBack() : DefaultCallBackObject();
         if (*result)
             (*result)->AddRef();
         return S_OK;
     });
 }
 
+HRESULT __stdcall CodeUnit::get_DefaultCallBack(IDispatch** result)
+{
+    if (!result)
+        return E_POINTER;
+    *result = DefaultCallBackObject();
+    if (!*result)
+        return E_OUTOFMEMORY;
+    (*result)->AddRef();
+    return S_OK;
+}
+
 HRESULT __stdcall CodeUnit::SetCallBack(IDispatch* callBack)
 {
-    return Entered([&] { m_context->SetCallBack(callBack); return S_OK; });
+    return Entered([&] {
+        m_context->SetCallBack(callBack && callBack == m_defaultCallBack.Get() ? nullptr : callBack);
+        return S_OK;
+    });
 }
 
 // ---- Error record ----
@@ -446,8 +476,8 @@ HRESULT __stdcall CodeUnit::put_ErrorDesc(BSTR description)
             error.description = text;
             error.helpContext = 5;
             error.helpFile = LanguageHelpFile();
-            m_context->SendNotification(5);
-            m_context->SendNotification(0);
+            m_context->SendNotification(EngineContext::kNotifyErrorSet);
+            m_context->SendNotification(EngineContext::kNotifyError);
         }
         return S_OK;
     });
@@ -511,10 +541,13 @@ HRESULT __stdcall CodeUnit::Start(BSTR macroName, VARIANT_BOOL* result)
     return Entered([&] {
         std::wstring text = Text(macroName);
         TraceEntry(L"Start", text);
+        std::string project;
+        std::string request;
+        const bool named = ModuleManager::SplitProject(AnsiFromWide(text), project, request);
         std::string name;
         std::string command;
-        ModuleManager::SplitStartText(AnsiFromWide(text), name, command);
-        name = m_context->Modules().MapName(name);
+        ModuleManager::SplitStartText(request, name, command);
+        name = m_context->Modules().MapName(named ? "<" + project + ">" + name : name);
         ModuleStatus status = m_context->Modules().Start(name, command);
         m_context->Modules().ReportStatus(status, WideFromAnsi(name));
         bool outcome = MessageForStatus(status).number == 0;
@@ -642,7 +675,210 @@ HRESULT __stdcall CodeUnit::get_BreakLineNum(BSTR macroName, short index, short*
     });
 }
 
-// ---- Members that arrive with later parts of the engine ----
+// ---- Calls of Subs by name ----
+
+HRESULT CodeUnit::CallSub(BSTR subName, VARIANT* const* arguments, int count, VARIANT_BOOL* result)
+{
+    return Entered([&] {
+        bool outcome = CallSubForHost(*m_context, AnsiFromWide(Text(subName)), arguments, count);
+        if (result)
+            *result = AsBool(outcome);
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::Call0(BSTR subName, VARIANT_BOOL* result) { return CallSub(subName, nullptr, 0, result); }
+
+HRESULT __stdcall CodeUnit::Call1(BSTR subName, VARIANT* arg1, VARIANT_BOOL* result)
+{
+    VARIANT* arguments[] = {arg1};
+    return CallSub(subName, arguments, 1, result);
+}
+
+HRESULT __stdcall CodeUnit::Call2(BSTR subName, VARIANT* arg1, VARIANT* arg2, VARIANT_BOOL* result)
+{
+    VARIANT* arguments[] = {arg1, arg2};
+    return CallSub(subName, arguments, 2, result);
+}
+
+HRESULT __stdcall CodeUnit::Call3(BSTR subName, VARIANT* arg1, VARIANT* arg2, VARIANT* arg3, VARIANT_BOOL* result)
+{
+    VARIANT* arguments[] = {arg1, arg2, arg3};
+    return CallSub(subName, arguments, 3, result);
+}
+
+HRESULT __stdcall CodeUnit::Call4(BSTR subName, VARIANT* arg1, VARIANT* arg2, VARIANT* arg3, VARIANT* arg4,
+                                  VARIANT_BOOL* result)
+{
+    VARIANT* arguments[] = {arg1, arg2, arg3, arg4};
+    return CallSub(subName, arguments, 4, result);
+}
+
+HRESULT __stdcall CodeUnit::Call5(BSTR subName, VARIANT* arg1, VARIANT* arg2, VARIANT* arg3, VARIANT* arg4,
+                                  VARIANT* arg5, VARIANT_BOOL* result)
+{
+    VARIANT* arguments[] = {arg1, arg2, arg3, arg4, arg5};
+    return CallSub(subName, arguments, 5, result);
+}
+
+// ---- Projects and module objects ----
+
+HRESULT __stdcall CodeUnit::ProjectCreate(BSTR projectName, VARIANT_BOOL* result)
+{
+    return Entered([&] {
+        bool outcome = m_context->Modules().CreateProject(AnsiFromWide(Text(projectName)));
+        if (result)
+            *result = AsBool(outcome);
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::ProjectDestroy(BSTR projectName, VARIANT_BOOL* result)
+{
+    return Entered([&] {
+        bool outcome = m_context->Modules().DestroyProject(AnsiFromWide(Text(projectName)));
+        if (result)
+            *result = AsBool(outcome);
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::get_IsProject(BSTR projectName, VARIANT_BOOL* result)
+{
+    return Entered([&] {
+        *result = AsBool(m_context->Modules().HasProject(AnsiFromWide(Text(projectName))));
+        return S_OK;
+    });
+}
+
+// The object of a class or object module: a new instance, or its default one; loaded first when needed.
+HRESULT __stdcall CodeUnit::Macro(BSTR macroName, VARIANT_BOOL createNew, IDispatch** result)
+{
+    return Entered([&] {
+        if (!result)
+            return E_POINTER;
+        *result = nullptr;
+        const std::wstring text = Text(macroName);
+        TraceEntry(createNew ? L"CreateModuleNewInstance" : L"CreateModuleDefaultInstance", text);
+        ModuleManager& modules = m_context->Modules();
+        const std::string name = modules.MapName(AnsiFromWide(text));
+        Module* module = modules.FindLoadedModule(name);
+        if (!module) {
+            ModuleStatus status = modules.Load(name);
+            m_context->Modules().ReportStatus(status, WideFromAnsi(name));
+            module = MessageForStatus(status).number == 0 ? modules.FindLoadedModule(name) : nullptr;
+        }
+        if (module && module->Kind() != ModuleKind::Plain)
+            *result = createNew ? modules.NewObject(*module) : modules.DefaultObject(*module);
+        wchar_t address[32];
+        swprintf(address, 32, L"Result=0x%lx", static_cast<unsigned long>(reinterpret_cast<uintptr_t>(*result)));
+        m_context->Trace(TraceKind::Result, address);
+        m_context->Trace(TraceKind::Exit, L"");
+        return S_OK;
+    });
+}
+
+// The declaration lines of the named loaded macro's procedures; empty for a macro that is not loaded.
+HRESULT __stdcall CodeUnit::get_Prototypes(BSTR prefix, BSTR* result)
+{
+    return Entered([&] {
+        ModuleManager& modules = m_context->Modules();
+        const Module* module = modules.FindLoadedModule(modules.MapName(AnsiFromWide(Text(prefix))));
+        return Out(result, module ? WideFromAnsi(PrototypeList(*module)) : std::wstring());
+    });
+}
+
+// ---- Extensions and references ----
+
+HRESULT __stdcall CodeUnit::AddExtension(BSTR prefix, IDispatch* extension)
+{
+    return Entered([&] {
+        (void)m_context->Extensions().Add(AnsiFromWide(Text(prefix)), extension);
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::AddExtensionEx(BSTR prefix, IDispatch* extension, VARIANT_BOOL* result)
+{
+    return Entered([&] {
+        const bool added = m_context->Extensions().Add(AnsiFromWide(Text(prefix)), extension);
+        if (result)
+            *result = AsBool(added);
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::RemoveExtensions(BSTR prefix, VARIANT_BOOL* result)
+{
+    return Entered([&] {
+        const bool removed = m_context->Extensions().Remove(AnsiFromWide(Text(prefix)));
+        if (result)
+            *result = AsBool(removed);
+        return S_OK;
+    });
+}
+
+// The extension types the named macro sees; an empty name gives the project's.
+std::vector<automation::ExtensionTypeEntry> CodeUnit::ExtensionTypesOf(BSTR macro)
+{
+    std::string name = AnsiFromWide(Text(macro));
+    if (!name.empty())
+        name = m_context->Modules().MapName(name);
+    return m_context->Extensions().Types(name);
+}
+
+HRESULT __stdcall CodeUnit::get_ExtensionTypeEx(BSTR macro, short index, IUnknown** result)
+{
+    if (!result)
+        return E_POINTER;
+    *result = nullptr;
+    return Entered([&] {
+        const std::vector<automation::ExtensionTypeEntry> types = ExtensionTypesOf(macro);
+        if (index < 0 || static_cast<std::size_t>(index) >= types.size())
+            return S_OK;
+        *result = types[static_cast<std::size_t>(index)].type.Get();
+        if (*result)
+            (*result)->AddRef();
+        return S_OK;
+    });
+}
+
+HRESULT __stdcall CodeUnit::get_ExtensionTypeNameEx(BSTR macro, short index, BSTR* result)
+{
+    if (!result)
+        return E_POINTER;
+    *result = nullptr;
+    return Entered([&] {
+        const std::vector<automation::ExtensionTypeEntry> types = ExtensionTypesOf(macro);
+        if (index < 0 || static_cast<std::size_t>(index) >= types.size())
+            return S_OK;
+        return Out(result, types[static_cast<std::size_t>(index)].name);
+    });
+}
+
+HRESULT __stdcall CodeUnit::get_ExtensionType(short index, IUnknown** result)
+{
+    return get_ExtensionTypeEx(nullptr, index, result);
+}
+
+HRESULT __stdcall CodeUnit::get_ExtensionTypeName(short index, BSTR* result)
+{
+    return get_ExtensionTypeNameEx(nullptr, index, result);
+}
+
+HRESULT __stdcall CodeUnit::get_ExtensionTypes(BSTR macro, VARIANT* types, BSTR* result)
+{
+    if (!result)
+        return E_POINTER;
+    *result = nullptr;
+    return Entered([&] {
+        const std::vector<automation::ExtensionTypeEntry> entries = ExtensionTypesOf(macro);
+        if (types && !automation::StoreTypeArray(entries, FollowByRefChain(types)))
+            return E_OUTOFMEMORY;
+        return entries.empty() ? S_OK : Out(result, automation::JoinedTypeNames(entries));
+    });
+}
+
 // ---- Evaluation ----
 
 namespace {
@@ -727,22 +963,12 @@ HRESULT __stdcall CodeUnit::get_EvaluateObject(BSTR expression, short depth, IDi
     });
 }
 
+// ---- Members that arrive with later parts of the engine ----
+
 // FIXME: each answers E_NOTIMPL until its subsystem exists (README lists them).
 
-HRESULT __stdcall CodeUnit::get_DefaultCallBack(IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::get_Fire(VARIANT_BOOL, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::Call0(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::Call1(BSTR, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::Call2(BSTR, VARIANT*, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::Call3(BSTR, VARIANT*, VARIANT*, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::Call4(BSTR, VARIANT*, VARIANT*, VARIANT*, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::Call5(BSTR, VARIANT*, VARIANT*, VARIANT*, VARIANT*, VARIANT*, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::CreateHandler(BSTR, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::get_Prototypes(BSTR, BSTR* result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::CreateHandlers(BSTR, IDispatch*, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::Macro(BSTR, VARIANT_BOOL, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::ProjectCreate(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::ProjectDestroy(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::get_IsProject(BSTR, VARIANT_BOOL* result) { if (result) *result = VARIANT_FALSE; return E_NOTIMPL; }
 
 } // namespace brannoc

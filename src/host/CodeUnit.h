@@ -127,6 +127,8 @@ private:
     // A control request whose result is true when the state afterwards is `wanted`.
     HRESULT ControlMethod(const wchar_t* operation, const std::wstring& argument, int request, long value,
                           RunState wanted, VARIANT_BOOL* result);
+    // Call0 ... Call5: the Sub's name and count host arguments.
+    HRESULT CallSub(BSTR subName, VARIANT* const* arguments, int count, VARIANT_BOOL* result);
     void TraceEntry(const wchar_t* operation, const std::wstring& argument);
     void TraceResult(bool result);
     bool HostEvaluation(const wchar_t* operation, Evaluator::Kind kind, BSTR expression, short depth,
@@ -134,12 +136,14 @@ private:
     std::vector<automation::ExtensionTypeEntry> ExtensionTypesOf(BSTR macro);
     void Link();
     void Unlink();
+    IDispatch* DefaultCallBackObject();
 
     unsigned long m_identifier;
     unsigned long m_references = 1;
     ComRef<ITypeInfo> m_classType;
     ComRef<ITypeInfo> m_dispatchType;
     std::unique_ptr<EngineContext> m_context;
+    ComRef<IDispatch> m_defaultCallBack;
     GUID m_instanceGuid{};
     CodeUnit* m_previous = nullptr;
     CodeUnit* m_next = nullptr;

@@ -136,6 +136,9 @@ CU_BOOL_METHOD_TEXT(Start, Start, L"Start")
 CU_BOOL_METHOD_TEXT(Unload, Unload, L"Unload")
 CU_BOOL_METHOD_TEXT(IsMacro, get_IsMacro, L"get_IsMacro")
 CU_BOOL_METHOD_TEXT(IsMacroActive, get_IsMacroActive, L"get_IsMacroActive")
+CU_BOOL_METHOD_TEXT(ProjectCreate, ProjectCreate, L"ProjectCreate")
+CU_BOOL_METHOD_TEXT(ProjectDestroy, ProjectDestroy, L"ProjectDestroy")
+CU_BOOL_METHOD_TEXT(IsProject, get_IsProject, L"get_IsProject")
 
 CU_TEXT_GET(Caption, get_Caption, L"get_Caption")
 CU_TEXT_GET(CurrentLine, get_CurrentLine, L"get_CurrentLine")
@@ -147,9 +150,12 @@ CU_TEXT_GET(ErrorSource, get_ErrorSource, L"get_ErrorSource")
 CU_TEXT_GET(HelpFile, get_HelpFile, L"get_HelpFile")
 CU_TEXT_GET(MacroName, get_MacroName, L"get_MacroName")
 CU_TEXT_GET(Version, get_Version, L"get_Version")
+CU_TEXT_GET(BlockedKeywords, get_BlockedKeywords, L"get_BlockedKeywords")
+CU_TEXT_GET(Keywords, get_Keywords, L"get_Keywords")
 
 CU_TEXT_PUT(CaptionPut, put_Caption, L"put_Caption")
 CU_TEXT_PUT(ErrorDescPut, put_ErrorDesc, L"put_ErrorDesc")
+CU_TEXT_PUT(BlockedKeywordsPut, put_BlockedKeywords, L"put_BlockedKeywords")
 
 CU_NUMBER_GET(ErrorLimit, short, get_ErrorLimit, L"get_ErrorLimit")
 CU_NUMBER_GET(LineNum, short, get_LineNum, L"get_LineNum")
@@ -194,6 +200,16 @@ BSTR __stdcall CU_LoadedMacroName(void* unit, LONG index)
     return AtExportBoundary<BSTR>(nullptr, [&] {
         return AnsiResult(CallMember<BSTR>(unit, L"get_LoadedMacroName", [&](_CodeUnit* u, BSTR* r) {
             return u->get_LoadedMacroName(static_cast<short>(index), r);
+        }));
+    });
+}
+
+BSTR __stdcall CU_Prototypes(void* unit, LPCSTR prefix)
+{
+    return AtExportBoundary<BSTR>(nullptr, [&] {
+        Bstr argument = TextIn(prefix);
+        return AnsiResult(CallMember<BSTR>(unit, L"get_Prototypes", [&](_CodeUnit* u, BSTR* r) {
+            return u->get_Prototypes(argument.Get(), r);
         }));
     });
 }
@@ -265,6 +281,24 @@ IDispatch* __stdcall CU_CallBack(void* unit)
     });
 }
 
+IDispatch* __stdcall CU_DefaultCallBack(void* unit)
+{
+    return AtExportBoundary<IDispatch*>(nullptr, [&] {
+        return CallMember<IDispatch*>(unit, L"get_DefaultCallBack",
+                                      [](_CodeUnit* u, IDispatch** r) { return u->get_DefaultCallBack(r); });
+    });
+}
+
+IDispatch* __stdcall CU_Macro(void* unit, LPCSTR macroName, BOOL createNew)
+{
+    return AtExportBoundary<IDispatch*>(nullptr, [&] {
+        Bstr name = TextIn(macroName);
+        return CallMember<IDispatch*>(unit, L"Macro", [&](_CodeUnit* u, IDispatch** r) {
+            return u->Macro(name.Get(), createNew ? VARIANT_TRUE : VARIANT_FALSE, r);
+        });
+    });
+}
+
 void __stdcall CU_SetCallBack(void* unit, IDispatch* callBack)
 {
     AtExportBoundary([&] { CallPut(unit, L"SetCallBack", [&](_CodeUnit* u) { return u->SetCallBack(callBack); }); });
@@ -276,6 +310,10 @@ BSTR __stdcall CU_MacroKeywords(void* unit, LPCSTR macroName)
         Bstr name = TextIn(macroName);
         return AnsiResult(CallMember<BSTR>(unit, L"get_MacroKeywords", [&](_CodeUnit* u, BSTR* r) {
             return u->get_MacroKeywords(name.Get(), r);
+        }));
+    });
+}
+
 // ---- Extensions and references ----
 
 BOOL __stdcall CU_AddExtension(void* unit, LPCSTR prefix, IDispatch* extension)
@@ -335,6 +373,23 @@ BSTR __stdcall CU_ExtensionTypes(void* unit, LPCSTR macroName, VARIANT* types)
         return AnsiResult(CallMember<BSTR>(unit, L"get_ExtensionTypes", [&](_CodeUnit* u, BSTR* r) {
             return u->get_ExtensionTypes(name.Get(), types, r);
         }));
+    });
+}
+
+// The list holds the Sub's name and up to five values: n entries call the member with DISPID n + 2
+// (Call0 ... Call5) through Invoke. The list is consumed either way.
+BOOL __stdcall CU_Call(void* unit, OA_ARG* list)
+{
+    return AtExportBoundary<BOOL>(0, [&]() -> BOOL {
+        const LONG entries = list ? list->count : 0;
+        if (entries < 1 || entries > 6) {
+            if (list)
+                OA_ArgRelease(list);
+            ReportWrapperFailure(L"Call", L"Wrong number of arguments.");
+            return 0;
+        }
+        auto* engine = static_cast<IDispatch*>(static_cast<_CodeUnit*>(unit));
+        return AsBoolean(OA_InvokeBOOL(engine, entries + 2, list, nullptr));
     });
 }
 

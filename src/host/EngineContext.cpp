@@ -4,6 +4,7 @@
 #include "host/AnsiText.h"
 #include "host/ClassObject.h"
 #include "host/CodeUnit.h"
+#include "host/DefaultCallBack.h"
 #include "host/EntryGuard.h"
 #include "host/HostCallBack.h"
 #include "host/MemoryReserve.h"
@@ -216,6 +217,19 @@ void EngineContext::WriteTrace(TraceKind kind, const std::wstring& text)
         m_traceSink(kind, text);
 }
 
+// The detail lines that follow an error recorded while the API trace is on.
+void EngineContext::TraceErrorFields()
+{
+    if (!ApiTraceOn())
+        return;
+    const ErrorLocation& error = m_errorReport;
+    WriteTrace(TraceKind::Detail, L"ErrorDesc=" + error.description);
+    WriteTrace(TraceKind::Detail, L"ErrorMacroName=" + error.macroName);
+    WriteTrace(TraceKind::Detail, L"ErrorLine=" + error.lineText);
+    WriteTrace(TraceKind::Detail, L"ErrorLineNum=" + std::to_wstring(static_cast<short>(error.lineNumber)));
+    WriteTrace(TraceKind::Detail, L"ErrorOffset=" + std::to_wstring(error.offset));
+}
+
 void EngineContext::SendNotification(short code)
 {
     if (m_pendingNotification >= 0 && code != m_pendingNotification) {
@@ -245,9 +259,10 @@ void EngineContext::SendNotification(short code)
         m_streams.CloseAll();
         m_modules.RunEnded();
         break;
-    case 5:
+    case kNotifyErrorSet:
         if (m_interpreter.IsEvaluating())
             return;
+        TraceErrorFields();
         break;
     default:
         break;
@@ -263,16 +278,8 @@ void EngineContext::SendNotification(short code)
 // Without a callback, an error is shown in a task-modal box; other notifications are ignored.
 void EngineContext::DefaultNotify(short code)
 {
-    if (code != kNotifyError)
-        return;
-    const ErrorLocation& error = m_errorReport;
-    std::wstring line = error.lineText;
-    if (error.offset >= 0 && static_cast<size_t>(error.offset) <= line.size())
-        line.insert(static_cast<size_t>(error.offset), FixedText(ErrorId::HereMarker, L"<here>"));
-    std::wstring text = L"[" + error.macroName + L"#" + std::to_wstring(error.lineNumber) + L"] " + line + L"\n" +
-                        error.description;
-    const std::wstring caption = FixedText(ErrorId::ErrorCaption, L"Error");
-    MessageBoxW(nullptr, text.c_str(), caption.c_str(), MB_TASKMODAL | MB_OK);
+    if (code == kNotifyError)
+        ShowErrorBox(m_errorReport);
 }
 
 // A pending action from the scheduler; a start queued meanwhile is carried out after it.
@@ -302,6 +309,7 @@ void EngineContext::PumpMessages()
 
 void EngineContext::ReportUntrappedError(const ErrorRecord& error)
 {
+    ++m_untrappedErrors;
     m_errorReport.Clear();
     m_errorReport.number = error.number;
     m_errorReport.description = error.description;
@@ -316,6 +324,7 @@ void EngineContext::ReportUntrappedError(const ErrorRecord& error)
                              m_errorReport.lineText))
             m_errorReport.lineNumber = line;
     }
+    TraceErrorFields();
     const bool running = m_interpreter.RunLevel() > 0;
     SendNotification(kNotifyErrorReport);
     SendNotification(kNotifyError);

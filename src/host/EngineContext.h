@@ -77,6 +77,8 @@ public:
     void SetBlockedKeywords(std::string words) { m_blocked = std::move(words); }
 
     ErrorLocation& ErrorReport() { return m_errorReport; }
+    // How many untrapped run-time errors have been reported so far (a host call checks it for its own).
+    unsigned long UntrappedErrorCount() const { return m_untrappedErrors; }
     bool IsBusy() const { return m_compiling || m_reportingError; }
     void SetCompiling(bool on) { m_compiling = on; }
 
@@ -89,6 +91,8 @@ public:
     void SetTraceSink(std::function<void(TraceKind, const std::wstring&)> sink) { m_traceSink = std::move(sink); }
     void SetNotificationSink(std::function<void(short)> sink) { m_notificationSink = std::move(sink); }
 
+    // With the API trace on, the error record's fields as detail lines.
+    void TraceErrorFields();
     // Sends a notification (delivering a pending one first); -1 only delivers the pending one.
     void SendNotification(short code);
 
@@ -147,6 +151,7 @@ private:
     int m_pendingNotification = -1;
     unsigned char m_trace[3] = {0, 0, 1};
     ErrorLocation m_errorReport;
+    unsigned long m_untrappedErrors = 0;
     std::function<void(TraceKind, const std::wstring&)> m_traceSink;
     std::function<void(short)> m_notificationSink;
     BodyCompiler m_bodyCompiler;

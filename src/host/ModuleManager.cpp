@@ -88,8 +88,78 @@ ModuleManager::ModuleManager(EngineContext& context)
 
 ModuleManager::~ModuleManager() = default;
 
+bool ModuleManager::SplitProject(const std::string& text, std::string& project, std::string& rest)
+{
+    const std::size_t close = text.size() > 1 && text[0] == '<' ? text.find('>') : std::string::npos;
+    if (close == std::string::npos) {
+        project.clear();
+        rest = text;
+        return false;
+    }
+    project = text.substr(1, close - 1);
+    rest = text.substr(close + 1);
+    return true;
+}
+
+bool ModuleManager::HasProject(const std::string& name) const
+{
+    std::string project;
+    std::string rest;
+    const std::string& bare = SplitProject(name, project, rest) ? project : name;
+    return std::any_of(m_projects.begin(), m_projects.end(), [&](const std::string& p) { return SameName(p, bare); });
+}
+
+bool ModuleManager::CreateProject(const std::string& name)
+{
+    std::string project;
+    std::string rest;
+    const std::string bare = SplitProject(name, project, rest) ? project : name;
+    if (bare.empty() || HasProject(bare))
+        return false;
+    m_projects.push_back(bare);
+    return true;
+}
+
+bool ModuleManager::DestroyProject(const std::string& name)
+{
+    std::string project;
+    std::string rest;
+    const std::string bare = SplitProject(name, project, rest) ? project : name;
+    if (m_context.State() != RunState::Idle)
+        return false;
+    if (!bare.empty() && !HasProject(bare))
+        return false;
+    std::vector<std::string> doomed;
+    for (const auto& loaded : m_loaded) {
+        std::string owner;
+        std::string moduleName;
+        if (SplitProject(loaded->name, owner, moduleName) && (bare.empty() || SameName(owner, bare)))
+            doomed.push_back(loaded->name);
+    }
+    for (const std::string& moduleName : doomed)
+        Discard(moduleName);
+    if (bare.empty())
+        m_projects.clear();
+    else
+        m_projects.erase(std::remove_if(m_projects.begin(), m_projects.end(),
+                                        [&](const std::string& p) { return SameName(p, bare); }),
+                         m_projects.end());
+    return true;
+}
+
 std::string ModuleManager::MapName(const std::string& name)
 {
+    std::string project;
+    std::string rest;
+    if (SplitProject(name, project, rest)) {
+        if (project.empty())
+            return MapName(rest);
+        for (const std::string& known : m_projects) {
+            if (SameName(known, project))
+                return "<" + known + ">" + rest;
+        }
+        return name;
+    }
     IDispatch* callBack = m_context.CallBack();
     std::wstring mapped;
     if (!name.empty() && callBack &&
@@ -323,6 +393,56 @@ void ModuleManager::RunQueuedStart()
     ReportStatus(Start(name, command), WideFromAnsi(name));
 }
 
+namespace {
+
+Procedure* CallableSub(const Module& module, std::string_view name)
+{
+    const CompiledModule* compiled = module.Compiled();
+    if (!compiled)
+        return nullptr;
+    for (const auto& procedure : compiled->procedures) {
+        if (procedure->kind == ProcedureKind::Sub && procedure->visibility != Visibility::Private &&
+            procedure->code && SameName(procedure->name, name))
+            return procedure.get();
+    }
+    return nullptr;
+}
+
+} // namespace
+
+bool ModuleManager::FindHostSub(const std::string& name, Procedure*& procedure, ModuleInstance*& instance)
+{
+    const std::size_t dot = name.rfind('.');
+    const std::string_view moduleName = dot == std::string::npos ? std::string_view() : std::string_view(name).substr(0, dot);
+    const std::string_view subName = dot == std::string::npos ? std::string_view(name) : std::string_view(name).substr(dot + 1);
+    std::vector<Loaded*> order;
+    if (Loaded* running = m_running.empty() ? nullptr : Find(m_running))
+        order.push_back(running);
+    for (auto loaded = m_loaded.rbegin(); loaded != m_loaded.rend(); ++loaded) {
+        if (std::find(order.begin(), order.end(), loaded->get()) == order.end())
+            order.push_back(loaded->get());
+    }
+    for (Loaded* loaded : order) {
+        for (Module* module : loaded->reach) {
+            if (module->Kind() != ModuleKind::Plain || (!moduleName.empty() && !SameName(module->Name(), moduleName)))
+                continue;
+            procedure = CallableSub(*module, subName);
+            if (!procedure)
+                continue;
+            if (!loaded->holdsInstances) {
+                // A loaded macro gets its module storage now; the used modules' initializers run, its
+                // own Main does not.
+                std::vector<ModuleInstance*> made;
+                if (!HoldDefaultInstances(*loaded, made) || !InitializeUsedModules(made, loaded->module))
+                    return false;
+            }
+            instance = DefaultInstance(*module);
+            return instance != nullptr;
+        }
+    }
+    return false;
+}
+
 ModuleManager::SharedInstance* ModuleManager::FindShared(const Module& module)
 {
     for (SharedInstance& shared : m_instances) {
@@ -386,6 +506,7 @@ void ModuleManager::ReportStatus(ModuleStatus status, const std::wstring& macroN
         error.lineNumber = failure->line;
         error.lineText = std::move(failure->lineText);
     }
+    m_context.TraceErrorFields();
     m_context.SendNotification(EngineContext::kNotifyError);
 }
 
@@ -684,10 +805,17 @@ bool ModuleManager::IsObjectModuleText(const std::string& text)
     return false;
 }
 
-std::optional<ModuleText> ModuleManager::Read(std::string_view name)
+std::optional<ModuleText> ModuleManager::Read(std::string_view fullName)
 {
+    // A module of a named project is read under its own name; a project that was never created has none.
+    std::string project;
+    std::string name;
+    if (SplitProject(std::string(fullName), project, name) && !project.empty() && !HasProject(project))
+        return std::nullopt;
     std::string text;
-    auto given = m_givenTexts.find(std::string(name));
+    auto given = m_givenTexts.find(std::string(fullName));
+    if (given == m_givenTexts.end())
+        given = m_givenTexts.find(name);
     if (given != m_givenTexts.end()) {
         text = std::move(given->second);
         m_givenTexts.erase(given);
@@ -716,6 +844,11 @@ std::optional<ModuleText> ModuleManager::Read(std::string_view name)
 
 std::string ModuleManager::ResolveName(std::string_view usingModule, std::string_view name)
 {
+    // A module of a named project uses modules of the same project; names are not mapped there.
+    std::string project;
+    std::string rest;
+    if (SplitProject(std::string(usingModule), project, rest) && !project.empty())
+        return "<" + project + ">" + std::string(name);
     IDispatch* callBack = m_context.CallBack();
     std::wstring mapped;
     if (callBack && HostCallBack::MapMacroName(callBack, m_context.Owner().AsDispatch(), WideFromAnsi(name),
@@ -740,6 +873,8 @@ void ModuleManager::Report(const CompileError& error)
     report.lineText = WideFromAnsi(error.lineText);
     report.lineNumber = static_cast<long>(error.line);
     report.offset = static_cast<short>(error.offset);
+    // The compile error is set (5) and then shown (0); a failed start reports its status afterwards.
+    m_context.SendNotification(EngineContext::kNotifyErrorSet);
     m_context.SendNotification(EngineContext::kNotifyError);
 }
 

@@ -20,6 +20,7 @@ namespace brannoc {
 
 class EngineContext;
 class ModuleInstance;
+struct Procedure;
 class ProcedureCode;
 class ValueStack;
 class Variant;
@@ -56,8 +57,18 @@ public:
     void GiveText(const std::string& name, std::string text);
 
     // The host's name for a name that comes from the host (its MapMacroName, with no base); the name
-    // itself when the callback has no such member.
+    // itself when the callback has no such member. A name with a project part ("<P>name") names a
+    // module of project P: it is not mapped, and comes back as "<P>name" with the project's own spelling.
     std::string MapName(const std::string& name);
+
+    // Projects: named groups of modules. The default project has no name.
+    bool CreateProject(const std::string& name);
+    // Unloads the project's modules and forgets it (every created project for an empty name). False
+    // when there is no such project or the engine is not idle.
+    bool DestroyProject(const std::string& name);
+    bool HasProject(const std::string& name) const;
+    // Splits "<P>rest" into P and rest; false (project empty, rest the whole text) without a project part.
+    static bool SplitProject(const std::string& text, std::string& project, std::string& rest);
 
     ModuleStatus Status(const std::string& name);
     // Loads (compiles) a module: mode 0 a macro, 2 a code module whose default instance is made and
@@ -73,6 +84,11 @@ public:
     bool Rename(const std::string& oldName, const std::string& newName);
     // True while the named module's run is active or stopped in it.
     bool IsActive(const std::string& name);
+
+    // A Sub that the host may call by name (Call0 ... Call5): a Sub not declared Private of the running
+    // macro, else of the loaded macros (newest first), or of a module they use; "Module.Sub" names the
+    // module. The module's default instance is made first when it has none. False when there is none.
+    bool FindHostSub(const std::string& name, Procedure*& procedure, ModuleInstance*& instance);
 
     // The loaded top-level modules in load order; empty past the end.
     std::string LoadedName(std::size_t index) const;
@@ -211,6 +227,7 @@ private:
     // The module whose default object is being made (its initializer runs), else null.
     const Module* m_makingDefault = nullptr;
     std::map<std::string, std::string> m_givenTexts;
+    std::vector<std::string> m_projects;
     std::string m_running;
     std::string m_command;
     bool m_queued = false;

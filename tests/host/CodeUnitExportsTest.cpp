@@ -85,3 +85,42 @@ TEST(CodeUnitExports, AHostRunsAMacroThroughTheFunctionsAndTheWrapperBoxesLeaveT
     callBack->Release();
     OA_Release(static_cast<IUnknown*>(unit));
 }
+
+namespace {
+
+// An engine handle whose members fail: a table in the interface's slot order in which IsIdle and the
+// Caption property answer E_FAIL (the wrappers call nothing else here).
+HRESULT __stdcall FailingGetBool(void*, VARIANT_BOOL*) { return E_FAIL; }
+HRESULT __stdcall FailingGetText(void*, BSTR*) { return E_FAIL; }
+HRESULT __stdcall FailingPutText(void*, BSTR) { return 0x80070057; }
+
+struct FailingEngine {
+    void** table;
+};
+
+constexpr int kFirstMemberSlot = 7;                 // after IUnknown and IDispatch
+constexpr int kCaptionGetSlot = kFirstMemberSlot + 2;
+constexpr int kCaptionPutSlot = kFirstMemberSlot + 3;
+constexpr int kIsIdleSlot = kFirstMemberSlot + 25;
+
+} // namespace
+
+TEST(CodeUnitExports, AFailedMemberShowsItsCodeUnderTheOperationAndAnswersZero)
+{
+    void* table[kIsIdleSlot + 1] = {};
+    table[kCaptionGetSlot] = reinterpret_cast<void*>(FailingGetText);
+    table[kCaptionPutSlot] = reinterpret_cast<void*>(FailingPutText);
+    table[kIsIdleSlot] = reinterpret_cast<void*>(FailingGetBool);
+    FailingEngine engine{table};
+    MessageBoxCapture capture;
+    EXPECT_EQ(0, CU_IsIdle(&engine));
+    EXPECT_EQ(nullptr, CU_Caption(&engine));
+    CU_CaptionPut(&engine, "text");
+    auto boxes = capture.Boxes();
+    ASSERT_EQ(3u, boxes.size());
+    EXPECT_EQ(L"get_IsIdle Error", boxes[0].caption);
+    EXPECT_EQ(L"CodeUnit method/property failed.\nError=0x80004005", boxes[0].text);
+    EXPECT_EQ(L"get_Caption Error", boxes[1].caption);
+    EXPECT_EQ(L"put_Caption Error", boxes[2].caption);
+    EXPECT_EQ(L"CodeUnit method/property failed.\nError=0x80070057", boxes[2].text);
+}
