@@ -4,30 +4,17 @@
 #include "brannoc.h"
 #include "host/CodeUnit.h"
 #include "host/FakeCallBack.h"
+#include "host/HostTestText.h"
 #include <gtest/gtest.h>
 #include <initializer_list>
 #include <string>
 #include <vector>
 
 using namespace brannoc;
+using namespace brannoc::testing_text;
 
 namespace {
 
-std::wstring TakeText(BSTR text)
-{
-    std::wstring result = text ? std::wstring(text, SysStringLen(text)) : std::wstring();
-    SysFreeString(text);
-    return result;
-}
-
-// Source lines joined with CR LF: line n of the macro is element n - 1.
-std::wstring Lines(std::initializer_list<const wchar_t*> lines)
-{
-    std::wstring text;
-    for (const wchar_t* line : lines)
-        text += std::wstring(line) + L"\r\n";
-    return text;
-}
 
 // A macro whose lines are numbered by the comments at their ends' positions in this list.
 const std::wstring kMacro = Lines({

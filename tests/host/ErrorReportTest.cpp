@@ -3,6 +3,7 @@
 #include "brannoc.h"
 #include "host/CodeUnit.h"
 #include "host/FakeCallBack.h"
+#include "host/HostTestText.h"
 #include "support/MessageBoxCapture.h"
 #include <gtest/gtest.h>
 #include <map>
@@ -10,15 +11,9 @@
 #include <vector>
 
 using namespace brannoc;
+using namespace brannoc::testing_text;
 
 namespace {
-
-std::wstring TakeText(BSTR text)
-{
-    std::wstring result = text ? std::wstring(text, SysStringLen(text)) : std::wstring();
-    SysFreeString(text);
-    return result;
-}
 
 class ErrorReportTest : public ::testing::Test {
 protected:

@@ -4,29 +4,17 @@
 #include "brannoc.h"
 #include "host/CodeUnit.h"
 #include "host/FakeCallBack.h"
+#include "host/HostTestText.h"
 #include <gtest/gtest.h>
 #include <initializer_list>
 #include <string>
 #include <vector>
 
 using namespace brannoc;
+using namespace brannoc::testing_text;
 
 namespace {
 
-std::wstring TakeText(BSTR text)
-{
-    std::wstring result = text ? std::wstring(text, SysStringLen(text)) : std::wstring();
-    SysFreeString(text);
-    return result;
-}
-
-std::wstring Lines(std::initializer_list<const wchar_t*> lines)
-{
-    std::wstring text;
-    for (const wchar_t* line : lines)
-        text += std::wstring(line) + L"\r\n";
-    return text;
-}
 
 const std::wstring kMacro = Lines({
     L"Dim total As Long",                    // 1

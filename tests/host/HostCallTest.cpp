@@ -3,23 +3,18 @@
 #include "brannoc.h"
 #include "host/CodeUnit.h"
 #include "host/FakeCallBack.h"
+#include "host/HostTestText.h"
 #include "support/MessageBoxCapture.h"
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
 using namespace brannoc;
+using namespace brannoc::testing_text;
 using brannoc::test::MessageBoxCapture;
 using brannoc::testing::FakeCallBack;
 
 namespace {
-
-std::wstring TakeText(BSTR text)
-{
-    std::wstring result = text ? std::wstring(text, SysStringLen(text)) : std::wstring();
-    SysFreeString(text);
-    return result;
-}
 
 const wchar_t kLibrary[] = L"Sub Main\r\n"
                            L"    Debug.Print \"main ran\"\r\n"
