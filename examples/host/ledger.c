@@ -135,14 +135,16 @@ int main(void)
     }
     CU_SetCallBack(unit, callBack);
 
-    /* Start pushes Main (active, notification 1); Run executes it to its end and answers false. */
+    /* Start compiles the macro (notification 9) and pushes Main (active, 1); Run executes it to its end
+       and answers false (idle, 2). */
     Expect(CU_Start(unit, "ledger") == -1, "CU_Start answers true");
     running = CU_Run(unit, 0);
     Expect(running == 0, "CU_Run answers false once the run has ended");
     Expect(CU_IsIdle(unit) == -1, "idle after the run");
     Expect(strcmp(host.printed, "\"ledger macro started\"\r\n") == 0, "Debug.Print text with its line end");
-    Expect(host.notificationCount == 2 && host.notifications[0] == 1 && host.notifications[1] == 2,
-           "notifications: active (1), then idle (2)");
+    Expect(host.notificationCount == 3 && host.notifications[0] == 9 && host.notifications[1] == 1 &&
+               host.notifications[2] == 2,
+           "notifications: compiling (9), active (1), then idle (2)");
 
     /* A Sub of the loaded macro, called with the application object and an amount. */
     OA_ArgStart(3, &arguments);

@@ -26,6 +26,8 @@ public:
         kNotifyResumed = 4,
         kNotifyErrorSet = 5,
         kNotifyActionPending = 8,
+        kNotifyCompiling = 9,
+        kNotifyUnloaded = 10,
         kNotifyExtensionsChanged = 14,
         kNotifyErrorReport = 19,
     };

@@ -136,8 +136,10 @@ bool ModuleManager::DestroyProject(const std::string& name)
         if (SplitProject(loaded->name, owner, moduleName) && (bare.empty() || SameName(owner, bare)))
             doomed.push_back(loaded->name);
     }
-    for (const std::string& moduleName : doomed)
+    for (const std::string& moduleName : doomed) {
         Discard(moduleName);
+        m_context.SendNotification(EngineContext::kNotifyUnloaded);
+    }
     if (bare.empty())
         m_projects.clear();
     else
@@ -286,6 +288,8 @@ ModuleStatus ModuleManager::Load(const std::string& name, int mode)
     m_compiler->SetBodyCompiler(m_bodyCompiler);
     m_compiler->ClearErrors();
     m_context.SetCompiling(true);
+    // The host hears that a compile begins; requests it makes during the call answer Busy.
+    m_context.SendNotification(EngineContext::kNotifyCompiling);
     const ParseResult result = m_compiler->Parse(name, mode);
     m_context.SetCompiling(false);
     switch (result) {
@@ -746,6 +750,8 @@ ModuleStatus ModuleManager::Unload(const std::string& name)
         Discard(name);
         // The module's own extensions and references go with it.
         m_context.Extensions().RemoveModule(name, false);
+        if (loaded)
+            m_context.SendNotification(EngineContext::kNotifyUnloaded);
         return ModuleStatus::Unloaded;
     }
     return status;

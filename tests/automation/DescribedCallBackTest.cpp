@@ -67,7 +67,8 @@ TEST(DescribedCallBack, AMacroRunsThroughACallBackMadeFromTheDescription)
     EXPECT_NE(std::wstring::npos, callBack.printed[0].find(L"from"));
     EXPECT_NE(std::wstring::npos, callBack.printed[0].find(L"42"));
     ASSERT_GE(callBack.notifications.size(), 2u);
-    EXPECT_EQ(1, callBack.notifications.front());   // active
+    EXPECT_EQ(9, callBack.notifications.front());   // compiling
+    EXPECT_EQ(1, callBack.notifications.at(1));     // active
     EXPECT_EQ(2, callBack.notifications.back());    // idle
     for (IDispatch* engine : callBack.units)
         EXPECT_NE(nullptr, engine);

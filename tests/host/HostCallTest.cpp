@@ -91,13 +91,13 @@ TEST_F(HostCallTest, NotificationOrderOfANormalRunACompileErrorAndARunTimeError)
     callBack.macros[L"good"] = L"Sub Main\r\n    Debug.Print 1\r\nEnd Sub\r\n";
     ASSERT_TRUE(Start(L"good"));
     RunToEnd();
-    EXPECT_EQ((std::vector<short>{1, 2}), callBack.notifications) << "active, then idle";
+    EXPECT_EQ((std::vector<short>{9, 1, 2}), callBack.notifications) << "compiling, active, then idle";
 
     // A compile error is set (5) and shown (0); the failed start then reports its own status (0).
     callBack.notifications.clear();
     callBack.macros[L"bad"] = L"Sub Main\r\n    Debug.Print 1 +\r\nEnd Sub\r\n";
     EXPECT_FALSE(Start(L"bad"));
-    EXPECT_EQ((std::vector<short>{5, 0, 0}), callBack.notifications);
+    EXPECT_EQ((std::vector<short>{9, 5, 0, 0}), callBack.notifications);
     EXPECT_EQ((std::vector<long>{10537, 10012}), callBack.errorNumbers);
 
     // An untrapped run-time error: active, report begins, error shown, stopped; ending it goes idle.
@@ -111,8 +111,8 @@ TEST_F(HostCallTest, NotificationOrderOfANormalRunACompileErrorAndARunTimeError)
     VARIANT_BOOL idle = VARIANT_FALSE;
     unit->HaltAll(&idle);
     const std::vector<short> seen = callBack.notifications;
-    ASSERT_GE(seen.size(), 5u);
-    EXPECT_EQ((std::vector<short>{1, 19, 0, 3}), std::vector<short>(seen.begin(), seen.begin() + 4));
+    ASSERT_GE(seen.size(), 6u);
+    EXPECT_EQ((std::vector<short>{9, 1, 19, 0, 3}), std::vector<short>(seen.begin(), seen.begin() + 5));
     EXPECT_EQ(2, seen.back());
 }
 
@@ -158,7 +158,7 @@ TEST_F(HostCallTest, CallsRunSubsOfALoadedMacroAndWriteByReferenceArgumentsBack)
     SysFreeString(sum);
     EXPECT_EQ(VARIANT_TRUE, done);
     EXPECT_EQ(L"15%\r\n", callBack.AllPrinted());
-    EXPECT_EQ((std::vector<short>{1, 2, 1, 2, 1, 2}), callBack.notifications)
+    EXPECT_EQ((std::vector<short>{9, 1, 2, 1, 2, 1, 2}), callBack.notifications)
         << "each call on an idle engine is a run of its own: active, then idle";
 }
 

@@ -146,7 +146,7 @@ TEST_F(ModuleManagerTest, StartPushesMainWithoutRunningItAndRunRunsItToTheEnd)
     EXPECT_TRUE(IsMacroActive(L"hello"));
     EXPECT_FALSE(Run()) << "the engine is idle afterwards";
     EXPECT_EQ((std::vector<std::wstring>{L"Main of hello\r\n"}), callBack.printed);
-    EXPECT_EQ((std::vector<short>{1, 2}), callBack.notifications);
+    EXPECT_EQ((std::vector<short>{9, 1, 2}), callBack.notifications) << "compiling, active, idle";
     EXPECT_EQ((std::vector<std::wstring>{L"hello"}), callBack.reads);
     EXPECT_FALSE(IsMacroActive(L"hello"));
     EXPECT_EQ(L"", ErrorText(&CodeUnit::get_MacroName));
@@ -200,7 +200,7 @@ TEST_F(ModuleManagerTest, LoadKeepsTheMacroAndLoadingAgainReadsItAgain)
     EXPECT_EQ(2u, callBack.reads.size());
     EXPECT_EQ(L"lib", LoadedName(0));
     EXPECT_EQ(L"", LoadedName(1));
-    EXPECT_TRUE(callBack.notifications.empty()) << "a load alone notifies nothing";
+    EXPECT_EQ((std::vector<short>{9, 9}), callBack.notifications) << "a load notifies only that it compiles";
 }
 
 TEST_F(ModuleManagerTest, UnloadRemovesAnIdleMacroButNotARunningOne)
@@ -215,6 +215,8 @@ TEST_F(ModuleManagerTest, UnloadRemovesAnIdleMacroButNotARunningOne)
     EXPECT_TRUE(Unload(L"m")) << "a missing macro counts as unloaded";
     EXPECT_EQ(1, callBack.Count(1));
     EXPECT_EQ(1, callBack.Count(2));
+    EXPECT_EQ(1, callBack.Count(10)) << "one unload notification, for the macro that was there";
+    EXPECT_EQ(10, callBack.notifications.back());
 }
 
 TEST_F(ModuleManagerTest, LoadingARunningMacroReportsItAndStopsTheRun)
