@@ -275,6 +275,9 @@ void ModuleManager::CollectUnreachableModules()
 // again compiles it again (the modules it uses stay while anything reaches them).
 ModuleStatus ModuleManager::Load(const std::string& name, int mode)
 {
+    // What an earlier failed request left unreported does not describe this one.
+    if (mode == 0)
+        m_allocFailure.reset();
     Loaded* existing = Find(name);
     ModuleStatus status = StatusOf(existing, false);
     if (status == ModuleStatus::Running || status == ModuleStatus::Paused || status == ModuleStatus::Busy)
