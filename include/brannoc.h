@@ -409,6 +409,14 @@ BRANNOC_API void __stdcall KZ_CallBackNotify(IDispatch* engine, LONG code, void*
 BRANNOC_API BSTR __stdcall KZ_CallBackReadMacro(IDispatch* engine, LPCSTR macroName, void* userData);
 BRANNOC_API LONG __stdcall KZ_CallBackWindow(void* userData);
 
+/* The same as OA_NlsLock and OA_NlsSetLangID. */
+BRANNOC_API void __stdcall KZ_NlsLock(BOOL on);
+BRANNOC_API BOOL __stdcall KZ_NlsSetLangID(LANGID language);
+/* Does nothing; kept for hosts that link to it. */
+BRANNOC_API void __stdcall KZ_MC200_DebugLink(void);
+/* Destroy function of the Err object's dispatch object: frees its implementation (null: nothing). */
+BRANNOC_API void __stdcall KZ_ErrObjectDestroy(void* implementation, void* userData);
+
 /* ---- Engine objects through exported functions (CU_ family) ----
  * unit is the handle CU_CreateCodeUnit answered. A null handle or a failed member is reported in a
  * task-modal box; the result is then 0, null or FALSE. Texts are ANSI; text results are freed with

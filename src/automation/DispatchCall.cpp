@@ -86,6 +86,8 @@ struct Access {
     IDispatch* object = nullptr;
     DISPID member = DISPID_VALUE;
     MemberAccess kind = MemberAccess::Get;
+    // The member was named (o.Value), so it is called even when it is the default one.
+    bool named = false;
     DispatchArguments arguments;
     // Identifiers of the named arguments (same order as their names).
     const DISPID* namedIds = nullptr;
@@ -229,6 +231,7 @@ bool DefaultMemberFallback(const Access& access, HRESULT status, Variant& result
     Access onDefault = access;
     onDefault.object = inner->pdispVal;
     onDefault.member = DISPID_VALUE;
+    onDefault.named = false;
     return Perform(onDefault, result, Mode::Normal);
 }
 
@@ -269,7 +272,8 @@ bool Perform(const Access& access, Variant& result, Mode mode)
         return Fail(mode, kObjectIsNothing);
     if (access.member == DISPID_UNKNOWN)
         return Fail(mode, kNoSuchMember);
-    if (access.member == DISPID_VALUE && access.kind == MemberAccess::Get && access.arguments.count == 0) {
+    if (access.member == DISPID_VALUE && !access.named && access.kind == MemberAccess::Get &&
+        access.arguments.count == 0) {
         // The object's own value: nothing to call.
         result.SetObject(access.object);
         return true;
@@ -320,6 +324,7 @@ bool InvokeMember(IDispatch* object, const std::wstring& name, MemberAccess acce
             status = object->GetIDsOfNames(IID_NULL, names.data(), static_cast<UINT>(names.size()), kLocale, ids.data());
         }
         call.member = ids[0];
+        call.named = true;
         if (FAILED(status) && ids[0] != DISPID_UNKNOWN)
             return RaiseValueError(kNoSuchNamedParameter);
     }

@@ -189,7 +189,13 @@ bool ExtensionList::AddParsed(const std::string& text, ExtensionPrefix prefix, I
         // A project reference: this engine has one project, which reaches everything it holds.
         return Finish(false, false);
     }
-    if (fromHost && prefix.hasModule && m_host.ModuleExists(prefix.module)) {
+    if (const std::string* creating = fromHost ? m_host.InstanceModuleBeingCreated() : nullptr) {
+        // While the host makes its object for a new instance, only that module's extensions may come.
+        if (!prefix.hasModule || !SameName(m_host.MapModuleName(prefix.module), *creating)) {
+            Trace(kTraceDetail, L"Only module specific extension for the current NewInstance is allowed.");
+            return Finish(false, false);
+        }
+    } else if (fromHost && prefix.hasModule && m_host.ModuleExists(prefix.module)) {
         Trace(kTraceDetail, L"Module specific extension not allowed for a module that already exists.");
         return Finish(false, false);
     }
@@ -291,7 +297,13 @@ bool ExtensionList::Remove(const std::string& prefixText)
         Trace(kTraceEntry, L"*Disconnect(\"" + WideFromAnsi(module) + L"\")");
         return Finish(false, false);
     }
-    Trace(kTraceEntry, L"*RemoveExtensionsAndReferences(\"" + WideFromAnsi(module) + L"\",\"" + WideFromAnsi(rest) + L"\")");
+    const bool parsingProperties = m_host.ParsingModuleProperties();
+    Trace(kTraceEntry, std::wstring(parsingProperties ? L"*RemoveReferences(\"" : L"*RemoveExtensionsAndReferences(\"") +
+                           WideFromAnsi(module) + L"\",\"" + WideFromAnsi(rest) + L"\")");
+    if (m_host.InstanceModuleBeingCreated()) {
+        Trace(kTraceDetail, L"Extensions can't be removed during NewInstance.");
+        return Finish(false, false);
+    }
     std::vector<Extension> removed;
     auto take = [&](auto matches) {
         auto split = std::stable_partition(m_items.begin(), m_items.end(), [&](const Extension& item) { return !matches(item); });
@@ -310,7 +322,8 @@ bool ExtensionList::Remove(const std::string& prefixText)
         Trace(kTraceDetail, L"Module specific extensions can't be removed for a module that still exists.");
         return Finish(false, false);
     } else if (rest.empty()) {
-        take([&](const Extension& item) { return SameName(item.module, module); });
+        // While the host reads a form's header only the module's references go.
+        take([&](const Extension& item) { return SameName(item.module, module) && !(parsingProperties && item.object); });
     } else if (rest == "{}") {
         take([&](const Extension& item) { return SameName(item.module, module) && item.library && item.object; });
     }

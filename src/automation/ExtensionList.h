@@ -25,6 +25,11 @@ public:
     virtual std::string MapModuleName(const std::string& name) = 0;
     // True while the named module is loaded.
     virtual bool ModuleExists(const std::string& name) = 0;
+    // True while the host reads a form's header (its ParseMacroProperties call).
+    virtual bool ParsingModuleProperties() const { return false; }
+    // The module whose new instance the host is making an object for (its NewMacroInstance call), or
+    // null outside such a call.
+    virtual const std::string* InstanceModuleBeingCreated() const { return nullptr; }
 };
 
 struct Extension {

@@ -443,6 +443,16 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             if (!PushErrProperty(context, static_cast<ErrMember>(op.index)))
                 return EvalStatus::kFailed;
             break;
+        case ExprOpCode::kErrObject: {
+            Variant object;
+            if (!context.interpreter->Host().ErrObject(object))
+                return (void)context.interpreter->SignalError(10092), EvalStatus::kFailed;
+            Variant* slot = values.Push();
+            if (!slot)
+                return (void)context.interpreter->RaiseOutOfMemory(), EvalStatus::kFailed;
+            *slot = std::move(object);
+            break;
+        }
         case ExprOpCode::kBuiltin:
             if (!RunBuiltinCall(context, context.procedure->BuiltinCallAt(op.index), pc))
                 return EvalStatus::kFailed;

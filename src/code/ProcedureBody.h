@@ -85,6 +85,7 @@ enum class ExprOpCode : std::uint8_t {
                  // procedure member yields, other members finish at once; leaves object and result
     kMemberEnd,  // replaces the object below the top by the result on top (an unfilled slot is Empty)
     kErrProperty, // push property `index` (an ErrMember) of the Err object
+    kErrObject,   // push the Err object itself as an automation object (Set x = Err)
     kLoadPath,    // replace the top `count` indexes by the value at record path `index` (RecordAccess.h)
     kRecordSize,  // replace the record on top by its size in bytes (Len of a record)
     kRefPath,     // as kLoadPath, pushing a reference to the record the path names (With on a record)

@@ -69,6 +69,12 @@ public:
         (void)result;
         return false;
     }
+    // The engine's Err object as an automation object; false when the host has none.
+    [[nodiscard]] virtual bool ErrObject(Variant& result)
+    {
+        (void)result;
+        return false;
+    }
     // The default instance of an object module as an object value in result: made (its initializer run)
     // at its first use and kept until the module is unloaded. False when it could not be made (an error
     // has then been raised or reported).

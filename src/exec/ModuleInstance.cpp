@@ -175,6 +175,15 @@ ModuleInstance* ModuleInstance::Find(const Module& module) noexcept
     return nullptr;
 }
 
+ModuleInstance* ModuleInstance::FindNumbered(const void* source, unsigned number) noexcept
+{
+    for (ModuleInstance* live : s_live) {
+        if (number != 0 && live->m_number == number && live->m_module->Source() == source && !live->m_terminated)
+            return live;
+    }
+    return nullptr;
+}
+
 ModuleInstance::~ModuleInstance()
 {
     std::erase(s_live, this);

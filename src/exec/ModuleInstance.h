@@ -62,6 +62,18 @@ public:
     IDispatch* Object() const noexcept { return m_object; }
     void SetObject(IDispatch* object) noexcept { m_object = object; }
 
+    // The host's object attached to an instance of a form module (its controls and properties), held;
+    // null for other instances.
+    IDispatch* HostObject() const noexcept { return m_hostObject.Tag() == VT_DISPATCH ? m_hostObject.Object() : nullptr; }
+    void AttachHostObject(IDispatch* object) { m_hostObject.SetObject(object, true); }
+
+    // The number of a class instance among the instances its engine has made (from 1); 0 for default
+    // instances. Hosts name an instance by it ("*NewInstance" and the number in hexadecimal).
+    unsigned Number() const noexcept { return m_number; }
+    void SetNumber(unsigned number) noexcept { m_number = number; }
+    // The live instance of a module that source compiled with that number, or null.
+    static ModuleInstance* FindNumbered(const void* source, unsigned number) noexcept;
+
     // Set once the terminate procedure has run (or was found unneeded), so that it runs only once.
     bool IsTerminated() const noexcept { return m_terminated; }
     void MarkTerminated() noexcept { m_terminated = true; }
@@ -74,6 +86,8 @@ private:
     std::size_t m_count = 0;
     int m_useCount = 0;
     IDispatch* m_object = nullptr;
+    Variant m_hostObject;
+    unsigned m_number = 0;
     bool m_abandoned = false;
     bool m_terminated = false;
     int m_failedVariable = -1;

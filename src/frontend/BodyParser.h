@@ -213,7 +213,7 @@ private:
     // True when "Err" at the current token names the Err object (no variable of that name is in scope).
     bool AtErrObject() const;
     // Err or Err.property in an expression.
-    [[nodiscard]] bool ParseErrObject(Expression& out);
+    [[nodiscard]] bool ParseErrObject(Expression& out, bool wantsObject = false);
     // A statement that begins with Err: Err.Raise, Err.Clear, Err[.property] = value.
     StatementPtr ParseErrStatement();
     [[nodiscard]] bool ParseRaiseArguments(Expression& out);

@@ -221,7 +221,11 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(AssignKind kind)
         return nullptr;
     const char* valuePosition = m_lexer.TokenStart();
     Expression value;
-    if (!ParseExpression(value))
+    if (kind == AssignKind::Set && AtErrObject()) {
+        // Set x = Err takes the Err object itself.
+        if (!ParseErrObject(value, true))
+            return nullptr;
+    } else if (!ParseExpression(value))
         return nullptr;
     if (value.IsEmpty()) {
         m_lexer.SignalError(CompileMessage::ExpectingAnExpression);

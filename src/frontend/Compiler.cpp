@@ -271,7 +271,9 @@ void Compiler::ReadHeader(Module& module)
                 const std::string_view header(module.Text().c_str(),
                                               static_cast<std::size_t>(m_lexer.TokenStart() - m_lexer.Offset() -
                                                                        module.Text().c_str()));
-                if (!m_source.BuildForm(module.RecordName(), header))
+                if (m_source.BuildForm(module.Name(), header))
+                    module.SetHostForm(true);
+                else
                     m_lexer.SignalError(CompileMessage::ErrorSInObjectHeader);
                 module.SetKind(ModuleKind::Object);
             }

@@ -77,11 +77,18 @@ bool BodyParser::AtErrObject() const
            !FindUsedVariable(key, ignored);
 }
 
-// Err [. property]
-bool BodyParser::ParseErrObject(Expression& out)
+// Err [. property]; Err alone is the object itself where one is wanted.
+bool BodyParser::ParseErrObject(Expression& out, bool wantsObject)
 {
     m_lexer.NextToken();
     ErrMember member = ErrMember::Number;
+    if (wantsObject && m_lexer.Kind() != Token::Dot) {
+        ExprOp op{ExprOpCode::kErrObject};
+        op.type = TypeCode(TypeCode::kObject);
+        out.ops.push_back(op);
+        out.type = op.type;
+        return true;
+    }
     if (m_lexer.Accept(Token::Dot)) {
         const std::string name(m_lexer.Text());
         if (!FindErrMember(name, member)) {

@@ -164,6 +164,7 @@ bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
             break;
         case ExprOpCode::kNew:
         case ExprOpCode::kErrProperty:
+        case ExprOpCode::kErrObject:
         case ExprOpCode::kLoadNew:
         case ExprOpCode::kMe:
         case ExprOpCode::kDefaultObject:

@@ -83,6 +83,9 @@ public:
     void SetSource(ModuleSource* source) { m_source = source; }
     ModuleKind Kind() const { return m_kind; }
     void SetKind(ModuleKind kind) { m_kind = kind; }
+    // A form whose header the host accepted: each new instance gets the host's object for it.
+    bool IsHostForm() const { return m_hostForm; }
+    void SetHostForm(bool value) { m_hostForm = value; }
     // The name from the header's VB_Name attribute (empty for plain modules).
     const std::string& RecordName() const { return m_recordName; }
     void SetRecordName(std::string name) { m_recordName = std::move(name); }
@@ -154,6 +157,7 @@ private:
     std::string m_recordName;
     std::string m_headerWord;
     ModuleKind m_kind = ModuleKind::Plain;
+    bool m_hostForm = false;
     bool m_objectModuleFile = false;
     ModuleSource* m_source = nullptr;
     int m_useCount = 1;

@@ -38,7 +38,8 @@ public:
         (void)usingModule;
         return std::string(name);
     }
-    // Builds a form's object from its header text; false when it cannot.
+    // Hands a form's header text (from the start of the module to the end of the header) to the host,
+    // which builds the form; false when it refuses it. name is the module's full name.
     virtual bool BuildForm(std::string_view name, std::string_view headerText)
     {
         (void)name;

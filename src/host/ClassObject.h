@@ -7,6 +7,7 @@
 #include <oaidl.h>
 
 #include <memory>
+#include <vector>
 
 namespace brannoc {
 
@@ -38,9 +39,17 @@ public:
 private:
     ~ClassObject();
 
+    // Members a form instance does not have itself are the host object's (its controls and
+    // properties): their ids are kHostMemberBase plus an index into m_hostIds, the host's own ids.
+    static constexpr DISPID kHostMemberBase = 0x30000000;
+    DISPID HostMemberId(LPOLESTR name);
+    HRESULT InvokeHostMember(DISPID id, WORD flags, DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* exception,
+                             UINT* argumentError);
+
     ULONG m_references = 1;
     ModuleManager& m_manager;
     std::unique_ptr<ModuleInstance> m_instance;
+    std::vector<DISPID> m_hostIds;
 };
 
 } // namespace brannoc

@@ -215,6 +215,36 @@ void Describe(EngineContext& context, EXCEPINFO* exception)
 
 } // namespace
 
+DISPID ClassObject::HostMemberId(LPOLESTR name)
+{
+    IDispatch* host = m_instance ? m_instance->HostObject() : nullptr;
+    DISPID hostId = DISPID_UNKNOWN;
+    if (!host || FAILED(host->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &hostId)))
+        return DISPID_UNKNOWN;
+    for (std::size_t i = 0; i < m_hostIds.size(); ++i) {
+        if (m_hostIds[i] == hostId)
+            return kHostMemberBase + static_cast<DISPID>(i);
+    }
+    m_hostIds.push_back(hostId);
+    return kHostMemberBase + static_cast<DISPID>(m_hostIds.size() - 1);
+}
+
+HRESULT ClassObject::InvokeHostMember(DISPID id, WORD flags, DISPPARAMS* parameters, VARIANT* result,
+                                      EXCEPINFO* exception, UINT* argumentError)
+{
+    IDispatch* host = m_instance->HostObject();
+    if (!host)
+        return DISP_E_MEMBERNOTFOUND;
+    ComRef<IDispatch> held = ComRef<IDispatch>::Share(host);
+    const DISPID hostId = m_hostIds[static_cast<std::size_t>(id - kHostMemberBase)];
+    // The host's object is outside the engine: the lock is given up for the call.
+    const int depth = EngineLock::Suspend();
+    const HRESULT status =
+        held->Invoke(hostId, IID_NULL, LOCALE_USER_DEFAULT, flags, parameters, result, exception, argumentError);
+    EngineLock::Resume(depth);
+    return status;
+}
+
 HRESULT STDMETHODCALLTYPE ClassObject::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids)
 {
     if (!names || !ids || count == 0)
@@ -223,6 +253,8 @@ HRESULT STDMETHODCALLTYPE ClassObject::GetIDsOfNames(REFIID, LPOLESTR* names, UI
     const CompiledModule& compiled = CompiledOf(*m_instance);
     const std::string member = AnsiFromWide(names[0]);
     ids[0] = IdOf(compiled, member);
+    if (ids[0] == DISPID_UNKNOWN && count == 1)
+        ids[0] = HostMemberId(names[0]);
     HRESULT status = ids[0] == DISPID_UNKNOWN ? DISP_E_UNKNOWNNAME : S_OK;
     // Named arguments: the positions of the parameters of the first procedure of that name.
     const Procedure* procedure = nullptr;
@@ -257,6 +289,8 @@ HRESULT STDMETHODCALLTYPE ClassObject::Invoke(DISPID id, REFIID, LCID, WORD flag
         ClassObject* object;
         ~Hold() { object->Release(); }
     } hold{this};
+    if (id >= kHostMemberBase && static_cast<std::size_t>(id - kHostMemberBase) < m_hostIds.size())
+        return InvokeHostMember(id, flags, &given, result, exception, argumentError);
     const CompiledModule& compiled = CompiledOf(*m_instance);
     std::string name;
     if (!NameOf(compiled, id, name))

@@ -1,4 +1,5 @@
 #include "host/CodeUnit.h"
+#include "host/ErrDispatch.h"
 
 #include "automation/ExtensionTypeArray.h"
 #include "exec/ErrorMessages.h"
@@ -100,6 +101,9 @@ CodeUnit::CodeUnit(ITypeInfo* classType, ITypeInfo* dispatchType)
       m_context(std::make_unique<EngineContext>(*this))
 {
     AddObjectReference();
+    // The user-interface language stays as it is while engine objects exist.
+    OA_NlsLock(TRUE);
+    m_errObject = CreateErrDispatch(*m_context, classType);
     if (FAILED(CoCreateGuid(&m_instanceGuid))) {
         // A locally made value: the identifier and the tick count are enough to tell objects apart.
         m_instanceGuid.Data1 = m_identifier;
@@ -111,8 +115,12 @@ CodeUnit::CodeUnit(ITypeInfo* classType, ITypeInfo* dispatchType)
 
 CodeUnit::~CodeUnit()
 {
+    // Late calls on the Err object do nothing once its engine is gone.
+    DetachErrDispatch(m_errObject.Get());
+    m_errObject = {};
     // Release already holds the engine lock; the context must not be current while it is destroyed.
     m_context.reset();
+    OA_NlsLock(FALSE);
     Unlink();
     ReleaseObjectReference();
 }
@@ -751,6 +759,37 @@ HRESULT __stdcall CodeUnit::get_IsProject(BSTR projectName, VARIANT_BOOL* result
     });
 }
 
+namespace {
+
+// "*NewInstance" followed by up to 8 hexadecimal digits names an existing class instance by its number.
+bool InstanceNumberOf(const std::wstring& name, unsigned& number)
+{
+    static constexpr std::wstring_view kPrefix = L"*NewInstance";
+    if (name.size() <= kPrefix.size() || name.size() > kPrefix.size() + 8 ||
+        _wcsnicmp(name.c_str(), kPrefix.data(), kPrefix.size()) != 0)
+        return false;
+    number = 0;
+    for (std::size_t i = kPrefix.size(); i < name.size(); ++i) {
+        const wchar_t c = name[i];
+        const int digit = iswdigit(c) ? c - L'0' : (c >= L'a' && c <= L'f') ? c - L'a' + 10
+                                                : (c >= L'A' && c <= L'F') ? c - L'A' + 10 : -1;
+        if (digit < 0)
+            return false;
+        number = number * 16 + static_cast<unsigned>(digit);
+    }
+    return true;
+}
+
+} // namespace
+
+void CodeUnit::TraceObjectResult(IDispatch* object)
+{
+    wchar_t address[32];
+    swprintf(address, 32, L"Result=0x%lx", static_cast<unsigned long>(reinterpret_cast<uintptr_t>(object)));
+    m_context->Trace(TraceKind::Result, address);
+    m_context->Trace(TraceKind::Exit, L"");
+}
+
 // The object of a class or object module: a new instance, or its default one; loaded first when needed.
 HRESULT __stdcall CodeUnit::Macro(BSTR macroName, VARIANT_BOOL createNew, IDispatch** result)
 {
@@ -761,6 +800,11 @@ HRESULT __stdcall CodeUnit::Macro(BSTR macroName, VARIANT_BOOL createNew, IDispa
         const std::wstring text = Text(macroName);
         TraceEntry(createNew ? L"CreateModuleNewInstance" : L"CreateModuleDefaultInstance", text);
         ModuleManager& modules = m_context->Modules();
+        if (unsigned number = 0; InstanceNumberOf(text, number)) {
+            *result = modules.NumberedObject(number);
+            TraceObjectResult(*result);
+            return S_OK;
+        }
         const std::string name = modules.MapName(AnsiFromWide(text));
         Module* module = modules.FindLoadedModule(name);
         if (!module) {
@@ -770,10 +814,7 @@ HRESULT __stdcall CodeUnit::Macro(BSTR macroName, VARIANT_BOOL createNew, IDispa
         }
         if (module && module->Kind() != ModuleKind::Plain)
             *result = createNew ? modules.NewObject(*module) : modules.DefaultObject(*module);
-        wchar_t address[32];
-        swprintf(address, 32, L"Result=0x%lx", static_cast<unsigned long>(reinterpret_cast<uintptr_t>(*result)));
-        m_context->Trace(TraceKind::Result, address);
-        m_context->Trace(TraceKind::Exit, L"");
+        TraceObjectResult(*result);
         return S_OK;
     });
 }

@@ -16,6 +16,8 @@ public:
 
     unsigned long Identifier() const { return m_identifier; }
     EngineContext& Context() { return *m_context; }
+    // The engine's Err object as an automation object (held by the engine object).
+    IDispatch* ErrObject() const { return m_errObject.Get(); }
     IDispatch* AsDispatch() { return this; }
     const GUID& InstanceGuid() const { return m_instanceGuid; }
 
@@ -130,6 +132,8 @@ private:
     // Call0 ... Call5: the Sub's name and count host arguments.
     HRESULT CallSub(BSTR subName, VARIANT* const* arguments, int count, VARIANT_BOOL* result);
     void TraceEntry(const wchar_t* operation, const std::wstring& argument);
+    // The result line (the object's address) and the exit line of an operation that gives an object.
+    void TraceObjectResult(IDispatch* object);
     void TraceResult(bool result);
     bool HostEvaluation(const wchar_t* operation, Evaluator::Kind kind, BSTR expression, short depth,
                         const std::wstring& value, Variant& result);
@@ -143,6 +147,7 @@ private:
     ComRef<ITypeInfo> m_classType;
     ComRef<ITypeInfo> m_dispatchType;
     std::unique_ptr<EngineContext> m_context;
+    ComRef<IDispatch> m_errObject;
     ComRef<IDispatch> m_defaultCallBack;
     GUID m_instanceGuid{};
     CodeUnit* m_previous = nullptr;

@@ -371,6 +371,38 @@ bool EngineContext::NewInstance(const Module& module, Variant& result)
     return TakeObject(m_modules.NewObject(const_cast<Module&>(module)), result);
 }
 
+bool EngineContext::ErrObject(Variant& result)
+{
+    return TakeObject(ComRef<IDispatch>::Share(m_owner.ErrObject()).Detach(), result);
+}
+
+bool EngineContext::ParseModuleProperties(const std::string& moduleName, std::string_view header)
+{
+    if (!m_callBack)
+        return true;
+    const bool outer = std::exchange(m_parsingProperties, true);
+    const bool accepted = HostCallBack::ParseMacroProperties(m_callBack.Get(), m_owner.AsDispatch(),
+                                                             WideFromAnsi(moduleName), WideFromAnsi(header));
+    m_parsingProperties = outer;
+    return accepted;
+}
+
+bool EngineContext::HostObjectForInstance(const std::string& moduleName, ComRef<IDispatch>& object)
+{
+    object = {};
+    for (const std::string& pending : m_instanceModules) {
+        if (pending == moduleName)
+            return false;
+    }
+    if (!m_callBack)
+        return true;
+    m_instanceModules.push_back(moduleName);
+    const HostCallBack::InstanceAnswer answer =
+        HostCallBack::NewMacroInstance(m_callBack.Get(), m_owner.AsDispatch(), WideFromAnsi(moduleName), object);
+    m_instanceModules.pop_back();
+    return answer == HostCallBack::InstanceAnswer::Absent || object;
+}
+
 bool EngineContext::DefaultObject(const Module& module, Variant& result)
 {
     return TakeObject(m_modules.DefaultObject(const_cast<Module&>(module)), result);

@@ -106,6 +106,12 @@ public:
     // Output of Debug.Print: the callback's DebugPrint, or a task-modal box captioned "Debug.Print".
     void DebugPrint(const std::wstring& text) override;
     [[nodiscard]] bool NewInstance(const Module& module, Variant& result) override;
+    [[nodiscard]] bool ErrObject(Variant& result) override;
+    // The host's answer to a form module's header (true when it has no say).
+    bool ParseModuleProperties(const std::string& moduleName, std::string_view header);
+    // The host's object for a new instance of a form module. False when the host answered Nothing or a
+    // call for the same module is already in progress; object stays null when the host has no say.
+    bool HostObjectForInstance(const std::string& moduleName, ComRef<IDispatch>& object);
     [[nodiscard]] bool DefaultObject(const Module& module, Variant& result) override;
     ModuleInstance* InstanceOf(IUnknown* object) override;
     std::wstring CommandText() const override;
@@ -124,6 +130,11 @@ private:
     void ExtensionsChanged() override { SendNotification(kNotifyExtensionsChanged); }
     std::string MapModuleName(const std::string& name) override { return m_modules.MapName(name); }
     bool ModuleExists(const std::string& name) override { return m_modules.FindLoadedModule(name) != nullptr; }
+    bool ParsingModuleProperties() const override { return m_parsingProperties; }
+    const std::string* InstanceModuleBeingCreated() const override
+    {
+        return m_instanceModules.empty() ? nullptr : &m_instanceModules.back();
+    }
 
     RunState Run(long depth);
     RunState StopRequest(bool fromHalt);
@@ -138,6 +149,8 @@ private:
     void WriteTrace(TraceKind kind, const std::wstring& text);
 
     CodeUnit& m_owner;
+    bool m_parsingProperties = false;
+    std::vector<std::string> m_instanceModules;
     // Declared before the interpreter and modules so that it outlives them, and the files close last.
     StreamTable m_streams;
     ComRef<IDispatch> m_callBack;

@@ -142,4 +142,55 @@ bool HostCallBack::SetMacroReferences(IDispatch* callBack, IDispatch* engine, co
     return answer != VARIANT_FALSE;
 }
 
+namespace {
+
+// The answer of a Boolean member; true when it cannot be read as one.
+bool BooleanAnswer(Variant& result)
+{
+    VARIANT converted;
+    VariantInit(&converted);
+    if (FAILED(VariantChangeType(&converted, &result.Raw(), 0, VT_BOOL)))
+        return true;
+    return converted.boolVal != VARIANT_FALSE;
+}
+
+} // namespace
+
+bool HostCallBack::ParseMacroProperties(IDispatch* callBack, IDispatch* engine, const std::wstring& macroName,
+                                        const std::wstring& properties)
+{
+    Bstr nameArgument(macroName);
+    Bstr propertiesArgument(properties);
+    VARIANT arguments[3] = {EngineArgument(engine), {}, {}};
+    arguments[1].vt = VT_BSTR;
+    arguments[1].bstrVal = nameArgument.Get();
+    arguments[2].vt = VT_BSTR;
+    arguments[2].bstrVal = propertiesArgument.Get();
+    Variant result;
+    if (!InvokeByName(callBack, L"ParseMacroProperties", arguments, 3, &result.Raw()))
+        return true;
+    return BooleanAnswer(result);
+}
+
+HostCallBack::InstanceAnswer HostCallBack::NewMacroInstance(IDispatch* callBack, IDispatch* engine,
+                                                            const std::wstring& macroName, ComRef<IDispatch>& object)
+{
+    object = {};
+    if (!callBack || Find(callBack, L"NewMacroInstance") == DISPID_UNKNOWN)
+        return InstanceAnswer::Absent;
+    Bstr nameArgument(macroName);
+    VARIANT arguments[2] = {EngineArgument(engine), {}};
+    arguments[1].vt = VT_BSTR;
+    arguments[1].bstrVal = nameArgument.Get();
+    Variant result;
+    if (!InvokeByName(callBack, L"NewMacroInstance", arguments, 2, &result.Raw()))
+        return InstanceAnswer::Answered;
+    const VARIANT& value = result.Raw();
+    if (value.vt == VT_DISPATCH && value.pdispVal)
+        object = ComRef<IDispatch>::Share(value.pdispVal);
+    else if (value.vt == VT_UNKNOWN && value.punkVal)
+        value.punkVal->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(object.Out()));
+    return InstanceAnswer::Answered;
+}
+
 } // namespace brannoc

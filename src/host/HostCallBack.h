@@ -1,6 +1,8 @@
 #pragma once
 // Calls into the host's callback object. Members are looked up by name at each call; the engine lock
 // is given up for the duration of the call.
+#include "host/ComRef.h"
+
 #include <oaidl.h>
 #include <string>
 
@@ -25,6 +27,16 @@ public:
     // Whether the engine is to apply the module's '#Reference lines; false when the host set the
     // references itself. True when the member is missing or fails.
     static bool SetMacroReferences(IDispatch* callBack, IDispatch* engine, const std::wstring& macroName);
+
+    // Whether the host accepts the header of a form module (its text up to the end of the header) and has
+    // built the form's object. True when the member is missing or fails.
+    static bool ParseMacroProperties(IDispatch* callBack, IDispatch* engine, const std::wstring& macroName,
+                                     const std::wstring& properties);
+    // The host's object for a new instance of a form module. Absent when the callback has no such
+    // member; otherwise object receives the answer (null for Nothing or a failed call).
+    enum class InstanceAnswer { Absent, Answered };
+    static InstanceAnswer NewMacroInstance(IDispatch* callBack, IDispatch* engine, const std::wstring& macroName,
+                                           ComRef<IDispatch>& object);
 
 private:
     // Invokes a method by name with the given arguments (in declaration order).

@@ -5,6 +5,7 @@
 #include "exec/ProcedureCode.h"
 #include "host/ClassObject.h"
 #include "host/CodeUnit.h"
+#include "exec/ErrorMessages.h"
 #include "host/AnsiText.h"
 #include "host/EngineContext.h"
 #include "host/HostCallBack.h"
@@ -517,6 +518,17 @@ void ModuleManager::ReportStatus(ModuleStatus status, const std::wstring& macroN
     m_context.SendNotification(EngineContext::kNotifyError);
 }
 
+void ModuleManager::ReportError(long number, const std::wstring& macroName)
+{
+    ErrorLocation& error = m_context.ErrorReport();
+    error.Clear();
+    error.number = number;
+    error.description = MessageFor(number);
+    error.macroName = macroName;
+    m_context.TraceErrorFields();
+    m_context.SendNotification(EngineContext::kNotifyError);
+}
+
 // Released newest first; an instance goes with its last hold (its variables' objects with it).
 void ModuleManager::ReleaseDefaultInstances(Loaded& loaded)
 {
@@ -581,9 +593,11 @@ bool ModuleManager::RunNested(ProcedureCode& code, ModuleInstance& instance, con
     return finished;
 }
 
-std::unique_ptr<ModuleInstance> ModuleManager::CreateInstance(Module& module)
+std::unique_ptr<ModuleInstance> ModuleManager::CreateInstance(Module& module, IDispatch* hostObject)
 {
     auto instance = std::make_unique<ModuleInstance>(module);
+    if (hostObject)
+        instance->AttachHostObject(hostObject);
     Interpreter& machine = m_context.Machine();
     if (instance->FailedVariable() >= 0) {
         // Its variables could not all be made: no object, and the code that asked for it gets the error.
@@ -613,15 +627,38 @@ std::unique_ptr<ModuleInstance> ModuleManager::CreateInstance(Module& module)
     return instance;
 }
 
+bool ModuleManager::BuildForm(std::string_view name, std::string_view headerText)
+{
+    return m_context.ParseModuleProperties(std::string(name), headerText);
+}
+
 IDispatch* ModuleManager::NewObject(Module& module)
 {
-    std::unique_ptr<ModuleInstance> instance = CreateInstance(module);
+    // A form the host built gets the host's object for each instance, asked for before the instance
+    // exists (so that the host may add extensions specific to the module meanwhile).
+    ComRef<IDispatch> hostObject;
+    if (module.IsHostForm() && !m_context.HostObjectForInstance(module.Name(), hostObject)) {
+        // Running code gets the error where it can trap it; a host's request has it reported.
+        if (m_context.Machine().ExecutionMarker() < 0)
+            (void)m_context.Machine().SignalError(10637);
+        else
+            ReportError(10637, WideFromAnsi(module.Name()));
+        return nullptr;
+    }
+    std::unique_ptr<ModuleInstance> instance = CreateInstance(module, hostObject.Get());
     if (!instance)
         return nullptr;
+    instance->SetNumber(++m_instanceNumbers);
     auto* object = new (std::nothrow) ClassObject(*this, std::move(instance));
     if (!object)
         (void)m_context.Machine().RaiseOutOfMemory();
     return object;
+}
+
+IDispatch* ModuleManager::NumberedObject(unsigned number)
+{
+    ModuleInstance* instance = ModuleInstance::FindNumbered(static_cast<ModuleSource*>(this), number);
+    return instance ? ComRef<IDispatch>::Share(instance->Object()).Detach() : nullptr;
 }
 
 IDispatch* ModuleManager::DefaultObject(Module& module)

@@ -109,7 +109,8 @@ public:
     // (Class_Initialize, Form_Initialize) runs to its end as a nested call. The instance keeps one use
     // for its creator until DestroyInstance. Null when the initializer failed; the instance has then
     // been terminated and freed.
-    std::unique_ptr<ModuleInstance> CreateInstance(Module& module);
+    // A form the host built carries the host's object for the instance (held).
+    std::unique_ptr<ModuleInstance> CreateInstance(Module& module, IDispatch* hostObject = nullptr);
     // A new instance of a class or object module as the object that holds it (CreateInstance, then the
     // object). The caller owns the one reference; null when it could not be made (raised or reported).
     IDispatch* NewObject(Module& module);
@@ -117,6 +118,12 @@ public:
     // until the module goes (its terminator runs then). The caller owns the reference it gets; null when
     // it could not be made.
     IDispatch* DefaultObject(Module& module);
+    // The object of the live class instance with that number (ModuleInstance::Number), held for the
+    // caller; null when there is none.
+    IDispatch* NumberedObject(unsigned number);
+    // Reports an error of a host's request (not of running code) with its own message: the engine's
+    // error properties, the trace and notification 0.
+    void ReportError(long number, const std::wstring& macroName);
     // Runs the instance's terminate procedure (Class_Terminate, Form_Terminate) as a nested call, then
     // gives the instance up: it is freed now, or when the last activation running in it ends.
     void DestroyInstance(std::unique_ptr<ModuleInstance> instance);
@@ -184,6 +191,7 @@ private:
     void TraceCompile(std::string_view line) override;
     bool AddReferences(std::string_view module, std::string_view lines, std::size_t& failedLine) override;
     bool IsGlobalNameInUse(std::string_view name) override;
+    bool BuildForm(std::string_view name, std::string_view headerText) override;
     bool IsExternalTypeName(std::string_view module, std::string_view name) override;
     ExtensionName FindExtensionName(std::string_view module, std::string_view name) override;
     // CompileErrorSink
@@ -226,6 +234,7 @@ private:
     std::vector<HeldObject> m_defaultObjects;
     // The module whose default object is being made (its initializer runs), else null.
     const Module* m_makingDefault = nullptr;
+    unsigned m_instanceNumbers = 0;
     std::map<std::string, std::string> m_givenTexts;
     std::vector<std::string> m_projects;
     std::string m_running;

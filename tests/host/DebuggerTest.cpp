@@ -3,7 +3,7 @@
 // memory; the fake callback records DebugPrint texts and notifications.
 #include "brannoc.h"
 #include "host/CodeUnit.h"
-#include "host/FakeCallBack.h"
+#include "host/EngineTest.h"
 #include "host/HostTestText.h"
 #include <gtest/gtest.h>
 #include <initializer_list>
@@ -36,62 +36,17 @@ const std::wstring kMacro = Lines({
     L"End Sub",                              // 16
 });
 
-class DebuggerTest : public ::testing::Test {
+class DebuggerTest : public brannoc::testing::EngineTest {
 protected:
     void SetUp() override
     {
-        ASSERT_NE(nullptr, unit);
-        unit->SetCallBack(&callBack);
+        EngineTest::SetUp();
         callBack.macros[L"dbg"] = kMacro;
     }
-    void TearDown() override
-    {
-        if (!unit)
-            return;
-        VARIANT_BOOL ignored;
-        unit->HaltAll(&ignored);
-        unit->SetCallBack(nullptr);
-        unit->Release();
-    }
     static BSTR Name(const wchar_t* text) { return SysAllocString(text); }
-    bool Call(HRESULT (__stdcall CodeUnit::*member)(VARIANT_BOOL*))
-    {
-        VARIANT_BOOL result = VARIANT_FALSE;
-        EXPECT_EQ(S_OK, (unit->*member)(&result));
-        return result == VARIANT_TRUE;
-    }
-    bool Start(const wchar_t* macro = L"dbg")
-    {
-        BSTR name = Name(macro);
-        VARIANT_BOOL started = VARIANT_FALSE;
-        EXPECT_EQ(S_OK, unit->Start(name, &started));
-        SysFreeString(name);
-        return started == VARIANT_TRUE;
-    }
-    bool Load(const wchar_t* macro)
-    {
-        BSTR name = Name(macro);
-        VARIANT_BOOL loaded = VARIANT_FALSE;
-        EXPECT_EQ(S_OK, unit->Load(name, &loaded));
-        SysFreeString(name);
-        return loaded == VARIANT_TRUE;
-    }
-    bool Run(short depth)
-    {
-        VARIANT_BOOL active = VARIANT_FALSE;
-        EXPECT_EQ(S_OK, unit->Run(depth, &active));
-        return active == VARIANT_TRUE;
-    }
-    bool Step() { return Call(&CodeUnit::Step); }
-    bool Continue() { return Call(&CodeUnit::Continue); }
-    bool Toggle(const wchar_t* macro, short line)
-    {
-        BSTR name = Name(macro);
-        VARIANT_BOOL result = VARIANT_FALSE;
-        EXPECT_EQ(S_OK, unit->ToggleBreak(name, line, &result));
-        SysFreeString(name);
-        return result == VARIANT_TRUE;
-    }
+    bool Start(const wchar_t* macro = L"dbg") { return EngineTest::Start(macro); }
+    bool Step() { return Flag(&CodeUnit::Step); }
+    bool Continue() { return Flag(&CodeUnit::Continue); }
     short BreakLine(const wchar_t* macro, short index)
     {
         BSTR name = Name(macro);
@@ -100,24 +55,9 @@ protected:
         SysFreeString(name);
         return line;
     }
-    bool IsStopped()
-    {
-        VARIANT_BOOL stopped = VARIANT_FALSE;
-        EXPECT_EQ(S_OK, unit->get_IsStopped(&stopped));
-        return stopped == VARIANT_TRUE;
-    }
-    bool IsIdle()
-    {
-        VARIANT_BOOL idle = VARIANT_FALSE;
-        EXPECT_EQ(S_OK, unit->get_IsIdle(&idle));
-        return idle == VARIANT_TRUE;
-    }
-    std::wstring CurrentLine()
-    {
-        BSTR text = nullptr;
-        EXPECT_EQ(S_OK, unit->get_CurrentLine(&text));
-        return TakeText(text);
-    }
+    bool IsStopped() { return Flag(&CodeUnit::get_IsStopped); }
+    bool IsIdle() { return Flag(&CodeUnit::get_IsIdle); }
+    std::wstring CurrentLine() { return Text(&CodeUnit::get_CurrentLine); }
     std::wstring CallersLine(short depth)
     {
         BSTR text = nullptr;
@@ -143,9 +83,6 @@ protected:
         return Run(0);
     }
     std::vector<std::wstring> Printed() const { return callBack.printed; }
-
-    CodeUnit* unit = static_cast<CodeUnit*>(static_cast<_CodeUnit*>(KZ_CreateCodeUnit()));
-    brannoc::testing::FakeCallBack callBack;
 };
 
 using Texts = std::vector<std::wstring>;
@@ -577,7 +514,7 @@ TEST_F(DebuggerTest, AStoppedRunAnswersEveryOtherMember)
     VARIANT_BOOL paused = VARIANT_TRUE;
     EXPECT_EQ(S_OK, unit->get_IsPaused(&paused));
     EXPECT_TRUE(paused == VARIANT_FALSE) << "no statement is executing while stopped";
-    EXPECT_TRUE(Call(&CodeUnit::HaltAll));
+    EXPECT_TRUE(Flag(&CodeUnit::HaltAll));
     EXPECT_TRUE(IsIdle());
     EXPECT_EQ(L"", CurrentLine());
     EXPECT_EQ(0, LineNum());

@@ -2,7 +2,7 @@
 // the notifications, trapped errors that are never reported, and the default error message box.
 #include "brannoc.h"
 #include "host/CodeUnit.h"
-#include "host/FakeCallBack.h"
+#include "host/EngineTest.h"
 #include "host/HostTestText.h"
 #include "support/MessageBoxCapture.h"
 #include <gtest/gtest.h>
@@ -15,44 +15,13 @@ using namespace brannoc::testing_text;
 
 namespace {
 
-class ErrorReportTest : public ::testing::Test {
+class ErrorReportTest : public brannoc::testing::EngineTest {
 protected:
-    void SetUp() override
-    {
-        ASSERT_NE(nullptr, unit);
-        unit->SetCallBack(&callBack);
-    }
-    void TearDown() override
-    {
-        if (!unit)
-            return;
-        VARIANT_BOOL ignored;
-        unit->HaltAll(&ignored);
-        unit->SetCallBack(nullptr);
-        unit->Release();
-    }
     // Starts the macro and runs it to its end or its stop.
     void StartAndRun(const wchar_t* name)
     {
-        BSTR text = SysAllocString(name);
-        VARIANT_BOOL started = VARIANT_FALSE;
-        EXPECT_EQ(S_OK, unit->Start(text, &started));
-        SysFreeString(text);
-        ASSERT_EQ(VARIANT_TRUE, started);
-        VARIANT_BOOL active = VARIANT_TRUE;
-        EXPECT_EQ(S_OK, unit->Run(0, &active));
-    }
-    std::wstring Text(HRESULT (__stdcall CodeUnit::*member)(BSTR*))
-    {
-        BSTR text = nullptr;
-        EXPECT_EQ(S_OK, (unit->*member)(&text));
-        return TakeText(text);
-    }
-    long Number()
-    {
-        long number = 0;
-        EXPECT_EQ(S_OK, unit->get_ErrorNumber(&number));
-        return number;
+        ASSERT_TRUE(Start(name));
+        Run(0);
     }
     short LineNumber()
     {
@@ -72,9 +41,6 @@ protected:
         EXPECT_EQ(S_OK, unit->get_ErrorHelpContext(&context));
         return context;
     }
-
-    CodeUnit* unit = static_cast<CodeUnit*>(static_cast<_CodeUnit*>(KZ_CreateCodeUnit()));
-    brannoc::testing::FakeCallBack callBack;
 };
 
 } // namespace
@@ -89,7 +55,7 @@ TEST_F(ErrorReportTest, AnUntrappedErrorFillsEveryFieldOfTheRecord)
                                L"End Sub\r\n";
     StartAndRun(L"calc");
     EXPECT_EQ((std::vector<long>{1234}), callBack.errorNumbers);
-    EXPECT_EQ(1234, Number());
+    EXPECT_EQ(1234, ErrorNumber());
     EXPECT_EQ(L"Own message.", Text(&CodeUnit::get_ErrorDesc));
     EXPECT_EQ(L"Src", Text(&CodeUnit::get_ErrorSource));
     EXPECT_EQ(L"own.hlp", Text(&CodeUnit::get_ErrorHelpFile));
@@ -127,7 +93,7 @@ TEST_F(ErrorReportTest, TheInnermostStatementIsReportedAndAContinuedOneAtItsFirs
                                L"    Inner 0\r\n"
                                L"End Sub\r\n";
     StartAndRun(L"deep");
-    EXPECT_EQ(10061, Number());
+    EXPECT_EQ(10061, ErrorNumber());
     EXPECT_EQ(L"Divide by zero.", Text(&CodeUnit::get_ErrorDesc));
     EXPECT_EQ(3, LineNumber());
     EXPECT_EQ(L"    q = 1 + 10 \\ d", Text(&CodeUnit::get_ErrorLine));
@@ -145,7 +111,7 @@ TEST_F(ErrorReportTest, TrappedErrorsAreNeverReported)
     EXPECT_TRUE(callBack.errorNumbers.empty());
     EXPECT_EQ(0, std::count(callBack.notifications.begin(), callBack.notifications.end(), 19));
     EXPECT_EQ(L"5&\r\n", callBack.AllPrinted());
-    EXPECT_EQ(0, Number()) << "the record belongs to untrapped errors only";
+    EXPECT_EQ(0, ErrorNumber()) << "the record belongs to untrapped errors only";
 }
 
 // A macro text in a new temporary file, whose path is returned (empty when it could not be written).

@@ -3,7 +3,7 @@
 // one, and evaluations on an idle engine. Macros are served from memory.
 #include "brannoc.h"
 #include "host/CodeUnit.h"
-#include "host/FakeCallBack.h"
+#include "host/EngineTest.h"
 #include "host/HostTestText.h"
 #include <gtest/gtest.h>
 #include <initializer_list>
@@ -41,51 +41,14 @@ const std::wstring kMacro = Lines({
     L"End Function",                         // 22
 });
 
-class EvaluationTest : public ::testing::Test {
+class EvaluationTest : public brannoc::testing::EngineTest {
 protected:
     void SetUp() override
     {
-        ASSERT_NE(nullptr, unit);
-        unit->SetCallBack(&callBack);
+        EngineTest::SetUp();
         callBack.macros[L"ev"] = kMacro;
     }
-    void TearDown() override
-    {
-        if (!unit)
-            return;
-        VARIANT_BOOL ignored;
-        unit->HaltAll(&ignored);
-        unit->SetCallBack(nullptr);
-        unit->Release();
-    }
-    bool Start(const wchar_t* macro = L"ev")
-    {
-        BSTR name = SysAllocString(macro);
-        VARIANT_BOOL started = VARIANT_FALSE;
-        EXPECT_EQ(S_OK, unit->Start(name, &started));
-        SysFreeString(name);
-        return started == VARIANT_TRUE;
-    }
-    bool Run(short depth)
-    {
-        VARIANT_BOOL active = VARIANT_FALSE;
-        EXPECT_EQ(S_OK, unit->Run(depth, &active));
-        return active == VARIANT_TRUE;
-    }
-    bool Toggle(const wchar_t* macro, short line)
-    {
-        BSTR name = SysAllocString(macro);
-        VARIANT_BOOL result = VARIANT_FALSE;
-        EXPECT_EQ(S_OK, unit->ToggleBreak(name, line, &result));
-        SysFreeString(name);
-        return result == VARIANT_TRUE;
-    }
-    bool Flag(HRESULT (__stdcall CodeUnit::*member)(VARIANT_BOOL*))
-    {
-        VARIANT_BOOL result = VARIANT_FALSE;
-        EXPECT_EQ(S_OK, (unit->*member)(&result));
-        return result == VARIANT_TRUE;
-    }
+    bool Start(const wchar_t* macro = L"ev") { return EngineTest::Start(macro); }
     // Stops the macro before line 14, inside Helper called from Main.
     void StopInHelper()
     {
@@ -110,32 +73,13 @@ protected:
         SysFreeString(text);
         SysFreeString(assigned);
     }
-    long ErrorNumber()
-    {
-        long number = -1;
-        EXPECT_EQ(S_OK, unit->get_ErrorNumber(&number));
-        return number;
-    }
-    std::wstring ErrorDesc()
-    {
-        BSTR text = nullptr;
-        EXPECT_EQ(S_OK, unit->get_ErrorDesc(&text));
-        return TakeText(text);
-    }
-    std::wstring CurrentLine()
-    {
-        BSTR text = nullptr;
-        EXPECT_EQ(S_OK, unit->get_CurrentLine(&text));
-        return TakeText(text);
-    }
+    std::wstring ErrorDesc() { return Text(&CodeUnit::get_ErrorDesc); }
+    std::wstring CurrentLine() { return Text(&CodeUnit::get_CurrentLine); }
     bool ContinueAndRun()
     {
         EXPECT_TRUE(Flag(&CodeUnit::Continue));
         return Run(0);
     }
-
-    CodeUnit* unit = static_cast<CodeUnit*>(static_cast<_CodeUnit*>(KZ_CreateCodeUnit()));
-    brannoc::testing::FakeCallBack callBack;
 };
 
 using Texts = std::vector<std::wstring>;

@@ -250,6 +250,10 @@ const ExportRow kExports[] = {
     {"KZ_CallBackNotify", 12, false},
     {"KZ_CallBackReadMacro", 12, false},
     {"KZ_CallBackWindow", 4, false},
+    {"KZ_NlsLock", 4, false},
+    {"KZ_NlsSetLangID", 4, false},
+    {"KZ_MC200_DebugLink", 0, false},
+    {"KZ_ErrObjectDestroy", 8, false},
 };
 
 std::string Decorated(const ExportRow& row) { return "_" + std::string(row.name) + "@" + std::to_string(row.argumentBytes); }

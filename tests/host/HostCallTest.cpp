@@ -2,7 +2,7 @@
 // run-time error, and Subs called by name (Call0 ... Call5 and CU_Call) with arguments written back.
 #include "brannoc.h"
 #include "host/CodeUnit.h"
-#include "host/FakeCallBack.h"
+#include "host/EngineTest.h"
 #include "host/HostTestText.h"
 #include "support/MessageBoxCapture.h"
 #include <gtest/gtest.h>
@@ -35,53 +35,13 @@ const wchar_t kLibrary[] = L"Sub Main\r\n"
                            L"    Error 11\r\n"
                            L"End Sub\r\n";
 
-class HostCallTest : public ::testing::Test {
+class HostCallTest : public brannoc::testing::EngineTest {
 protected:
     void SetUp() override
     {
-        ASSERT_NE(nullptr, unit);
-        unit->SetCallBack(&callBack);
+        EngineTest::SetUp();
         callBack.macros[L"lib"] = kLibrary;
     }
-    void TearDown() override
-    {
-        if (!unit)
-            return;
-        VARIANT_BOOL ignored;
-        unit->HaltAll(&ignored);
-        unit->SetCallBack(nullptr);
-        unit->Release();
-    }
-    bool Start(const wchar_t* name)
-    {
-        BSTR text = SysAllocString(name);
-        VARIANT_BOOL started = VARIANT_FALSE;
-        EXPECT_EQ(S_OK, unit->Start(text, &started));
-        SysFreeString(text);
-        return started == VARIANT_TRUE;
-    }
-    bool Load(const wchar_t* name)
-    {
-        BSTR text = SysAllocString(name);
-        VARIANT_BOOL loaded = VARIANT_FALSE;
-        EXPECT_EQ(S_OK, unit->Load(text, &loaded));
-        SysFreeString(text);
-        return loaded == VARIANT_TRUE;
-    }
-    void RunToEnd()
-    {
-        VARIANT_BOOL active = VARIANT_TRUE;
-        EXPECT_EQ(S_OK, unit->Run(0, &active));
-    }
-    long ErrorNumber()
-    {
-        long number = 0;
-        EXPECT_EQ(S_OK, unit->get_ErrorNumber(&number));
-        return number;
-    }
-
-    CodeUnit* unit = static_cast<CodeUnit*>(static_cast<_CodeUnit*>(KZ_CreateCodeUnit()));
-    FakeCallBack callBack;
 };
 
 } // namespace

@@ -2,7 +2,7 @@
 // objects of class modules that Macro gives: the default instance or a new one.
 #include "brannoc.h"
 #include "host/CodeUnit.h"
-#include "host/FakeCallBack.h"
+#include "host/EngineTest.h"
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -12,94 +12,66 @@ using brannoc::testing::FakeCallBack;
 
 namespace {
 
-class ProjectsTest : public ::testing::Test {
+class ProjectsTest : public brannoc::testing::EngineTest {
 protected:
     void SetUp() override
     {
-        ASSERT_NE(nullptr, unit);
-        unit->SetCallBack(&callBack);
+        EngineTest::SetUp();
         callBack.macros[L"calc"] = L"Sub Main\r\n    Debug.Print \"calc\"\r\nEnd Sub\r\n";
     }
-    void TearDown() override
-    {
-        if (!unit)
-            return;
-        VARIANT_BOOL ignored;
-        unit->HaltAll(&ignored);
-        unit->SetCallBack(nullptr);
-        unit->Release();
-    }
-    using TextMember = HRESULT (__stdcall CodeUnit::*)(BSTR, VARIANT_BOOL*);
-    bool Ask(TextMember member, const wchar_t* text)
-    {
-        BSTR argument = SysAllocString(text);
-        VARIANT_BOOL result = VARIANT_FALSE;
-        EXPECT_EQ(S_OK, (unit->*member)(argument, &result));
-        SysFreeString(argument);
-        return result == VARIANT_TRUE;
-    }
-    bool RunToEnd()
-    {
-        VARIANT_BOOL active = VARIANT_TRUE;
-        EXPECT_EQ(S_OK, unit->Run(0, &active));
-        return active == VARIANT_FALSE;
-    }
-
-    CodeUnit* unit = static_cast<CodeUnit*>(static_cast<_CodeUnit*>(KZ_CreateCodeUnit()));
-    FakeCallBack callBack;
 };
 
 } // namespace
 
 TEST_F(ProjectsTest, ProjectsAreCreatedOnceAndAnsweredByName)
 {
-    EXPECT_FALSE(Ask(&CodeUnit::get_IsProject, L"Ledger"));
-    EXPECT_TRUE(Ask(&CodeUnit::ProjectCreate, L"Ledger"));
-    EXPECT_FALSE(Ask(&CodeUnit::ProjectCreate, L"ledger")) << "names are compared without regard to case";
-    EXPECT_FALSE(Ask(&CodeUnit::ProjectCreate, L""));
-    EXPECT_TRUE(Ask(&CodeUnit::get_IsProject, L"LEDGER"));
-    EXPECT_TRUE(Ask(&CodeUnit::get_IsProject, L"<Ledger>"));
-    EXPECT_FALSE(Ask(&CodeUnit::get_IsProject, L"Other"));
+    EXPECT_FALSE(Named(&CodeUnit::get_IsProject, L"Ledger"));
+    EXPECT_TRUE(Named(&CodeUnit::ProjectCreate, L"Ledger"));
+    EXPECT_FALSE(Named(&CodeUnit::ProjectCreate, L"ledger")) << "names are compared without regard to case";
+    EXPECT_FALSE(Named(&CodeUnit::ProjectCreate, L""));
+    EXPECT_TRUE(Named(&CodeUnit::get_IsProject, L"LEDGER"));
+    EXPECT_TRUE(Named(&CodeUnit::get_IsProject, L"<Ledger>"));
+    EXPECT_FALSE(Named(&CodeUnit::get_IsProject, L"Other"));
 }
 
 TEST_F(ProjectsTest, ANamedProjectRunsItsOwnModulesUnmappedAndIsDestroyedOnlyWhileIdle)
 {
     callBack.mapPrefix = L"";
-    ASSERT_TRUE(Ask(&CodeUnit::ProjectCreate, L"Ledger"));
-    EXPECT_FALSE(Ask(&CodeUnit::Start, L"<Nowhere>calc")) << "a project that was never created has no modules";
+    ASSERT_TRUE(Named(&CodeUnit::ProjectCreate, L"Ledger"));
+    EXPECT_FALSE(Named(&CodeUnit::Start, L"<Nowhere>calc")) << "a project that was never created has no modules";
     EXPECT_TRUE(callBack.reads.empty());
 
-    ASSERT_TRUE(Ask(&CodeUnit::Start, L"<Ledger>calc"));
+    ASSERT_TRUE(Named(&CodeUnit::Start, L"<Ledger>calc"));
     EXPECT_EQ((std::vector<std::wstring>{L"calc"}), callBack.reads) << "read under its own name";
-    EXPECT_TRUE(Ask(&CodeUnit::get_IsMacro, L"<ledger>calc"));
-    EXPECT_FALSE(Ask(&CodeUnit::get_IsMacro, L"calc")) << "the default project has no such module";
-    EXPECT_TRUE(Ask(&CodeUnit::get_IsMacroActive, L"<Ledger>calc"));
-    EXPECT_FALSE(Ask(&CodeUnit::ProjectDestroy, L"Ledger")) << "refused while a macro is active";
-    EXPECT_FALSE(Ask(&CodeUnit::ProjectDestroy, L""));
-    EXPECT_TRUE(Ask(&CodeUnit::get_IsProject, L"Ledger"));
+    EXPECT_TRUE(Named(&CodeUnit::get_IsMacro, L"<ledger>calc"));
+    EXPECT_FALSE(Named(&CodeUnit::get_IsMacro, L"calc")) << "the default project has no such module";
+    EXPECT_TRUE(Named(&CodeUnit::get_IsMacroActive, L"<Ledger>calc"));
+    EXPECT_FALSE(Named(&CodeUnit::ProjectDestroy, L"Ledger")) << "refused while a macro is active";
+    EXPECT_FALSE(Named(&CodeUnit::ProjectDestroy, L""));
+    EXPECT_TRUE(Named(&CodeUnit::get_IsProject, L"Ledger"));
 
     ASSERT_TRUE(RunToEnd());
     EXPECT_EQ(L"\"calc\"\r\n", callBack.AllPrinted());
-    EXPECT_TRUE(Ask(&CodeUnit::ProjectDestroy, L"Ledger"));
-    EXPECT_FALSE(Ask(&CodeUnit::get_IsProject, L"Ledger"));
-    EXPECT_FALSE(Ask(&CodeUnit::get_IsMacro, L"<Ledger>calc")) << "its modules went with it";
-    EXPECT_FALSE(Ask(&CodeUnit::ProjectDestroy, L"Ledger")) << "no such project any more";
+    EXPECT_TRUE(Named(&CodeUnit::ProjectDestroy, L"Ledger"));
+    EXPECT_FALSE(Named(&CodeUnit::get_IsProject, L"Ledger"));
+    EXPECT_FALSE(Named(&CodeUnit::get_IsMacro, L"<Ledger>calc")) << "its modules went with it";
+    EXPECT_FALSE(Named(&CodeUnit::ProjectDestroy, L"Ledger")) << "no such project any more";
 }
 
 TEST_F(ProjectsTest, OnlyNamesOfTheDefaultProjectAreOfferedForMapping)
 {
     callBack.mapPrefix = L"mapped_";
     callBack.macros[L"mapped_calc"] = callBack.macros[L"calc"];
-    ASSERT_TRUE(Ask(&CodeUnit::ProjectCreate, L"Ledger"));
-    ASSERT_TRUE(Ask(&CodeUnit::Load, L"<Ledger>calc"));
+    ASSERT_TRUE(Named(&CodeUnit::ProjectCreate, L"Ledger"));
+    ASSERT_TRUE(Named(&CodeUnit::Load, L"<Ledger>calc"));
     EXPECT_TRUE(callBack.mapped.empty());
-    ASSERT_TRUE(Ask(&CodeUnit::Load, L"calc"));
+    ASSERT_TRUE(Named(&CodeUnit::Load, L"calc"));
     ASSERT_EQ(1u, callBack.mapped.size());
     EXPECT_EQ(L"calc", callBack.mapped[0].first);
     EXPECT_EQ((std::vector<std::wstring>{L"calc", L"mapped_calc"}), callBack.reads);
-    EXPECT_TRUE(Ask(&CodeUnit::ProjectDestroy, L""));
-    EXPECT_FALSE(Ask(&CodeUnit::get_IsProject, L"Ledger"));
-    EXPECT_TRUE(Ask(&CodeUnit::get_IsMacro, L"calc")) << "the default project's modules stay";
+    EXPECT_TRUE(Named(&CodeUnit::ProjectDestroy, L""));
+    EXPECT_FALSE(Named(&CodeUnit::get_IsProject, L"Ledger"));
+    EXPECT_TRUE(Named(&CodeUnit::get_IsMacro, L"calc")) << "the default project's modules stay";
 }
 
 namespace {

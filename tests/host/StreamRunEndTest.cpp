@@ -3,7 +3,7 @@
 // "Lock Read Write", so another opener is refused for as long as any of them stays open.
 #include "brannoc.h"
 #include "host/CodeUnit.h"
-#include "host/FakeCallBack.h"
+#include "host/EngineTest.h"
 #include <gtest/gtest.h>
 #include <string>
 
@@ -11,24 +11,18 @@ using namespace brannoc;
 
 namespace {
 
-class StreamRunEndTest : public ::testing::Test {
+class StreamRunEndTest : public brannoc::testing::EngineTest {
 protected:
     void SetUp() override
     {
-        ASSERT_NE(nullptr, unit);
-        unit->SetCallBack(&callBack);
+        EngineTest::SetUp();
         wchar_t folder[MAX_PATH];
         GetTempPathW(MAX_PATH, folder);
         path = std::wstring(folder) + L"bb_stream_run_end.txt";
     }
     void TearDown() override
     {
-        if (!unit)
-            return;
-        VARIANT_BOOL ignored;
-        unit->HaltAll(&ignored);
-        unit->SetCallBack(nullptr);
-        unit->Release();
+        EngineTest::TearDown();
         DeleteFileW(path.c_str());
         DeleteFileW((path + L"2").c_str());
     }
@@ -41,19 +35,8 @@ protected:
                                       L"    Open \"" + path + L"2\" For Binary Lock Write As #300\r\n" + rest +
                                       L"End Sub\r\n";
     }
-    void Start()
-    {
-        BSTR name = SysAllocString(L"streams");
-        VARIANT_BOOL started = VARIANT_FALSE;
-        EXPECT_EQ(S_OK, unit->Start(name, &started));
-        SysFreeString(name);
-        ASSERT_EQ(VARIANT_TRUE, started);
-    }
-    void Run()
-    {
-        VARIANT_BOOL active = VARIANT_TRUE;
-        EXPECT_EQ(S_OK, unit->Run(0, &active));
-    }
+    void Start() { ASSERT_TRUE(EngineTest::Start(L"streams")); }
+    void Run() { EngineTest::Run(0); }
     // Whether another opener may have both files to itself.
     bool FileIsFree() const { return IsFree(path) && IsFree(path + L"2"); }
     static bool IsFree(const std::wstring& name)
@@ -66,8 +49,6 @@ protected:
         return true;
     }
 
-    CodeUnit* unit = static_cast<CodeUnit*>(static_cast<_CodeUnit*>(KZ_CreateCodeUnit()));
-    brannoc::testing::FakeCallBack callBack;
     std::wstring path;
 };
 
