@@ -7,6 +7,8 @@
 #include "host/AnsiText.h"
 #include "host/DefaultCallBack.h"
 #include "host/EntryGuard.h"
+#include "host/FireObject.h"
+#include "host/Handler.h"
 #include "host/HostSubCall.h"
 #include "host/LibraryLifetime.h"
 #include "host/MacroKeywords.h"
@@ -963,12 +965,48 @@ HRESULT __stdcall CodeUnit::get_EvaluateObject(BSTR expression, short depth, IDi
     });
 }
 
+// ---- Calls from the host's events ----
+
+// A new fire object; it does not touch the engine's state until it is called.
+HRESULT __stdcall CodeUnit::get_Fire(VARIANT_BOOL debugging, IDispatch** result)
+{
+    if (!result)
+        return E_POINTER;
+    *result = FireObject::Create(*this, debugging != VARIANT_FALSE);
+    return *result ? S_OK : E_OUTOFMEMORY;
+}
+
+// A handler for the prototype; null (with a trace line) when the prototype does not parse or names a
+// module that exists already.
+HRESULT __stdcall CodeUnit::CreateHandler(BSTR prototype, IDispatch** result)
+{
+    if (!result)
+        return E_POINTER;
+    *result = nullptr;
+    return Entered([&] {
+        if (m_context->IsCompiling())
+            return E_FAIL;
+        std::optional<HandlerPrototype> parsed = ParseHandlerPrototype(AnsiFromWide(Text(prototype)));
+        TraceEntry(L"CreateHandler", parsed ? WideFromAnsi(parsed->module) : std::wstring());
+        m_context->Trace(TraceKind::Detail, Text(prototype));
+        if (parsed && !parsed->module.empty() && m_context->Modules().FindLoadedModule(parsed->module)) {
+            m_context->Trace(TraceKind::Detail, L"Module specific handler not allowed for a module that already exists.");
+            parsed.reset();
+        }
+        if (parsed)
+            *result = Handler::Create(*this, std::move(*parsed));
+        wchar_t address[32];
+        swprintf(address, 32, L"Result=0x%lx", static_cast<unsigned long>(reinterpret_cast<uintptr_t>(*result)));
+        m_context->Trace(TraceKind::Result, address);
+        m_context->Trace(TraceKind::Exit, L"");
+        return S_OK;
+    });
+}
+
 // ---- Members that arrive with later parts of the engine ----
 
 // FIXME: each answers E_NOTIMPL until its subsystem exists (README lists them).
 
-HRESULT __stdcall CodeUnit::get_Fire(VARIANT_BOOL, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::CreateHandler(BSTR, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 HRESULT __stdcall CodeUnit::CreateHandlers(BSTR, IDispatch*, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
 
 } // namespace brannoc

@@ -81,6 +81,7 @@ public:
     unsigned long UntrappedErrorCount() const { return m_untrappedErrors; }
     bool IsBusy() const { return m_compiling || m_reportingError; }
     void SetCompiling(bool on) { m_compiling = on; }
+    bool IsCompiling() const { return m_compiling; }
 
     unsigned char TraceByte(int which) const { return m_trace[which]; }
     bool ApiTraceOn() const { return (m_trace[0] & 0x40) != 0; }
