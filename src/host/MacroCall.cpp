@@ -65,6 +65,22 @@ private:
     std::vector<std::unique_ptr<HostArgument>> m_held;
 };
 
+// A halt that the host asked for while calls into macros were in progress.
+void CarryOutDeferredHalt(EngineContext& context)
+{
+    switch (context.TakeDeferredHalt()) {
+    case 1:
+        (void)context.Control(EngineContext::kActionHalt, 0);
+        break;
+    case 2:
+    case 3:
+        (void)context.Control(EngineContext::kActionEndAll, 0);
+        break;
+    default:
+        break;
+    }
+}
+
 } // namespace
 
 HRESULT ExceptionForError(long number, EXCEPINFO* exception)
@@ -108,9 +124,9 @@ HRESULT CallMacroProcedure(EngineContext& context, const MacroCallTarget& target
     const bool wasIdle =
         machine.ExecutionMarker() == 0 && context.Control(EngineContext::kActionQuietQuery, 0) == RunState::Idle;
     Variant returned;
-    machine.EnterHostCall();
+    context.EnterHostCall();
     const bool finished = context.Modules().RunNested(*procedure.code, *target.instance, push, &returned);
-    machine.LeaveHostCall();
+    context.LeaveHostCall();
     if (wasIdle) {
         // The stop that an untrapped error requested has nothing left to stop.
         if (context.Control(EngineContext::kActionQuietQuery, 0) != RunState::Idle)
@@ -118,6 +134,8 @@ HRESULT CallMacroProcedure(EngineContext& context, const MacroCallTarget& target
         else
             machine.UnwindAll();
     }
+    if (context.HostCallDepth() == 0)
+        CarryOutDeferredHalt(context);
     fixed.WriteBack();
     rest.WriteBack();
     if (finished && context.UntrappedErrorCount() == errorsBefore) {

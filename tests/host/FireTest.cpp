@@ -26,6 +26,10 @@ const wchar_t kMacro[] = L"Sub Main\r\n"
                          L"Sub Bump(ByRef v, Optional step = 1)\r\n"
                          L"    v = v + step\r\n"
                          L"End Sub\r\n"
+                         L"Sub Twice\r\n"
+                         L"    Debug.Print \"first\"\r\n"
+                         L"    Debug.Print \"second\"\r\n"
+                         L"End Sub\r\n"
                          L"Sub Fails\r\n"
                          L"    Err.Raise 1001, \"Ledger\", \"No such account\"\r\n"
                          L"End Sub\r\n";
@@ -55,6 +59,24 @@ protected:
         Variant value;
         EXPECT_TRUE(Read(5, value));
         return value.Tag() == VT_BOOL && value.Raw().boolVal == VARIANT_TRUE;
+    }
+
+    // Starts a macro that stops at a breakpoint on its second statement.
+    void StopAtBreakpoint()
+    {
+        engine.callBack.macros[L"job"] = L"Sub Main\r\n    Debug.Print \"job\"\r\n    Debug.Print \"job end\"\r\nEnd Sub\r\n";
+        BSTR name = SysAllocString(L"job");
+        VARIANT_BOOL done = VARIANT_FALSE;
+        ASSERT_EQ(S_OK, engine.unit->Start(name, &done));
+        ASSERT_EQ(VARIANT_TRUE, done);
+        ASSERT_EQ(S_OK, engine.unit->ToggleBreak(name, 3, &done));
+        SysFreeString(name);
+        ASSERT_EQ(VARIANT_TRUE, done);
+        engine.unit->Run(0, &done);
+        VARIANT_BOOL stopped = VARIANT_FALSE;
+        engine.unit->get_IsStopped(&stopped);
+        ASSERT_EQ(VARIANT_TRUE, stopped);
+        engine.callBack.printed.clear();
     }
 
     MacroEngine engine;
@@ -224,4 +246,41 @@ TEST_F(FireTest, TheCuFireFunctionsCallTheMembers)
     EXPECT_EQ(L"OA_Invoke Error", boxes[0].caption);
     EXPECT_EQ(L"Sub/Function does not exist.", boxes[0].text);
     OA_Release(wrapped);
+}
+
+TEST_F(FireTest, HaltAllAskedForInsideACallIsCarriedOutWhenTheCallReturns)
+{
+    StopAtBreakpoint();
+    VARIANT_BOOL haltAnswer = VARIANT_TRUE;
+    bool asked = false;
+    engine.callBack.onDebugPrint = [&](IDispatch*) {
+        if (!std::exchange(asked, true))
+            engine.unit->HaltAll(&haltAnswer);
+    };
+    LateCall call;
+    ASSERT_EQ(S_OK, call.Text(L"Twice").Invoke(fire, 2));
+    EXPECT_EQ(VARIANT_FALSE, haltAnswer) << "deferred, not carried out inside the call";
+    EXPECT_EQ(L"\"first\"\r\n\"second\"\r\n", engine.callBack.AllPrinted()) << "the call ran to its end";
+    EXPECT_TRUE(engine.IsIdle()) << "the stopped macro ended when the call returned";
+}
+
+TEST_F(FireTest, ADebuggingFireDoesNotInterruptAPausedEngine)
+{
+    StopAtBreakpoint();
+    IDispatch* debugging = nullptr;
+    ASSERT_EQ(S_OK, engine.unit->get_Fire(VARIANT_TRUE, &debugging));
+    LateCall call;
+    EXPECT_EQ(DISP_E_EXCEPTION, call.Text(L"Twice").Invoke(debugging, 2));
+    EXPECT_EQ(10201, call.exception.wCode);
+    EXPECT_EQ(L"Basic is busy and can't provide the requested service.", call.Description());
+    debugging->Release();
+    EXPECT_EQ(L"", engine.callBack.AllPrinted());
+
+    // A plain fire object calls into the stopped engine; the macro stays stopped.
+    LateCall plain;
+    ASSERT_EQ(S_OK, plain.Text(L"Twice").Invoke(fire, 2));
+    EXPECT_EQ(L"\"first\"\r\n\"second\"\r\n", engine.callBack.AllPrinted());
+    VARIANT_BOOL stopped = VARIANT_FALSE;
+    engine.unit->get_IsStopped(&stopped);
+    EXPECT_EQ(VARIANT_TRUE, stopped);
 }
