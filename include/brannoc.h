@@ -494,6 +494,26 @@ BRANNOC_API BSTR __stdcall CU_ExtensionTypeName(void* unit, LONG index);
 BRANNOC_API BSTR __stdcall CU_ExtensionTypeNameEx(void* unit, LPCSTR macroName, LONG index);
 BRANNOC_API BSTR __stdcall CU_ExtensionTypes(void* unit, LPCSTR macroName, VARIANT* types);
 
+/* Fire objects and handlers. CU_Fire gives a fire object (its Call and Eval take the procedure's name
+ * first, then its arguments). The other functions call the fire object, handler or handler collection
+ * late bound; with an error record (OA_ERROR) given, a failure shows nothing and fills the record. */
+BRANNOC_API IDispatch* __stdcall CU_Fire(void* unit, BOOL debugging);
+BRANNOC_API BOOL __stdcall CU_FireBusy(IDispatch* fire);
+BRANNOC_API BOOL __stdcall CU_FireCall(IDispatch* fire, OA_ARG* list);
+BRANNOC_API BOOL __stdcall CU_FireEval(IDispatch* fire, OA_ARG* list);
+BRANNOC_API BOOL __stdcall CU_FireResult(IDispatch* fire, VARIANT* result);
+BRANNOC_API BOOL __stdcall CU_FireSucceeded(IDispatch* fire);
+BRANNOC_API BOOL __stdcall CU_HandlerExists(IDispatch* handler);
+BRANNOC_API BOOL __stdcall CU_HandlerCall(IDispatch* handler, OA_ARG* list, OA_ERROR* error);
+BRANNOC_API BOOL __stdcall CU_HandlerEvaluate(IDispatch* handler, OA_ARG* list, OA_ERROR* error, VARIANT* result);
+BRANNOC_API BOOL __stdcall CU_HandlerStart(IDispatch* handler, OA_ARG* list, OA_ERROR* error);
+BRANNOC_API BOOL __stdcall CU_HandlerStepInto(IDispatch* handler);
+BRANNOC_API void __stdcall CU_HandlerStepIntoPut(IDispatch* handler, BOOL on);
+BRANNOC_API BSTR __stdcall CU_HandlerPrototype(IDispatch* handler);
+BRANNOC_API BSTR __stdcall CU_HandlerProcName(IDispatch* handler);
+BRANNOC_API BOOL __stdcall CU_HandlerIsModuleLoaded(IDispatch* handler);
+BRANNOC_API IDispatch* __stdcall CU_HandlersItem(IDispatch* handlers, LPCSTR name);
+
 #ifdef __cplusplus
 }
 #endif

@@ -8,6 +8,10 @@
 #include "host/AnsiText.h"
 #include "host/DefaultCallBack.h"
 #include "host/EntryGuard.h"
+#include "host/FireObject.h"
+#include "host/EventSource.h"
+#include "host/Handler.h"
+#include "host/HandlerCollection.h"
 #include "host/HostSubCall.h"
 #include "host/LibraryLifetime.h"
 #include "host/MacroKeywords.h"
@@ -245,10 +249,18 @@ void CodeUnit::TraceResult(bool result)
 // ---- Execution control ----
 
 HRESULT CodeUnit::ControlMethod(const wchar_t* operation, const std::wstring& argument, int request, long value,
-                                RunState wanted, VARIANT_BOOL* result)
+                                RunState wanted, VARIANT_BOOL* result, int haltKind)
 {
     return Entered([&] {
         TraceEntry(operation, argument);
+        if (haltKind != 0 && m_context->HostCallDepth() > 0) {
+            // Carried out when the last host call into a macro returns.
+            m_context->DeferHalt(haltKind);
+            TraceResult(false);
+            if (result)
+                *result = VARIANT_FALSE;
+            return S_OK;
+        }
         bool outcome = m_context->Control(request, value) == wanted;
         TraceResult(outcome);
         if (result)
@@ -281,17 +293,17 @@ HRESULT __stdcall CodeUnit::Stop(VARIANT_BOOL* result)
 
 HRESULT __stdcall CodeUnit::Halt(VARIANT_BOOL* result)
 {
-    return ControlMethod(L"Halt", L"", EngineContext::kActionHalt, 0, RunState::Stopped, result);
+    return ControlMethod(L"Halt", L"", EngineContext::kActionHalt, 0, RunState::Stopped, result, 1);
 }
 
 HRESULT __stdcall CodeUnit::HaltAll(VARIANT_BOOL* result)
 {
-    return ControlMethod(L"End", L"", EngineContext::kActionEndAll, 0, RunState::Idle, result);
+    return ControlMethod(L"End", L"", EngineContext::kActionEndAll, 0, RunState::Idle, result, 2);
 }
 
 HRESULT __stdcall CodeUnit::Shutdown(VARIANT_BOOL* result)
 {
-    return ControlMethod(L"Shutdown", L"", EngineContext::kActionEndAll, 0, RunState::Idle, result);
+    return ControlMethod(L"Shutdown", L"", EngineContext::kActionEndAll, 0, RunState::Idle, result, 3);
 }
 
 // ---- State queries ----
@@ -1004,12 +1016,111 @@ HRESULT __stdcall CodeUnit::get_EvaluateObject(BSTR expression, short depth, IDi
     });
 }
 
-// ---- Members that arrive with later parts of the engine ----
+// ---- Calls from the host's events ----
 
-// FIXME: each answers E_NOTIMPL until its subsystem exists (README lists them).
+// A new fire object; it does not touch the engine's state until it is called.
+HRESULT __stdcall CodeUnit::get_Fire(VARIANT_BOOL debugging, IDispatch** result)
+{
+    if (!result)
+        return E_POINTER;
+    *result = FireObject::Create(*this, debugging != VARIANT_FALSE);
+    return *result ? S_OK : E_OUTOFMEMORY;
+}
 
-HRESULT __stdcall CodeUnit::get_Fire(VARIANT_BOOL, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::CreateHandler(BSTR, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
-HRESULT __stdcall CodeUnit::CreateHandlers(BSTR, IDispatch*, IDispatch** result) { if (result) *result = nullptr; return E_NOTIMPL; }
+// A handler for the prototype; null (with a trace line) when the prototype does not parse or names a
+// module that exists already.
+HRESULT __stdcall CodeUnit::CreateHandler(BSTR prototype, IDispatch** result)
+{
+    if (!result)
+        return E_POINTER;
+    *result = nullptr;
+    return Entered([&] {
+        if (m_context->IsCompiling())
+            return E_FAIL;
+        std::optional<HandlerPrototype> parsed = ParseHandlerPrototype(AnsiFromWide(Text(prototype)));
+        TraceEntry(L"CreateHandler", parsed ? WideFromAnsi(parsed->module) : std::wstring());
+        m_context->Trace(TraceKind::Detail, Text(prototype));
+        if (parsed && !parsed->module.empty() && m_context->Modules().FindLoadedModule(parsed->module)) {
+            m_context->Trace(TraceKind::Detail, L"Module specific handler not allowed for a module that already exists.");
+            parsed.reset();
+        }
+        if (parsed)
+            *result = Handler::Create(*this, std::move(*parsed));
+        wchar_t address[32];
+        swprintf(address, 32, L"Result=0x%lx", static_cast<unsigned long>(reinterpret_cast<uintptr_t>(*result)));
+        m_context->Trace(TraceKind::Result, address);
+        m_context->Trace(TraceKind::Exit, L"");
+        return S_OK;
+    });
+}
+
+// The vtable half of the type library's _Handlers interface, which handler collections dispatch through.
+ComRef<ITypeInfo> CodeUnit::HandlersInterface()
+{
+    ComRef<ITypeLib> library;
+    UINT index = 0;
+    ComRef<ITypeInfo> dispatchType;
+    if (FAILED(m_classType->GetContainingTypeLib(library.Out(), &index)) ||
+        FAILED(library->GetTypeInfoOfGuid(IID__Handlers, dispatchType.Out())))
+        return {};
+    HREFTYPE href = 0;
+    ComRef<ITypeInfo> vtableType;
+    if (SUCCEEDED(dispatchType->GetRefTypeOfImplType(static_cast<UINT>(-1), &href)))
+        dispatchType->GetRefTypeInfo(href, vtableType.Out());
+    return vtableType ? vtableType : dispatchType;
+}
+
+// One handler per event of the object's default source interface, each for prefix + "_" + the event.
+HRESULT __stdcall CodeUnit::CreateHandlers(BSTR prefix, IDispatch* eventObject, IDispatch** result)
+{
+    if (!result)
+        return E_POINTER;
+    *result = nullptr;
+    return Entered([&] {
+        if (m_context->IsCompiling())
+            return E_FAIL;
+        const std::wstring prefixText = Text(prefix);
+        TraceEntry(L"CreateHandlers", prefixText);
+        ComRef<ITypeInfo> source;
+        const SourceLookup lookup = FindDefaultSource(eventObject, source);
+        if (lookup == SourceLookup::NoTypeInfo) {
+            m_context->Trace(TraceKind::Exit, L"");
+            return E_NOINTERFACE;
+        }
+        if (lookup == SourceLookup::NoSource)
+            m_context->Trace(TraceKind::Detail, L"No source type info.");
+        if (source) {
+            m_context->Trace(TraceKind::Detail, L"Source.TypeInfo.Name=" + TypeInfoName(source.Get()));
+            if (lookup == SourceLookup::NotDispatch)
+                m_context->Trace(TraceKind::Detail, L"Unknown or invalid type.");
+        }
+        ComRef<ITypeInfo> collectionType = HandlersInterface();
+        if (lookup == SourceLookup::Found && collectionType) {
+            // An event whose declaration the language cannot take (more than 31 parameters) gets no handler.
+            std::vector<HandlerCollection::Entry> handlers;
+            bool madeAll = true;
+            for (EventPrototype& event : EventPrototypes(source.Get(), AnsiFromWide(prefixText))) {
+                std::optional<HandlerPrototype> parsed = ParseHandlerPrototype(event.declaration);
+                if (!parsed)
+                    continue;
+                Handler* handler = Handler::Create(*this, std::move(*parsed));
+                madeAll = madeAll && handler;
+                if (handler)
+                    handlers.push_back(HandlerCollection::Entry{event.event, handler});
+            }
+            if (madeAll)
+                *result = HandlerCollection::Create(collectionType.Get(), eventObject, source.Get(), handlers);
+            if (!*result) {
+                for (HandlerCollection::Entry& entry : handlers)
+                    entry.handler->Release();
+            }
+        }
+        wchar_t address[32];
+        swprintf(address, 32, L"Result=0x%lx", static_cast<unsigned long>(reinterpret_cast<uintptr_t>(*result)));
+        m_context->Trace(TraceKind::Result, address);
+        m_context->Trace(TraceKind::Exit, L"");
+        return S_OK;
+    });
+}
 
 } // namespace brannoc

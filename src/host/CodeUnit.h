@@ -127,8 +127,9 @@ private:
     template <typename Work>
     HRESULT Entered(Work&& work);
     // A control request whose result is true when the state afterwards is `wanted`.
+    // A halt kind (1 Halt, 2 HaltAll, 3 Shutdown) is deferred while host calls into macros are in progress.
     HRESULT ControlMethod(const wchar_t* operation, const std::wstring& argument, int request, long value,
-                          RunState wanted, VARIANT_BOOL* result);
+                          RunState wanted, VARIANT_BOOL* result, int haltKind = 0);
     // Call0 ... Call5: the Sub's name and count host arguments.
     HRESULT CallSub(BSTR subName, VARIANT* const* arguments, int count, VARIANT_BOOL* result);
     void TraceEntry(const wchar_t* operation, const std::wstring& argument);
@@ -141,6 +142,7 @@ private:
     void Link();
     void Unlink();
     IDispatch* DefaultCallBackObject();
+    ComRef<ITypeInfo> HandlersInterface();
 
     unsigned long m_identifier;
     unsigned long m_references = 1;

@@ -299,6 +299,15 @@ IDispatch* __stdcall CU_Macro(void* unit, LPCSTR macroName, BOOL createNew)
     });
 }
 
+IDispatch* __stdcall CU_Fire(void* unit, BOOL debugging)
+{
+    return AtExportBoundary<IDispatch*>(nullptr, [&] {
+        return CallMember<IDispatch*>(unit, L"get_Fire", [&](_CodeUnit* u, IDispatch** r) {
+            return u->get_Fire(debugging ? VARIANT_TRUE : VARIANT_FALSE, r);
+        });
+    });
+}
+
 void __stdcall CU_SetCallBack(void* unit, IDispatch* callBack)
 {
     AtExportBoundary([&] { CallPut(unit, L"SetCallBack", [&](_CodeUnit* u) { return u->SetCallBack(callBack); }); });

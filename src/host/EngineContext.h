@@ -14,6 +14,7 @@
 #include <bitset>
 #include <functional>
 #include <string>
+#include <utility>
 
 namespace brannoc {
 
@@ -81,6 +82,24 @@ public:
     unsigned long UntrappedErrorCount() const { return m_untrappedErrors; }
     bool IsBusy() const { return m_compiling || m_reportingError; }
     void SetCompiling(bool on) { m_compiling = on; }
+    bool IsCompiling() const { return m_compiling; }
+
+    // Host calls into macros in progress on this object (fire objects, handlers, event sinks).
+    int HostCallDepth() const { return m_hostCallDepth; }
+    void EnterHostCall()
+    {
+        ++m_hostCallDepth;
+        m_interpreter.EnterHostCall();
+    }
+    void LeaveHostCall()
+    {
+        --m_hostCallDepth;
+        m_interpreter.LeaveHostCall();
+    }
+    // A Halt (1), HaltAll (2) or Shutdown (3) asked for while host calls are in progress: remembered
+    // and carried out when the last of them returns. Answers the kind taken (0: none was pending).
+    void DeferHalt(int kind) { m_deferredHalt = kind; }
+    int TakeDeferredHalt() { return std::exchange(m_deferredHalt, 0); }
 
     unsigned char TraceByte(int which) const { return m_trace[which]; }
     bool ApiTraceOn() const { return (m_trace[0] & 0x40) != 0; }
@@ -161,6 +180,8 @@ private:
     bool m_compiling = false;
     bool m_reportingError = false;
     bool m_stepIntoHostCall = false;
+    int m_hostCallDepth = 0;
+    int m_deferredHalt = 0;
     int m_pendingNotification = -1;
     unsigned char m_trace[3] = {0, 0, 1};
     ErrorLocation m_errorReport;

@@ -403,13 +403,13 @@ void ModuleManager::RunQueuedStart()
 
 namespace {
 
-Procedure* CallableSub(const Module& module, std::string_view name)
+Procedure* CallableProcedure(const Module& module, std::string_view name, ProcedureKind kind)
 {
     const CompiledModule* compiled = module.Compiled();
     if (!compiled)
         return nullptr;
     for (const auto& procedure : compiled->procedures) {
-        if (procedure->kind == ProcedureKind::Sub && procedure->visibility != Visibility::Private &&
+        if (procedure->kind == kind && procedure->visibility != Visibility::Private &&
             procedure->code && SameName(procedure->name, name))
             return procedure.get();
     }
@@ -419,6 +419,12 @@ Procedure* CallableSub(const Module& module, std::string_view name)
 } // namespace
 
 bool ModuleManager::FindHostSub(const std::string& name, Procedure*& procedure, ModuleInstance*& instance)
+{
+    return FindHostProcedure(name, ProcedureKind::Sub, procedure, instance);
+}
+
+bool ModuleManager::FindHostProcedure(const std::string& name, ProcedureKind kind, Procedure*& procedure,
+                                      ModuleInstance*& instance)
 {
     const std::size_t dot = name.rfind('.');
     const std::string_view moduleName = dot == std::string::npos ? std::string_view() : std::string_view(name).substr(0, dot);
@@ -434,7 +440,7 @@ bool ModuleManager::FindHostSub(const std::string& name, Procedure*& procedure, 
         for (Module* module : loaded->reach) {
             if (module->Kind() != ModuleKind::Plain || (!moduleName.empty() && !SameName(module->Name(), moduleName)))
                 continue;
-            procedure = CallableSub(*module, subName);
+            procedure = CallableProcedure(*module, subName, kind);
             if (!procedure)
                 continue;
             if (!loaded->holdsInstances) {

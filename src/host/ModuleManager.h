@@ -89,6 +89,9 @@ public:
     // macro, else of the loaded macros (newest first), or of a module they use; "Module.Sub" names the
     // module. The module's default instance is made first when it has none. False when there is none.
     bool FindHostSub(const std::string& name, Procedure*& procedure, ModuleInstance*& instance);
+    // The same search for a procedure of the given kind (a Sub or a Function).
+    bool FindHostProcedure(const std::string& name, ProcedureKind kind, Procedure*& procedure,
+                           ModuleInstance*& instance);
 
     // The loaded top-level modules in load order; empty past the end.
     std::string LoadedName(std::size_t index) const;

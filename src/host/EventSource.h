@@ -1,0 +1,27 @@
+#pragma once
+// The events of an event-source object: its default source interface (through its class information)
+// and, for each event, the declaration of the procedure that handles it.
+#include "host/ComRef.h"
+#include <oaidl.h>
+#include <string>
+#include <vector>
+
+namespace brannoc {
+
+enum class SourceLookup { Found, NoTypeInfo, NoSource, NotDispatch };
+
+// The default source interface of object (a dispatch interface) into source.
+SourceLookup FindDefaultSource(IDispatch* object, ComRef<ITypeInfo>& source);
+
+struct EventPrototype {
+    std::wstring event;
+    std::string declaration; // "Sub prefix_Event(ByVal x As Integer, ...)"
+};
+
+// One declaration per event of the source interface that is not restricted, in interface order.
+std::vector<EventPrototype> EventPrototypes(ITypeInfo* source, const std::string& prefix);
+
+// The name of a type library type (ITypeInfo::GetDocumentation).
+std::wstring TypeInfoName(ITypeInfo* type);
+
+} // namespace brannoc

@@ -1,0 +1,324 @@
+#include "host/Handler.h"
+
+#include "exec/ErrorMessages.h"
+#include "frontend/Module.h"
+#include "frontend/Symbols.h"
+#include "host/AnsiText.h"
+#include "host/CodeUnit.h"
+#include "host/EntryGuard.h"
+#include "host/MemoryReserve.h"
+#include "values/Variant.h"
+
+#include <deque>
+#include <new>
+
+namespace brannoc {
+namespace {
+
+struct MemberName {
+    const wchar_t* name;
+    DISPID id;
+};
+constexpr MemberName kMembers[] = {
+    {L"Exists", Handler::kExists},         {L"Call", Handler::kCall},
+    {L"Evaluate", Handler::kEvaluate},     {L"Start", Handler::kStart},
+    {L"StepInto", Handler::kStepInto},     {L"CallPA", Handler::kCallPA},
+    {L"EvaluatePA", Handler::kEvaluatePA}, {L"StartPA", Handler::kStartPA},
+    {L"Prototype", Handler::kPrototype},   {L"ProcName", Handler::kProcName},
+    {L"IsModuleLoaded", Handler::kIsModuleLoaded}};
+
+void SetBool(VARIANT* result, bool value)
+{
+    VariantInit(result);
+    result->vt = VT_BOOL;
+    result->boolVal = value ? VARIANT_TRUE : VARIANT_FALSE;
+}
+
+HRESULT SetText(VARIANT* result, const std::wstring& text)
+{
+    VariantInit(result);
+    result->bstrVal = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
+    if (!result->bstrVal)
+        return E_OUTOFMEMORY;
+    result->vt = VT_BSTR;
+    return S_OK;
+}
+
+// The arguments of CallPA and EvaluatePA: the elements of a one-dimensional array of Variants. An
+// element that is itself a reference passes a copy of what it refers to; the others pass a reference
+// to the element, so that the procedure's assignments land in the array.
+class ArrayArguments {
+public:
+    ~ArrayArguments()
+    {
+        if (m_array)
+            SafeArrayUnaccessData(m_array);
+    }
+    HRESULT Open(VARIANT& given)
+    {
+        const VARIANT* value = FollowByRefChain(&given);
+        SAFEARRAY* array = nullptr;
+        if (value->vt == (VT_ARRAY | VT_VARIANT))
+            array = value->parray;
+        else if (value->vt == (VT_BYREF | VT_ARRAY | VT_VARIANT))
+            array = value->pparray ? *value->pparray : nullptr;
+        else
+            return DISP_E_TYPEMISMATCH;
+        if (!array)
+            return S_OK;
+        if (SafeArrayGetDim(array) != 1)
+            return DISP_E_TYPEMISMATCH;
+        VARIANT* elements = nullptr;
+        if (FAILED(SafeArrayAccessData(array, reinterpret_cast<void**>(&elements))))
+            return E_INVALIDARG;
+        m_array = array;
+        const ULONG count = array->rgsabound[0].cElements;
+        for (ULONG i = 0; i < count; ++i) {
+            VARIANT& element = elements[i];
+            m_slots.emplace_back();
+            VARIANT& slot = m_slots.back().Raw();
+            if (element.vt & VT_BYREF) {
+                if (!m_slots.back().CopyIndirectFrom(element))
+                    return E_OUTOFMEMORY;
+            } else {
+                slot.vt = VT_BYREF | VT_VARIANT;
+                slot.pvarVal = &element;
+            }
+            m_given.positional.push_back(&slot);
+        }
+        return S_OK;
+    }
+    const GivenArguments& Given() const { return m_given; }
+
+private:
+    SAFEARRAY* m_array = nullptr;
+    std::deque<Variant> m_slots;
+    GivenArguments m_given;
+};
+
+} // namespace
+
+Handler* Handler::Create(CodeUnit& engine, HandlerPrototype prototype)
+{
+    return new (std::nothrow) Handler(engine, std::move(prototype));
+}
+
+Handler::Handler(CodeUnit& engine, HandlerPrototype prototype) : m_engine(engine), m_prototype(std::move(prototype))
+{
+    m_engine.AddRef();
+}
+
+Handler::~Handler() { m_engine.Release(); }
+
+HRESULT __stdcall Handler::QueryInterface(REFIID id, void** object)
+{
+    if (!object)
+        return E_POINTER;
+    if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch)) {
+        *object = static_cast<IDispatch*>(this);
+        AddRef();
+        return S_OK;
+    }
+    *object = nullptr;
+    return E_NOINTERFACE;
+}
+
+ULONG __stdcall Handler::AddRef() { return static_cast<ULONG>(InterlockedIncrement(&m_references)); }
+
+ULONG __stdcall Handler::Release()
+{
+    const LONG remaining = InterlockedDecrement(&m_references);
+    if (remaining == 0) {
+        EngineLock::Acquire();
+        delete this;
+        EngineLock::Release();
+    }
+    return static_cast<ULONG>(remaining);
+}
+
+HRESULT __stdcall Handler::GetTypeInfoCount(UINT* count)
+{
+    if (count)
+        *count = 0;
+    return E_NOTIMPL;
+}
+
+HRESULT __stdcall Handler::GetTypeInfo(UINT, LCID, ITypeInfo** info)
+{
+    if (info)
+        *info = nullptr;
+    return E_NOTIMPL;
+}
+
+// Names compare with case.
+HRESULT __stdcall Handler::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids)
+{
+    if (count == 0 || !names || !ids)
+        return E_INVALIDARG;
+    HRESULT outcome = S_OK;
+    for (UINT i = 0; i < count; ++i)
+        ids[i] = DISPID_UNKNOWN;
+    for (const MemberName& member : kMembers) {
+        if (names[0] && wcscmp(names[0], member.name) == 0)
+            ids[0] = member.id;
+    }
+    if (ids[0] == DISPID_UNKNOWN)
+        outcome = DISP_E_UNKNOWNNAME;
+    return count > 1 ? DISP_E_UNKNOWNNAME : outcome;
+}
+
+std::string Handler::QualifiedName() const
+{
+    return m_prototype.module.empty() ? m_prototype.name : m_prototype.module + "." + m_prototype.name;
+}
+
+bool Handler::Bind(MacroCallTarget& target)
+{
+    return m_engine.Context().Modules().FindHostProcedure(
+        QualifiedName(), m_prototype.isFunction ? ProcedureKind::Function : ProcedureKind::Sub, target.procedure,
+        target.instance);
+}
+
+std::wstring Handler::ProcName()
+{
+    std::string module = m_prototype.module;
+    MacroCallTarget target;
+    if (module.empty() && Bind(target) && target.procedure->code) {
+        if (const Module* owner = m_engine.Context().Modules().ModuleOf(*target.procedure->code))
+            module = owner->Name();
+    }
+    return WideFromAnsi(module + "|" + m_prototype.name);
+}
+
+HRESULT __stdcall Handler::Invoke(DISPID member, REFIID id, LCID, WORD flags, DISPPARAMS* parameters,
+                                  VARIANT* result, EXCEPINFO* exception, UINT* argumentError)
+{
+    if (!IsEqualIID(id, IID_NULL))
+        return DISP_E_UNKNOWNINTERFACE;
+    if (argumentError)
+        *argumentError = static_cast<UINT>(-1);
+    static DISPPARAMS none{nullptr, nullptr, 0, 0};
+    const DISPPARAMS& given = parameters ? *parameters : none;
+    switch (member) {
+    case kStepInto:
+        if (given.cArgs == 1)
+            return PutStepInto(flags, given);
+        [[fallthrough]];
+    case kExists:
+    case kPrototype:
+    case kProcName:
+    case kIsModuleLoaded:
+        return Describe(member, flags, given, result);
+    case kCall:
+    case kEvaluate:
+    case kCallPA:
+    case kEvaluatePA:
+        return Call(member, flags, given, result, exception, argumentError);
+    default:
+        return DISP_E_MEMBERNOTFOUND;
+    }
+}
+
+HRESULT Handler::Describe(DISPID member, WORD flags, const DISPPARAMS& parameters, VARIANT* result)
+{
+    if (!result)
+        return DISP_E_TYPEMISMATCH;
+    if (parameters.cArgs != 0)
+        return DISP_E_BADPARAMCOUNT;
+    if (!(flags & (DISPATCH_METHOD | DISPATCH_PROPERTYGET)))
+        return DISP_E_TYPEMISMATCH;
+    try {
+        EntryGuard guard(m_engine.Context());
+        EngineContext& context = m_engine.Context();
+        switch (member) {
+        case kExists: {
+            MacroCallTarget target;
+            SetBool(result, Bind(target));
+            return S_OK;
+        }
+        case kStepInto:
+            SetBool(result, m_stepInto);
+            return S_OK;
+        case kPrototype:
+            return SetText(result, WideFromAnsi(m_prototype.canonical));
+        case kProcName:
+            return SetText(result, ProcName());
+        default:
+            SetBool(result, m_prototype.module.empty()
+                                ? context.Control(EngineContext::kActionQuietQuery, 0) != RunState::Idle
+                                : context.Modules().FindLoadedModule(m_prototype.module) != nullptr);
+            return S_OK;
+        }
+    } catch (const std::bad_alloc&) {
+        MemoryReserve::ReportOnce();
+        return E_OUTOFMEMORY;
+    }
+}
+
+HRESULT Handler::PutStepInto(WORD flags, const DISPPARAMS& parameters)
+{
+    if (!(flags & DISPATCH_PROPERTYPUT))
+        return DISP_E_TYPEMISMATCH;
+    Variant on;
+    const HRESULT converted = VariantChangeType(&on.Raw(), FollowByRefChain(&parameters.rgvarg[0]), 0, VT_BOOL);
+    if (FAILED(converted))
+        return converted;
+    m_stepInto = on.Raw().boolVal != VARIANT_FALSE;
+    return S_OK;
+}
+
+HRESULT Handler::Call(DISPID member, WORD flags, const DISPPARAMS& parameters, VARIANT* result, EXCEPINFO* exception,
+                      UINT* argumentError)
+{
+    const bool evaluate = member == kEvaluate || member == kEvaluatePA;
+    if (evaluate ? !result : result != nullptr)
+        return DISP_E_TYPEMISMATCH;
+    if (!(flags & DISPATCH_METHOD))
+        return DISP_E_TYPEMISMATCH;
+    if (MemoryReserve::IsExhausted())
+        return E_OUTOFMEMORY;
+    if (member == kCall || member == kEvaluate)
+        return CallWith(GivenArguments::FromDispParams(parameters), result, exception, argumentError);
+    if (parameters.cArgs != 1)
+        return DISP_E_BADPARAMCOUNT;
+    ArrayArguments array;
+    const HRESULT opened = array.Open(parameters.rgvarg[0]);
+    if (FAILED(opened))
+        return opened;
+    return CallWith(array.Given(), result, exception, argumentError);
+}
+
+HRESULT Handler::CallWith(const GivenArguments& given, VARIANT* result, EXCEPINFO* exception, UINT* argumentError)
+{
+    // Held for the call: the procedure may drop the host's last reference.
+    AddRef();
+    HRESULT outcome = E_OUTOFMEMORY;
+    try {
+        EngineContext& context = m_engine.Context();
+        EntryGuard guard(context);
+        MacroCallTarget target;
+        if (IsHaltedForGood()) {
+            outcome = ExceptionForError(ToNumber(ErrorId::HaltedForGood), exception);
+        } else if (!Bind(target)) {
+            outcome = DISP_E_UNKNOWNNAME;
+        } else {
+            MatchedArguments matched;
+            outcome = MatchArguments(*target.procedure, given, matched, argumentError);
+            Variant value;
+            if (SUCCEEDED(outcome))
+                outcome = CallMacroProcedure(context, target, matched, result ? &value : nullptr, exception);
+            if (outcome == S_OK && result) {
+                VariantInit(result);
+                value.Detach(*result);
+            }
+            if (SUCCEEDED(outcome) && context.Control(EngineContext::kActionQuietQuery, 0) == RunState::Busy)
+                outcome = E_ABORT;
+        }
+    } catch (const std::bad_alloc&) {
+        MemoryReserve::ReportOnce();
+    }
+    Release();
+    return outcome;
+}
+
+} // namespace brannoc

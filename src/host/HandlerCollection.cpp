@@ -1,0 +1,138 @@
+#include "host/HandlerCollection.h"
+
+#include "brannoc.h"
+#include "automation/IndexedEnumerator.h"
+#include "host/EntryGuard.h"
+#include "host/Handler.h"
+
+#include <new>
+
+namespace brannoc {
+
+HandlerCollection* HandlerCollection::Create(ITypeInfo* interfaceType, IDispatch* eventObject, ITypeInfo* source,
+                                             std::vector<Entry> handlers)
+{
+    HandlerCollection* collection =
+        new (std::nothrow) HandlerCollection(interfaceType, eventObject, source, std::move(handlers));
+    return collection;
+}
+
+HandlerCollection::HandlerCollection(ITypeInfo* interfaceType, IDispatch* eventObject, ITypeInfo* source,
+                                     std::vector<Entry> handlers)
+    : m_interfaceType(ComRef<ITypeInfo>::Share(interfaceType)),
+      m_eventObject(ComRef<IDispatch>::Share(eventObject)),
+      m_source(ComRef<ITypeInfo>::Share(source)),
+      m_handlers(std::move(handlers))
+{
+}
+
+HandlerCollection::~HandlerCollection()
+{
+    for (Entry& entry : m_handlers)
+        entry.handler->Release();
+}
+
+HRESULT __stdcall HandlerCollection::QueryInterface(REFIID id, void** object)
+{
+    if (!object)
+        return E_POINTER;
+    if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch) || IsEqualIID(id, IID__Handlers)) {
+        *object = static_cast<IDispatch*>(this);
+        AddRef();
+        return S_OK;
+    }
+    *object = nullptr;
+    return E_NOINTERFACE;
+}
+
+ULONG __stdcall HandlerCollection::AddRef() { return static_cast<ULONG>(InterlockedIncrement(&m_references)); }
+
+ULONG __stdcall HandlerCollection::Release()
+{
+    const LONG remaining = InterlockedDecrement(&m_references);
+    if (remaining == 0) {
+        EngineLock::Acquire();
+        delete this;
+        EngineLock::Release();
+    }
+    return static_cast<ULONG>(remaining);
+}
+
+HRESULT __stdcall HandlerCollection::GetTypeInfoCount(UINT* count)
+{
+    if (!count)
+        return E_POINTER;
+    *count = 1;
+    return S_OK;
+}
+
+HRESULT __stdcall HandlerCollection::GetTypeInfo(UINT index, LCID, ITypeInfo** info)
+{
+    if (!info)
+        return E_POINTER;
+    *info = nullptr;
+    if (index != 0)
+        return DISP_E_BADINDEX;
+    *info = ComRef<ITypeInfo>::Share(m_interfaceType.Get()).Detach();
+    return S_OK;
+}
+
+HRESULT __stdcall HandlerCollection::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids)
+{
+    return DispGetIDsOfNames(m_interfaceType.Get(), names, count, ids);
+}
+
+HRESULT __stdcall HandlerCollection::Invoke(DISPID member, REFIID id, LCID, WORD flags, DISPPARAMS* parameters,
+                                            VARIANT* result, EXCEPINFO* exception, UINT* argumentError)
+{
+    if (!IsEqualIID(id, IID_NULL))
+        return DISP_E_UNKNOWNINTERFACE;
+    return DispInvoke(static_cast<IDispatch*>(this), m_interfaceType.Get(), member, flags, parameters, result,
+                      exception, argumentError);
+}
+
+HRESULT __stdcall HandlerCollection::get_Count(short* result)
+{
+    if (!result)
+        return E_POINTER;
+    *result = static_cast<short>(m_handlers.size());
+    return S_OK;
+}
+
+// By the event's name, without regard to case; DISP_E_MEMBERNOTFOUND for an unknown name.
+HRESULT __stdcall HandlerCollection::get_Item(BSTR name, IDispatch** result)
+{
+    if (!result)
+        return E_POINTER;
+    *result = nullptr;
+    for (const Entry& entry : m_handlers) {
+        if (name && _wcsicmp(entry.event.c_str(), name) == 0) {
+            entry.handler->AddRef();
+            *result = entry.handler;
+            return S_OK;
+        }
+    }
+    return DISP_E_MEMBERNOTFOUND;
+}
+
+BOOL __stdcall HandlerCollection::Element(IUnknown* data, LONG index, VARIANT* element)
+{
+    auto* collection = static_cast<HandlerCollection*>(static_cast<IDispatch*>(data));
+    if (index < 0 || static_cast<std::size_t>(index) >= collection->m_handlers.size())
+        return FALSE;
+    Handler* handler = collection->m_handlers[static_cast<std::size_t>(index)].handler;
+    handler->AddRef();
+    element->vt = VT_DISPATCH;
+    element->pdispVal = handler;
+    return TRUE;
+}
+
+HRESULT __stdcall HandlerCollection::get__NewEnum(IUnknown** result)
+{
+    if (!result)
+        return E_POINTER;
+    *result = automation::IndexedEnumerator::Create(static_cast<IDispatch*>(this), &Element);
+    return *result ? S_OK : E_OUTOFMEMORY;
+}
+
+} // namespace brannoc

@@ -1,0 +1,50 @@
+#pragma once
+// The handler collection CreateHandlers makes: one handler per event of an event-source object's
+// default source interface, each bound to the procedure named prefix + "_" + the event. A dispatch
+// object over the type library's _Handlers interface (Count, Item, _NewEnum).
+#include "host/ComRef.h"
+#include <oaidl.h>
+#include <string>
+#include <vector>
+
+namespace brannoc {
+
+class Handler;
+
+class HandlerCollection final : public IDispatch {
+public:
+    struct Entry {
+        std::wstring event;
+        Handler* handler; // held
+    };
+
+    // The collection over its interface type; it holds the event object, the source type and the handlers.
+    static HandlerCollection* Create(ITypeInfo* interfaceType, IDispatch* eventObject, ITypeInfo* source,
+                                     std::vector<Entry> handlers);
+
+    HRESULT __stdcall QueryInterface(REFIID id, void** object) override;
+    ULONG __stdcall AddRef() override;
+    ULONG __stdcall Release() override;
+    HRESULT __stdcall GetTypeInfoCount(UINT* count) override;
+    HRESULT __stdcall GetTypeInfo(UINT index, LCID lcid, ITypeInfo** info) override;
+    HRESULT __stdcall GetIDsOfNames(REFIID id, LPOLESTR* names, UINT count, LCID lcid, DISPID* ids) override;
+    HRESULT __stdcall Invoke(DISPID member, REFIID id, LCID lcid, WORD flags, DISPPARAMS* parameters,
+                             VARIANT* result, EXCEPINFO* exception, UINT* argumentError) override;
+    // _Handlers, in the interface's order.
+    virtual HRESULT __stdcall get_Count(short* result);
+    virtual HRESULT __stdcall get_Item(BSTR name, IDispatch** result);
+    virtual HRESULT __stdcall get__NewEnum(IUnknown** result);
+
+private:
+    HandlerCollection(ITypeInfo* interfaceType, IDispatch* eventObject, ITypeInfo* source, std::vector<Entry> handlers);
+    ~HandlerCollection();
+    static BOOL __stdcall Element(IUnknown* data, LONG index, VARIANT* element);
+
+    volatile LONG m_references = 1;
+    ComRef<ITypeInfo> m_interfaceType;
+    ComRef<IDispatch> m_eventObject;
+    ComRef<ITypeInfo> m_source;
+    std::vector<Entry> m_handlers;
+};
+
+} // namespace brannoc

@@ -1,0 +1,30 @@
+#pragma once
+// The prototype a host gives CreateHandler: an optional "<project>" part, an optional "module|" part
+// and a procedure declaration ("Sub" or "Function", its name, parameters and result type), read into
+// its parts and rewritten in canonical form.
+#include <optional>
+#include <string>
+
+namespace brannoc {
+
+struct HandlerPrototype {
+    std::string project;
+    std::string module;    // empty: not specific to a module
+    bool isFunction = false;
+    std::string name;
+    // "Public " or "Private " (module-specific), "Sub " or "Function ", the name, each parameter with
+    // its ByVal, Optional and ParamArray words and " As " and its type, and a Function's result type.
+    std::string canonical;
+    // Parameters declared with the OLE_XPOS_... and OLE_YPOS_... type names (-1: none); events convert
+    // the positions they carry.
+    int xParameter = -1;
+    int yParameter = -1;
+    bool xInPixels = false;
+    bool yInPixels = false;
+};
+
+// The prototype read from text; nothing when it does not parse, has more than 31 parameters, or uses a
+// fixed-length string or a type other than the language's own and object class names.
+std::optional<HandlerPrototype> ParseHandlerPrototype(const std::string& text);
+
+} // namespace brannoc

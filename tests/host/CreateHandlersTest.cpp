@@ -1,0 +1,107 @@
+// Handler collections: one handler per event of an object's default source interface, named after a
+// prefix, over a type library the test makes in memory.
+#include "brannoc.h"
+#include "host/FakeEventSource.h"
+#include "host/MacroEngine.h"
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+using namespace brannoc;
+using namespace brannoc::testing;
+
+namespace {
+
+const wchar_t kMacro[] = L"Sub Main\r\n"
+                         L"End Sub\r\n"
+                         L"Sub Ledger_Clicked(Cancel As Boolean)\r\n"
+                         L"    Cancel = True\r\n"
+                         L"End Sub\r\n";
+
+class CreateHandlersTest : public ::testing::Test {
+protected:
+    IDispatch* CreateHandlers(const wchar_t* prefix, IDispatch* source, HRESULT expected = S_OK)
+    {
+        BSTR text = SysAllocString(prefix);
+        IDispatch* collection = nullptr;
+        EXPECT_EQ(expected, engine.unit->CreateHandlers(text, source, &collection));
+        SysFreeString(text);
+        return collection;
+    }
+    std::wstring Prototype(IDispatch* handler)
+    {
+        LateCall call;
+        EXPECT_EQ(S_OK, call.Invoke(handler, 8, DISPATCH_PROPERTYGET));
+        return call.result.Tag() == VT_BSTR ? std::wstring(call.result.Raw().bstrVal) : L"<none>";
+    }
+
+    MacroEngine engine;
+    ComRef<ITypeInfo> ledgerClass = MakeLedgerClass();
+};
+
+} // namespace
+
+TEST_F(CreateHandlersTest, MakesOneHandlerPerEventOfTheDefaultSource)
+{
+    ASSERT_TRUE(ledgerClass);
+    FakeEventSource ledger(ledgerClass.Get());
+    IDispatch* handlers = CreateHandlers(L"Ledger", &ledger);
+    ASSERT_NE(nullptr, handlers);
+    LateCall count;
+    ASSERT_EQ(S_OK, count.Invoke(handlers, 1, DISPATCH_PROPERTYGET));
+    EXPECT_EQ(2, count.result.Raw().iVal) << "the restricted IDispatch methods get no handler";
+
+    IDispatch* clicked = CU_HandlersItem(handlers, "clicked");
+    ASSERT_NE(nullptr, clicked);
+    EXPECT_EQ(L"Public Sub Ledger_Clicked(Cancel As Boolean)", Prototype(clicked));
+    IDispatch* changed = CU_HandlersItem(handlers, "Changed");
+    ASSERT_NE(nullptr, changed);
+    EXPECT_EQ(L"Public Sub Ledger_Changed(ByVal Text As String)", Prototype(changed));
+    EXPECT_EQ(nullptr, CU_HandlersItem(handlers, "Saved"));
+
+    // The handler calls the macro's procedure; its by-reference Cancel comes back.
+    ASSERT_TRUE(engine.Load(L"lib", kMacro));
+    VARIANT_BOOL cancel = VARIANT_FALSE;
+    Variant reference;
+    reference.Raw().vt = VT_BYREF | VT_BOOL;
+    reference.Raw().pboolVal = &cancel;
+    LateCall call;
+    ASSERT_EQ(S_OK, call.Add(std::move(reference)).Invoke(clicked, 1, DISPATCH_METHOD, false));
+    EXPECT_EQ(VARIANT_TRUE, cancel);
+    LateCall noProcedure;
+    EXPECT_EQ(DISP_E_UNKNOWNNAME, noProcedure.Text(L"x").Invoke(changed, 1, DISPATCH_METHOD, false));
+
+    // _NewEnum gives the handlers in event order.
+    LateCall enumerate;
+    ASSERT_EQ(S_OK, enumerate.Invoke(handlers, DISPID_NEWENUM, DISPATCH_PROPERTYGET));
+    ComRef<IEnumVARIANT> items;
+    ASSERT_EQ(S_OK, enumerate.result.Raw().punkVal->QueryInterface(IID_IEnumVARIANT,
+                                                                    reinterpret_cast<void**>(items.Out())));
+    VARIANT element[3];
+    ULONG fetched = 0;
+    for (VARIANT& v : element)
+        VariantInit(&v);
+    items->Next(3, element, &fetched);
+    EXPECT_EQ(2u, fetched);
+    EXPECT_EQ(clicked, element[0].pdispVal);
+    for (VARIANT& v : element)
+        VariantClear(&v);
+    clicked->Release();
+    changed->Release();
+    handlers->Release();
+}
+
+TEST_F(CreateHandlersTest, WithoutASourceTheAnswerIsNullAndWithoutTypeInformationAnError)
+{
+    ASSERT_TRUE(ledgerClass);
+    engine.callBack.offerTrace = true;
+    VARIANT_BOOL ignored;
+    engine.unit->Run(static_cast<short>(0x8040), &ignored);
+    FakeEventSource noClassInfo(ledgerClass.Get(), false);
+    EXPECT_EQ(nullptr, CreateHandlers(L"App", &noClassInfo));
+    const auto& traces = engine.callBack.traces;
+    EXPECT_NE(traces.end(), std::find(traces.begin(), traces.end(), L"2:No source type info."));
+
+    FakeCallBack noTypes;
+    EXPECT_EQ(nullptr, CreateHandlers(L"App", &noTypes, E_NOINTERFACE));
+}

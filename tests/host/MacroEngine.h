@@ -1,0 +1,122 @@
+#pragma once
+// An engine object with a fake callback serving macros from memory, and late-bound calls with their
+// arguments given first to last: shared by the tests of fire objects, handlers and event sinks.
+#include "brannoc.h"
+#include "host/FakeCallBack.h"
+#include "values/Variant.h"
+
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+namespace brannoc::testing {
+
+class MacroEngine {
+public:
+    MacroEngine() : unit(static_cast<_CodeUnit*>(KZ_CreateCodeUnit())) { unit->SetCallBack(&callBack); }
+    ~MacroEngine()
+    {
+        VARIANT_BOOL ignored;
+        unit->HaltAll(&ignored);
+        unit->SetCallBack(nullptr);
+        unit->Release();
+    }
+    MacroEngine(const MacroEngine&) = delete;
+    MacroEngine& operator=(const MacroEngine&) = delete;
+
+    bool Load(const wchar_t* name, const std::wstring& text)
+    {
+        callBack.macros[name] = text;
+        BSTR held = SysAllocString(name);
+        VARIANT_BOOL loaded = VARIANT_FALSE;
+        unit->Load(held, &loaded);
+        SysFreeString(held);
+        return loaded == VARIANT_TRUE;
+    }
+    bool IsIdle()
+    {
+        VARIANT_BOOL idle = VARIANT_FALSE;
+        unit->get_IsIdle(&idle);
+        return idle == VARIANT_TRUE;
+    }
+
+    _CodeUnit* unit;
+    FakeCallBack callBack;
+};
+
+// One late-bound call: the arguments first to last (IDispatch wants them last to first), named ones
+// with their DISPIDs. Keeps the exception and the argument-error index it answered.
+struct LateCall {
+    std::vector<Variant> arguments;
+    std::vector<DISPID> names;
+    EXCEPINFO exception{};
+    UINT argumentError = 0;
+    Variant result;
+
+    LateCall& Add(Variant value)
+    {
+        arguments.push_back(std::move(value));
+        return *this;
+    }
+    LateCall& Text(const wchar_t* text)
+    {
+        Variant value;
+        value.Raw().vt = VT_BSTR;
+        value.Raw().bstrVal = SysAllocString(text);
+        return Add(std::move(value));
+    }
+    LateCall& Long(long number)
+    {
+        Variant value;
+        value.Raw().vt = VT_I4;
+        value.Raw().lVal = number;
+        return Add(std::move(value));
+    }
+    LateCall& Reference(VARIANT* target)
+    {
+        Variant value;
+        value.Raw().vt = VT_BYREF | VT_VARIANT;
+        value.Raw().pvarVal = target;
+        return Add(std::move(value));
+    }
+    // The last `count` arguments added are named, with these DISPIDs (in the order added).
+    LateCall& Named(std::initializer_list<DISPID> ids)
+    {
+        names.assign(ids.begin(), ids.end());
+        return *this;
+    }
+    HRESULT Invoke(IDispatch* object, DISPID member, WORD flags = DISPATCH_METHOD, bool wantResult = true)
+    {
+        // Named arguments come first in rgvarg, then the positional ones last to first.
+        const std::size_t named = names.size();
+        const std::size_t positional = arguments.size() - named;
+        std::vector<VARIANT> slots;
+        std::vector<DISPID> ids;
+        for (std::size_t i = 0; i < named; ++i) {
+            slots.push_back(arguments[positional + i].Raw());
+            ids.push_back(names[i]);
+        }
+        for (std::size_t i = positional; i > 0; --i)
+            slots.push_back(arguments[i - 1].Raw());
+        DISPPARAMS parameters{slots.data(), ids.data(), static_cast<UINT>(slots.size()), static_cast<UINT>(named)};
+        ClearException();
+        argumentError = 0;
+        result.Clear();
+        return object->Invoke(member, IID_NULL, 0x409, flags, &parameters, wantResult ? &result.Raw() : nullptr,
+                              &exception, &argumentError);
+    }
+    std::wstring Description() const
+    {
+        return exception.bstrDescription ? std::wstring(exception.bstrDescription) : std::wstring();
+    }
+    void ClearException()
+    {
+        SysFreeString(exception.bstrDescription);
+        SysFreeString(exception.bstrSource);
+        SysFreeString(exception.bstrHelpFile);
+        exception = EXCEPINFO{};
+    }
+    ~LateCall() { ClearException(); }
+};
+
+} // namespace brannoc::testing
