@@ -115,6 +115,8 @@ public:
     // Process-wide list of live engine objects, oldest first.
     static CodeUnit* First();
     CodeUnit* Next() const { return m_next; }
+    // The thread that created the object.
+    DWORD CreatorThread() const { return m_creatorThread; }
 
 private:
     CodeUnit(ITypeInfo* classType, ITypeInfo* dispatchType);
@@ -136,6 +138,10 @@ private:
     std::vector<automation::ExtensionTypeEntry> ExtensionTypesOf(BSTR macro);
     void Link();
     void Unlink();
+    // Whether a live engine object other than this one was made on another thread than this one's.
+    bool OthersOnOtherThreads() const;
+    // Whether the live objects other than this one were all made on one thread (or none remain).
+    bool OthersOnOneThread() const;
     IDispatch* DefaultCallBackObject();
 
     unsigned long m_identifier;
@@ -145,6 +151,7 @@ private:
     std::unique_ptr<EngineContext> m_context;
     ComRef<IDispatch> m_defaultCallBack;
     GUID m_instanceGuid{};
+    DWORD m_creatorThread = GetCurrentThreadId();
     CodeUnit* m_previous = nullptr;
     CodeUnit* m_next = nullptr;
 };
