@@ -78,21 +78,32 @@ public:
     StateLock& operator=(const StateLock&) = delete;
 };
 
-// The thread takes the engine: its globals come back and engine code runs with the engine's control
-// word and error mode; the host's are kept to be put back when it gives the engine up.
-void TakeOver(ThreadContext& thread)
+// The thread takes the engine: its globals come back (when it gave the engine up in the middle of engine
+// code) and engine code runs with the engine's control word and error mode; the host's, and whatever
+// was current before, are kept to be put back when it gives the engine up.
+// consume: the thread goes on with the engine code it left (after a call out or a hand-over); else it
+// only enters the engine for a while from inside such a call, and the globals stay saved for the return.
+void TakeOver(ThreadContext& thread, bool consume)
 {
     ThreadContext::LockState& state = thread.Lock();
     state.hostControlWord = _controlfp(0, 0);
     _controlfp(EntryGuard::kControlWord, EntryGuard::kControlMask);
     state.hostErrorMode = SetErrorMode(EntryGuard::kErrorMode);
-    state.globals.Restore();
+    state.outer = ExecutionGlobals::Save();
+    (state.saved.empty() ? state.outer : state.saved.back()).Restore();
+    if (consume && !state.saved.empty())
+        state.saved.pop_back();
 }
 
-void GiveUp(ThreadContext& thread)
+// keep: the thread gives the engine up in the middle of engine code (a call out, a hand-over) and gets
+// its globals back when it takes the engine again.
+void GiveUp(ThreadContext& thread, bool keep)
 {
     ThreadContext::LockState& state = thread.Lock();
-    state.globals = ExecutionGlobals::Save();
+    const ExecutionGlobals current = ExecutionGlobals::Save();
+    if (keep)
+        state.saved.push_back(current);
+    state.outer.Restore();
     SetErrorMode(state.hostErrorMode);
     _controlfp(state.hostControlWord, EntryGuard::kControlMask);
 }
@@ -155,7 +166,7 @@ ThreadContext& Self()
 }
 
 // Takes the engine with the given depth, waiting for its owner to hand it over.
-void AcquireWithDepth(int depth)
+void AcquireWithDepth(int depth, bool consume)
 {
     ThreadContext& self = Self();
     LockTable& table = Table();
@@ -174,16 +185,16 @@ void AcquireWithDepth(int depth)
     }
     if (mustWait)
         WaitForTurn(self);
-    TakeOver(self);
+    TakeOver(self, consume);
 }
 
 // Gives the engine up entirely; answers the depth this thread held.
-int ReleaseAll(bool parkedFirst)
+int ReleaseAll(bool parkedFirst, bool keep)
 {
     ThreadContext& self = Self();
     StateLock lock;
     const int depth = Table().depth;
-    GiveUp(self);
+    GiveUp(self, keep);
     HandToNext(parkedFirst);
     return depth;
 }
@@ -205,7 +216,7 @@ void EngineLock::Acquire()
             return;
         }
     }
-    AcquireWithDepth(1);
+    AcquireWithDepth(1, false);
 }
 
 void EngineLock::Release()
@@ -220,20 +231,20 @@ void EngineLock::Release()
             return;
         }
     }
-    (void)ReleaseAll(false);
+    (void)ReleaseAll(false, false);
 }
 
 int EngineLock::Suspend()
 {
     if (!HeldByThisThread())
         return 0;
-    return ReleaseAll(false);
+    return ReleaseAll(false, true);
 }
 
 void EngineLock::Resume(int depth)
 {
     if (depth > 0)
-        AcquireWithDepth(depth);
+        AcquireWithDepth(depth, true);
 }
 
 void EngineLock::HandOver()
@@ -256,7 +267,7 @@ void EngineLock::HandOver()
         ++table.handOvers;
         ThreadContext::LockState& state = self->Lock();
         state.depth = table.depth;
-        GiveUp(*self);
+        GiveUp(*self, true);
         // An entering thread goes first; else the first parked thread has its turn. This thread joins
         // the end of the parked list either way.
         ThreadContext* next = entering ? table.entering.TakeFirst() : table.parked.TakeFirst();
@@ -265,20 +276,20 @@ void EngineLock::HandOver()
         RefreshHandOverBit();
     }
     WaitForTurn(*self);
-    TakeOver(*self);
+    TakeOver(*self, true);
 }
 
 bool EngineLock::HandToParked()
 {
     if (HeldByThisThread())
         return false;
-    AcquireWithDepth(1);
+    AcquireWithDepth(1, false);
     bool anyParked = false;
     {
         StateLock lock;
         anyParked = !Table().parked.Empty();
     }
-    (void)ReleaseAll(anyParked);
+    (void)ReleaseAll(anyParked, false);
     return anyParked;
 }
 

@@ -95,6 +95,8 @@ ThreadContext::ThreadContext() : m_threadId(GetCurrentThreadId())
     DuplicateHandle(GetCurrentProcess(), GetCurrentThread(), GetCurrentProcess(), &m_handle, 0, FALSE,
                     DUPLICATE_SAME_ACCESS);
     m_lock.wake = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    // Room for the usual nesting of calls out, so that giving the engine up does not allocate.
+    m_lock.saved.reserve(16);
     RegisterTimerWindowClass();
     m_timerWindow = CreateWindowExW(0, kTimerWindowClass, L"", kTimerWindowStyle, 0, 0, 0, 0, nullptr, nullptr,
                                     ThisModule(), nullptr);

@@ -4,6 +4,7 @@
 // Made on first use, destroyed when the thread ends.
 #include "exec/Interpreter.h"
 #include <windows.h>
+#include <vector>
 
 namespace brannoc {
 
@@ -30,7 +31,10 @@ public:
     struct LockState {
         HANDLE wake = nullptr;     // auto-reset: set when the engine has been handed to this thread
         int depth = 0;             // the lock depth the thread gets back
-        ExecutionGlobals globals;  // what the thread had current when it gave the engine up
+        // What the thread had current each time it gave the engine up in the middle of engine code (a call
+        // out, a hand-over), innermost last: it gets them back in turn.
+        std::vector<ExecutionGlobals> saved;
+        ExecutionGlobals outer;    // what was current before the thread took the engine
         unsigned hostControlWord = 0;
         UINT hostErrorMode = 0;
         ThreadContext* next = nullptr;
