@@ -143,6 +143,11 @@ BRANNOC_API BOOL __stdcall CU_FreeLibraryOkay(void);
 BRANNOC_API BOOL __stdcall KZ_FreeLibraryOkay(void);
 BRANNOC_API BOOL __stdcall KZ_CodeClassLock(SHORT count, LONG reserved);
 
+/* Threads: ends the multi-thread mode for the rest of the process and gives the engine to the first
+ * thread that gave it up for another thread. */
+BRANNOC_API void __stdcall CU_Yield(void);
+BRANNOC_API void __stdcall KZ_Yield(void);
+
 /* ---- Automation toolkit (OA_ family) ----
  * ANSI results are byte-length automation strings freed with OA_SysFreeStringA; wide results are BSTRs
  * freed with OA_SysFreeString. Functions returning an object give the caller one reference. */

@@ -775,6 +775,9 @@ void Interpreter::RunHaltHandler()
     const std::uint8_t stopping = handled ? HaltFlags::kOutOfMemory : HaltFlags::kOutOfMemory | HaltFlags::kEvaluationError;
     if (!stopped && (copy & stopping))
         m_host.PerformControlAction(InterpreterHost::kActionStop, 0);
+    // Between statements, with every request of this engine seen to: the engine may change hands here.
+    if (HaltFlags::HandOverWanted())
+        m_host.HandOverEngine();
 }
 
 Activation* Interpreter::FindErrorHandler() const noexcept
@@ -823,6 +826,23 @@ void Interpreter::TrapError(Activation& activation)
 }
 
 // ---- Current interpreter ----
+
+ExecutionGlobals ExecutionGlobals::Save() noexcept
+{
+    ExecutionGlobals saved{Interpreter::s_current, SetRaiseHandler(nullptr)};
+    if (saved.current)
+        saved.current->m_savedHalt = HaltFlags::Value();
+    HaltFlags::Assign(0);
+    Interpreter::s_current = nullptr;
+    return saved;
+}
+
+void ExecutionGlobals::Restore() const noexcept
+{
+    Interpreter::s_current = current;
+    HaltFlags::Assign(current ? current->m_savedHalt : 0);
+    (void)SetRaiseHandler(raise);
+}
 
 InterpreterScope::InterpreterScope(Interpreter& interpreter) : m_interpreter(&interpreter)
 {

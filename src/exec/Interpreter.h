@@ -20,9 +20,22 @@
 
 namespace brannoc {
 
+class Interpreter;
 class ProcedureCode;
 class ModuleInstance;
 struct FrameLayout;
+
+// The process-wide variables that describe the engine running on the thread that owns the engine lock:
+// the current interpreter (with its halt byte) and the value layer's raise routine. A thread that gives
+// the lock up saves them; the thread that takes it puts back its own.
+struct ExecutionGlobals {
+    Interpreter* current = nullptr;
+    void (*raise)(long) = nullptr;
+
+    // Saves the variables (the halt byte into its interpreter) and leaves none current.
+    static ExecutionGlobals Save() noexcept;
+    void Restore() const noexcept;
+};
 
 class Interpreter final {
 public:
@@ -221,6 +234,7 @@ public:
 private:
     friend class Activation;
     friend class InterpreterScope;
+    friend struct ExecutionGlobals;
 
     // The step itself, shared by RunStep and RunSteps.
     __attribute__((always_inline)) int StepOnce(bool single);

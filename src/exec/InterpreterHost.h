@@ -52,6 +52,8 @@ public:
     virtual void PerformControlAction(int action, long argument) = 0;
     // Lets the window message loop run (the callback's DoEvents).
     virtual void PumpMessages() = 0;
+    // Another thread waits for the engine: give it up between statements and take it back later.
+    virtual void HandOverEngine() {}
     // An error that no handler trapped: the host records its location and notifies (19, then 0).
     // The interpreter stops the run afterwards through action 5.
     virtual void ReportUntrappedError(const ErrorRecord& error) = 0;

@@ -1,6 +1,8 @@
 #include "host/ClassObject.h"
 
 #include "exec/ModuleInstance.h"
+#include "host/EngineContext.h"
+#include "host/EntryGuard.h"
 #include "host/ModuleManager.h"
 
 namespace brannoc {
@@ -58,6 +60,8 @@ ULONG STDMETHODCALLTYPE ClassObject::Release()
     const ULONG left = --m_references;
     if (left != 0)
         return left;
+    // A host may drop the last reference outside any engine call: the instance goes inside the engine.
+    EntryGuard guard(m_manager.Context());
     // The terminate procedure may copy and drop references to this object (Me); keep it alive meanwhile.
     m_references = 1;
     m_manager.TerminateInstance(*m_instance);

@@ -17,6 +17,7 @@
 #include "host/MacroKeywords.h"
 #include "host/MemoryReserve.h"
 #include "host/Prototypes.h"
+#include "host/ResumeThread.h"
 #include "host/ThisModule.h"
 #include "values/TextForm.h"
 #include "values/Variant.h"
@@ -87,14 +88,17 @@ CodeUnit* CodeUnit::Create(ITypeInfo* classType)
         vtableInterface = defaultInterface;
     MemoryReserve::Install();
     CodeUnit* unit = nullptr;
+    bool needsResumeThread = false;
     try {
-        EngineLock::Acquire();
+        EngineLockScope lock;
         unit = new CodeUnit(classType, vtableInterface.Get());
-        EngineLock::Release();
+        needsResumeThread = unit->OthersOnOtherThreads();
     } catch (const std::bad_alloc&) {
-        EngineLock::Release();
         return nullptr;
     }
+    // Threads that use the engine at the same time take turns from here on.
+    if (needsResumeThread)
+        ResumeThread::Start();
     return unit;
 }
 
@@ -147,6 +151,28 @@ void CodeUnit::Unlink()
 
 CodeUnit* CodeUnit::First() { return s_first; }
 
+bool CodeUnit::OthersOnOtherThreads() const
+{
+    for (const CodeUnit* unit = s_first; unit; unit = unit->m_next) {
+        if (unit != this && unit->m_creatorThread != m_creatorThread)
+            return true;
+    }
+    return false;
+}
+
+bool CodeUnit::OthersOnOneThread() const
+{
+    const CodeUnit* first = nullptr;
+    for (const CodeUnit* unit = s_first; unit; unit = unit->m_next) {
+        if (unit == this)
+            continue;
+        if (first && unit->m_creatorThread != first->m_creatorThread)
+            return false;
+        first = unit;
+    }
+    return true;
+}
+
 template <typename Work>
 HRESULT CodeUnit::Entered(Work&& work)
 {
@@ -188,9 +214,11 @@ ULONG __stdcall CodeUnit::Release()
         // Terminators that run while the engine goes may pass this object to the host, which may take
         // and drop references; the count stays above zero so that none of that deletes it again.
         m_references = 1;
-        EngineLock::Acquire();
+        EngineLockScope lock;
+        // The last object that needed the turns of the resume thread stops it.
+        if (ResumeThread::IsRunning() && OthersOnOneThread())
+            ResumeThread::Stop();
         delete this;
-        EngineLock::Release();
     }
     return remaining;
 }

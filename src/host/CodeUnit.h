@@ -117,6 +117,8 @@ public:
     // Process-wide list of live engine objects, oldest first.
     static CodeUnit* First();
     CodeUnit* Next() const { return m_next; }
+    // The thread that created the object.
+    DWORD CreatorThread() const { return m_creatorThread; }
 
 private:
     CodeUnit(ITypeInfo* classType, ITypeInfo* dispatchType);
@@ -141,6 +143,10 @@ private:
     std::vector<automation::ExtensionTypeEntry> ExtensionTypesOf(BSTR macro);
     void Link();
     void Unlink();
+    // Whether a live engine object other than this one was made on another thread than this one's.
+    bool OthersOnOtherThreads() const;
+    // Whether the live objects other than this one were all made on one thread (or none remain).
+    bool OthersOnOneThread() const;
     IDispatch* DefaultCallBackObject();
     ComRef<ITypeInfo> HandlersInterface();
 
@@ -152,6 +158,7 @@ private:
     ComRef<IDispatch> m_errObject;
     ComRef<IDispatch> m_defaultCallBack;
     GUID m_instanceGuid{};
+    DWORD m_creatorThread = GetCurrentThreadId();
     CodeUnit* m_previous = nullptr;
     CodeUnit* m_next = nullptr;
 };

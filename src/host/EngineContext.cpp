@@ -289,6 +289,11 @@ void EngineContext::PerformControlAction(int action, long argument)
     m_modules.RunQueuedStart();
 }
 
+void EngineContext::HandOverEngine()
+{
+    EngineLock::HandOver();
+}
+
 void EngineContext::PumpMessages()
 {
     if (m_callBack) {
@@ -302,8 +307,11 @@ void EngineContext::PumpMessages()
             (void)Control(kActionEndAll, 0);
             break;
         }
+        // Window procedures are host code: the engine is given up while they run.
+        const int depth = EngineLock::Suspend();
         TranslateMessage(&message);
         DispatchMessageW(&message);
+        EngineLock::Resume(depth);
     }
 }
 

@@ -120,6 +120,7 @@ public:
     void PerformControlAction(int action, long argument) override;
     std::wstring EngineCaption() const override { return m_caption; }
     void PumpMessages() override;
+    void HandOverEngine() override;
     void ReportUntrappedError(const ErrorRecord& error) override;
     void ReleaseMemoryReserve() override;
     // Output of Debug.Print: the callback's DebugPrint, or a task-modal box captioned "Debug.Print".

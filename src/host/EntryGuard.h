@@ -2,6 +2,7 @@
 // The way into the engine: one process-wide engine lock, the current engine context of the thread,
 // and the floating-point control word and error mode that engine code runs with.
 #include "exec/Interpreter.h"
+#include "host/EngineLock.h"
 #include <windows.h>
 #include <optional>
 
@@ -9,19 +10,11 @@ namespace brannoc {
 
 class EngineContext;
 
-// The process-wide engine lock. Re-entrant for the thread that holds it.
-class EngineLock final {
-public:
-    static void Acquire();
-    static void Release();
-    static bool HeldByThisThread();
-    // Gives the lock up completely for a call out of the engine and takes it back afterwards.
-    static int Suspend();
-    static void Resume(int depth);
-};
-
-// Scope of one entry into an engine context. Entering the context that is already current on this
-// thread takes nothing and restores nothing.
+// Scope of one entry into an engine context: holds the engine lock (the lock puts the engine's control
+// word and error mode in force while this thread holds it, and the host's back when it gives it up) and
+// makes the context current. Entering the context that is already current on this thread only makes
+// sure that the lock is held: a callback that calls back into its engine object gave the lock up for the
+// call.
 class EntryGuard final {
 public:
     static constexpr unsigned kControlWord = 0xD001F;
@@ -39,8 +32,6 @@ public:
 private:
     EngineContext* m_previous = nullptr;
     bool m_entered = false;
-    unsigned m_savedControlWord = 0;
-    UINT m_savedErrorMode = 0;
     std::optional<InterpreterScope> m_interpreterScope;
 };
 

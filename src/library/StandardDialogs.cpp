@@ -5,6 +5,8 @@
 #include "library/BuiltinGroups.h"
 
 #include "brannoc.h"
+#include "automation/OutsideCall.h"
+#include "host/EngineLock.h"
 #include "exec/HaltFlags.h"
 #include "exec/Interpreter.h"
 #include "host/AnsiText.h"
@@ -31,10 +33,17 @@ constexpr double kLongestAboutSeconds = 1000000;
 // The about box's version field, by which its window is told from other dialogs.
 constexpr int kAboutVersionField = 102;
 
-bool StopRequested()
+bool StopRequestedInEngine()
 {
     Interpreter* machine = Interpreter::Current();
     return HaltFlags::Has(HaltFlags::kAction | HaltFlags::kStopMask) || (machine && machine->RunLevel() <= 0);
+}
+
+// The same from a box's message loop, which runs with the engine given up.
+bool StopRequested()
+{
+    EngineLockScope lock;
+    return StopRequestedInEngine();
 }
 
 std::wstring EngineCaption()
@@ -46,16 +55,26 @@ std::wstring EngineCaption()
 // The window that owns the standard boxes: the thread's active window.
 HWND OwnerWindow() { return GetActiveWindow(); }
 
-// While a platform box runs its own message loop, a thread timer watches for a stop of the macro and
-// closes the box (and any common dialog) of this thread when one comes.
+// While a platform box runs its own message loop, the engine is given up (other threads and the host's
+// windows are served meanwhile), the owner window is disabled, and a thread timer watches for a stop of
+// the macro and closes the box (and any common dialog) of this thread when one comes.
 class StopWatch final {
 public:
-    StopWatch()
+    explicit StopWatch(HWND owner = nullptr)
     {
         s_stopped = false;
+        if (owner && IsWindowEnabled(owner)) {
+            m_disabledOwner = owner;
+            EnableWindow(owner, FALSE);
+        }
         m_timer = SetTimer(nullptr, 0, kStopWatchMs, &Check);
     }
-    ~StopWatch() { KillTimer(nullptr, m_timer); }
+    ~StopWatch()
+    {
+        KillTimer(nullptr, m_timer);
+        if (m_disabledOwner)
+            EnableWindow(m_disabledOwner, TRUE);
+    }
     StopWatch(const StopWatch&) = delete;
     StopWatch& operator=(const StopWatch&) = delete;
     static bool Stopped() { return s_stopped; }
@@ -71,12 +90,16 @@ private:
     }
     static void CALLBACK Check(HWND, UINT, UINT_PTR, DWORD)
     {
-        if (s_stopped || !StopRequested())
+        if (s_stopped)
+            return;
+        if (!StopRequested())
             return;
         s_stopped = true;
         EnumThreadWindows(GetCurrentThreadId(), &CloseBox, 0);
     }
     static inline thread_local bool s_stopped = false;
+    automation::OutsideCall m_outside;
+    HWND m_disabledOwner = nullptr;
     UINT_PTR m_timer = 0;
 };
 
@@ -125,7 +148,7 @@ bool MsgBox(BuiltinArguments& arguments, BuiltinResult& result)
         style |= MB_TOPMOST;
     int answer = 0;
     {
-        StopWatch watch;
+        StopWatch watch(owner);
         answer = MessageBoxW(owner, std::wstring(message).c_str(), title.c_str(), style);
         if (StopWatch::Stopped())
             return false;
@@ -283,8 +306,12 @@ bool InputBox(BuiltinArguments& arguments, BuiltinResult& result)
     request.x = x;
     request.y = y;
     const std::vector<WORD> words = InputTemplate();
-    const INT_PTR answer = DialogBoxIndirectParamW(ThisModule(), reinterpret_cast<const DLGTEMPLATE*>(words.data()),
-                                                   OwnerWindow(), &InputProc, reinterpret_cast<LPARAM>(&request));
+    INT_PTR answer = 0;
+    {
+        automation::OutsideCall outside;
+        answer = DialogBoxIndirectParamW(ThisModule(), reinterpret_cast<const DLGTEMPLATE*>(words.data()),
+                                         OwnerWindow(), &InputProc, reinterpret_cast<LPARAM>(&request));
+    }
     if (request.stopped)
         return false;
     return result.SetString(answer == IDOK ? request.answer : std::wstring());
@@ -378,6 +405,24 @@ bool GetFilePath(BuiltinArguments& arguments, BuiltinResult& result)
     return result.SetString(chosen ? std::wstring(path) : std::wstring());
 }
 
+// Waits up to the given time for messages and serves them, with the engine given up meanwhile. True
+// when a quit message came (it is posted again).
+bool ServeMessagesFor(DWORD milliseconds)
+{
+    automation::OutsideCall outside;
+    MsgWaitForMultipleObjects(0, nullptr, FALSE, milliseconds, QS_ALLINPUT);
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+        if (message.message == WM_QUIT) {
+            PostQuitMessage(static_cast<int>(message.wParam));
+            return true;
+        }
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+    return false;
+}
+
 // Wait(Delay): waits for messages in slices and serves them until the delay has passed.
 bool Wait(BuiltinArguments& arguments, BuiltinResult&)
 {
@@ -395,16 +440,8 @@ bool Wait(BuiltinArguments& arguments, BuiltinResult&)
         if (passed >= length)
             return true;
         const DWORD left = length - passed;
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, left < kWaitSliceMs ? left : kWaitSliceMs, QS_ALLINPUT);
-        MSG message;
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-            if (message.message == WM_QUIT) {
-                PostQuitMessage(static_cast<int>(message.wParam));
-                return true;
-            }
-            TranslateMessage(&message);
-            DispatchMessageW(&message);
-        }
+        if (ServeMessagesFor(left < kWaitSliceMs ? left : kWaitSliceMs))
+            return true;
         if (StopRequested())
             return false;
     }

@@ -17,7 +17,7 @@ namespace brannoc::testing {
 // call: the engine object first, then the member's own arguments.
 class FakeCallBack final : public TestDispatch {
 public:
-    enum Member : DISPID { kDebugPrint = 1, kNotify, kReadMacro, kMapMacroName, kDebugTrace };
+    enum Member : DISPID { kDebugPrint = 1, kNotify, kReadMacro, kMapMacroName, kDebugTrace, kDoEvents };
 
     // MapMacroName is offered only when a prefix is set; it answers the prefix and the name.
     std::wstring mapPrefix;
@@ -25,6 +25,10 @@ public:
     // DebugTrace is offered only when set; each line is recorded as its kind, ":" and its text.
     bool offerTrace = false;
     std::vector<std::wstring> traces;
+    // DoEvents is offered only when set; each call is counted and then calls onDoEvents.
+    bool offerDoEvents = false;
+    int doEventsCalls = 0;
+    std::function<void(IDispatch* engine)> onDoEvents;
 
     std::map<std::wstring, std::wstring> macros;
     std::vector<std::wstring> printed;
@@ -44,6 +48,7 @@ public:
                : name == L"ReadMacro"  ? kReadMacro
                : name == L"MapMacroName" && !mapPrefix.empty() ? kMapMacroName
                : name == L"DebugTrace" && offerTrace ? kDebugTrace
+               : name == L"DoEvents" && offerDoEvents ? static_cast<DISPID>(kDoEvents)
                                        : DISPID_UNKNOWN;
         return ids[0] == DISPID_UNKNOWN ? DISP_E_UNKNOWNNAME : S_OK;
     }
@@ -66,6 +71,16 @@ public:
         if (member == kDebugTrace && parameters->cArgs == 3) {
             traces.push_back(std::to_wstring(parameters->rgvarg[1].iVal) + L":" +
                              std::wstring(parameters->rgvarg[0].bstrVal, SysStringLen(parameters->rgvarg[0].bstrVal)));
+            return S_OK;
+        }
+        if (member == kDoEvents) {
+            if (flags != DISPATCH_METHOD || parameters->cArgs != 1 || parameters->rgvarg[0].vt != VT_DISPATCH) {
+                ++badCalls;
+                return E_INVALIDARG;
+            }
+            ++doEventsCalls;
+            if (onDoEvents)
+                onDoEvents(parameters->rgvarg[0].pdispVal);
             return S_OK;
         }
         if (flags != DISPATCH_METHOD || parameters->cArgs != 2 || parameters->rgvarg[1].vt != VT_DISPATCH) {
