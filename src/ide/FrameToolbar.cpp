@@ -52,7 +52,7 @@ RECT LayOut(const ToolbarState& state, int position, SIZE* size = nullptr)
         if (!(state.visible & (1u << i)))
             continue;
         int width = state.buttons[i] == kToolbarSeparator ? kSeparatorWidth : kButtonWidth;
-        if (x + width > state.width - 2 && x > 2) {
+        if (x + width > state.width && x > 2) {
             x = 2;
             y += kButtonHeight;
         }

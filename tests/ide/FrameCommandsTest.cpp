@@ -258,8 +258,12 @@ TEST_F(FrameCommands, PlainEditingUsesAnEditControlAndDisablesItsCommands)
     EXPECT_EQ(1, SendMessageA(Child(ID_FRAME_TOOLBAR), TBM_ISVISIBLE, CMD_RUN, 0));
     SendMessageA(Editor(), WM_SETTEXT, 0, reinterpret_cast<LPARAM>("Sub Main\r\nEnd Sub\r\n"));
     SendMessageA(Editor(), EM_SETMODIFY, TRUE, 0);
+    brannoc::test::MessageBoxCapture capture(IDNO);
     Command(CMD_NEW_CODE);
+    EXPECT_EQ(1u, capture.Count()) << "the changed sheet is offered for saving first";
     EXPECT_EQ(1, Send(FM_SHEETCOUNT)) << "one sheet without the several-sheets option";
+    EXPECT_EQ(1, Send(FM_SHEETKIND));
+    EXPECT_EQ("Attribute VB_Name = \"Module1\"\r\n", Get(FM_GETWHOLETEXT));
 }
 
 } // namespace
