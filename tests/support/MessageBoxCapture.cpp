@@ -89,7 +89,9 @@ LRESULT CALLBACK MessageBoxCapture::HookProc(int code, WPARAM wParam, LPARAM lPa
     // The box's text, buttons and icon are in place once its WM_INITDIALOG has been handled.
     if (code == HC_ACTION && s_active) {
         const auto* message = reinterpret_cast<const CWPRETSTRUCT*>(lParam);
-        if (message->message == WM_INITDIALOG && IsDialogWindow(message->hwnd) && GetDlgItem(message->hwnd, 0xFFFF))
+        // Wine's Find and Replace dialogs also have a static control 0xFFFF, but a message box has no Edit child.
+        if (message->message == WM_INITDIALOG && IsDialogWindow(message->hwnd) && GetDlgItem(message->hwnd, 0xFFFF) &&
+            !FindWindowExW(message->hwnd, nullptr, L"Edit", nullptr))
             s_active->Capture(message->hwnd);
     }
     return CallNextHookEx(nullptr, code, wParam, lParam);
