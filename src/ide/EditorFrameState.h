@@ -86,6 +86,13 @@ public:
     int TranslateKey(int key) const;
     std::string CommandHelp(int command, bool toolTip) const;
 
+    // ---- object and proc lists (FrameProcLists.cpp) ----
+    void FillLists();
+    void FillProcList();
+    void ChooseProc();
+    std::vector<const char*> ObjectEvents(const std::string& object) const;
+    void InsertHandler(TextDocument& document, const std::string& prototype);
+
     // ---- layout and children ----
     void Layout();
     void UpdateDeferred();

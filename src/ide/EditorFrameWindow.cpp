@@ -378,6 +378,9 @@ int EditorFrame::ShowMessage(unsigned id, UINT style, const std::string& file)
 void EditorFrame::UpdateDeferred()
 {
     KillTimer(m_window, kDeferredTimer);
+    if (m_listMode > 0 && !SendMessageA(m_procList, CB_GETDROPPEDSTATE, 0, 0) &&
+        !SendMessageA(m_objectList, CB_GETDROPPEDSTATE, 0, 0))
+        FillLists();
     UpdateCommandStates();
     UpdateCaption();
     if (Sheet* sheet = Current()) {

@@ -184,6 +184,7 @@ bool RunFrameCommand(EditorFrame& frame, int command)
     case CMD_LISTS_NEITHER: case CMD_LISTS_PROC: case CMD_LISTS_BOTH:
         frame.m_listMode = command - CMD_LISTS_NEITHER;
         frame.Layout();
+        frame.FillLists();
         return true;
     case CMD_DESIGN_MODE:
         frame.m_designDisplay = !frame.m_designDisplay;

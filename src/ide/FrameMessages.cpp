@@ -173,6 +173,14 @@ LRESULT EditorFrame::Handle(UINT message, WPARAM wParam, LPARAM lParam)
             ShowSheet(HIWORD(wParam));
             return 0;
         }
+        if (HIWORD(wParam) == CBN_SELENDOK && reinterpret_cast<HWND>(lParam) == m_objectList) {
+            FillProcList();
+            return 0;
+        }
+        if (HIWORD(wParam) == CBN_SELENDOK && reinterpret_cast<HWND>(lParam) == m_procList) {
+            ChooseProc();
+            return 0;
+        }
         if (lParam == 0)
             Dispatch(LOWORD(wParam), true);
         return 0;
@@ -265,6 +273,7 @@ LRESULT EditorFrame::Handle(UINT message, WPARAM wParam, LPARAM lParam)
             return 1;
         m_listMode = static_cast<int>(lParam);
         Layout();
+        FillLists();
         return 0;
     case FM_GETSPLIT: return m_splitPosition;
     case FM_SETSPLIT: m_splitPosition = lParam < 0 ? 0 : static_cast<int>(lParam); Layout(); return 0;

@@ -131,6 +131,7 @@ bool EditorFrame::ShowSheet(int index)
     }
     if (m_sheetTabs)
         SendMessageA(m_sheetTabs, STM_SETTABS, static_cast<WPARAM>(Count()), m_current);
+    FillLists();
     UpdateCaption();
     UpdateCommandStates();
     return true;
