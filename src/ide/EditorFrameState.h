@@ -3,6 +3,7 @@
 // and sheet handling share.
 #include "ide/EditorFrame.h"
 #include "ide/EditorStrings.h"
+#include "ide/FindReplace.h"
 #include "ide/Sheet.h"
 
 #include <windows.h>
@@ -128,6 +129,7 @@ public:
     int m_busy = 0;
     WNDPROC m_editorProc = nullptr;
     std::string m_lastStatus;
+    FindState m_find;
 };
 
 EditorFrame* FrameOf(HWND window);

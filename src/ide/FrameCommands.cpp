@@ -191,6 +191,9 @@ bool RunFrameCommand(EditorFrame& frame, int command)
         frame.UpdateCaption();
         return true;
     case CMD_CLOSE_ALL: return frame.CloseAll(PromptKind::CanCancel);
+    case CMD_FIND: OpenFindDialog(frame, false); return true;
+    case CMD_REPLACE: OpenFindDialog(frame, true); return true;
+    case CMD_AGAIN: RepeatFind(frame); return true;
     case CMD_ABOUT:
         if (frame.m_callbacks.about)
             frame.m_callbacks.about(frame.m_window);

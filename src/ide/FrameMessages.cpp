@@ -2,6 +2,7 @@
 #include "ide/EditorFrameState.h"
 
 #include "ide/CommandTable.h"
+#include "ide/FindReplace.h"
 #include "ide/FrameStatusBar.h"
 #include "ide/FrameToolbar.h"
 #include "ide/TextArea.h"
@@ -147,6 +148,11 @@ LRESULT EditorFrame::Handle(UINT message, WPARAM wParam, LPARAM lParam)
         ShowStatus(CommandHelp(command < 0 ? -command : command, false));
         if (lParam == 1)
             SetFocus(m_window);
+        return 0;
+    }
+    static const UINT findMessage = RegisterWindowMessageA(FINDMSGSTRINGA);
+    if (message == findMessage) {
+        OnFindNotification(*this, *reinterpret_cast<const FINDREPLACEA*>(lParam));
         return 0;
     }
     switch (message) {
