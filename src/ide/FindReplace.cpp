@@ -173,8 +173,11 @@ void OpenFindDialog(EditorFrame& frame, bool replace, bool keepText)
     state.request.wReplaceWithLen = sizeof(state.replaceText);
     state.request.lpfnHook = FindReplaceHook;
     state.dialog = replace ? ReplaceTextA(&state.request) : FindTextA(&state.request);
-    if (state.dialog)
+    if (state.dialog) {
         PlaceDialog(state.dialog, frame.m_editor);
+        // Wine creates the dialog hidden; Windows shows it already.
+        ShowWindow(state.dialog, SW_SHOW);
+    }
 }
 
 void OnFindNotification(EditorFrame& frame, const FINDREPLACEA& request)

@@ -56,6 +56,10 @@ TEST_F(FindReplace, CtrlFOpensFindWithTheWordAtTheCaretAndSelectsTheNextMatch)
     std::string offered;
     DialogRobot robot([&](HWND dialog) {
         offered = DialogRobot::Text(dialog, kFindField);
+        EXPECT_TRUE(IsWindowVisible(dialog));
+        SetForegroundWindow(dialog);
+        RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN | RDW_UPDATENOW);
+        Sleep(100);
         brannoc::test::WindowImage::Capture(dialog, true).WriteScreenshot(L"find_dialog");
         DialogRobot::Press(dialog, IDOK); // Find Next
     });
