@@ -70,6 +70,10 @@ public:
     std::string WholeTextOf(const Sheet& sheet) const;
     void ReplaceCode(Sheet& sheet, const std::string& code);
     bool ChooseFileName(bool save, std::string& name);
+    // After the header was edited: the document's hidden text follows and the sheet counts as modified.
+    void ApplyHeader(Sheet& sheet);
+    // Module properties: a new instancing for an object or class module.
+    bool SetInstancing(Sheet& sheet, int instancing);
     std::string FileFilter() const;
 
     // ---- caption, status, messages ----

@@ -3,6 +3,7 @@
 
 #include "ide/CommandTable.h"
 #include "ide/FindReplace.h"
+#include "ide/ModuleAttributes.h"
 #include "ide/FrameStatusBar.h"
 #include "ide/FrameToolbar.h"
 #include "ide/TextArea.h"
@@ -107,6 +108,12 @@ LRESULT SheetMessage(EditorFrame& frame, UINT message, WPARAM wParam, LPARAM lPa
     case FM_CURRENTSHEET: return frame.m_current + 1;
     case FM_FINDSHEET: return frame.FindSheet(StringParameter(lParam)) + 1;
     case FM_HIDDENLINES: return sheet ? sheet->HiddenLines() : 0;
+    case FM_GETVBNAME: return sheet ? CopyOutString(ReadVbName(sheet->header), wParam, lParam) : 0;
+    case FM_SETVBNAME:
+        if (!sheet || !WriteVbName(sheet->header, StringParameter(lParam)))
+            return 1;
+        frame.ApplyHeader(*sheet);
+        return 0;
     case FM_SHEETKIND: return sheet ? static_cast<int>(sheet->kind) : 0;
     case FM_GETTEXT: return sheet ? CopyOutString(frame.CodeOf(*sheet), wParam, lParam) : 0;
     case FM_SETTEXT:

@@ -3,6 +3,7 @@
 #include "ide/EditorFrameState.h"
 
 #include "ide/CommandTable.h"
+#include "ide/ModuleAttributes.h"
 #include "ide/SheetTabs.h"
 #include "ide/TextArea.h"
 
@@ -134,6 +135,26 @@ bool EditorFrame::ShowSheet(int index)
     FillLists();
     UpdateCaption();
     UpdateCommandStates();
+    return true;
+}
+
+void EditorFrame::ApplyHeader(Sheet& sheet)
+{
+    sheet.headerLines = 0;
+    for (char c : sheet.header)
+        sheet.headerLines += c == '\n' ? 1 : 0;
+    if (sheet.document)
+        sheet.document->SetHiddenText(sheet.header + sheet.references, sheet.HiddenLines());
+    SetModified(sheet, true);
+    UpdateCaption();
+}
+
+bool EditorFrame::SetInstancing(Sheet& sheet, int instancing)
+{
+    if (sheet.kind != SheetKind::Object && sheet.kind != SheetKind::Class)
+        return false;
+    WriteInstancing(sheet.header, instancing);
+    ApplyHeader(sheet);
     return true;
 }
 
