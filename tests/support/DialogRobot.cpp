@@ -11,7 +11,7 @@ constexpr UINT_PTR kRobotTimer = 0x7A11;
 
 bool IsMessageBox(HWND window)
 {
-    return GetDlgItem(window, 0xFFFF) && !FindWindowExW(window, nullptr, L"Edit", nullptr);
+    return GetDlgItem(window, 0xFFFF) && !GetDlgItem(window, 0x480);
 }
 
 bool IsDialog(HWND window)
