@@ -44,6 +44,8 @@ public:
     void LoadModule(std::string_view wholeText);
     // The hidden lines in front of the code, and the whole text with them.
     const std::string& HiddenText() const { return m_hiddenText; }
+    // Replaces the hidden lines (after the module's header was edited); the shown code stays.
+    void SetHiddenText(std::string text, int lines) { m_hiddenText = std::move(text); m_hiddenLines = lines; }
     int HiddenLineCount() const { return m_hiddenLines; }
     std::string WholeText() const { return m_hiddenText + m_buffer.Text(); }
     const TextBuffer& Buffer() const { return m_buffer; }

@@ -89,7 +89,10 @@ LRESULT CALLBACK MessageBoxCapture::HookProc(int code, WPARAM wParam, LPARAM lPa
     // The box's text, buttons and icon are in place once its WM_INITDIALOG has been handled.
     if (code == HC_ACTION && s_active) {
         const auto* message = reinterpret_cast<const CWPRETSTRUCT*>(lParam);
-        if (message->message == WM_INITDIALOG && IsDialogWindow(message->hwnd) && GetDlgItem(message->hwnd, 0xFFFF))
+        // Wine's Find and Replace dialogs also have a static control 0xFFFF; their "Find what" field (0x480)
+        // tells them apart.
+        if (message->message == WM_INITDIALOG && IsDialogWindow(message->hwnd) && GetDlgItem(message->hwnd, 0xFFFF) &&
+            !GetDlgItem(message->hwnd, 0x480))
             s_active->Capture(message->hwnd);
     }
     return CallNextHookEx(nullptr, code, wParam, lParam);

@@ -1,0 +1,102 @@
+#pragma once
+// The editor frame: the window class "__BrannocBasicEditor" that hosts the toolbar, the object and
+// proc lists, the sheet tabs, the text area and the status bar, keeps one sheet per open macro or
+// module, and carries out the commands of its command table. Hosts and tests drive it by the window
+// messages below; option bits live in the low word of its window style.
+#include <windows.h>
+
+namespace brannoc::ide {
+
+inline constexpr char kEditorFrameClassName[] = "__BrannocBasicEditor";
+
+enum FrameOption : DWORD {
+    FO_TOOLBAR = 0x0001,
+    FO_STATUS_BAR = 0x0002,
+    FO_FILES = 0x0004,
+    FO_EDIT_BUTTONS = 0x0008,
+    FO_ALWAYS_SPLIT = 0x0010,
+    FO_SHEETS = 0x0020,
+    FO_PLAIN_EDIT = 0x0040,
+    FO_SAVE_KEEPS_DIRECTORY = 0x0080,
+    FO_CAPTION_TEXT = 0x0100,
+    FO_OPEN_KEEPS_DIRECTORY = 0x0200,
+    FO_POST_QUIT = 0x0400,
+    FO_PROJECT = 0x1000,
+    FO_NO_DEFAULT_FONT = 0x2000,
+    FO_HOST_KEYS = 0x4000,
+    FO_NO_ENGINE = 0x8000,
+};
+inline constexpr DWORD kFrameOptionMask = 0xFFFF;
+
+enum FrameChildId : int {
+    ID_FRAME_TOOLBAR = 100, ID_FRAME_TABBAR = 101, ID_FRAME_EDITOR = 106, ID_FRAME_STATUS_BAR = 107,
+    ID_FRAME_SHEET_TABS = 108, ID_FRAME_OBJECT_LIST = 109, ID_FRAME_PROC_LIST = 110,
+};
+
+// Frame messages (strings in lParam; a getter copies into the buffer lParam of size wParam and answers
+// the length, or answers the length alone for a null buffer). "0 on success" messages answer 1 on failure.
+enum FrameMessage : UINT {
+    FM_GETDESIGNDISPLAY = WM_USER + 240, FM_SETDESIGNDISPLAY = WM_USER + 241,
+    FM_GETDESIGNOFFER = WM_USER + 242, FM_SETDESIGNOFFER = WM_USER + 243,
+    FM_GETWHOLETEXT = WM_USER + 257,
+    FM_GETFILEDESC = WM_USER + 264, FM_GETFILEEXT = WM_USER + 265, FM_GETSHEETNAME = WM_USER + 266,
+    FM_SETFILEDESC = WM_USER + 277, FM_SETFILEEXT = WM_USER + 278,
+    FM_OPENMACRO = WM_USER + 279,      // 0 on success
+    FM_SETOPTIONS = WM_USER + 284,     // wParam mask, lParam values
+    FM_FILE = WM_USER + 285,           // wParam 1 open lParam, 0 save as lParam; 0 on success
+    FM_GETCAPTION = WM_USER + 288, FM_SETTITLE = WM_USER + 289,
+    FM_GETREADONLY = WM_USER + 296, FM_SETREADONLY = WM_USER + 297,
+    FM_GETSELSTART = WM_USER + 300, FM_SETCARET = WM_USER + 301,
+    FM_SETABOUTCALLBACK = WM_USER + 304,
+    FM_SETNOTIFYCALLBACK = WM_USER + 308, FM_SETSTATUSCALLBACK = WM_USER + 310,
+    FM_SETQUERYSAVECALLBACK = WM_USER + 311, FM_SETFILENAMECALLBACK = WM_USER + 312,
+    FM_SETWRITECALLBACK = WM_USER + 314, FM_SETDISPLAYNAMECALLBACK = WM_USER + 315,
+    FM_SETCOMMANDFILTER = WM_USER + 316,
+    FM_HOSTCOMMAND = WM_USER + 320,    // wParam host number, lParam 0 ask enabled, else carry out
+    FM_SHEETCOUNT = WM_USER + 323, FM_SELECTSHEET = WM_USER + 324, FM_CURRENTSHEET = WM_USER + 325,
+    FM_SHOWSHEET = WM_USER + 326, FM_FINDSHEET = WM_USER + 327,
+    FM_CLOSEALL = WM_USER + 336,       // 0 when done
+    FM_HASNOENGINE = WM_USER + 337,
+    FM_COMMANDSTATUS = WM_USER + 339, FM_COMMANDTIP = WM_USER + 340,
+    FM_GETMACRONOUN = WM_USER + 354, FM_SETMACRONOUN = WM_USER + 355,
+    FM_GETOBJECTFILETYPE = WM_USER + 356, FM_SETOBJECTFILETYPE = WM_USER + 357,
+    FM_GETLISTMODE = WM_USER + 358, FM_SETLISTMODE = WM_USER + 359,
+    FM_DISPLAYNAME = WM_USER + 360,
+    FM_GETSPLIT = WM_USER + 366, FM_SETSPLIT = WM_USER + 367,
+    FM_GETMARGIN = WM_USER + 368, FM_SETMARGIN = WM_USER + 369,
+    FM_TOOLBARHEIGHT = WM_USER + 370, FM_STATUSHEIGHT = WM_USER + 371,
+    FM_HIDDENLINES = WM_USER + 372, FM_SHEETKIND = WM_USER + 373,
+    FM_GETVBNAME = WM_USER + 374, FM_SETVBNAME = WM_USER + 375,
+    FM_GETTABSASSPACES = WM_USER + 378, FM_SETTABSASSPACES = WM_USER + 379,
+    FM_GETTABWIDTH = WM_USER + 380, FM_SETTABWIDTH = WM_USER + 381,
+    FM_GETTEXT = WM_USER + 382, FM_SETTEXT = WM_USER + 383,
+    FM_STATUSHELP = WM_USER + 400, FM_TRANSLATEKEY = WM_USER + 401, FM_SETKEYBOARDMODE = WM_USER + 402,
+    FM_LOADMENU = WM_USER + 405,
+    FM_ENGINE = WM_USER + 480,
+    FM_UPDATE = WM_USER + 496,
+    FM_SHOWMESSAGE = WM_USER + 500,
+    FM_PROPERTIES = WM_USER + 502,
+    FM_LAYOUT = WM_USER + 504,
+};
+
+// Host callbacks; each may be null.
+using FrameNotifyCallback = void(CALLBACK*)(HWND frame, int code);
+using FrameAboutCallback = void(CALLBACK*)(HWND frame);
+using FrameStatusCallback = void(CALLBACK*)(HWND frame, const char* text, BOOL alert);
+// Nonzero: `*result` (IDYES, IDNO or IDCANCEL) decides instead of the save prompt.
+using FrameQuerySaveCallback = BOOL(CALLBACK*)(HWND frame, const char* sheetName, int* result);
+// Nonzero: `name` (260 characters) holds the chosen file and no dialog is shown.
+using FrameFileNameCallback = BOOL(CALLBACK*)(HWND frame, BOOL save, char* name);
+using FrameWriteCallback = BOOL(CALLBACK*)(HWND frame, const char* name, const char* text);
+// May rewrite `name` (260 characters) before the frame forms a display name from it.
+using FrameDisplayNameCallback = void(CALLBACK*)(HWND frame, char* name);
+// Nonzero: the host has carried out the command of that host number.
+using FrameCommandFilter = BOOL(CALLBACK*)(HWND frame, int hostNumber);
+
+// Registers the frame class and its child classes once per process.
+bool RegisterEditorFrameClass();
+
+// Observes the frame's beeps (for tests); null restores plain beeping.
+void SetFrameBeepObserver(void (*observer)(UINT type));
+
+} // namespace brannoc::ide

@@ -1,0 +1,145 @@
+#pragma once
+// The per-window state of the editor frame and the operations its message handler, command dispatch
+// and sheet handling share.
+#include "ide/EditorFrame.h"
+#include "ide/EditorStrings.h"
+#include "ide/FindReplace.h"
+#include "ide/Sheet.h"
+
+#include <windows.h>
+#include <unknwn.h>
+
+#include <bitset>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace brannoc::ide {
+
+struct FrameCallbacks {
+    FrameNotifyCallback notify = nullptr;
+    FrameAboutCallback about = nullptr;
+    FrameStatusCallback status = nullptr;
+    FrameQuerySaveCallback querySave = nullptr;
+    FrameFileNameCallback fileName = nullptr;
+    FrameWriteCallback write = nullptr;
+    FrameDisplayNameCallback displayName = nullptr;
+    FrameCommandFilter commandFilter = nullptr;
+};
+
+// Whether a save prompt may offer Cancel.
+enum class PromptKind { CanCancel, YesNo };
+
+class EditorFrame final {
+public:
+    explicit EditorFrame(HWND window) : m_window(window) {}
+    ~EditorFrame();
+    EditorFrame(const EditorFrame&) = delete;
+    EditorFrame& operator=(const EditorFrame&) = delete;
+
+    bool Create();
+    LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
+
+    // ---- options and state ----
+    DWORD Options() const { return static_cast<DWORD>(GetWindowLongA(m_window, GWL_STYLE)) & kFrameOptionMask; }
+    bool Has(DWORD option) const { return (Options() & option) != 0; }
+    void ChangeOptions(DWORD mask, DWORD values);
+    bool IsTopLevel() const { return (GetWindowLongA(m_window, GWL_STYLE) & WS_CHILD) == 0; }
+    bool ProjectMode() const { return Has(FO_PROJECT); }
+    bool PlainEditing() const { return Has(FO_PLAIN_EDIT); }
+
+    // ---- sheets (FrameSheets.cpp) ----
+    Sheet* Current() const { return m_current >= 0 && m_current < Count() ? m_sheets[m_current].get() : nullptr; }
+    int Count() const { return static_cast<int>(m_sheets.size()); }
+    bool NewSheet(SheetKind kind);
+    bool OpenFile(const std::string& path);
+    bool ShowSheet(int index);
+    bool SaveSheet(Sheet& sheet);
+    bool SaveSheetAs(Sheet& sheet, std::string name);
+    bool SaveAll();
+    bool CloseSheet(int index, PromptKind prompt);
+    bool CloseAll(PromptKind prompt);
+    bool QuerySave(Sheet& sheet, PromptKind prompt);
+    std::string DisplayName(const std::string& name) const;
+    std::string KindWord(const Sheet& sheet) const;
+    int FindSheet(const std::string& name) const;
+    void StoreShownText();
+    bool Modified(const Sheet& sheet) const;
+    void SetModified(Sheet& sheet, bool modified);
+    std::string CodeOf(const Sheet& sheet) const;
+    std::string WholeTextOf(const Sheet& sheet) const;
+    void ReplaceCode(Sheet& sheet, const std::string& code);
+    bool ChooseFileName(bool save, std::string& name);
+    // After the header was edited: the document's hidden text follows and the sheet counts as modified.
+    void ApplyHeader(Sheet& sheet);
+    // Module properties: a new instancing for an object or class module.
+    bool SetInstancing(Sheet& sheet, int instancing);
+    std::string FileFilter() const;
+
+    // ---- caption, status, messages ----
+    void UpdateCaption();
+    void ShowStatus(const std::string& text, bool alert = false);
+    int ShowMessage(unsigned id, UINT style, const std::string& file = {});
+    std::string Text(unsigned id) const { return LoadEditorString(id, m_placeholders); }
+    void Beep(UINT type) const;
+
+    // ---- commands (FrameCommands.cpp) ----
+    int Dispatch(int command, bool fromUser);
+    bool IsEnabled(int command) const { return command >= 300 && command < 428 && m_enabled[command - 300]; }
+    void UpdateCommandStates();
+    LRESULT HostCommand(int number, bool carryOut);
+    int TranslateKey(int key) const;
+    std::string CommandHelp(int command, bool toolTip) const;
+
+    // ---- object and proc lists (FrameProcLists.cpp) ----
+    void FillLists();
+    void FillProcList();
+    void ChooseProc();
+    std::vector<const char*> ObjectEvents(const std::string& object) const;
+    void InsertHandler(TextDocument& document, const std::string& prototype);
+
+    // ---- layout and children ----
+    void Layout();
+    void UpdateDeferred();
+    HMENU BuildMenu(bool full) const;
+
+    HWND m_window;
+    HWND m_editor = nullptr, m_toolbar = nullptr, m_statusBar = nullptr, m_sheetTabs = nullptr;
+    HWND m_objectList = nullptr, m_procList = nullptr;
+    IUnknown* m_engine = nullptr; // owned reference; null with FO_NO_ENGINE
+    FrameCallbacks m_callbacks;
+    std::bitset<128> m_enabled;
+    std::vector<std::unique_ptr<Sheet>> m_sheets;
+    int m_current = -1;
+    PlaceholderValues m_placeholders;
+    std::string m_objectNoun = "Object";
+    std::string m_objectTypeWord = "Object";
+    std::string m_objectExtension = "OBM";
+    std::string m_fileDescriptions;
+    std::string m_fileExtensions = "KZB|*";
+    int m_untitledCounters[4] = {1, 1, 1, 1};
+    bool m_designDisplay = true;
+    bool m_designOffer = true;
+    bool m_readOnly = false;
+    int m_listMode = 0;
+    int m_keyboardMode = 2;
+    int m_splitPosition = 0;
+    int m_margin = 0;
+    bool m_tabsAsSpaces = false;
+    int m_tabWidth = 4;
+    std::string m_caption;
+    HFONT m_displayFont = nullptr, m_listFont = nullptr, m_listBoldFont = nullptr;
+    HWND m_lastFocus = nullptr;
+    int m_busy = 0;
+    WNDPROC m_editorProc = nullptr;
+    std::string m_lastStatus;
+    FindState m_find;
+};
+
+EditorFrame* FrameOf(HWND window);
+
+// Copies a string out the way the frame's getters do: into `buffer` of `size` (cut to fit, with its
+// terminating zero), answering the length; a null buffer answers the length alone.
+LRESULT CopyOutString(const std::string& text, WPARAM size, LPARAM buffer);
+
+} // namespace brannoc::ide

@@ -1,0 +1,280 @@
+// The frame's command dispatch: which commands are enabled in the frame's state, the host's command
+// filter, and the built-in action of each command.
+#include "ide/EditorFrameState.h"
+
+#include "ide/CommandTable.h"
+#include "ide/FrameKeys.h"
+#include "ide/FrameToolbar.h"
+#include "ide/TextArea.h"
+
+#include "brannoc.h"
+
+namespace brannoc::ide {
+
+namespace {
+
+struct FrameConditions {
+    bool engine, idle, busy, loaded, stopped, ro, RO, sel, text, focusEditor, canUndo, canRedo, clipboard, module;
+};
+
+FrameConditions ReadConditions(const EditorFrame& frame)
+{
+    FrameConditions c{};
+    void* unit = frame.m_engine;
+    c.engine = unit != nullptr;
+    c.idle = !unit || CU_IsIdle(unit);
+    c.busy = unit && CU_IsActive(unit);
+    c.stopped = unit && CU_IsStopped(unit);
+    c.loaded = false; // macros are loaded into the engine only by the run commands
+    c.ro = (GetWindowLongA(frame.m_editor, GWL_STYLE) & ES_READONLY) != 0;
+    c.RO = frame.m_readOnly;
+    DWORD start = 0, end = 0;
+    SendMessageA(frame.m_editor, EM_GETSEL, reinterpret_cast<WPARAM>(&start), reinterpret_cast<LPARAM>(&end));
+    c.sel = start != end;
+    c.text = GetWindowTextLengthA(frame.m_editor) > 0;
+    c.focusEditor = frame.m_lastFocus == nullptr || frame.m_lastFocus == frame.m_editor ||
+                    frame.m_lastFocus == frame.m_objectList || frame.m_lastFocus == frame.m_procList;
+    c.canUndo = SendMessageA(frame.m_editor, EM_CANUNDO, 0, 0) != 0;
+    const Sheet* sheet = frame.Current();
+    c.canRedo = sheet && sheet->document && sheet->document->CanRedo();
+    c.clipboard = IsClipboardFormatAvailable(CF_TEXT) != 0;
+    c.module = sheet && sheet->kind != SheetKind::Macro;
+    return c;
+}
+
+bool Enabled(const EditorFrame& frame, const FrameConditions& c, int command, bool wasEnabled)
+{
+    bool sheets = frame.Has(FO_SHEETS) || frame.ProjectMode();
+    bool run = (c.engine && c.idle) || (c.loaded && c.stopped);
+    switch (command) {
+    case CMD_NEW: return (!c.ro || sheets) && !c.RO;
+    case CMD_OPEN: return !c.ro || sheets;
+    case CMD_SAVE: return !c.RO && frame.Current() && frame.Modified(*frame.Current());
+    case CMD_SAVE_AS: case CMD_SAVE_ALL: return !c.RO;
+    case CMD_UNDO: return !c.ro && c.canUndo;
+    case CMD_REDO: return !c.ro && c.canRedo;
+    case CMD_CUT: case CMD_DELETE: return !c.ro && c.sel;
+    case CMD_COPY: return true;
+    case CMD_PASTE: return !c.ro && c.clipboard;
+    case CMD_CUT_LINE: return !c.ro;
+    case CMD_SELECT_ALL: return !c.ro && c.text;
+    case CMD_INDENT: case CMD_OUTDENT: return !c.ro && c.sel && c.focusEditor && c.text;
+    case CMD_FIND: case CMD_AGAIN: return c.focusEditor && c.text;
+    case CMD_REPLACE: return !c.ro && c.focusEditor && c.text;
+    case CMD_COMPLETE_WORD: case CMD_REFERENCES: return !c.loaded;
+    case CMD_USER_DIALOG: return !c.ro;
+    case CMD_PROPERTIES: return !c.loaded && c.module;
+    case CMD_IMMEDIATE: return c.loaded || frame.Has(FO_ALWAYS_SPLIT);
+    case CMD_WATCH: case CMD_STACK: return c.loaded;
+    case CMD_LOADED: return c.loaded && !frame.ProjectMode() && (frame.Has(FO_FILES) || frame.Has(FO_SHEETS));
+    case CMD_VIEW_EDIT_BUTTONS: return frame.Has(FO_TOOLBAR);
+    case CMD_RUN: return run;
+    case CMD_PAUSE: return c.engine && (c.busy || !frame.m_designDisplay);
+    case CMD_END: return !c.idle;
+    case CMD_STEP_INTO: case CMD_STEP_OVER: return run;
+    case CMD_STEP_OUT: return run && c.stopped;
+    case CMD_STEP_TO: return c.focusEditor && c.text && run;
+    case CMD_QUICK_WATCH: return c.focusEditor && c.text && ((c.engine && !c.busy) || !c.loaded);
+    case CMD_ADD_WATCH: return c.focusEditor && c.text && c.stopped;
+    case CMD_BROWSE: return c.focusEditor && ((c.engine && !c.busy) || !c.loaded);
+    case CMD_SET_NEXT: return c.focusEditor && c.text && run && c.stopped;
+    case CMD_SHOW_NEXT: return c.stopped;
+    case CMD_TOPIC_SEARCH: return c.focusEditor;
+    default: return wasEnabled;
+    }
+}
+
+void UpdateToolbar(EditorFrame& frame)
+{
+    if (!frame.m_toolbar)
+        return;
+    static constexpr short kButtons[] = {299, 304, 306, 308, 309, 314, 315, 316, 312, 313, 364,
+                                         352, 353, 354, 355, 360, 362, 366, 356, 357, 358, 328, 330};
+    for (short command : kButtons) {
+        int follows = command == CMD_TOOLBAR_NEW ? CMD_NEW : command;
+        SendMessageA(frame.m_toolbar, TBM_ENABLE, static_cast<WPARAM>(command), frame.IsEnabled(follows));
+    }
+    SendMessageA(frame.m_toolbar, TBM_RELEASE, CMD_DESIGN_MODE, frame.m_designDisplay ? 0 : 1);
+}
+
+void CutLine(EditorFrame& frame)
+{
+    Sheet* sheet = frame.Current();
+    if (!sheet || !sheet->document)
+        return;
+    int line = sheet->document->Caret().line;
+    SendMessageA(frame.m_editor, TAM_SELECTLINES, static_cast<WPARAM>(line), line);
+    SendMessageA(frame.m_editor, WM_CUT, 0, 0);
+}
+
+void SetTabs(EditorFrame& frame, bool asSpaces, int width)
+{
+    frame.m_tabsAsSpaces = asSpaces;
+    frame.m_tabWidth = width;
+    for (auto& sheet : frame.m_sheets)
+        if (sheet->document)
+            sheet->document->SetTabs(asSpaces, width);
+    InvalidateRect(frame.m_editor, nullptr, TRUE);
+}
+
+bool RunEditCommand(EditorFrame& frame, int command)
+{
+    HWND editor = frame.m_editor;
+    switch (command) {
+    case CMD_UNDO: SendMessageA(editor, WM_UNDO, 0, 0); return true;
+    case CMD_REDO: SendMessageA(editor, TAM_REDO, 0, 0); return true;
+    case CMD_CUT: SendMessageA(editor, WM_CUT, 0, 0); return true;
+    case CMD_COPY: SendMessageA(editor, WM_COPY, 0, 0); return true;
+    case CMD_PASTE: SendMessageA(editor, WM_PASTE, 0, 0); return true;
+    case CMD_DELETE: SendMessageA(editor, WM_CLEAR, 0, 0); return true;
+    case CMD_CUT_LINE: CutLine(frame); return true;
+    case CMD_SELECT_ALL: SendMessageA(editor, EM_SETSEL, 0, -1); return true;
+    case CMD_INDENT:
+    case CMD_OUTDENT:
+        if (frame.Current() && frame.Current()->document)
+            IndentTextArea(editor, command == CMD_OUTDENT);
+        return true;
+    case CMD_TAB_AS_SPACES: SetTabs(frame, !frame.m_tabsAsSpaces, frame.m_tabWidth); return true;
+    case CMD_FOCUS_TEXT: SetFocus(editor); return true;
+    case CMD_TOGGLE_BREAK:
+        if (Sheet* sheet = frame.Current(); sheet && sheet->document) {
+            int line = sheet->document->Caret().line;
+            sheet->document->SetBreakPoint(line, !sheet->document->BreakPoint(line));
+            InvalidateRect(editor, nullptr, FALSE);
+        }
+        return true;
+    case CMD_CLEAR_BREAKS:
+        if (Sheet* sheet = frame.Current(); sheet && sheet->document) {
+            for (int line = 0; line < sheet->document->LineCount(); ++line)
+                sheet->document->SetBreakPoint(line, false);
+            InvalidateRect(editor, nullptr, FALSE);
+        }
+        return true;
+    default:
+        break;
+    }
+    if (command >= CMD_TAB_WIDTH_1 && command <= CMD_TAB_WIDTH_8) {
+        SetTabs(frame, frame.m_tabsAsSpaces, command - CMD_TAB_WIDTH_1 + 1);
+        return true;
+    }
+    return false;
+}
+
+bool RunFrameCommand(EditorFrame& frame, int command)
+{
+    Sheet* sheet = frame.Current();
+    switch (command) {
+    case CMD_NEW: return frame.NewSheet(SheetKind::Macro);
+    case CMD_NEW_CODE: return frame.NewSheet(SheetKind::Code);
+    case CMD_NEW_OBJECT: return frame.NewSheet(SheetKind::Object);
+    case CMD_NEW_CLASS: return frame.NewSheet(SheetKind::Class);
+    case CMD_OPEN: {
+        std::string name;
+        return frame.ChooseFileName(false, name) && frame.OpenFile(name);
+    }
+    case CMD_CLOSE: return frame.CloseSheet(frame.m_current, PromptKind::CanCancel);
+    case CMD_SAVE: return sheet && frame.SaveSheet(*sheet);
+    case CMD_SAVE_AS: return sheet && frame.SaveSheetAs(*sheet, {});
+    case CMD_SAVE_ALL: return frame.SaveAll();
+    case CMD_EXIT: PostMessageA(frame.m_window, WM_CLOSE, 0, 0); return true;
+    case CMD_VIEW_TOOLBAR: frame.ChangeOptions(FO_TOOLBAR, frame.Options() ^ FO_TOOLBAR); return true;
+    case CMD_VIEW_STATUS_BAR: frame.ChangeOptions(FO_STATUS_BAR, frame.Options() ^ FO_STATUS_BAR); return true;
+    case CMD_VIEW_EDIT_BUTTONS: frame.ChangeOptions(FO_EDIT_BUTTONS, frame.Options() ^ FO_EDIT_BUTTONS); return true;
+    case CMD_ALWAYS_SPLIT: frame.ChangeOptions(FO_ALWAYS_SPLIT, frame.Options() ^ FO_ALWAYS_SPLIT); return true;
+    case CMD_LISTS_NEITHER: case CMD_LISTS_PROC: case CMD_LISTS_BOTH:
+        frame.m_listMode = command - CMD_LISTS_NEITHER;
+        frame.Layout();
+        frame.FillLists();
+        return true;
+    case CMD_DESIGN_MODE:
+        frame.m_designDisplay = !frame.m_designDisplay;
+        frame.UpdateCaption();
+        return true;
+    case CMD_CLOSE_ALL: return frame.CloseAll(PromptKind::CanCancel);
+    case CMD_FIND: OpenFindDialog(frame, false); return true;
+    case CMD_REPLACE: OpenFindDialog(frame, true); return true;
+    case CMD_AGAIN: RepeatFind(frame); return true;
+    case CMD_ABOUT:
+        if (frame.m_callbacks.about)
+            frame.m_callbacks.about(frame.m_window);
+        return true;
+    default:
+        break;
+    }
+    if (command >= CMD_SHEET_1 && command <= CMD_SHEET_9)
+        return frame.ShowSheet(command - CMD_SHEET_1);
+    return RunEditCommand(frame, command);
+}
+
+} // namespace
+
+void EditorFrame::UpdateCommandStates()
+{
+    if (!m_editor)
+        return;
+    FrameConditions conditions = ReadConditions(*this);
+    for (int command = kFirstCommand; command < kCommandEnd; ++command)
+        m_enabled[command - 300] = Enabled(*this, conditions, command, m_enabled[command - 300]);
+    UpdateToolbar(*this);
+}
+
+int EditorFrame::Dispatch(int command, bool fromUser)
+{
+    if (command == -CMD_DESIGN_MODE)
+        command = CMD_DESIGN_MODE;
+    if (command == CMD_TOOLBAR_NEW)
+        command = CMD_NEW;
+    int end = ProjectMode() ? kCommandEnd : kProjectCommandsFrom;
+    if (command != CMD_SAVE && (command < kFirstCommand || command >= end || !IsEnabled(command)))
+        return 0;
+    int number = HostNumberOfCommand(command);
+    if (number >= 0 && fromUser && command != CMD_DELETE && m_callbacks.commandFilter &&
+        m_callbacks.commandFilter(m_window, number))
+        return 1;
+    RunFrameCommand(*this, command);
+    UpdateCommandStates();
+    UpdateCaption();
+    return 1;
+}
+
+LRESULT EditorFrame::HostCommand(int number, bool carryOut)
+{
+    if (number >= HOST_TO_TOP && number <= HOST_MOUSE_MENU) {
+        if (!carryOut)
+            return 1;
+        if (m_callbacks.commandFilter && m_callbacks.commandFilter(m_window, number))
+            return 1;
+        if (number == HOST_TO_TOP) {
+            SetForegroundWindow(IsTopLevel() ? m_window : GetAncestor(m_window, GA_ROOT));
+            if (m_callbacks.notify)
+                m_callbacks.notify(m_window, 17);
+        }
+        return 1;
+    }
+    int limit = ProjectMode() ? kHostNumberCount : kHostNumberCount - 3;
+    if (number < 0 || number >= limit)
+        return 0;
+    int command = CommandOfHostNumber(number);
+    if (!carryOut)
+        return IsEnabled(command) ? 1 : 0;
+    return Dispatch(command, false);
+}
+
+int EditorFrame::TranslateKey(int key) const
+{
+    KeyContext context;
+    context.keyboardMode = m_keyboardMode;
+    context.fileCommands = Has(FO_FILES);
+    return TranslateFrameKey(key, context);
+}
+
+std::string EditorFrame::CommandHelp(int command, bool toolTip) const
+{
+    std::string text = Text(static_cast<unsigned>(command));
+    size_t split = text.find('\n');
+    if (split == std::string::npos)
+        return toolTip ? std::string() : text;
+    return toolTip ? text.substr(split + 1, 80) : text.substr(0, split);
+}
+
+} // namespace brannoc::ide

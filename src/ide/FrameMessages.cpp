@@ -1,0 +1,343 @@
+// The editor frame's message handler: window messages and the frame messages of hosts and tests.
+#include "ide/EditorFrameState.h"
+
+#include "ide/CommandTable.h"
+#include "ide/FindReplace.h"
+#include "ide/ModuleAttributes.h"
+#include "ide/FrameStatusBar.h"
+#include "ide/FrameToolbar.h"
+#include "ide/TextArea.h"
+
+#include "brannoc.h"
+
+namespace brannoc::ide {
+
+namespace {
+
+std::string StringParameter(LPARAM lParam) { return lParam ? reinterpret_cast<const char*>(lParam) : ""; }
+
+template <typename Callback>
+LRESULT SetCallback(Callback& slot, LPARAM lParam)
+{
+    slot = reinterpret_cast<Callback>(lParam);
+    return 0;
+}
+
+// The child frame without FO_CAPTION_TEXT answers the text messages with the current sheet's code.
+bool TextMeansCode(const EditorFrame& frame)
+{
+    return !frame.IsTopLevel() && !frame.Has(FO_CAPTION_TEXT);
+}
+
+void PaintListLabels(EditorFrame& frame)
+{
+    PAINTSTRUCT paint;
+    HDC dc = BeginPaint(frame.m_window, &paint);
+    if (frame.m_listMode > 0) {
+        HGDIOBJ old = SelectObject(dc, frame.m_listFont);
+        SetBkMode(dc, TRANSPARENT);
+        auto label = [&](HWND list, unsigned id, int x) {
+            RECT r;
+            GetWindowRect(list, &r);
+            MapWindowPoints(nullptr, frame.m_window, reinterpret_cast<POINT*>(&r), 2);
+            std::string text = frame.Text(id);
+            SIZE size{};
+            GetTextExtentPoint32A(dc, text.c_str(), static_cast<int>(text.size()), &size);
+            int height = static_cast<int>(SendMessageA(list, CB_GETITEMHEIGHT, static_cast<WPARAM>(-1), 0)) + 6;
+            TextOutA(dc, x, r.top + (height - size.cy) / 2, text.c_str(), static_cast<int>(text.size()));
+        };
+        RECT procRect;
+        GetWindowRect(frame.m_procList, &procRect);
+        MapWindowPoints(nullptr, frame.m_window, reinterpret_cast<POINT*>(&procRect), 2);
+        std::string procLabel = frame.Text(IDS_PROC_LABEL);
+        if (frame.m_listMode == 2) {
+            RECT objectRect;
+            GetWindowRect(frame.m_objectList, &objectRect);
+            MapWindowPoints(nullptr, frame.m_window, reinterpret_cast<POINT*>(&objectRect), 2);
+            label(frame.m_objectList, IDS_OBJECT_LABEL, frame.m_margin + 12);
+            label(frame.m_procList, IDS_PROC_LABEL, objectRect.right + 24);
+        } else {
+            label(frame.m_procList, IDS_PROC_LABEL, 12);
+        }
+        SelectObject(dc, old);
+    }
+    EndPaint(frame.m_window, &paint);
+}
+
+void DrawListItem(EditorFrame& frame, const DRAWITEMSTRUCT& item)
+{
+    bool selected = (item.itemState & ODS_SELECTED) != 0;
+    FillRect(item.hDC, &item.rcItem, GetSysColorBrush(selected ? COLOR_HIGHLIGHT : COLOR_WINDOW));
+    if (item.itemID == static_cast<UINT>(-1))
+        return;
+    char text[256] = {};
+    SendMessageA(item.hwndItem, CB_GETLBTEXT, item.itemID, reinterpret_cast<LPARAM>(text));
+    bool bold = item.itemData == 1;
+    HGDIOBJ old = SelectObject(item.hDC, bold ? frame.m_listBoldFont : frame.m_listFont);
+    SetBkMode(item.hDC, TRANSPARENT);
+    SetTextColor(item.hDC, GetSysColor(selected ? COLOR_HIGHLIGHTTEXT : COLOR_WINDOWTEXT));
+    RECT r = item.rcItem;
+    r.left += 3;
+    DrawTextA(item.hDC, text, -1, &r, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
+    SelectObject(item.hDC, old);
+    if (item.itemState & ODS_FOCUS)
+        DrawFocusRect(item.hDC, &item.rcItem);
+}
+
+bool OnClose(EditorFrame& frame)
+{
+    if (!frame.CloseAll(PromptKind::CanCancel))
+        return false;
+    if (frame.IsTopLevel())
+        DestroyWindow(frame.m_window);
+    return true;
+}
+
+LRESULT SheetMessage(EditorFrame& frame, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    Sheet* sheet = frame.Current();
+    switch (message) {
+    case FM_GETWHOLETEXT: return sheet ? CopyOutString(frame.WholeTextOf(*sheet), wParam, lParam) : 0;
+    case FM_GETSHEETNAME: return sheet ? CopyOutString(sheet->name, wParam, lParam) : 0;
+    case FM_SHEETCOUNT: return frame.Count();
+    case FM_SELECTSHEET:
+    case FM_SHOWSHEET: {
+        bool shown = frame.ShowSheet(static_cast<int>(lParam) - 1);
+        return message == FM_SHOWSHEET ? (shown ? 0 : 1) : shown;
+    }
+    case FM_CURRENTSHEET: return frame.m_current + 1;
+    case FM_FINDSHEET: return frame.FindSheet(StringParameter(lParam)) + 1;
+    case FM_HIDDENLINES: return sheet ? sheet->HiddenLines() : 0;
+    case FM_GETVBNAME: return sheet ? CopyOutString(ReadVbName(sheet->header), wParam, lParam) : 0;
+    case FM_SETVBNAME:
+        if (!sheet || !WriteVbName(sheet->header, StringParameter(lParam)))
+            return 1;
+        frame.ApplyHeader(*sheet);
+        return 0;
+    case FM_SHEETKIND: return sheet ? static_cast<int>(sheet->kind) : 0;
+    case FM_GETTEXT: return sheet ? CopyOutString(frame.CodeOf(*sheet), wParam, lParam) : 0;
+    case FM_SETTEXT:
+        if (!sheet || frame.m_readOnly)
+            return 1;
+        frame.ReplaceCode(*sheet, StringParameter(lParam));
+        frame.UpdateCaption();
+        return 0;
+    case FM_OPENMACRO:
+    case FM_FILE:
+        if (message == FM_FILE && wParam == 0)
+            return sheet && frame.SaveSheetAs(*sheet, StringParameter(lParam)) ? 0 : 1;
+        return frame.OpenFile(StringParameter(lParam)) ? 0 : 1;
+    case FM_CLOSEALL: return frame.CloseAll(PromptKind::CanCancel) ? 0 : 1;
+    case FM_DISPLAYNAME: {
+        std::string shown = frame.DisplayName(StringParameter(lParam));
+        // The name comes in the buffer and the display name goes back into it.
+        return CopyOutString(shown, wParam, lParam);
+    }
+    default: return 0;
+    }
+}
+
+} // namespace
+
+LRESULT EditorFrame::Handle(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    static const UINT toolbarMessage = RegisterWindowMessageA(kToolbarMessageName);
+    if (message == toolbarMessage) {
+        int command = static_cast<int>(static_cast<short>(wParam));
+        if (lParam == -1)
+            return Dispatch(command, true);
+        if (lParam == 2) {
+            static char tip[81];
+            std::string text = CommandHelp(command < 0 ? -command : command, true);
+            lstrcpynA(tip, text.c_str(), sizeof(tip));
+            return reinterpret_cast<LRESULT>(tip);
+        }
+        ShowStatus(CommandHelp(command < 0 ? -command : command, false));
+        if (lParam == 1)
+            SetFocus(m_window);
+        return 0;
+    }
+    static const UINT findMessage = RegisterWindowMessageA(FINDMSGSTRINGA);
+    if (message == findMessage) {
+        OnFindNotification(*this, *reinterpret_cast<const FINDREPLACEA*>(lParam));
+        return 0;
+    }
+    switch (message) {
+    case WM_CREATE:
+        return Create() ? 0 : -1;
+    case WM_SIZE:
+        Layout();
+        return 0;
+    case WM_SETFOCUS:
+        if (m_editor)
+            SetFocus(m_editor);
+        return 0;
+    case WM_TIMER:
+        UpdateDeferred();
+        return 0;
+    case WM_PAINT:
+        PaintListLabels(*this);
+        return 0;
+    case WM_DRAWITEM:
+        DrawListItem(*this, *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+        return TRUE;
+    case WM_COMMAND:
+        if (LOWORD(wParam) == ID_FRAME_SHEET_TABS && reinterpret_cast<HWND>(lParam) == m_sheetTabs) {
+            ShowSheet(HIWORD(wParam));
+            return 0;
+        }
+        if (HIWORD(wParam) == CBN_SELENDOK && reinterpret_cast<HWND>(lParam) == m_objectList) {
+            FillProcList();
+            return 0;
+        }
+        if (HIWORD(wParam) == CBN_SELENDOK && reinterpret_cast<HWND>(lParam) == m_procList) {
+            ChooseProc();
+            return 0;
+        }
+        if (lParam == 0)
+            Dispatch(LOWORD(wParam), true);
+        return 0;
+    case WM_INITMENUPOPUP: {
+        HMENU menu = reinterpret_cast<HMENU>(wParam);
+        UpdateCommandStates();
+        for (int i = 0; i < GetMenuItemCount(menu); ++i) {
+            UINT id = GetMenuItemID(menu, i);
+            if (id >= 300 && id < 385)
+                EnableMenuItem(menu, id, MF_BYCOMMAND | (IsEnabled(static_cast<int>(id)) ? MF_ENABLED : MF_GRAYED));
+        }
+        return 0;
+    }
+    case WM_CLOSE:
+        OnClose(*this);
+        return 0;
+    case WM_DESTROY:
+        if (IsTopLevel() && Has(FO_POST_QUIT))
+            PostQuitMessage(0);
+        return 0;
+    case WM_SETTEXT:
+        if (TextMeansCode(*this)) {
+            Sheet* sheet = Current();
+            if (!sheet || (!ProjectMode() && !QuerySave(*sheet, PromptKind::CanCancel)))
+                return FALSE;
+            ReplaceCode(*sheet, StringParameter(lParam));
+            SetModified(*sheet, false);
+            UpdateCaption();
+            return TRUE;
+        }
+        m_placeholders.title = StringParameter(lParam);
+        break;
+    case WM_GETTEXT:
+    case WM_GETTEXTLENGTH:
+        if (TextMeansCode(*this) && Current()) {
+            std::string code = CodeOf(*Current());
+            return message == WM_GETTEXTLENGTH ? static_cast<LRESULT>(code.size()) : CopyOutString(code, wParam, lParam);
+        }
+        break;
+    case FM_GETDESIGNDISPLAY: return m_designDisplay;
+    case FM_SETDESIGNDISPLAY: m_designDisplay = lParam != 0; UpdateCaption(); UpdateCommandStates(); return 0;
+    case FM_GETDESIGNOFFER: return m_designOffer;
+    case FM_SETDESIGNOFFER: m_designOffer = lParam != 0; return 0;
+    case FM_GETFILEDESC: return CopyOutString(m_fileDescriptions, wParam, lParam);
+    case FM_GETFILEEXT: return CopyOutString(m_fileExtensions, wParam, lParam);
+    case FM_SETFILEDESC: m_fileDescriptions = lParam && *reinterpret_cast<const char*>(lParam) ? StringParameter(lParam) : "Brannoc Basic"; return 0;
+    case FM_SETFILEEXT: m_fileExtensions = lParam && *reinterpret_cast<const char*>(lParam) ? StringParameter(lParam) : "KZB"; return 0;
+    case FM_SETOPTIONS: ChangeOptions(static_cast<DWORD>(wParam), static_cast<DWORD>(lParam)); return 0;
+    case FM_GETCAPTION: return CopyOutString(m_caption, wParam, lParam);
+    case FM_SETTITLE:
+        m_placeholders.title = lParam && *reinterpret_cast<const char*>(lParam) ? StringParameter(lParam) : "Brannoc Basic";
+        UpdateCaption();
+        return 0;
+    case FM_GETREADONLY: return m_readOnly;
+    case FM_SETREADONLY: m_readOnly = lParam != 0; UpdateCommandStates(); return 0;
+    case FM_GETSELSTART: {
+        DWORD start = 0;
+        SendMessageA(m_editor, EM_GETSEL, reinterpret_cast<WPARAM>(&start), 0);
+        return static_cast<LRESULT>(start);
+    }
+    case FM_SETCARET:
+        SendMessageA(m_editor, EM_SETSEL, static_cast<WPARAM>(lParam), lParam);
+        SendMessageA(m_editor, EM_SCROLLCARET, 0, 0);
+        return 0;
+    case FM_SETABOUTCALLBACK: return SetCallback(m_callbacks.about, lParam);
+    case FM_SETNOTIFYCALLBACK: return SetCallback(m_callbacks.notify, lParam);
+    case FM_SETSTATUSCALLBACK: return SetCallback(m_callbacks.status, lParam);
+    case FM_SETQUERYSAVECALLBACK: return SetCallback(m_callbacks.querySave, lParam);
+    case FM_SETFILENAMECALLBACK: return SetCallback(m_callbacks.fileName, lParam);
+    case FM_SETWRITECALLBACK: return SetCallback(m_callbacks.write, lParam);
+    case FM_SETDISPLAYNAMECALLBACK: return SetCallback(m_callbacks.displayName, lParam);
+    case FM_SETCOMMANDFILTER: return SetCallback(m_callbacks.commandFilter, lParam);
+    case FM_HOSTCOMMAND: UpdateCommandStates(); return HostCommand(static_cast<int>(wParam), lParam != 0);
+    case FM_HASNOENGINE: return m_engine ? 0 : 1;
+    case FM_COMMANDSTATUS:
+    case FM_COMMANDTIP: {
+        int command = CommandOfHostNumber(static_cast<int>(wParam));
+        return CopyOutString(command ? CommandHelp(command, message == FM_COMMANDTIP) : std::string(), 0, lParam);
+    }
+    case FM_GETMACRONOUN: return CopyOutString(m_placeholders.macroNoun, wParam, lParam);
+    case FM_SETMACRONOUN:
+        m_placeholders.macroNoun = lParam && *reinterpret_cast<const char*>(lParam) ? StringParameter(lParam) : Text(IDS_MACRO);
+        UpdateCaption();
+        return 0;
+    case FM_GETOBJECTFILETYPE:
+        return CopyOutString(m_objectNoun + "|" + m_objectExtension + "|" + m_objectTypeWord, wParam, lParam);
+    case FM_GETLISTMODE: return m_listMode;
+    case FM_SETLISTMODE:
+        if (lParam < 0 || lParam > 2)
+            return 1;
+        m_listMode = static_cast<int>(lParam);
+        Layout();
+        FillLists();
+        return 0;
+    case FM_GETSPLIT: return m_splitPosition;
+    case FM_SETSPLIT: m_splitPosition = lParam < 0 ? 0 : static_cast<int>(lParam); Layout(); return 0;
+    case FM_GETMARGIN: return m_margin;
+    case FM_SETMARGIN:
+        if (!ProjectMode())
+            return 1;
+        m_margin = lParam < 0 ? 0 : static_cast<int>(lParam);
+        Layout();
+        return 0;
+    case FM_TOOLBARHEIGHT: return Has(FO_TOOLBAR) ? SendMessageA(m_toolbar, TBM_NEEDEDHEIGHT, 0, 0) : 0;
+    case FM_STATUSHEIGHT: return Has(FO_STATUS_BAR) ? SendMessageA(m_statusBar, SBM_HEIGHT, 0, 0) : 0;
+    case FM_GETTABSASSPACES: return m_tabsAsSpaces;
+    case FM_SETTABSASSPACES:
+        m_tabsAsSpaces = lParam != 0;
+        Dispatch(CMD_TAB_WIDTH_1 + m_tabWidth - 1, false);
+        return 0;
+    case FM_GETTABWIDTH: return m_tabWidth;
+    case FM_SETTABWIDTH:
+        if (lParam < 1 || lParam > 8)
+            return 1;
+        return Dispatch(CMD_TAB_WIDTH_1 + static_cast<int>(lParam) - 1, false) ? 0 : 1;
+    case FM_STATUSHELP:
+        ShowStatus(wParam ? CommandHelp(static_cast<int>(wParam), false) : StringParameter(lParam));
+        return 0;
+    case FM_TRANSLATEKEY: {
+        int mode = m_keyboardMode;
+        m_keyboardMode = 0;
+        int command = TranslateKey(static_cast<int>(wParam));
+        m_keyboardMode = mode;
+        return command;
+    }
+    case FM_SETKEYBOARDMODE:
+        if (lParam < 0 || lParam > 2)
+            return 1;
+        m_keyboardMode = static_cast<int>(lParam);
+        return 0;
+    case FM_LOADMENU: return reinterpret_cast<LRESULT>(BuildMenu(false));
+    case FM_ENGINE:
+        if (m_engine)
+            m_engine->AddRef();
+        return reinterpret_cast<LRESULT>(m_engine);
+    case FM_UPDATE: UpdateDeferred(); return 0;
+    case FM_SHOWMESSAGE: ShowMessage(static_cast<unsigned>(lParam), MB_OK); return 0;
+    case FM_LAYOUT: Layout(); return 0;
+    default:
+        if (message >= WM_USER + 240 && message <= WM_USER + 504)
+            return SheetMessage(*this, message, wParam, lParam);
+        break;
+    }
+    return DefWindowProcA(m_window, message, wParam, lParam);
+}
+
+} // namespace brannoc::ide
