@@ -1,4 +1,4 @@
-' Deep recursion: a Function that calls itself 5000 levels deep, 400 times over.
+' Deep recursion: a Function that calls itself 2500 levels deep, 800 times over.
 Function Depth(ByVal n As Long) As Long
     If n = 0 Then
         Depth = 0
@@ -9,8 +9,8 @@ End Function
 
 Sub Main
     Dim r As Long, total As Long
-    For r = 1 To 400
-        total = total + Depth(5000 - r)
+    For r = 1 To 800
+        total = total + Depth(2500 - r)
     Next r
     Debug.Print "checksum " & total
 End Sub

@@ -1,4 +1,4 @@
-/* Deep recursion: a function that calls itself 5000 levels deep, 400 times over. */
+/* Deep recursion: a function that calls itself 2500 levels deep, 800 times over. */
 #include <stdio.h>
 
 static long depth(volatile long n)
@@ -11,8 +11,8 @@ static long depth(volatile long n)
 int main(void)
 {
     long total = 0;
-    for (long r = 1; r <= 400; ++r)
-        total += depth(5000 - r);
+    for (long r = 1; r <= 800; ++r)
+        total += depth(2500 - r);
     printf("checksum %ld\n", total);
     return 0;
 }

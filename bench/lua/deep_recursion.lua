@@ -1,4 +1,4 @@
--- Deep recursion: a function that calls itself 5000 levels deep, 400 times over.
+-- Deep recursion: a function that calls itself 2500 levels deep, 800 times over.
 local function depth(n)
     if n == 0 then
         return 0
@@ -7,7 +7,7 @@ local function depth(n)
 end
 
 local total = 0
-for r = 1, 400 do
-    total = total + depth(5000 - r)
+for r = 1, 800 do
+    total = total + depth(2500 - r)
 end
 print(string.format("checksum %d", total))

@@ -1,4 +1,4 @@
-# Deep recursion: a function that calls itself 5000 levels deep, 400 times over.
+# Deep recursion: a function that calls itself 2500 levels deep, 800 times over.
 import sys
 
 sys.setrecursionlimit(20000)
@@ -12,8 +12,8 @@ def depth(n):
 
 def main():
     total = 0
-    for r in range(1, 401):
-        total += depth(5000 - r)
+    for r in range(1, 801):
+        total += depth(2500 - r)
     print("checksum %d" % total)
 
 

@@ -1,4 +1,4 @@
-' Deep recursion: a Function that calls itself 5000 levels deep, 400 times over.
+' Deep recursion: a Function that calls itself 2500 levels deep, 800 times over.
 Option Explicit
 
 Function Depth(n)
@@ -12,8 +12,8 @@ End Function
 Sub Main
     Dim r, total
     total = 0
-    For r = 1 To 400
-        total = total + Depth(5000 - r)
+    For r = 1 To 800
+        total = total + Depth(2500 - r)
     Next
     WScript.Echo "checksum " & total
 End Sub
