@@ -38,6 +38,11 @@ PROGRAMS = [
     "sort",
     "select_case",
     "class_calls",
+    "select_string",
+    "string_copies",
+    "string_build",
+    "deep_recursion",
+    "variant_kinds",
 ]
 
 CHECKSUM = re.compile(rb"checksum (-?\d+)")

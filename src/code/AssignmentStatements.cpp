@@ -130,6 +130,19 @@ bool AssignStatement::StoreIntoVariantOther(const AssignStatement& self, const R
     return self.m_fastTarget.Store(context, value);
 }
 
+bool AssignStatement::StoreText(const AssignStatement& self, const RunContext& context)
+{
+    std::wstring_view text;
+    if (!self.m_text.Read(context, text))
+        return false;
+    const VariableRef& target = self.m_target;
+    VARIANT* storage = StorageOf(context, target.scope, target.index, target.module);
+    bool stored = false;
+    if (!storage || !AssignText(*storage, text, stored))
+        return true; // an error was raised: the statement answers with the halt bit set
+    return stored;
+}
+
 bool AssignStatement::Execute()
 {
     if (m_run && DirectFormsEnabled()) {
@@ -151,6 +164,17 @@ bool AssignStatement::ExecuteOther()
         VARIANT value;
         if (fast->Evaluate(context, value) && m_fastTarget.Store(context, value))
             return true;
+    } else if (m_directStore == DirectStore::kUntried) {
+        // A String or Variant variable assigned a string read in place (s = names(i), s = t).
+        m_directStore = DirectStore::kNone;
+        if (m_owner && m_fastTarget.IsUsable() && !m_target.type.IsArray() &&
+            (m_target.type.IsString() || m_target.type.IsVariant()) &&
+            m_text.Compile(m_value.ops.data(), m_value.ops.size(), *m_owner)) {
+            m_directStore = DirectStore::kText;
+            m_run = &StoreText;
+            if (DirectFormsEnabled())
+                return StoreText(*this, context) || ExecuteFrom(0);
+        }
     }
     return ExecuteFrom(0);
 }

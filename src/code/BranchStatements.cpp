@@ -122,6 +122,15 @@ bool CaseConstant(const ExprOp& op, const CompiledProcedure& procedure, VARIANT&
     return value.vt == VT_I2 || value.vt == VT_I4 || value.vt == VT_R8;
 }
 
+// A string constant a Case item can compare a string selector with in place.
+bool TextConstant(const ExprOp& op, const CompiledProcedure& procedure, std::wstring_view& text)
+{
+    if (op.code != ExprOpCode::kConstant)
+        return false;
+    const VARIANT& value = procedure.ConstantAt(op.index).Raw();
+    return StoredText(value, text);
+}
+
 LONG WholeConstant(const VARIANT& value) { return value.vt == VT_I4 ? value.lVal : value.iVal; }
 double RealConstant(const VARIANT& value) { return value.vt == VT_R8 ? value.dblVal : WholeConstant(value); }
 
@@ -140,28 +149,39 @@ bool BranchStatement::ReadCaseTests(const Expression& condition, const CompiledP
     };
     std::size_t at = 0;
     int items = 0;
+    // The items are all numbers or all strings (decided by the first).
+    const bool text = ops.size() > 1 && ops[1].code == ExprOpCode::kConstant &&
+                      procedure.ConstantAt(ops[1].index).Raw().vt == VT_BSTR;
+    const auto constant = [&](const ExprOp& op, VARIANT& value, std::wstring_view& words) {
+        return text ? TextConstant(op, procedure, words) : CaseConstant(op, procedure, value);
+    };
     while (at < ops.size()) {
         // selector, constant, comparison: a value or an Is item; then, for a range, >= and the upper half.
-        VARIANT low;
-        if (!isSelector(at) || at + 2 >= ops.size() || !CaseConstant(ops[at + 1], procedure, low) ||
+        VARIANT low{};
+        CaseTest test;
+        if (!isSelector(at) || at + 2 >= ops.size() || !constant(ops[at + 1], low, test.lowText) ||
             ops[at + 2].code != ExprOpCode::kBinary || !IsComparison(ops[at + 2].op)) {
             m_caseTests.resize(first);
             return false;
         }
-        CaseTest test;
         test.op = ops[at + 2].op;
-        test.low = WholeConstant(low);
-        test.lowReal = RealConstant(low);
-        test.whole = low.vt != VT_R8;
+        test.text = text;
+        if (!text) {
+            test.low = WholeConstant(low);
+            test.lowReal = RealConstant(low);
+            test.whole = low.vt != VT_R8;
+        }
         at += 3;
-        VARIANT high;
+        VARIANT high{};
         if (test.op == OperationId::kGreaterEqual && isSelector(at) && at + 3 < ops.size() &&
-            CaseConstant(ops[at + 1], procedure, high) && isBinary(at + 2, OperationId::kLessEqual) &&
+            constant(ops[at + 1], high, test.highText) && isBinary(at + 2, OperationId::kLessEqual) &&
             isBinary(at + 3, OperationId::kAnd)) {
             test.range = true;
-            test.high = WholeConstant(high);
-            test.highReal = RealConstant(high);
-            test.whole = test.whole && high.vt != VT_R8;
+            if (!text) {
+                test.high = WholeConstant(high);
+                test.highReal = RealConstant(high);
+                test.whole = test.whole && high.vt != VT_R8;
+            }
             at += 4;
         }
         if (++items > 1) {
@@ -195,6 +215,20 @@ bool BranchStatement::MatchesCase(const DirectBranch& branch, bool isWhole, LONG
     return false;
 }
 
+bool BranchStatement::MatchesText(const DirectBranch& branch, std::wstring_view selector) const
+{
+    const CaseTest* test = m_caseTests.data() + branch.firstTest;
+    const CaseTest* end = test + branch.testCount;
+    for (; test != end; ++test) {
+        const bool holds = test->range ? TextOrderHolds(OperationId::kGreaterEqual, selector, test->lowText) &&
+                                             TextOrderHolds(OperationId::kLessEqual, selector, test->highText)
+                                       : TextOrderHolds(test->op, selector, test->lowText);
+        if (holds)
+            return true;
+    }
+    return false;
+}
+
 void BranchStatement::PrepareDirect()
 {
     m_direct = Direct::kNone;
@@ -204,22 +238,35 @@ void BranchStatement::PrepareDirect()
     if (m_selectorSlot >= 0) {
         (void)m_fastSelector.Get(m_selector, m_owner);
         selector = m_fastSelector.Compiled();
-        if (!selector)
-            return;
     }
     m_directBranches.assign(m_conditions.size(), DirectBranch{});
+    m_textConditions.clear();
+    m_textConditions.resize(m_conditions.size());
+    bool allText = m_selectorSlot >= 0;
     for (std::size_t i = 0; i < m_conditions.size(); ++i) {
         DirectBranch& branch = m_directBranches[i];
         const std::size_t first = m_caseTests.size();
-        if (selector && ReadCaseTests(m_conditions[i], *m_owner)) {
+        if (m_selectorSlot >= 0 && ReadCaseTests(m_conditions[i], *m_owner)) {
             branch.firstTest = static_cast<std::uint16_t>(first);
             branch.testCount = static_cast<std::uint16_t>(m_caseTests.size() - first);
+            branch.textTests = m_caseTests[first].text;
+            allText = allText && branch.textTests;
             continue;
         }
+        allText = false;
         (void)m_fastConditions[i].Get(m_conditions[i], m_owner);
         if (const FastExpression* fast = m_fastConditions[i].Compiled())
             branch.condition = fast->Typed();
+        else if (m_textConditions[i].Compile(m_conditions[i], *m_owner))
+            branch.text = &m_textConditions[i];
     }
+    // A string selector read in place, compared with string items only.
+    if (allText && !m_conditions.empty() && m_textSelector.Compile(m_selector.ops.data(), m_selector.ops.size(), *m_owner)) {
+        m_direct = Direct::kTextCases;
+        return;
+    }
+    if (m_selectorSlot >= 0 && !selector)
+        return;
     bool typed = m_selectorSlot < 0;
     for (const DirectBranch& branch : m_directBranches)
         typed = typed && branch.condition != nullptr;
@@ -337,15 +384,33 @@ bool BranchStatement::ExecuteDirect(const RunContext& context)
     }
     return TakeFirstTrue(context, [&](std::size_t index, bool& truth) {
         const DirectBranch& branch = m_directBranches[index];
-        if (branch.testCount != 0 && numeric) {
+        if (branch.testCount != 0 && numeric && !branch.textTests) {
             truth = MatchesCase(branch, isWhole, whole, real);
             return true;
         }
         if (branch.condition)
             return branch.condition->EvaluateCondition(context, truth);
+        if (branch.text)
+            return branch.text->EvaluateCondition(context, truth);
         const FastExpression* fast = m_fastConditions[index].Get(m_conditions[index], context.procedure);
         return fast && fast->EvaluateCondition(context, truth);
     });
+}
+
+bool BranchStatement::ExecuteTextCases(const RunContext& context)
+{
+    std::wstring_view selector;
+    if (!m_textSelector.Read(context, selector))
+        return ExecuteFrom(0);
+    const int count = static_cast<int>(m_directBranches.size());
+    for (int part = 1; part <= count; ++part) {
+        if (MatchesText(m_directBranches[static_cast<std::size_t>(part - 1)], selector)) {
+            Enter(context, part);
+            return true;
+        }
+    }
+    Enter(context, count + 1);
+    return true;
 }
 
 bool BranchStatement::ExecuteConditions(const RunContext& context)
@@ -365,6 +430,7 @@ bool BranchStatement::Execute()
         case Direct::kConditions: return ExecuteConditions(Context());
         case Direct::kWholeRanges: return ExecuteWholeRanges(Context());
         case Direct::kReady: return ExecuteDirect(Context());
+        case Direct::kTextCases: return ExecuteTextCases(Context());
         default: break;
         }
     }

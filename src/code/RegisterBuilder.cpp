@@ -49,6 +49,21 @@ bool IsSymmetric(Op op)
     }
 }
 
+// The operation that computes what a checked Integer or Long +, - or * computes, with the result's kind
+// climbing instead of giving up; kCount for any other operation.
+RegisterCode PromotingCode(RegisterCode code)
+{
+    switch (code) {
+    case RegisterCode::kAddLong: case RegisterCode::kAddInteger: return RegisterCode::kPromoteAdd;
+    case RegisterCode::kAddLongK: case RegisterCode::kAddIntegerK: return RegisterCode::kPromoteAddK;
+    case RegisterCode::kSubtractLong: case RegisterCode::kSubtractInteger: return RegisterCode::kPromoteSubtract;
+    case RegisterCode::kSubtractLongK: case RegisterCode::kSubtractIntegerK: return RegisterCode::kPromoteSubtractK;
+    case RegisterCode::kMultiplyLong: case RegisterCode::kMultiplyInteger: return RegisterCode::kPromoteMultiply;
+    case RegisterCode::kMultiplyLongK: case RegisterCode::kMultiplyIntegerK: return RegisterCode::kPromoteMultiplyK;
+    default: return RegisterCode::kCount;
+    }
+}
+
 // The register operation of a whole-number binary op (the K form is the next code); kCount when none.
 RegisterCode WholeCode(Op op, VARTYPE kind)
 {
@@ -827,8 +842,23 @@ bool RegisterBuilder::Store(const VariableRef& target, const Operand& valueIn)
         if (!m_observing || valueIn.special != Operand::Special::kNone ||
             (target.scope != StorageScope::Local && (target.scope != StorageScope::Module || target.module)))
             return false;
-        const Operand value = Materialize(valueIn);
         const bool local = target.scope == StorageScope::Local;
+        // Integer and Long +, - and * computed just before: the result climbs to the next kind instead
+        // of giving up when it leaves its own (a counter growing past the Integer range, a product past
+        // the Long range), and the Variant takes the kind the result has.
+        if (!valueIn.constant && valueIn.temporary >= 0 && valueIn.temporary == m_lastResultTemporary &&
+            m_lastResultOp == m_program.ops.size() - 1 && (valueIn.kind == VT_I2 || valueIn.kind == VT_I4)) {
+            RegisterOp& producer = m_program.ops[m_lastResultOp];
+            const RegisterCode promoting = PromotingCode(producer.code);
+            if (promoting != RegisterCode::kCount) {
+                producer.kind = producer.code >= RegisterCode::kAddInteger ? VT_I2 : VT_I4;
+                producer.code = promoting;
+                Emit(local ? RegisterCode::kStoreVariantTagged : RegisterCode::kStoreModuleVariantTagged,
+                     local ? SlotOffset(target.index) : target.index, valueIn.offset);
+                return true;
+            }
+        }
+        const Operand value = Materialize(valueIn);
         const RegisterCode code = local ? ByWidth(value.kind, RegisterCode::kStoreVariantWhole,
                                                   RegisterCode::kStoreVariantNarrow, RegisterCode::kStoreVariantReal)
                                         : ByWidth(value.kind, RegisterCode::kStoreModuleVariantWhole,

@@ -64,6 +64,14 @@ class Module;
     X(StoreModuleVariantWhole) /* the same for module variable a (an index) */                                \
     X(StoreModuleVariantNarrow)                                                                                 \
     X(StoreModuleVariantReal)                                                                                   \
+    X(StoreVariantTagged) /* the Variant in slot offset a takes the kind and payload of temporary b */        \
+    X(StoreModuleVariantTagged)                                                                                 \
+    X(PromoteAdd)        /* temporary a = b + c with its kind: `kind` (Integer or Long) or the next wider */   \
+    X(PromoteAddK)                                                                                              \
+    X(PromoteSubtract)                                                                                          \
+    X(PromoteSubtractK)                                                                                         \
+    X(PromoteMultiply)                                                                                          \
+    X(PromoteMultiplyK)                                                                                         \
     X(LoadStaticWhole)   /* a = *pointer */                                                                    \
     X(LoadStaticNarrow)                                                                                         \
     X(LoadStaticReal)                                                                                           \

@@ -316,6 +316,53 @@ op_StoreNarrowChecked: {
         cell->member = static_cast<storage>(source(pc->b));                                                     \
         BRANNOC_NEXT();                                                                                         \
     }
+#define BRANNOC_VARIANT_CELL_AT(offset) PlainVariant(reinterpret_cast<VARIANT*>(frame + (offset) - 8))
+#define BRANNOC_MODULE_VARIANT_CELL_AT(index) ((index) < moduleCount ? PlainVariant(&moduleSlots[(index)]) : nullptr)
+// A Variant stored from a temporary that carries its own kind (a result that may have been promoted).
+#define BRANNOC_TAGGED_STORE(label, locate)                                                                   \
+    label : {                                                                                                   \
+        VARIANT* cell = (locate);                                                                               \
+        if (!cell)                                                                                              \
+            goto give_up;                                                                                       \
+        const auto* value = reinterpret_cast<const VARIANT*>(frame + pc->b - 8);                                \
+        cell->vt = value->vt;                                                                                   \
+        cell->llVal = value->llVal;                                                                             \
+        BRANNOC_NEXT();                                                                                         \
+    }
+// Integer and Long arithmetic whose result goes to a Variant: an exact result outside the kind climbs to
+// the next kind (Integer to Long, Long to Double) as the general code recomputes it there. The result
+// and its kind go into the temporary's cell.
+#define BRANNOC_PROMOTING(label, konstant, symbol)                                                              \
+    label : {                                                                                                   \
+        const long long exact = static_cast<long long>(BRANNOC_WHOLE(pc->b))                                    \
+            symbol static_cast<long long>((konstant) ? pc->constant.whole : BRANNOC_WHOLE(pc->c));             \
+        auto* cell = reinterpret_cast<VARIANT*>(frame + pc->a - 8);                                             \
+        if (pc->kind == VT_I2 && exact >= SHRT_MIN && exact <= SHRT_MAX) {                                      \
+            cell->vt = VT_I2;                                                                                   \
+            cell->llVal = 0;                                                                                    \
+            cell->iVal = static_cast<SHORT>(exact);                                                             \
+        } else if (exact >= LONG_MIN && exact <= LONG_MAX) {                                                    \
+            cell->vt = VT_I4;                                                                                   \
+            cell->llVal = 0;                                                                                    \
+            cell->lVal = static_cast<LONG>(exact);                                                              \
+        } else {                                                                                                \
+            cell->vt = VT_R8;                                                                                   \
+            cell->dblVal = static_cast<double>(exact);                                                          \
+        }                                                                                                       \
+        BRANNOC_NEXT();                                                                                         \
+    }
+    BRANNOC_TAGGED_STORE(op_StoreVariantTagged, BRANNOC_VARIANT_CELL_AT(pc->a))
+    BRANNOC_TAGGED_STORE(op_StoreModuleVariantTagged, BRANNOC_MODULE_VARIANT_CELL_AT(pc->a))
+    BRANNOC_PROMOTING(op_PromoteAdd, false, +)
+    BRANNOC_PROMOTING(op_PromoteAddK, true, +)
+    BRANNOC_PROMOTING(op_PromoteSubtract, false, -)
+    BRANNOC_PROMOTING(op_PromoteSubtractK, true, -)
+    BRANNOC_PROMOTING(op_PromoteMultiply, false, *)
+    BRANNOC_PROMOTING(op_PromoteMultiplyK, true, *)
+#undef BRANNOC_TAGGED_STORE
+#undef BRANNOC_PROMOTING
+#undef BRANNOC_VARIANT_CELL_AT
+#undef BRANNOC_MODULE_VARIANT_CELL_AT
 #define BRANNOC_STATIC_CELL(kind)                                                                               \
     (static_cast<const VARIANT*>(pc->constant.pointer)->vt == (kind) ? static_cast<const VARIANT*>(pc->constant.pointer) \
                                                                      : nullptr)

@@ -117,8 +117,8 @@ bool SingleLineIfStatement::Execute()
         return FinishOrWait(entry, RunPart(entry, truth));
     }
     if (m_direct == Direct::kUntried)
-        m_direct = m_owner && !m_fast.Compiled() && m_slice.Compile(m_condition, *m_owner) ? Direct::kReady : Direct::kNone;
-    if (m_direct == Direct::kReady && DirectFormsEnabled() && m_slice.EvaluateCondition(context, truth)) {
+        m_direct = m_owner && !m_fast.Compiled() && m_text.Compile(m_condition, *m_owner) ? Direct::kReady : Direct::kNone;
+    if (m_direct == Direct::kReady && DirectFormsEnabled() && m_text.EvaluateCondition(context, truth)) {
         ExecEntry entry{this, 0};
         return FinishOrWait(entry, RunPart(entry, truth));
     }

@@ -5,6 +5,7 @@
 #include "code/FastExpression.h"
 #include "code/ProcedureBody.h"
 #include "code/StringForms.h"
+#include "code/TextOperand.h"
 
 namespace brannoc {
 
@@ -45,7 +46,8 @@ private:
     // How a typed value reaches a variable of a fixed kind without a VARIANT in between: the same kind,
     // or a whole number widened (Integer to Long, Integer or Long to Double); or how a numeric value
     // reaches a Variant.
-    enum class DirectStore : std::uint8_t { kUntried, kNone, kWhole, kInteger, kReal, kWholeToReal, kVariant };
+    // kText: a string read in place into a String or Variant variable (AssignText).
+    enum class DirectStore : std::uint8_t { kUntried, kNone, kWhole, kInteger, kReal, kWholeToReal, kVariant, kText };
     // The direct store chosen for the statement: false when it gave up, and then nothing was changed.
     using DirectRun = bool (*)(const AssignStatement& self, const RunContext& context);
     void ChooseDirectStore();
@@ -54,6 +56,7 @@ private:
     [[nodiscard]] static bool StoreIntoVariant(const AssignStatement& self, const RunContext& context);
     [[nodiscard, gnu::noinline]] static bool StoreIntoVariantOther(const AssignStatement& self,
                                                                   const RunContext& context);
+    [[nodiscard]] static bool StoreText(const AssignStatement& self, const RunContext& context);
     // The first run and every statement without a direct store.
     [[nodiscard, gnu::noinline]] bool ExecuteOther();
 
@@ -66,6 +69,7 @@ private:
     DirectRun m_run = nullptr;
     // A Variant target: the typed form of the declared kinds or the fast expression's assumed form.
     const TypedExpression* m_variantForm = nullptr;
+    TextOperand m_text;
 };
 
 // s = s & value for a String or Variant variable: the value is appended to the variable's string in
@@ -312,14 +316,22 @@ private:
         LONG high = 0;
         double lowReal = 0;
         double highReal = 0;
+        // Items of a Case line whose constants are strings compare a string selector by code unit.
+        bool text = false;
+        std::wstring_view lowText;
+        std::wstring_view highText;
     };
     // How the direct form tests each branch: the typed form of an If or ElseIf condition, or the Case
     // items m_caseTests[first, first + count) when the Case line has only constant numeric items; with
     // neither, the branch's fast expression or the general code.
     struct DirectBranch {
         const TypedExpression* condition = nullptr;
+        // An If or ElseIf condition comparing two strings read in place.
+        const TextComparison* text = nullptr;
         std::uint16_t firstTest = 0;
         std::uint16_t testCount = 0;
+        // The Case items are string constants.
+        bool textTests = false;
     };
     // A Select Case whose selector has a whole typed form and whose Case lines all hold whole constant
     // items: each item as the range of selectors it takes (low > high: none), in the order of the lines,
@@ -345,6 +357,11 @@ private:
     bool ReadCaseTests(const Expression& condition, const CompiledProcedure& procedure);
     // Whether a numeric selector (whole: in `whole`, else in `real`) matches the items of branch.
     bool MatchesCase(const DirectBranch& branch, bool isWhole, LONG whole, double real) const;
+    // Whether a string selector matches the string items of branch.
+    bool MatchesText(const DirectBranch& branch, std::wstring_view selector) const;
+    // A Select Case over a string read in place whose Case lines all hold string constant items: the
+    // selector is read once and compared where it is stored, and nothing is kept.
+    [[nodiscard]] bool ExecuteTextCases(const RunContext& context);
     // The direct run: answers as Execute does.
     [[nodiscard]] bool ExecuteDirect(const RunContext& context);
 
@@ -352,8 +369,11 @@ private:
     std::vector<WholeRange> m_wholeRanges;
     const TypedExpression* m_wholeSelector = nullptr;
     std::vector<CaseTest> m_caseTests;
-    // kConditions: an If whose conditions all have typed forms.
-    enum class Direct : std::uint8_t { kUntried, kNone, kReady, kWholeRanges, kConditions };
+    // Conditions comparing strings (one per branch; used through DirectBranch::text).
+    std::vector<TextComparison> m_textConditions;
+    TextOperand m_textSelector;
+    // kConditions: an If whose conditions all have typed forms. kTextCases: ExecuteTextCases.
+    enum class Direct : std::uint8_t { kUntried, kNone, kReady, kWholeRanges, kConditions, kTextCases };
     Direct m_direct = Direct::kUntried;
 
     Expression m_selector;
@@ -492,10 +512,10 @@ private:
 
     Expression m_condition;
     LazyFastExpression m_fast;
-    // A condition comparing a Mid with a string constant, tried when it has no numeric form.
+    // A condition comparing two strings read in place, tried when it has no numeric form.
     enum class Direct : std::uint8_t { kUntried, kNone, kReady };
     Direct m_direct = Direct::kUntried;
-    SliceComparison m_slice;
+    TextComparison m_text;
     std::unique_ptr<StatementList> m_then;
     std::unique_ptr<StatementList> m_else;
 };

@@ -9,9 +9,11 @@ namespace brannoc {
 
 namespace {
 
-// A whole typed form of an argument's code (whose leading typed-value op, when there is one, only
-// names the same form).
-bool CompileWhole(const Expression& code, const CompiledProcedure& procedure, TypedExpression& form)
+std::wstring_view TextOf(BSTR text) { return {text ? text : L"", text ? SysStringLen(text) : 0u}; }
+
+} // namespace
+
+bool CompileWholeForm(const Expression& code, const CompiledProcedure& procedure, TypedExpression& form)
 {
     if (code.ops.empty())
         return false;
@@ -27,10 +29,6 @@ bool CompileWhole(const Expression& code, const CompiledProcedure& procedure, Ty
         return false;
     return form.ResultKind() == VT_I2 || form.ResultKind() == VT_I4;
 }
-
-std::wstring_view TextOf(BSTR text) { return {text ? text : L"", text ? SysStringLen(text) : 0u}; }
-
-} // namespace
 
 bool SliceForm::Compile(int call, const CompiledProcedure& procedure)
 {
@@ -49,8 +47,8 @@ bool SliceForm::Compile(int call, const CompiledProcedure& procedure)
     const ExprOp& load = text.ops[0];
     if (load.type.IsArray() || (!load.type.IsVariant() && load.type.ValueTag() != VT_BSTR))
         return false;
-    if (!CompileWhole(built.arguments[1].code, procedure, m_start) ||
-        !CompileWhole(built.arguments[2].code, procedure, m_length))
+    if (!CompileWholeForm(built.arguments[1].code, procedure, m_start) ||
+        !CompileWholeForm(built.arguments[2].code, procedure, m_length))
         return false;
     m_scope = load.scope;
     m_index = load.index;
@@ -80,29 +78,6 @@ bool SliceForm::Evaluate(const RunContext& context, std::wstring_view& part) con
     const std::wstring_view whole = TextOf(text);
     const auto first = static_cast<std::size_t>(start - 1);
     part = first >= whole.size() ? std::wstring_view() : whole.substr(first, static_cast<std::size_t>(length));
-    return true;
-}
-
-bool SliceComparison::Compile(const Expression& code, const CompiledProcedure& procedure)
-{
-    const std::vector<ExprOp>& ops = code.ops;
-    if (ops.size() != 3 || ops[0].code != ExprOpCode::kBuiltin || ops[1].code != ExprOpCode::kConstant ||
-        ops[2].code != ExprOpCode::kBinary || !IsComparison(ops[2].op))
-        return false;
-    const VARIANT& constant = procedure.ConstantAt(ops[1].index).Raw();
-    if (constant.vt != VT_BSTR || !m_slice.Compile(ops[0].index, procedure))
-        return false;
-    m_constant = TextOf(constant.bstrVal);
-    m_op = ops[2].op;
-    return true;
-}
-
-bool SliceComparison::EvaluateCondition(const RunContext& context, bool& truth) const
-{
-    std::wstring_view part;
-    if (!m_slice.Evaluate(context, part))
-        return false;
-    truth = OrderHolds(m_op, part.compare(m_constant));
     return true;
 }
 

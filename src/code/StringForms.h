@@ -9,6 +9,11 @@
 
 namespace brannoc {
 
+// Compiles the whole typed form of an argument's or index's code (whose leading typed-value op, when
+// there is one, only names the same form; a variable handed over by reference is read as its value).
+// False when the code has none.
+bool CompileWholeForm(const Expression& code, const CompiledProcedure& procedure, TypedExpression& form);
+
 // Mid(text, start, length) where text is a String variable (or a Variant holding a string) and start and
 // length have whole typed forms.
 class SliceForm final {
@@ -27,20 +32,6 @@ private:
     TypedExpression m_start;
     TypedExpression m_length;
     bool m_ready = false;
-};
-
-// A comparison of such a Mid with a string constant (Mid(line, i, 2) = "HO"), compared by code unit as
-// the operators compare two strings.
-class SliceComparison final {
-public:
-    bool Compile(const Expression& code, const CompiledProcedure& procedure);
-    bool IsReady() const noexcept { return m_slice.IsReady(); }
-    [[nodiscard]] bool EvaluateCondition(const RunContext& context, bool& truth) const;
-
-private:
-    SliceForm m_slice;
-    OperationId m_op = OperationId::kEqual;
-    std::wstring_view m_constant;
 };
 
 // Appends a part to the string that storage holds (the variable's string grows in place as & does);

@@ -1,6 +1,9 @@
 #include "code/TypedExpression.h"
 
+#include "code/BuiltinCall.h"
 #include "code/NumericKinds.h"
+#include "frontend/Token.h"
+#include "library/BuiltinTable.h"
 
 #include <cstdint>
 
@@ -44,6 +47,8 @@ private:
     bool Constant(const ExprOp& source);
     bool Load(const ExprOp& source, std::size_t position);
     bool Element(const ExprOp& source);
+    // Len of a String or Variant variable.
+    bool Length(const ExprOp& source);
     bool Binary(OperationId op);
     bool Unary(OperationId op);
     // The node at position becomes a Double (a conversion node above a whole one).
@@ -74,6 +79,7 @@ bool TreeBuilder::Add(const ExprOp& source, std::size_t position)
     case ExprOpCode::kConstant: return Constant(source);
     case ExprOpCode::kLoad: return Load(source, position);
     case ExprOpCode::kElement: return Element(source);
+    case ExprOpCode::kBuiltin: return Length(source);
     case ExprOpCode::kBinary: return Binary(source.op);
     case ExprOpCode::kUnary: return Unary(source.op);
     default: return false;
@@ -120,6 +126,30 @@ bool TreeBuilder::Load(const ExprOp& source, std::size_t position)
         built.node.real = RealVariable(local);
     else
         built.node.whole = WholeVariable(kind, local);
+    m_stack[m_depth++] = Push(built);
+    return true;
+}
+
+bool TreeBuilder::Length(const ExprOp& source)
+{
+    const BuiltinCall& call = m_procedure.BuiltinCallAt(source.index);
+    if (!call.record || call.record->keyword != Token::Len || call.arguments.size() != 1 || call.stackedCount != 0 ||
+        call.deferredLength != 0 || m_depth == TypedExpression::kMaxDepth)
+        return false;
+    const BuiltinArgumentCode& argument = call.arguments[0];
+    if (argument.mode != BuiltinArgumentCode::Mode::kLazy || argument.code.ops.size() != 1)
+        return false;
+    const ExprOp& text = argument.code.ops[0];
+    if ((text.code != ExprOpCode::kLoad && text.code != ExprOpCode::kLoadRef) || text.type.IsArray() ||
+        (!text.type.IsString() && !text.type.IsFixedString() && !text.type.IsVariant()))
+        return false;
+    const bool local = text.scope == StorageScope::Local;
+    Built built;
+    built.node.kind = VT_I4;
+    built.node.scope = text.scope;
+    built.node.index = text.index;
+    built.node.module = text.module;
+    built.node.whole = TextLength(local);
     m_stack[m_depth++] = Push(built);
     return true;
 }

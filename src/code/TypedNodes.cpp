@@ -45,6 +45,24 @@ BRANNOC_NODE_CALL bool LoadWhole(const TypedNode& node, const RunContext& contex
 }
 
 template <bool Local>
+BRANNOC_NODE_CALL bool LengthOfText(const TypedNode& node, const RunContext& context, LONG& out)
+{
+    const VARIANT* cell = Local ? LocalCell(context, node.index) : StorageOf(context, node.scope, node.index, node.module);
+    if (!Local && !cell)
+        return false;
+    cell = FollowByRefChain(cell);
+    BSTR text = nullptr;
+    if (cell->vt == VT_BSTR)
+        text = cell->bstrVal;
+    else if (cell->vt == (VT_BYREF | VT_BSTR) && cell->pbstrVal)
+        text = *cell->pbstrVal;
+    else
+        return false;
+    out = static_cast<LONG>(SysStringLen(text));
+    return true;
+}
+
+template <bool Local>
 BRANNOC_NODE_CALL bool LoadReal(const TypedNode& node, const RunContext& context, double& out)
 {
     const VARIANT* cell = Local ? LocalCell(context, node.index) : StorageOf(context, node.scope, node.index, node.module);
@@ -450,6 +468,8 @@ WholeEvaluator WholeVariable(VARTYPE kind, bool local)
     default: return nullptr;
     }
 }
+
+WholeEvaluator TextLength(bool local) { return local ? &LengthOfText<true> : &LengthOfText<false>; }
 
 RealEvaluator RealVariable(bool local) { return local ? &LoadReal<true> : &LoadReal<false>; }
 

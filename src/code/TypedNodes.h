@@ -50,6 +50,8 @@ RealEvaluator RealConstant();
 // A variable holding kind (VT_I2, VT_I4, VT_BOOL; VT_R8 for the real form); local or not.
 WholeEvaluator WholeVariable(VARTYPE kind, bool local);
 RealEvaluator RealVariable(bool local);
+// Len of a String variable, or of a Variant variable holding a string (any other value gives up).
+WholeEvaluator TextLength(bool local);
 // The element of a one-dimensional array variable of kind at the whole index of `left`, or (index
 // kLocal) of the local variable `leftIndex` of kind `leftKind`.
 WholeEvaluator WholeElement(VARTYPE kind, LeftOperand index);

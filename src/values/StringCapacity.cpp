@@ -83,6 +83,39 @@ bool AppendToString(Variant& target, std::wstring_view tail)
     return true;
 }
 
+bool AssignText(VARIANT& storage, std::wstring_view text, bool& stored)
+{
+    stored = false;
+    VARIANT* end = FollowByRefChain(&storage);
+    BSTR* slot = end->vt == VT_BSTR ? &end->bstrVal : end->vt == (VT_BYREF | VT_BSTR) ? end->pbstrVal : nullptr;
+    if (!slot && ((end->vt & VT_BYREF) || !OwnsNothing(end->vt)))
+        return true;
+    if (text.size() > kMaxStringLength)
+        return RaiseValueError(kErrorOutOfMemory);
+    const auto length = static_cast<UINT>(text.size());
+    BSTR old = slot ? *slot : nullptr;
+    if (old && (length <= SysStringLen(old) || length <= StringCapacity(old))) {
+        // The text may be part of the stored string: the ranges may overlap.
+        if (length)
+            std::wmemmove(old, text.data(), length);
+        SetUsedLength(old, length);
+        stored = true;
+        return true;
+    }
+    BSTR fresh = SysAllocStringLen(text.data(), length);
+    if (!fresh)
+        return RaiseValueError(kErrorOutOfMemory);
+    if (slot) {
+        *slot = fresh;
+        SysFreeString(old);
+    } else {
+        end->vt = VT_BSTR;
+        end->bstrVal = fresh;
+    }
+    stored = true;
+    return true;
+}
+
 bool AppendToStorage(VARIANT& storage, const Variant& right)
 {
     VARIANT* end = FollowByRefChain(&storage);

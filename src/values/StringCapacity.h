@@ -19,6 +19,14 @@ UINT StringCapacity(BSTR text) noexcept;
 // would be too long.
 [[nodiscard]] bool AppendToString(Variant& target, std::wstring_view tail);
 
+// Stores text as the String that storage holds (a by-reference chain is followed to it): a String there
+// takes the text into its own block when the block has room for it, so that assigning strings of
+// similar lengths to a variable again and again allocates nothing; otherwise, and for a Variant that
+// holds a value owning nothing, a new block is made (the old one freed). text may lie inside the
+// stored string itself. Storage holding anything else is left alone: `stored` is false and the answer
+// true. False (10001 raised, storage unchanged) when allocation fails.
+[[nodiscard]] bool AssignText(VARIANT& storage, std::wstring_view text, bool& stored);
+
 // storage = storage & right for the storage of a String or Variant variable (a by-reference chain is
 // followed to it), as `s = s & expression` needs: a String there is appended to in place, keeping its
 // spare room, so a loop of such statements allocates O(log n) times. A Variant holding another kind

@@ -1,0 +1,121 @@
+#include "code/TextOperand.h"
+
+#include <cwchar>
+
+namespace brannoc {
+
+bool TextOperand::Compile(const ExprOp* first, std::size_t count, const CompiledProcedure& procedure)
+{
+    m_kind = Kind::kNone;
+    m_localPosition = -1;
+    if (count == 0)
+        return false;
+    const ExprOp& last = first[count - 1];
+    if (count == 1 && last.code == ExprOpCode::kConstant) {
+        const VARIANT& constant = procedure.ConstantAt(last.index).Raw();
+        if (constant.vt != VT_BSTR)
+            return false;
+        m_constant = constant.bstrVal ? std::wstring_view(constant.bstrVal, SysStringLen(constant.bstrVal))
+                                      : std::wstring_view();
+        m_kind = Kind::kConstant;
+        return true;
+    }
+    if (count == 1 && (last.code == ExprOpCode::kLoad || last.code == ExprOpCode::kLoadRef)) {
+        if (last.type.IsArray() || (!last.type.IsVariant() && last.type.ValueTag() != VT_BSTR))
+            return false;
+        m_kind = Kind::kVariable;
+    } else if (count == 1 && last.code == ExprOpCode::kBuiltin) {
+        if (!m_slice.Compile(last.index, procedure))
+            return false;
+        m_kind = Kind::kSlice;
+    } else if (last.code == ExprOpCode::kElement && last.count == 1 && !last.type.IsArray() &&
+               (last.type.IsVariant() || last.type.ValueTag() == VT_BSTR)) {
+        // The op's type is the element's (a Variant for a Variant variable, which may hold an array).
+        Expression position;
+        position.ops.assign(first, first + count - 1);
+        if (!CompileWholeForm(position, procedure, m_position))
+            return false;
+        // An index that is a local whole variable is read in place.
+        const ExprOp& only = position.ops.back();
+        if (position.ops.size() == 1 && only.code == ExprOpCode::kLoad && only.scope == StorageScope::Local &&
+            !only.type.IsVariant())
+            m_localPosition = only.index;
+        m_kind = Kind::kElement;
+    } else {
+        return false;
+    }
+    m_scope = last.scope;
+    m_index = last.index;
+    m_module = last.module;
+    return true;
+}
+
+bool TextOperand::Read(const RunContext& context, std::wstring_view& text) const
+{
+    switch (m_kind) {
+    case Kind::kConstant:
+        text = m_constant;
+        return true;
+    case Kind::kVariable: {
+        const VARIANT* storage = StorageOf(context, m_scope, m_index, m_module);
+        return storage && StoredText(*FollowByRefChain(storage), text);
+    }
+    case Kind::kSlice:
+        return m_slice.Evaluate(context, text);
+    case Kind::kElement: {
+        LONG position = 0;
+        if (m_localPosition >= 0) {
+            const VARIANT* cell = FollowByRefChain(static_cast<VARIANT*>(context.activation->Locals()) + m_localPosition);
+            if (cell->vt == VT_I4)
+                position = cell->lVal;
+            else if (cell->vt == VT_I2)
+                position = cell->iVal;
+            else
+                return false;
+        } else if (!m_position.EvaluateWhole(context, position)) {
+            return false;
+        }
+        VARIANT* storage = StorageOf(context, m_scope, m_index, m_module);
+        if (!storage)
+            return false;
+        if (const char* element = ElementOfVector(storage, VT_BSTR, position)) {
+            const BSTR string = *reinterpret_cast<const BSTR*>(element);
+            text = string ? std::wstring_view(string, SysStringLen(string)) : std::wstring_view();
+            return true;
+        }
+        const char* element = ElementOfVector(storage, VT_VARIANT, position);
+        return element && StoredText(*FollowByRefChain(reinterpret_cast<const VARIANT*>(element)), text);
+    }
+    default:
+        return false;
+    }
+}
+
+bool TextComparison::Compile(const Expression& code, const CompiledProcedure& procedure)
+{
+    const std::vector<ExprOp>& ops = code.ops;
+    if (ops.size() < 3 || ops.back().code != ExprOpCode::kBinary || !IsComparison(ops.back().op))
+        return false;
+    // The left operand ends where the right one can begin.
+    const std::size_t operands = ops.size() - 1;
+    for (std::size_t split = 1; split < operands; ++split) {
+        if (m_left.Compile(ops.data(), split, procedure) && m_right.Compile(ops.data() + split, operands - split, procedure)) {
+            m_op = ops.back().op;
+            return true;
+        }
+    }
+    m_left = TextOperand();
+    return false;
+}
+
+bool TextComparison::EvaluateCondition(const RunContext& context, bool& truth) const
+{
+    std::wstring_view left;
+    std::wstring_view right;
+    if (!m_left.Read(context, left) || !m_right.Read(context, right))
+        return false;
+    truth = TextOrderHolds(m_op, left, right);
+    return true;
+}
+
+} // namespace brannoc

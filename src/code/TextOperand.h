@@ -1,0 +1,82 @@
+#pragma once
+// Strings read where they are stored. A string constant, a String variable (or a Variant holding a
+// string), an element of a one-dimensional String array at a whole index, or a Mid over a string
+// variable is read as a view of the stored characters: comparing, copying or appending it makes no new
+// string. Like the numeric direct forms a read either gives exactly the text the general code would
+// push or gives up without any effect (the variable holds no string, an index lies outside the
+// bounds), and the statement then runs its general code.
+#include "code/StringForms.h"
+
+#include <string_view>
+
+namespace brannoc {
+
+class TextOperand final {
+public:
+    // Compiles the ops [first, first + count) of a procedure's code when they name such a string.
+    bool Compile(const ExprOp* first, std::size_t count, const CompiledProcedure& procedure);
+    bool IsReady() const noexcept { return m_kind != Kind::kNone; }
+    // Whether the text is the variable `index` of `scope` (appending to that variable must not read it).
+    bool ReadsVariable(StorageScope scope, int index) const noexcept
+    {
+        return (m_kind == Kind::kVariable || m_kind == Kind::kSlice) && m_scope == scope && m_index == index;
+    }
+    // The text; false when it gave up.
+    [[nodiscard]] bool Read(const RunContext& context, std::wstring_view& text) const;
+
+private:
+    enum class Kind : std::uint8_t { kNone, kConstant, kVariable, kElement, kSlice };
+    Kind m_kind = Kind::kNone;
+    StorageScope m_scope = StorageScope::Local;
+    int m_index = 0;
+    const Module* m_module = nullptr;
+    std::wstring_view m_constant;
+    // kElement: the index, or the local whole variable that is the index (-1: none).
+    TypedExpression m_position;
+    int m_localPosition = -1;
+    SliceForm m_slice;
+};
+
+// The view of a stored string: a VT_BSTR value or a reference to one (null: empty); false for anything
+// else.
+[[nodiscard]] inline bool StoredText(const VARIANT& value, std::wstring_view& text)
+{
+    BSTR string;
+    if (value.vt == VT_BSTR)
+        string = value.bstrVal;
+    else if (value.vt == (VT_BYREF | VT_BSTR) && value.pbstrVal)
+        string = *value.pbstrVal;
+    else
+        return false;
+    text = string ? std::wstring_view(string, SysStringLen(string)) : std::wstring_view();
+    return true;
+}
+
+// Code units compared from the first, the shorter of two texts less when it is the other's start: the
+// order of two Strings (negative, 0 or positive). Equality tests lengths first.
+[[nodiscard]] inline bool TextOrderHolds(OperationId op, std::wstring_view left, std::wstring_view right)
+{
+    if (op == OperationId::kEqual || op == OperationId::kNotEqual) {
+        const bool equal = left.size() == right.size() &&
+                           (left.empty() || std::wmemcmp(left.data(), right.data(), left.size()) == 0);
+        return equal == (op == OperationId::kEqual);
+    }
+    return OrderHolds(op, left.compare(right));
+}
+
+// A comparison of two such strings (s = "beta", names(i) < t, Mid(line, i, 2) = "HO"): the operands
+// compared in place, by code unit as the operators compare two Strings.
+class TextComparison final {
+public:
+    // Compiles a condition's code: left operand, right operand, comparison.
+    bool Compile(const Expression& code, const CompiledProcedure& procedure);
+    bool IsReady() const noexcept { return m_left.IsReady(); }
+    [[nodiscard]] bool EvaluateCondition(const RunContext& context, bool& truth) const;
+
+private:
+    TextOperand m_left;
+    TextOperand m_right;
+    OperationId m_op = OperationId::kEqual;
+};
+
+} // namespace brannoc
