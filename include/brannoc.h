@@ -421,6 +421,9 @@ BRANNOC_API BOOL __stdcall KZ_NlsSetLangID(LANGID language);
 BRANNOC_API void __stdcall KZ_MC200_DebugLink(void);
 /* Destroy function of the Err object's dispatch object: frees its implementation (null: nothing). */
 BRANNOC_API void __stdcall KZ_ErrObjectDestroy(void* implementation, void* userData);
+/* A handler collection's item (the handler for the named event, held; null when none) and its release. */
+BRANNOC_API IDispatch* __stdcall KZ_HandlersGetItem(IDispatch* handlers, BSTR name);
+BRANNOC_API void __stdcall KZ_HandlersDestroy(IDispatch* handlers, void* userData);
 
 /* ---- Engine objects through exported functions (CU_ family) ----
  * unit is the handle CU_CreateCodeUnit answered. A null handle or a failed member is reported in a

@@ -123,4 +123,36 @@ IDispatch* __stdcall CU_HandlersItem(IDispatch* handlers, LPCSTR name)
     });
 }
 
+// The handler collection's own item and destroy functions: the handler for the named event (held for
+// the caller; null when there is none), and the release of a collection (null: nothing).
+IDispatch* __stdcall KZ_HandlersGetItem(IDispatch* handlers, BSTR name)
+{
+    return AtExportBoundary<IDispatch*>(nullptr, [&]() -> IDispatch* {
+        if (!handlers)
+            return nullptr;
+        VARIANT argument;
+        VariantInit(&argument);
+        argument.vt = VT_BSTR;
+        argument.bstrVal = name;
+        DISPPARAMS parameters{&argument, nullptr, 1, 0};
+        VARIANT result;
+        VariantInit(&result);
+        if (FAILED(handlers->Invoke(DISPID_VALUE, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &parameters,
+                                    &result, nullptr, nullptr)))
+            return nullptr;
+        if (result.vt == VT_DISPATCH)
+            return result.pdispVal;
+        VariantClear(&result);
+        return nullptr;
+    });
+}
+
+void __stdcall KZ_HandlersDestroy(IDispatch* handlers, void* /*userData*/)
+{
+    AtExportBoundary([&] {
+        if (handlers)
+            handlers->Release();
+    });
+}
+
 } // extern "C"

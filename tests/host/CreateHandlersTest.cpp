@@ -58,6 +58,14 @@ TEST_F(CreateHandlersTest, MakesOneHandlerPerEventOfTheDefaultSource)
     ASSERT_NE(nullptr, changed);
     EXPECT_EQ(L"Public Sub Ledger_Changed(ByVal Text As String)", Prototype(changed));
     EXPECT_EQ(nullptr, CU_HandlersItem(handlers, "Saved"));
+    // The collection's own item function gives the same handler.
+    BSTR changedName = SysAllocString(L"changed");
+    IDispatch* sameChanged = KZ_HandlersGetItem(handlers, changedName);
+    SysFreeString(changedName);
+    EXPECT_EQ(changed, sameChanged);
+    if (sameChanged)
+        sameChanged->Release();
+    EXPECT_EQ(nullptr, KZ_HandlersGetItem(nullptr, nullptr));
 
     // The handler calls the macro's procedure; its by-reference Cancel comes back.
     ASSERT_TRUE(engine.Load(L"lib", kMacro));
@@ -88,7 +96,9 @@ TEST_F(CreateHandlersTest, MakesOneHandlerPerEventOfTheDefaultSource)
         VariantClear(&v);
     clicked->Release();
     changed->Release();
-    handlers->Release();
+    // The destroy function gives up the collection's reference.
+    KZ_HandlersDestroy(handlers, nullptr);
+    KZ_HandlersDestroy(nullptr, nullptr);
 }
 
 TEST_F(CreateHandlersTest, WithoutASourceTheAnswerIsNullAndWithoutTypeInformationAnError)

@@ -273,6 +273,8 @@ const ExportRow kExports[] = {
     {"KZ_NlsSetLangID", 4, false},
     {"KZ_MC200_DebugLink", 0, false},
     {"KZ_ErrObjectDestroy", 8, false},
+    {"KZ_HandlersGetItem", 8, false},
+    {"KZ_HandlersDestroy", 8, false},
 };
 
 std::string Decorated(const ExportRow& row) { return "_" + std::string(row.name) + "@" + std::to_string(row.argumentBytes); }
