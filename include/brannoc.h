@@ -506,6 +506,8 @@ BRANNOC_API BSTR __stdcall CU_ExtensionTypes(void* unit, LPCSTR macroName, VARIA
  * first, then its arguments). The other functions call the fire object, handler or handler collection
  * late bound; with an error record (OA_ERROR) given, a failure shows nothing and fills the record. */
 BRANNOC_API IDispatch* __stdcall CU_Fire(void* unit, BOOL debugging);
+BRANNOC_API IDispatch* __stdcall CU_CreateHandler(void* unit, LPCSTR prototype);
+BRANNOC_API IDispatch* __stdcall CU_CreateHandlers(void* unit, LPCSTR prefix, IDispatch* eventObject);
 BRANNOC_API BOOL __stdcall CU_FireBusy(IDispatch* fire);
 BRANNOC_API BOOL __stdcall CU_FireCall(IDispatch* fire, OA_ARG* list);
 BRANNOC_API BOOL __stdcall CU_FireEval(IDispatch* fire, OA_ARG* list);

@@ -308,6 +308,26 @@ IDispatch* __stdcall CU_Fire(void* unit, BOOL debugging)
     });
 }
 
+IDispatch* __stdcall CU_CreateHandler(void* unit, LPCSTR prototype)
+{
+    return AtExportBoundary<IDispatch*>(nullptr, [&] {
+        Bstr text = TextIn(prototype);
+        return CallMember<IDispatch*>(unit, L"CreateHandler", [&](_CodeUnit* u, IDispatch** r) {
+            return u->CreateHandler(text.Get(), r);
+        });
+    });
+}
+
+IDispatch* __stdcall CU_CreateHandlers(void* unit, LPCSTR prefix, IDispatch* eventObject)
+{
+    return AtExportBoundary<IDispatch*>(nullptr, [&] {
+        Bstr text = TextIn(prefix);
+        return CallMember<IDispatch*>(unit, L"CreateHandlers", [&](_CodeUnit* u, IDispatch** r) {
+            return u->CreateHandlers(text.Get(), eventObject, r);
+        });
+    });
+}
+
 void __stdcall CU_SetCallBack(void* unit, IDispatch* callBack)
 {
     AtExportBoundary([&] { CallPut(unit, L"SetCallBack", [&](_CodeUnit* u) { return u->SetCallBack(callBack); }); });

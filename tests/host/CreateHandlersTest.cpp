@@ -66,6 +66,11 @@ TEST_F(CreateHandlersTest, MakesOneHandlerPerEventOfTheDefaultSource)
     if (sameChanged)
         sameChanged->Release();
     EXPECT_EQ(nullptr, KZ_HandlersGetItem(nullptr, nullptr));
+    // CU_CreateHandlers makes a collection of its own over the same source.
+    IDispatch* again = CU_CreateHandlers(engine.unit, "Ledger", &ledger);
+    ASSERT_NE(nullptr, again);
+    EXPECT_NE(handlers, again);
+    KZ_HandlersDestroy(again, nullptr);
 
     // The handler calls the macro's procedure; its by-reference Cancel comes back.
     ASSERT_TRUE(engine.Load(L"lib", kMacro));

@@ -248,6 +248,8 @@ const ExportRow kExports[] = {
     {"CU_ExtensionTypeNameEx", 12, true},
     {"CU_ExtensionTypes", 12, false},
     {"CU_Fire", 8, true},
+    {"CU_CreateHandler", 8, true},
+    {"CU_CreateHandlers", 12, true},
     {"CU_FireBusy", 4, true},
     {"CU_FireCall", 8, true},
     {"CU_FireEval", 8, true},

@@ -206,6 +206,12 @@ TEST_F(HandlerTest, TheCuHandlerFunctionsCallTheMembers)
     ASSERT_TRUE(engine.Load(L"lib", kMacro));
     IDispatch* total = Create(L"Function Total(a As Long, Optional b As Long) As Long");
     EXPECT_EQ(-1, CU_HandlerExists(total));
+    // CU_CreateHandler makes the same handler from ANSI text.
+    IDispatch* throughExport = CU_CreateHandler(engine.unit, "Function Total(a As Long, Optional b As Long) As Long");
+    ASSERT_NE(nullptr, throughExport);
+    made.push_back(throughExport);
+    EXPECT_EQ(-1, CU_HandlerExists(throughExport));
+    EXPECT_EQ(L"lib|Total", ReadText(throughExport, 9));
     BSTR prototype = CU_HandlerPrototype(total);
     EXPECT_EQ("Public Function Total(a As Long, Optional b As Long) As Long",
               std::string(reinterpret_cast<const char*>(prototype), OA_SysStringLenA(prototype)));
