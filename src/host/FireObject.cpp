@@ -51,47 +51,6 @@ FireObject::FireObject(CodeUnit& engine, bool debugging) : m_engine(engine), m_d
 
 FireObject::~FireObject() { m_engine.Release(); }
 
-HRESULT __stdcall FireObject::QueryInterface(REFIID id, void** object)
-{
-    if (!object)
-        return E_POINTER;
-    if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch)) {
-        *object = static_cast<IDispatch*>(this);
-        AddRef();
-        return S_OK;
-    }
-    *object = nullptr;
-    return E_NOINTERFACE;
-}
-
-ULONG __stdcall FireObject::AddRef() { return static_cast<ULONG>(InterlockedIncrement(&m_references)); }
-
-ULONG __stdcall FireObject::Release()
-{
-    const LONG remaining = InterlockedDecrement(&m_references);
-    if (remaining == 0) {
-        // The kept value may hold objects of the engine: they go under the engine lock.
-        EngineLock::Acquire();
-        delete this;
-        EngineLock::Release();
-    }
-    return static_cast<ULONG>(remaining);
-}
-
-HRESULT __stdcall FireObject::GetTypeInfoCount(UINT* count)
-{
-    if (count)
-        *count = 0;
-    return E_NOTIMPL;
-}
-
-HRESULT __stdcall FireObject::GetTypeInfo(UINT, LCID, ITypeInfo** info)
-{
-    if (info)
-        *info = nullptr;
-    return E_NOTIMPL;
-}
-
 HRESULT __stdcall FireObject::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids)
 {
     if (count == 0 || !names || !ids)

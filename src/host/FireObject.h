@@ -4,29 +4,26 @@
 // succeeded and the last Function's value. Implements IDispatch directly (members Busy 1, Call 2,
 // Eval 3, Result 4, Succeeded 5).
 #include "values/Variant.h"
+#include "host/LateBoundObject.h"
 #include <oaidl.h>
 
 namespace brannoc {
 
 class CodeUnit;
 
-class FireObject final : public IDispatch {
+class FireObject final : public LateBoundObject<FireObject> {
 public:
     enum Member : DISPID { kBusy = 1, kCall = 2, kEval = 3, kResult = 4, kSucceeded = 5 };
 
     // A new fire object over the engine object (held); the caller owns the one reference.
     static FireObject* Create(CodeUnit& engine, bool debugging);
 
-    HRESULT __stdcall QueryInterface(REFIID id, void** object) override;
-    ULONG __stdcall AddRef() override;
-    ULONG __stdcall Release() override;
-    HRESULT __stdcall GetTypeInfoCount(UINT* count) override;
-    HRESULT __stdcall GetTypeInfo(UINT index, LCID lcid, ITypeInfo** info) override;
     HRESULT __stdcall GetIDsOfNames(REFIID id, LPOLESTR* names, UINT count, LCID lcid, DISPID* ids) override;
     HRESULT __stdcall Invoke(DISPID member, REFIID id, LCID lcid, WORD flags, DISPPARAMS* parameters,
                              VARIANT* result, EXCEPINFO* exception, UINT* argumentError) override;
 
 private:
+    friend class LateBoundObject<FireObject>;
     FireObject(CodeUnit& engine, bool debugging);
     ~FireObject();
 
@@ -37,7 +34,6 @@ private:
     HRESULT CallInsideEngine(bool function, const DISPPARAMS& parameters, EXCEPINFO* exception,
                              UINT* argumentError);
 
-    volatile LONG m_references = 1;
     CodeUnit& m_engine;
     bool m_debugging;
     bool m_busy = false;

@@ -110,46 +110,6 @@ Handler::Handler(CodeUnit& engine, HandlerPrototype prototype) : m_engine(engine
 
 Handler::~Handler() { m_engine.Release(); }
 
-HRESULT __stdcall Handler::QueryInterface(REFIID id, void** object)
-{
-    if (!object)
-        return E_POINTER;
-    if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch)) {
-        *object = static_cast<IDispatch*>(this);
-        AddRef();
-        return S_OK;
-    }
-    *object = nullptr;
-    return E_NOINTERFACE;
-}
-
-ULONG __stdcall Handler::AddRef() { return static_cast<ULONG>(InterlockedIncrement(&m_references)); }
-
-ULONG __stdcall Handler::Release()
-{
-    const LONG remaining = InterlockedDecrement(&m_references);
-    if (remaining == 0) {
-        EngineLock::Acquire();
-        delete this;
-        EngineLock::Release();
-    }
-    return static_cast<ULONG>(remaining);
-}
-
-HRESULT __stdcall Handler::GetTypeInfoCount(UINT* count)
-{
-    if (count)
-        *count = 0;
-    return E_NOTIMPL;
-}
-
-HRESULT __stdcall Handler::GetTypeInfo(UINT, LCID, ITypeInfo** info)
-{
-    if (info)
-        *info = nullptr;
-    return E_NOTIMPL;
-}
-
 // Names compare with case.
 HRESULT __stdcall Handler::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids)
 {

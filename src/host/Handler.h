@@ -4,13 +4,14 @@
 // use, so a handler made before its macro is loaded finds it afterwards. Implements IDispatch directly.
 #include "host/HandlerPrototype.h"
 #include "host/MacroCall.h"
+#include "host/LateBoundObject.h"
 #include <oaidl.h>
 
 namespace brannoc {
 
 class CodeUnit;
 
-class Handler final : public IDispatch {
+class Handler final : public LateBoundObject<Handler> {
 public:
     enum Member : DISPID {
         kExists = 0,
@@ -31,11 +32,6 @@ public:
 
     const HandlerPrototype& Prototype() const { return m_prototype; }
 
-    HRESULT __stdcall QueryInterface(REFIID id, void** object) override;
-    ULONG __stdcall AddRef() override;
-    ULONG __stdcall Release() override;
-    HRESULT __stdcall GetTypeInfoCount(UINT* count) override;
-    HRESULT __stdcall GetTypeInfo(UINT index, LCID lcid, ITypeInfo** info) override;
     HRESULT __stdcall GetIDsOfNames(REFIID id, LPOLESTR* names, UINT count, LCID lcid, DISPID* ids) override;
     HRESULT __stdcall Invoke(DISPID member, REFIID id, LCID lcid, WORD flags, DISPPARAMS* parameters,
                              VARIANT* result, EXCEPINFO* exception, UINT* argumentError) override;
@@ -44,6 +40,7 @@ public:
     HRESULT CallWith(const GivenArguments& given, VARIANT* result, EXCEPINFO* exception, UINT* argumentError);
 
 private:
+    friend class LateBoundObject<Handler>;
     Handler(CodeUnit& engine, HandlerPrototype prototype);
     ~Handler();
 
@@ -56,7 +53,6 @@ private:
     std::string QualifiedName() const;
     std::wstring ProcName();
 
-    volatile LONG m_references = 1;
     CodeUnit& m_engine;
     HandlerPrototype m_prototype;
     bool m_stepInto = false;
