@@ -808,15 +808,12 @@ bool InstanceNumberOf(const std::wstring& name, unsigned& number)
     if (name.size() <= kPrefix.size() || name.size() > kPrefix.size() + 8 ||
         _wcsnicmp(name.c_str(), kPrefix.data(), kPrefix.size()) != 0)
         return false;
-    number = 0;
-    for (std::size_t i = kPrefix.size(); i < name.size(); ++i) {
-        const wchar_t c = name[i];
-        const int digit = iswdigit(c) ? c - L'0' : (c >= L'a' && c <= L'f') ? c - L'a' + 10
-                                                : (c >= L'A' && c <= L'F') ? c - L'A' + 10 : -1;
-        if (digit < 0)
+    const wchar_t* digits = name.c_str() + kPrefix.size();
+    for (const wchar_t* c = digits; *c; ++c) {
+        if (!iswxdigit(*c))
             return false;
-        number = number * 16 + static_cast<unsigned>(digit);
     }
+    number = static_cast<unsigned>(wcstoul(digits, nullptr, 16));
     return true;
 }
 

@@ -92,12 +92,8 @@ HRESULT __stdcall FireObject::Invoke(DISPID member, REFIID id, LCID, WORD flags,
 
 HRESULT FireObject::Get(DISPID member, WORD flags, const DISPPARAMS& parameters, VARIANT* result)
 {
-    if (!result)
-        return DISP_E_TYPEMISMATCH;
-    if (parameters.cArgs != 0)
-        return DISP_E_BADPARAMCOUNT;
-    if (!(flags & (DISPATCH_METHOD | DISPATCH_PROPERTYGET)))
-        return DISP_E_TYPEMISMATCH;
+    if (const HRESULT shape = CheckPropertyGet(flags, parameters, result); FAILED(shape))
+        return shape;
     VariantInit(result);
     switch (member) {
     case kBusy:

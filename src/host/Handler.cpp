@@ -181,12 +181,8 @@ HRESULT __stdcall Handler::Invoke(DISPID member, REFIID id, LCID, WORD flags, DI
 
 HRESULT Handler::Describe(DISPID member, WORD flags, const DISPPARAMS& parameters, VARIANT* result)
 {
-    if (!result)
-        return DISP_E_TYPEMISMATCH;
-    if (parameters.cArgs != 0)
-        return DISP_E_BADPARAMCOUNT;
-    if (!(flags & (DISPATCH_METHOD | DISPATCH_PROPERTYGET)))
-        return DISP_E_TYPEMISMATCH;
+    if (const HRESULT shape = CheckPropertyGet(flags, parameters, result); FAILED(shape))
+        return shape;
     try {
         EntryGuard guard(m_engine.Context());
         EngineContext& context = m_engine.Context();

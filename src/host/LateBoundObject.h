@@ -49,6 +49,19 @@ public:
 
 protected:
     LateBoundObject() = default;
+
+    // The shape of a property read: no arguments, a place for the value, read as a property or a method.
+    static HRESULT CheckPropertyGet(WORD flags, const DISPPARAMS& parameters, const VARIANT* result)
+    {
+        if (!result)
+            return DISP_E_TYPEMISMATCH;
+        if (parameters.cArgs != 0)
+            return DISP_E_BADPARAMCOUNT;
+        if (!(flags & (DISPATCH_METHOD | DISPATCH_PROPERTYGET)))
+            return DISP_E_TYPEMISMATCH;
+        return S_OK;
+    }
+
     ~LateBoundObject() = default;
 
 private:
