@@ -223,6 +223,7 @@ public:
     bool IsYielding() const noexcept { return m_yieldSetting != 0; }
     // Replaces the tick counter (GetTickCount); tests pass a clock of their own.
     void SetTickSource(TickSource source) noexcept { m_tick = source ? source : &GetTickCount; }
+    DWORD ReadTick() const noexcept { return m_tick(); }
 
     // A host evaluation is in progress: errors set halt bit 8 instead of 1.
     void SetEvaluating(bool on) noexcept { m_evaluating = on; }

@@ -8,11 +8,32 @@
 #include "host/EntryGuard.h"
 #include "host/HostCallBack.h"
 #include "host/MemoryReserve.h"
+#include "host/SchedulerRing.h"
 #include "host/ThisModule.h"
+#include "host/ThreadContext.h"
 #include "values/Variant.h"
 #include <windows.h>
 
 namespace brannoc {
+
+// The pending-notification timer: finds the engine object by its identifier (the timer's) and delivers
+// its deferred idle notification. The timer fires once; an object that has gone is simply not found.
+void CALLBACK KZ_PendingNotifyEnd(HWND window, UINT, UINT_PTR identifier, DWORD)
+{
+    KillTimer(window, identifier);
+    EngineLockScope lock;
+    CodeUnit* unit = CodeUnit::First();
+    while (unit && unit->Identifier() != identifier)
+        unit = unit->Next();
+    if (!unit)
+        return;
+    unit->AddRef();
+    {
+        EntryGuard guard(unit->Context());
+        unit->Context().SendNotification(-1);
+    }
+    unit->Release();
+}
 
 EngineContext::EngineContext(CodeUnit& owner) : m_owner(owner), m_modules(*this), m_interpreter(*this)
 {
@@ -115,6 +136,10 @@ RunState EngineContext::Run(long depth)
     m_interpreter.PrepareRun(target);
     if (depth == 10000)
         m_interpreter.SetStepCounter(3);   // even the statement at which the run resumes may stop
+    if (SchedulerRing* ring = SchedulerRing::OfThisThread(); ring && !ring->Owns(*this) && m_hostCallDepth == 0) {
+        ring->Join(*this);
+        return RunState::Active;
+    }
     RunScheduler(step);
     if (step)
         return State();
@@ -129,10 +154,32 @@ void EngineContext::RunScheduler(bool single)
     const bool traced = ExecutionTraceOn();
     if (traced)
         WriteTrace(TraceKind::Entry, L"*Execute");
-    (void)m_interpreter.RunSteps(single);
+    if (m_doEvents && m_hostCallDepth == 0 && !SchedulerRing::OfThisThread()) {
+        // Other engine objects asked to run on this thread meanwhile join this ring and run after it.
+        SchedulerRing ring(*this);
+        (void)m_interpreter.RunSteps(single);
+        ring.RunJoined();
+    } else {
+        (void)m_interpreter.RunSteps(single);
+    }
     m_interpreter.SetExecutionMarker(0);
     if (traced)
         WriteTrace(TraceKind::Exit, L"");
+}
+
+bool EngineContext::RunTimeSlice(unsigned long ticks)
+{
+    const DWORD start = m_interpreter.ReadTick();
+    int result = 0;
+    do {
+        result = m_interpreter.RunStep(false);
+    } while (result > 0 && ((m_interpreter.ReadTick() - start) & 0x7FFFFFFF) < ticks);
+    m_interpreter.SetExecutionMarker(0);
+    if (result > 0)
+        return true;
+    if (m_interpreter.RunLevel() > 0)
+        (void)StopRequest(false);
+    return false;
 }
 
 // Request 5 (stop); fromHalt marks a stop that followed an end or halt request.
@@ -232,10 +279,17 @@ void EngineContext::TraceErrorFields()
 
 void EngineContext::SendNotification(short code)
 {
-    if (m_pendingNotification >= 0 && code != m_pendingNotification) {
-        short pending = static_cast<short>(m_pendingNotification);
+    if (m_pendingNotification >= 0) {
+        const short pending = static_cast<short>(m_pendingNotification);
         m_pendingNotification = -1;
-        SendNotification(pending);
+        if (code == kNotifyStopped) {
+            // The stop happened before the idle notification reaches the host: stop first, then idle.
+            SendNotification(code);
+            SendNotification(pending);
+            return;
+        }
+        if (code != pending)
+            SendNotification(pending);
     }
     if (code < 0)
         return;
@@ -258,6 +312,10 @@ void EngineContext::SendNotification(short code)
         // Every stream the macro opened closes when its run ends: normally, after an error or halted.
         m_streams.CloseAll();
         m_modules.RunEnded();
+        if (m_hostCallDepth > 0) {
+            DeferIdleNotification();
+            return;
+        }
         break;
     case kNotifyErrorSet:
         if (m_interpreter.IsEvaluating())
@@ -287,6 +345,15 @@ void EngineContext::PerformControlAction(int action, long argument)
 {
     (void)Control(action, argument);
     m_modules.RunQueuedStart();
+}
+
+// A run that ended inside a host call into macros tells the host later, from the thread's timer
+// window, once the host is back in its message loop; any notification sent before that delivers it first.
+void EngineContext::DeferIdleNotification()
+{
+    m_pendingNotification = kNotifyRunEnded;
+    if (ThreadContext* thread = ThreadContext::Current(); thread && thread->TimerWindow())
+        SetTimer(thread->TimerWindow(), m_owner.Identifier(), kPendingNotificationPeriod, &KZ_PendingNotifyEnd);
 }
 
 void EngineContext::HandOverEngine()

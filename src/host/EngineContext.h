@@ -20,6 +20,8 @@ namespace brannoc {
 
 class CodeUnit;
 
+void CALLBACK KZ_PendingNotifyEnd(HWND window, UINT message, UINT_PTR identifier, DWORD time);
+
 // Run state as hosts see it.
 enum class RunState : int { Idle = 0, Active = 1, Stopped = 2, Busy = 3 };
 
@@ -46,6 +48,8 @@ class EngineContext final : public InterpreterHost, private automation::Extensio
 public:
     static constexpr int kKeywordCount = 340;
     static constexpr int kStepDepth = 9999;
+    // The period of the timer that delivers an idle notification deferred at the end of a host call.
+    static constexpr UINT kPendingNotificationPeriod = 100;
 
     explicit EngineContext(CodeUnit& owner);
     ~EngineContext();
@@ -84,6 +88,9 @@ public:
     void SetCompiling(bool on) { m_compiling = on; }
     bool IsCompiling() const { return m_compiling; }
 
+    // Runs statements of a run prepared earlier until it cannot continue or `ticks` have passed; at its
+    // end, a run still active (its target reached) is stopped. False when it can no longer continue.
+    bool RunTimeSlice(unsigned long ticks);
     // Host calls into macros in progress on this object (fire objects, handlers, event sinks).
     int HostCallDepth() const { return m_hostCallDepth; }
     void EnterHostCall()
@@ -164,6 +171,7 @@ private:
     void SetTraceByte(long depth);
     bool StatementExecuting() const { return m_interpreter.ExecutionMarker() != 0; }
     void RunScheduler(bool single);
+    void DeferIdleNotification();
     void DefaultNotify(short code);
     // Writes a trace line through the callback (or the test sink) whatever the trace bytes say.
     void WriteTrace(TraceKind kind, const std::wstring& text);
