@@ -1,5 +1,6 @@
 #include "dialogs/UserDialog.h"
 
+#include "automation/OutsideCall.h"
 #include "dialogs/ItemName.h"
 #include "dialogs/PictureWindow.h"
 #include "exec/HaltFlags.h"
@@ -213,6 +214,8 @@ UserDialog::Outcome UserDialog::Run(void* record, int defaultButton, int& exitCo
             Enqueue(5, -1, 0);
             continue;
         }
+        // Nothing to do until input arrives: other threads may use the engine meanwhile.
+        automation::OutsideCall outside;
         MsgWaitForMultipleObjects(0, nullptr, FALSE, kWaitSliceMs, QS_ALLINPUT);
     }
     if (m_failed || m_abandoned) {

@@ -11,23 +11,29 @@ using namespace brannoc::testing;
 
 namespace {
 
-BOOL CALLBACK FindBox(HWND window, LPARAM result)
+struct BoxSearch {
+    const wchar_t* className;
+    HWND found = nullptr;
+};
+
+BOOL CALLBACK FindBox(HWND window, LPARAM parameter)
 {
-    wchar_t name[16] = L"";
-    GetClassNameW(window, name, 16);
-    if (std::wstring(name) == L"#32770" && IsWindowVisible(window)) {
-        *reinterpret_cast<HWND*>(result) = window;
+    auto* search = reinterpret_cast<BoxSearch*>(parameter);
+    wchar_t name[64] = L"";
+    GetClassNameW(window, name, 64);
+    if (std::wstring(name) == search->className && IsWindowVisible(window)) {
+        search->found = window;
         return FALSE;
     }
     return TRUE;
 }
 
-// The visible dialog-class window (a message box) of a thread, or null.
-HWND BoxOf(DWORD threadId)
+// The visible window of a class (by default the dialog class of message boxes) of a thread, or null.
+HWND BoxOf(DWORD threadId, const wchar_t* className = L"#32770")
 {
-    HWND found = nullptr;
-    EnumThreadWindows(threadId, &FindBox, reinterpret_cast<LPARAM>(&found));
-    return found;
+    BoxSearch search{className};
+    EnumThreadWindows(threadId, &FindBox, reinterpret_cast<LPARAM>(&search));
+    return search.found;
 }
 
 constexpr UINT kPing = WM_USER + 7;
@@ -145,5 +151,29 @@ TEST(ModalWaits, WaitServesMessagesAndOtherThreadsAndEndsOnAStop)
     run.unit.load()->Stop(&result);
     waiting.join();
     EXPECT_EQ(L"\"before\"\r\n", run.printed) << "the Wait was abandoned and the run stopped";
+    EXPECT_TRUE(run.stopped);
+}
+
+TEST(ModalWaits, AUserDialogGivesTheEngineUpWhileItWaitsForInput)
+{
+    WaitingRun run;
+    std::thread waiting([&] {
+        run.Run(Lines({L"Sub Main", L"Debug.Print \"before\"", L"Begin Dialog UserDialog 200,80,\"Waiting\"",
+                       L"    OKButton 10,10,60,20", L"End Dialog", L"Dim d As UserDialog", L"x = Dialog(d)",
+                       L"Debug.Print \"after\"", L"End Sub"}));
+    });
+    HWND dialog = nullptr;
+    ASSERT_TRUE(WaitFor([&] {
+        return run.threadId && (dialog = BoxOf(run.threadId, L"__BrannocBasicDynDlgWindow")) != nullptr;
+    }));
+    EXPECT_TRUE(ServedHere()) << "another thread is served while the dialog waits for input";
+    VARIANT_BOOL result = VARIANT_FALSE;
+    run.unit.load()->Stop(&result);
+    const bool ended = WaitFor([&] { return run.finished.load(); });
+    if (!ended && BoxOf(run.threadId, L"__BrannocBasicDynDlgWindow"))
+        PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
+    waiting.join();
+    EXPECT_TRUE(ended) << "the stop closed the dialog";
+    EXPECT_EQ(L"\"before\"\r\n", run.printed) << "the statement was abandoned and the run stopped";
     EXPECT_TRUE(run.stopped);
 }
