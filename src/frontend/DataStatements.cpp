@@ -143,6 +143,8 @@ BodyParser::StatementPtr BodyParser::ParseReDimVariable(bool preserve)
                                             RecordInfoOf(asRecord));
 }
 
+// Mid "(" variable "," start ["," length] ")" = text
+// The variable is a String or Variant; a constant start below 1 is refused at once.
 BodyParser::StatementPtr BodyParser::ParseMid()
 {
     m_lexer.NextToken();
@@ -184,6 +186,7 @@ BodyParser::StatementPtr BodyParser::ParseMid()
     return statement;
 }
 
+// Erase array {"," array}: an array or Variant variable, or an array a record holds
 BodyParser::StatementPtr BodyParser::ParseErase()
 {
     m_lexer.NextToken();
@@ -212,6 +215,7 @@ BodyParser::StatementPtr BodyParser::ParseErase()
     return list;
 }
 
+// LSet variable = text | RSet variable = text | LSet record = record
 BodyParser::StatementPtr BodyParser::ParseAlign(bool right)
 {
     m_lexer.NextToken();
@@ -278,6 +282,7 @@ BodyParser::StatementPtr BodyParser::ParseRecordCopy(const VariableRef& target, 
     return statement;
 }
 
+// Debug.Print [expression {";" expression} [";"]]: a trailing ";" leaves the line open
 BodyParser::StatementPtr BodyParser::ParseDebug()
 {
     m_lexer.NextToken();
@@ -490,6 +495,8 @@ BodyParser::StatementPtr BodyParser::ParseDim(bool isStatic)
     return Declaration();
 }
 
+// Const name [suffix] [As type] = constant {"," name [suffix] [As type] = constant}
+// The type is a number, String or Variant type.
 BodyParser::StatementPtr BodyParser::ParseConst()
 {
     m_lexer.NextToken();
