@@ -114,6 +114,7 @@ ReadResult DeclarationReader::ReadTopLevel(Visibility visibility, bool hasVisibi
     return ReadResult::NotMine;
 }
 
+// name: an identifier; a missing one is the error `missing`
 bool DeclarationReader::ReadName(CompileMessage missing, std::string& name)
 {
     if (!IsNameToken(m_lexer.Kind())) {
@@ -931,6 +932,7 @@ ReadResult DeclarationReader::ReadOption(bool hasVisibilityWord)
 // Module-level Attribute lines are kept by the editor and skipped here.
 ReadResult DeclarationReader::ReadAttribute() { return ReadResult::Done; }
 
+// name ["." name]: the name after Event or Implements
 ReadResult DeclarationReader::ReadNameList(std::vector<std::string>& names)
 {
     std::string name;

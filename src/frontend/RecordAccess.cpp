@@ -205,6 +205,7 @@ int BodyParser::ParseRecordPath(Expression& code, RecordPathEnd& end, bool befor
     return m_code->AddRecordPath(std::move(path));
 }
 
+// record path {"." member}: a record, an element of one, or an object a record holds and its members
 bool BodyParser::ParseRecordFactor(Expression& out, bool* simpleVariable)
 {
     const char* start = m_lexer.TokenStart();
@@ -292,6 +293,7 @@ BodyParser::StatementPtr BodyParser::ParseEraseHeldArray()
     return std::make_unique<EraseStatement>(std::move(code), path, end.type);
 }
 
+// [record path {"." member}]: the target of a With when it starts at a record; anything else is left unread
 bool BodyParser::ParseRecordWithTarget(Expression& code, const UserType*& type, bool& parsed)
 {
     type = nullptr;
@@ -323,6 +325,7 @@ bool BodyParser::ParseRecordWithTarget(Expression& code, const UserType*& type, 
     return m_lexer.Kind() != Token::Dot || ParseMemberChain(code, classModule, start);
 }
 
+// record path = expression | record path "." member {"." member} [arguments | ["(" arguments ")"] = value]
 BodyParser::StatementPtr BodyParser::ParseRecordStatement(AssignKind kind)
 {
     const char* start = m_lexer.TokenStart();
