@@ -171,6 +171,7 @@ bool BodyParser::ParseBuiltinCall(const BuiltinRecord& called, TypeCode suffix, 
     return true;
 }
 
+// [argument {"," argument}] where argument is [expression] | name ":=" expression; a stream argument may take "#"
 // The arguments up to ")" (or the end of the statement): positional ones fill the parameters in
 // order, named ones ("name := value") the parameter of that name.
 bool BodyParser::ParseBuiltinArguments(const BuiltinRecord& record, bool parenthesised,

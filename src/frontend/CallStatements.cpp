@@ -365,6 +365,7 @@ BodyParser::StatementPtr BodyParser::ParsePropertyAssignment(Procedure& property
     return std::make_unique<EvaluateStatement>(std::move(code));
 }
 
+// [argument {"," argument}] [")"]: ")" is read where the list is parenthesised
 // Arguments of a call: positional and named, matched to the callee's parameters; the call and the
 // removal of the arguments follow them (a Function's result stays on the stack).
 bool BodyParser::ParseCallArguments(Procedure& callee, Expression& out, ArgumentList list)

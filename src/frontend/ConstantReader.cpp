@@ -203,6 +203,7 @@ bool ConstantReader::ReadPrimary(ConstantValue& value)
     return false;
 }
 
+// #date#
 // The text between the "#" marks, converted to Date by the value conversion in the engine locale. A text
 // that is no date is a type mismatch at compile time.
 bool ConstantReader::ReadDate(ConstantValue& value)

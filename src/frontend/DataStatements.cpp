@@ -73,6 +73,7 @@ bool BodyParser::ParseReDimBounds(Expression& bounds, int& dimensions)
     return m_lexer.ExpectToken(Token::RightParen);
 }
 
+// name [suffix] "(" bounds ")" [As type] | record.array "(" bounds ")" [As type]
 // One variable of a ReDim. A name declared nowhere becomes a local dynamic array of the As type (or
 // its suffix's or letter's type).
 BodyParser::StatementPtr BodyParser::ParseReDimVariable(bool preserve)
@@ -391,6 +392,7 @@ bool BodyParser::ReadType(TypeCode& type, const Module** classModule, const User
     return true;
 }
 
+// (after "(") [[lower To] upper {"," [lower To] upper}] ")"
 // After "(": lower and upper bounds (constant whole numbers) up to ")"; none for a dynamic array.
 bool BodyParser::ReadBounds(std::vector<std::pair<long, long>>& bounds)
 {

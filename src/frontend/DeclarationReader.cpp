@@ -136,6 +136,7 @@ bool DeclarationReader::AddName(const std::string& name, SymbolRef ref)
     return true;
 }
 
+// [suffix]: one of % & ! # @ $
 // A suffix written directly after the name just read.
 bool DeclarationReader::ReadTypeSuffix(TypeSpec& type)
 {
@@ -929,6 +930,7 @@ ReadResult DeclarationReader::ReadOption(bool hasVisibilityWord)
     return ReadResult::Done;
 }
 
+// Attribute ... (the rest of the line is skipped)
 // Module-level Attribute lines are kept by the editor and skipped here.
 ReadResult DeclarationReader::ReadAttribute() { return ReadResult::Done; }
 

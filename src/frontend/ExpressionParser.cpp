@@ -17,6 +17,7 @@
 
 namespace brannoc::body {
 
+// expression: {"-" | "+" | Not} factor {operator {"-" | "+" | Not} factor}
 // Operator precedence with an explicit operator stack; every binary operator is left-associative.
 bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
 {

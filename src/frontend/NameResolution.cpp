@@ -23,6 +23,7 @@ std::string BodyParser::ReadName()
     return name;
 }
 
+// [suffix]: one of % & ! # @ $
 // A type suffix written right after the name just read; it is consumed.
 TypeCode BodyParser::ReadSuffix()
 {

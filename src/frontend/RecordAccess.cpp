@@ -120,6 +120,7 @@ bool BodyParser::AtRecordPath() const
     return UserTypeOf(key) != nullptr;
 }
 
+// record path: name {"(" indexes ")" | "." element}, or "." element {...} in a With on a record
 // With beforeBounds (ReDim), a parenthesised group after an array is taken as its indexes only when a
 // "." follows it; otherwise it is the ReDim's bounds and the path ends before it.
 int BodyParser::ParseRecordPath(Expression& code, RecordPathEnd& end, bool beforeBounds)
