@@ -234,7 +234,7 @@ bool BodyParser::ParseMemberArguments(Procedure& member, MemberAccess access, Ex
 }
 
 // ["(" arguments ")"] (read) | [arguments] | "(" arguments ")" (call) | ["(" arguments ")"] = value (assignment)
-// A late-bound member's, argument: [name ":="] [expression]; variables go by reference.
+// A late-bound member's arguments, each [name ":="] [expression]; variables go by reference.
 bool BodyParser::ParseLateArguments(MemberAccess access, MemberSite& site, Expression& out, int& count)
 {
     count = 0;
