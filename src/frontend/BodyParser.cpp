@@ -248,6 +248,7 @@ BodyParser::StatementPtr BodyParser::ParseLine()
     return list;
 }
 
+// statement: one of a line's ":"-separated statements, block statements (If, Select, For, Do, With ...) included
 BodyParser::StatementPtr BodyParser::ParseSegment()
 {
     const Token word = m_lexer.Kind();
@@ -294,6 +295,7 @@ BodyParser::StatementPtr BodyParser::ParseSegment()
     }
 }
 
+// End | End If | End Select | End With: End alone ends the macro, the others close the innermost block
 BodyParser::StatementPtr BodyParser::ParseEnd()
 {
     const char* endPosition = m_lexer.TokenStart();
@@ -331,6 +333,7 @@ BodyParser::StatementPtr BodyParser::ParseEnd()
     return statement;
 }
 
+// statement {":" statement}: the statements after Then or Else, or after ":" on a Case line; no block statements
 BodyParser::StatementPtr BodyParser::ParseInline(bool inSingleLineIf)
 {
     const NestingLevel level(m_inlineDepth, kMaxInlineDepth);

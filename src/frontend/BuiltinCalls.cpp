@@ -109,6 +109,8 @@ const BuiltinRecord* BodyParser::BuiltinFor(Token word, const std::string& upper
     return FindUsedVariable(upperName, ref) ? nullptr : record;
 }
 
+// builtin[suffix] ["(" arguments ")"] in an expression; builtin [arguments] | builtin "(" arguments ")" as a statement
+// An instruction has no result; a suffix must be the result's type.
 bool BodyParser::ParseBuiltinCall(const BuiltinRecord& called, TypeCode suffix, Expression& out, bool statement)
 {
     const std::string_view name = KeywordText(called.keyword);
@@ -169,6 +171,7 @@ bool BodyParser::ParseBuiltinCall(const BuiltinRecord& called, TypeCode suffix, 
     return true;
 }
 
+// [argument {"," argument}] where argument is [expression] | name ":=" expression; a stream argument may take "#"
 // The arguments up to ")" (or the end of the statement): positional ones fill the parameters in
 // order, named ones ("name := value") the parameter of that name.
 bool BodyParser::ParseBuiltinArguments(const BuiltinRecord& record, bool parenthesised,

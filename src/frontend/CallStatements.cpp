@@ -56,6 +56,8 @@ bool BodyParser::StartsObjectStatement() const
     return word == Token::Dot || word == Token::Me || (IsNameToken(word) && MemberContinues(assignment));
 }
 
+// [name | Me] "." member {"." member} [arguments | ["(" arguments ")"] = value]
+// Without a name or Me the path starts at the With object.
 BodyParser::StatementPtr BodyParser::ParseObjectStatement(AssignKind kind, bool callOnly)
 {
     Expression code;
@@ -77,6 +79,9 @@ BodyParser::StatementPtr BodyParser::ParseObjectStatement(AssignKind kind, bool 
     return ParseMemberStatement(std::move(code), classModule, kind, callOnly, start);
 }
 
+// [Let | Set] target = expression | procedure [arguments] | procedure "(" arguments ")" | builtin [arguments]
+// target: variable ["(" indexes ")"] | property ["(" arguments ")"] | object "." member | record path.
+// After Let or Set only an assignment is accepted.
 BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(AssignKind kind)
 {
     const bool requireAssignment = kind != AssignKind::Implicit;
@@ -343,6 +348,7 @@ bool BodyParser::IsAssignmentAhead() const
     return *p == '=';
 }
 
+// property ["(" arguments ")"] = value: calls the Property Let (Property Set for Set) of that name
 BodyParser::StatementPtr BodyParser::ParsePropertyAssignment(Procedure& property, AssignKind kind)
 {
     Expression code;
@@ -359,6 +365,7 @@ BodyParser::StatementPtr BodyParser::ParsePropertyAssignment(Procedure& property
     return std::make_unique<EvaluateStatement>(std::move(code));
 }
 
+// [argument {"," argument}] [")"]: ")" is read where the list is parenthesised
 // Arguments of a call: positional and named, matched to the callee's parameters; the call and the
 // removal of the arguments follow them (a Function's result stays on the stack).
 bool BodyParser::ParseCallArguments(Procedure& callee, Expression& out, ArgumentList list)
@@ -389,8 +396,6 @@ bool BodyParser::ParseCallArguments(Procedure& callee, Expression& out, Argument
     return true;
 }
 
-// Reads the arguments written for callee; the first `limit` parameters take them (a Property Let's
-// assigned value comes separately).
 namespace {
 
 // Whether a variable argument goes as a reference to its storage: for ByRef parameters, and for the
@@ -406,6 +411,9 @@ bool PassesReference(const Procedure& callee, const Parameter& parameter)
 
 } // namespace
 
+// argument {"," argument} where argument is [expression] | name ":=" expression; named ones come last
+// Reads the arguments written for callee; the first `limit` parameters take them (a Property Let's
+// assigned value comes separately).
 bool BodyParser::ParseArguments(Procedure& callee, ArgumentList list, std::size_t limit, ParsedArguments& parsed)
 {
     const std::size_t count = limit;

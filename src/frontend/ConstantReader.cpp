@@ -72,8 +72,10 @@ bool PassTextLiteral(Lexer& lexer)
     return false;
 }
 
+// constant: a constant expression, folded to its value as it is read
 bool ConstantReader::Read(ConstantValue& value) { return ReadBinary(0, value); }
 
+// constant: a constant expression, converted to a Long
 bool ConstantReader::ReadInteger(long long& value)
 {
     ConstantValue constant;
@@ -87,6 +89,7 @@ bool ConstantReader::ReadInteger(long long& value)
     return true;
 }
 
+// unary {operator unary}: only operators binding tighter than minimumPrecedence; equal ones associate left
 bool ConstantReader::ReadBinary(int minimumPrecedence, ConstantValue& value)
 {
     if (!ReadUnary(value))
@@ -107,6 +110,7 @@ bool ConstantReader::ReadBinary(int minimumPrecedence, ConstantValue& value)
     }
 }
 
+// "-" unary | "+" unary | Not operand | primary: Not takes all that binds tighter than And
 bool ConstantReader::ReadUnary(ConstantValue& value)
 {
     const NestingLevel level(m_depth, kMaxExpressionDepth);
@@ -137,6 +141,8 @@ bool ConstantReader::ReadUnary(ConstantValue& value)
     return ReadPrimary(value);
 }
 
+// number | "text" | #date# | True | False | Win32 | Win16 | "(" constant ")" | constant name
+// A constant name: a module constant, an enum member or one of the language's constants.
 bool ConstantReader::ReadPrimary(ConstantValue& value)
 {
     switch (m_lexer.Kind()) {
@@ -197,6 +203,7 @@ bool ConstantReader::ReadPrimary(ConstantValue& value)
     return false;
 }
 
+// #date#
 // The text between the "#" marks, converted to Date by the value conversion in the engine locale. A text
 // that is no date is a type mismatch at compile time.
 bool ConstantReader::ReadDate(ConstantValue& value)
@@ -289,6 +296,7 @@ std::optional<NumberLiteral> ReadNumberLiteral(std::string_view text, bool longS
     return result;
 }
 
+// number [suffix]: decimal, &H or &O; a suffix converts the value, "$" is a type mismatch
 bool ConstantReader::ReadNumber(ConstantValue& value)
 {
     const std::optional<NumberLiteral> literal =

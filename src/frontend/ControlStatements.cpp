@@ -15,6 +15,9 @@
 
 namespace brannoc::body {
 
+// If condition Then | If condition Then [statements] [Else [statements]]
+// Then ending the line (a comment may follow) opens a block If, only where a line starts.
+// statements: statement {":" statement}
 BodyParser::StatementPtr BodyParser::ParseIf(bool lineStart)
 {
     m_lexer.NextToken();
@@ -55,6 +58,7 @@ BodyParser::StatementPtr BodyParser::ParseIf(bool lineStart)
     return statement;
 }
 
+// ElseIf condition Then  (in a block If, before its Else)
 BodyParser::StatementPtr BodyParser::ParseElseIf()
 {
     Block* block = Innermost(BlockKind::If);
@@ -74,6 +78,7 @@ BodyParser::StatementPtr BodyParser::ParseElseIf()
     return jump;
 }
 
+// Else  (in a block If, once)
 BodyParser::StatementPtr BodyParser::ParseElse()
 {
     Block* block = Innermost(BlockKind::If);
@@ -90,6 +95,7 @@ BodyParser::StatementPtr BodyParser::ParseElse()
     return jump;
 }
 
+// Select Case expression: opens the block, whose next line must be a Case
 BodyParser::StatementPtr BodyParser::ParseSelect()
 {
     m_lexer.NextToken();
@@ -113,6 +119,8 @@ BodyParser::StatementPtr BodyParser::ParseSelect()
     return branch;
 }
 
+// Case Else | Case item {"," item} where item is expression [To expression] | Is comparison expression
+// Statements may follow on the same line after ":".
 BodyParser::StatementPtr BodyParser::ParseCase()
 {
     Block* block = Innermost(BlockKind::Select);
@@ -212,6 +220,8 @@ BodyParser::StatementPtr BodyParser::ParseCase()
     return jump;
 }
 
+// For counter = start To end [Step step] | For Each element In group
+// The counter is a numeric or Variant variable, not an array.
 BodyParser::StatementPtr BodyParser::ParseFor()
 {
     m_lexer.NextToken();
@@ -258,6 +268,7 @@ BodyParser::StatementPtr BodyParser::ParseFor()
     return statement;
 }
 
+// (after For Each) element In group: the element is a variable that is no array
 BodyParser::StatementPtr BodyParser::ParseForEach()
 {
     if (!IsNameToken(m_lexer.Kind())) {
@@ -300,6 +311,7 @@ BodyParser::StatementPtr BodyParser::ParseForEach()
     return statement;
 }
 
+// name [suffix]: a variable already known; otherwise the error `message`
 bool BodyParser::ReadExistingVariable(VariableRef& ref, CompileMessage message)
 {
     if (!IsNameToken(m_lexer.Kind())) {
@@ -318,6 +330,7 @@ bool BodyParser::ReadExistingVariable(VariableRef& ref, CompileMessage message)
     return true;
 }
 
+// Next [counter] {"," [counter]}: each item closes one loop; a counter written must be its For's
 BodyParser::StatementPtr BodyParser::ParseNext()
 {
     m_lexer.NextToken();
@@ -367,6 +380,7 @@ BodyParser::StatementPtr BodyParser::ParseNext()
     return list;
 }
 
+// Do [While condition | Until condition]
 BodyParser::StatementPtr BodyParser::ParseDo()
 {
     m_lexer.NextToken();
@@ -392,6 +406,7 @@ BodyParser::StatementPtr BodyParser::ParseDo()
     return statement;
 }
 
+// Loop [While condition | Until condition]
 BodyParser::StatementPtr BodyParser::ParseLoop()
 {
     Block* block = Innermost(BlockKind::Do);
@@ -424,6 +439,7 @@ BodyParser::StatementPtr BodyParser::ParseLoop()
     return statement;
 }
 
+// While condition
 BodyParser::StatementPtr BodyParser::ParseWhile()
 {
     m_lexer.NextToken();
@@ -440,6 +456,7 @@ BodyParser::StatementPtr BodyParser::ParseWhile()
     return test;
 }
 
+// Wend
 BodyParser::StatementPtr BodyParser::ParseWend()
 {
     Block* block = Innermost(BlockKind::While);
@@ -458,6 +475,7 @@ BodyParser::StatementPtr BodyParser::ParseWend()
     return jump;
 }
 
+// With object | With record: a record variable or path opens a With on the record itself
 BodyParser::StatementPtr BodyParser::ParseWith()
 {
     m_lexer.NextToken();
@@ -499,6 +517,7 @@ BodyParser::StatementPtr BodyParser::ParseWith()
     return statement;
 }
 
+// GoTo label
 BodyParser::StatementPtr BodyParser::ParseGoTo()
 {
     m_lexer.NextToken();
@@ -518,6 +537,8 @@ BodyParser::StatementPtr BodyParser::ParseGoTo()
     return jump;
 }
 
+// Exit All | Exit For | Exit Do | Exit Sub | Exit Function | Exit Property
+// For and Do leave the innermost such loop; the procedure word must be the enclosing procedure's kind.
 BodyParser::StatementPtr BodyParser::ParseExit()
 {
     m_lexer.NextToken();

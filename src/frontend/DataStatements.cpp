@@ -73,6 +73,7 @@ bool BodyParser::ParseReDimBounds(Expression& bounds, int& dimensions)
     return m_lexer.ExpectToken(Token::RightParen);
 }
 
+// name [suffix] "(" bounds ")" [As type] | record.array "(" bounds ")" [As type]
 // One variable of a ReDim. A name declared nowhere becomes a local dynamic array of the As type (or
 // its suffix's or letter's type).
 BodyParser::StatementPtr BodyParser::ParseReDimVariable(bool preserve)
@@ -143,6 +144,8 @@ BodyParser::StatementPtr BodyParser::ParseReDimVariable(bool preserve)
                                             RecordInfoOf(asRecord));
 }
 
+// Mid "(" variable "," start ["," length] ")" = text
+// The variable is a String or Variant; a constant start below 1 is refused at once.
 BodyParser::StatementPtr BodyParser::ParseMid()
 {
     m_lexer.NextToken();
@@ -184,6 +187,7 @@ BodyParser::StatementPtr BodyParser::ParseMid()
     return statement;
 }
 
+// Erase array {"," array}: an array or Variant variable, or an array a record holds
 BodyParser::StatementPtr BodyParser::ParseErase()
 {
     m_lexer.NextToken();
@@ -212,6 +216,7 @@ BodyParser::StatementPtr BodyParser::ParseErase()
     return list;
 }
 
+// LSet variable = text | RSet variable = text | LSet record = record
 BodyParser::StatementPtr BodyParser::ParseAlign(bool right)
 {
     m_lexer.NextToken();
@@ -278,6 +283,7 @@ BodyParser::StatementPtr BodyParser::ParseRecordCopy(const VariableRef& target, 
     return statement;
 }
 
+// Debug.Print [expression {";" expression} [";"]]: a trailing ";" leaves the line open
 BodyParser::StatementPtr BodyParser::ParseDebug()
 {
     m_lexer.NextToken();
@@ -386,6 +392,7 @@ bool BodyParser::ReadType(TypeCode& type, const Module** classModule, const User
     return true;
 }
 
+// (after "(") [[lower To] upper {"," [lower To] upper}] ")"
 // After "(": lower and upper bounds (constant whole numbers) up to ")"; none for a dynamic array.
 bool BodyParser::ReadBounds(std::vector<std::pair<long, long>>& bounds)
 {
@@ -490,6 +497,8 @@ BodyParser::StatementPtr BodyParser::ParseDim(bool isStatic)
     return Declaration();
 }
 
+// Const name [suffix] [As type] = constant {"," name [suffix] [As type] = constant}
+// The type is a number, String or Variant type.
 BodyParser::StatementPtr BodyParser::ParseConst()
 {
     m_lexer.NextToken();

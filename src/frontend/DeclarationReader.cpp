@@ -114,6 +114,7 @@ ReadResult DeclarationReader::ReadTopLevel(Visibility visibility, bool hasVisibi
     return ReadResult::NotMine;
 }
 
+// name: an identifier; a missing one is the error `missing`
 bool DeclarationReader::ReadName(CompileMessage missing, std::string& name)
 {
     if (!IsNameToken(m_lexer.Kind())) {
@@ -135,6 +136,7 @@ bool DeclarationReader::AddName(const std::string& name, SymbolRef ref)
     return true;
 }
 
+// [suffix]: one of % & ! # @ $
 // A suffix written directly after the name just read.
 bool DeclarationReader::ReadTypeSuffix(TypeSpec& type)
 {
@@ -928,9 +930,11 @@ ReadResult DeclarationReader::ReadOption(bool hasVisibilityWord)
     return ReadResult::Done;
 }
 
+// Attribute ... (the rest of the line is skipped)
 // Module-level Attribute lines are kept by the editor and skipped here.
 ReadResult DeclarationReader::ReadAttribute() { return ReadResult::Done; }
 
+// name ["." name]: the name after Event or Implements
 ReadResult DeclarationReader::ReadNameList(std::vector<std::string>& names)
 {
     std::string name;

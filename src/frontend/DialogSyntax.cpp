@@ -147,6 +147,7 @@ void BodyParser::ScanDialogType(int endLine)
     }
 }
 
+// "." field
 // A name after "." for an item's field; a reserved word is refused.
 bool BodyParser::ReadDialogField(std::string& field)
 {

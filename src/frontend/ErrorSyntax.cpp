@@ -143,6 +143,7 @@ BodyParser::StatementPtr BodyParser::ParseErrStatement()
     return statement;
 }
 
+// "(" argument {"," argument} ")" | argument {"," argument} where argument is [expression] | name ":=" expression
 // The arguments of Err.Raise, positional or named, in or without parentheses: the code leaves all five,
 // a left-out optional one as the missing value. Number is required.
 bool BodyParser::ParseRaiseArguments(Expression& out)

@@ -17,6 +17,7 @@
 
 namespace brannoc::body {
 
+// expression: {"-" | "+" | Not} factor {operator {"-" | "+" | Not} factor}
 // Operator precedence with an explicit operator stack; every binary operator is left-associative.
 bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
 {
@@ -370,6 +371,7 @@ void BodyParser::AppendBinary(Expression& out, OperationId op, const char* posit
     out.type = TypeCode(TypeCode::kVariant);
 }
 
+// number [suffix]: a decimal, &H or &O literal; a suffix converts it, "$" is a type mismatch
 bool BodyParser::ParseNumber(Expression& out)
 {
     const std::string text(m_lexer.Text());
@@ -409,6 +411,8 @@ bool BodyParser::ParseNumber(Expression& out)
     return true;
 }
 
+// factor: "(" expression ")" | number | #date# | "text" | True | False | Win32 | Win16 | Empty | Null | Nothing
+//     | New class | TypeOf ... | "." member {"." member} | Me {"." member} | builtin | Err | record path | name
 bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
 {
     *simpleVariable = false;
@@ -720,6 +724,7 @@ bool BodyParser::ParseTypeOf(Expression& out)
     return true;
 }
 
+// {"(" index {"," index} ")"}: each list indexes the array or Variant value before it
 bool BodyParser::ParseResultIndexes(Expression& out)
 {
     // Only a result that can hold an array takes indexes; anything else leaves "(" to the caller. Each
@@ -740,6 +745,7 @@ bool BodyParser::ParseResultIndexes(Expression& out)
     return true;
 }
 
+// (after "(") index {"," index} ")": no more indexes than the largest number of dimensions
 bool BodyParser::ParseIndexes(Expression& out, int& count)
 {
     count = 0;

@@ -7,6 +7,7 @@
 
 namespace brannoc::body {
 
+// ["#"] number: a numeric expression; the "#" is required where hashRequired says so
 bool BodyParser::ParseStreamNumber(Expression& code, bool hashRequired)
 {
     if (!m_lexer.Accept(Token::Hash) && hashRequired) {
@@ -25,6 +26,7 @@ bool BodyParser::ParseStreamNumber(Expression& code, bool hashRequired)
     return true;
 }
 
+// variable | element | record.field: where Input #, Line Input #, Get and Put store what they read
 bool BodyParser::ParseFileTarget(FileTarget& target, Expression& code, Expression& writeBack, bool recordsInPlace)
 {
     const bool simpleName = IsNameToken(m_lexer.Kind()) && [this] {
@@ -73,6 +75,8 @@ bool BodyParser::ParseFileTarget(FileTarget& target, Expression& code, Expressio
     return true;
 }
 
+// Open path For Input|Output|Append|Binary|Random [Access Read|Write|Read Write]
+//     [Shared | Lock Read|Write|Read Write] As ["#"] number [Len = length]
 BodyParser::StatementPtr BodyParser::ParseOpen()
 {
     m_lexer.NextToken();
@@ -130,6 +134,7 @@ BodyParser::StatementPtr BodyParser::ParseOpen()
     return std::make_unique<OpenStatement>(std::move(code), count, mode, access, sharing);
 }
 
+// Close [["#"] number {"," ["#"] number}]
 BodyParser::StatementPtr BodyParser::ParseClose()
 {
     m_lexer.NextToken();
@@ -145,6 +150,8 @@ BodyParser::StatementPtr BodyParser::ParseClose()
     return std::make_unique<CloseStatement>(std::move(code), count);
 }
 
+// Print "#" number ["," [item {";" item} [";"]]] | Write "#" number ["," [item {"," item}]]
+// A trailing ";" keeps Print's line open; Write always ends its line.
 BodyParser::StatementPtr BodyParser::ParseStreamPrint(bool writeForm)
 {
     m_lexer.NextToken();
@@ -186,6 +193,7 @@ BodyParser::StatementPtr BodyParser::ParseStreamPrint(bool writeForm)
     return std::make_unique<StreamPrintStatement>(std::move(code), count, newLine || writeForm, writeForm);
 }
 
+// Input "#" number "," target {"," target}
 BodyParser::StatementPtr BodyParser::ParseStreamInput()
 {
     m_lexer.NextToken();
@@ -203,6 +211,7 @@ BodyParser::StatementPtr BodyParser::ParseStreamInput()
     return std::make_unique<StreamInputStatement>(std::move(code), std::move(writeBack), std::move(targets));
 }
 
+// Line Input "#" number "," target
 BodyParser::StatementPtr BodyParser::ParseLineInput()
 {
     m_lexer.NextToken();
@@ -217,6 +226,7 @@ BodyParser::StatementPtr BodyParser::ParseLineInput()
     return std::make_unique<LineInputStatement>(std::move(code), std::move(writeBack), target);
 }
 
+// Get ["#"] number "," [position] "," target | Put ["#"] number "," [position] "," target
 BodyParser::StatementPtr BodyParser::ParseTransfer(bool put)
 {
     m_lexer.NextToken();
@@ -238,6 +248,7 @@ BodyParser::StatementPtr BodyParser::ParseTransfer(bool put)
     return std::make_unique<TransferStatement>(std::move(code), std::move(writeBack), count, target, put);
 }
 
+// Seek ["#"] number "," position
 BodyParser::StatementPtr BodyParser::ParseSeekStatement()
 {
     m_lexer.NextToken();
@@ -249,6 +260,7 @@ BodyParser::StatementPtr BodyParser::ParseSeekStatement()
     return std::make_unique<SeekStatement>(std::move(code));
 }
 
+// Lock ["#"] number ["," from [To to]] | Unlock ["#"] number ["," from [To to]]
 BodyParser::StatementPtr BodyParser::ParseLock(bool unlock)
 {
     m_lexer.NextToken();
@@ -273,6 +285,7 @@ BodyParser::StatementPtr BodyParser::ParseLock(bool unlock)
     return std::make_unique<LockStatement>(std::move(code), count, unlock);
 }
 
+// Name oldpath As newpath
 BodyParser::StatementPtr BodyParser::ParseNameStatement()
 {
     m_lexer.NextToken();

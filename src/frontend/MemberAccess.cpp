@@ -77,6 +77,7 @@ std::vector<int> BodyParser::WithChain() const
     return chain;
 }
 
+// {"." member}: members read in turn from an object, or from a record a function returned
 bool BodyParser::ParseMemberChain(Expression& out, const Module* classModule, const char* start)
 {
     while (m_lexer.Kind() == Token::Dot) {
@@ -110,6 +111,9 @@ void BodyParser::AppendMemberCall(Expression& out, MemberSite site, int count, T
     out.type = result;
 }
 
+// member ["(" arguments ")"] (read) | member [arguments] | member "(" arguments ")" (call)
+//     | member ["(" arguments ")"] = value (assignment)
+// Late-bound where the object's class is not known; a class's public variable takes no arguments.
 bool BodyParser::ParseMember(Expression& out, const Module*& classModule, MemberAccess access)
 {
     const char* position = m_lexer.TokenStart();
@@ -189,6 +193,8 @@ bool BodyParser::ParseMember(Expression& out, const Module*& classModule, Member
     return true;
 }
 
+// ["(" arguments ")"] (read) | [arguments] | "(" arguments ")" (call) | ["(" arguments ")"] = value (assignment)
+// A class member's arguments; an assigned value goes to the property's last parameter.
 bool BodyParser::ParseMemberArguments(Procedure& member, MemberAccess access, Expression& out, int& count)
 {
     const std::size_t total = member.parameters.size();
@@ -227,6 +233,8 @@ bool BodyParser::ParseMemberArguments(Procedure& member, MemberAccess access, Ex
     return true;
 }
 
+// ["(" arguments ")"] (read) | [arguments] | "(" arguments ")" (call) | ["(" arguments ")"] = value (assignment)
+// A late-bound member's arguments, each [name ":="] [expression]; variables go by reference.
 bool BodyParser::ParseLateArguments(MemberAccess access, MemberSite& site, Expression& out, int& count)
 {
     count = 0;
@@ -297,6 +305,7 @@ void BodyParser::AppendLetResolution(Expression& value)
     value.type = resolve.type;
 }
 
+// ["(" arguments ")"] [= value]: the class's default member, read or assigned with these arguments
 bool BodyParser::ParseDefaultMember(Expression& out, const Module*& classModule, MemberAccess access,
                                     const char* position)
 {
@@ -366,6 +375,8 @@ bool BodyParser::AppendMe(Expression& out, const Module*& classModule)
     return true;
 }
 
+// (after the object) "." member {"." member} [arguments | ["(" arguments ")"] = value]
+// The last member is called, or assigned (Let or Set) where "=" follows unless callOnly.
 BodyParser::StatementPtr BodyParser::ParseMemberStatement(Expression code, const Module* classModule, AssignKind kind,
                                                           bool callOnly, const char* start)
 {

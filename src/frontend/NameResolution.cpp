@@ -14,6 +14,7 @@
 
 namespace brannoc::body {
 
+// name: the current word, its position kept for messages (callers check it is a name; ReadSuffix reads a suffix)
 std::string BodyParser::ReadName()
 {
     m_namePosition = m_lexer.TokenStart();
@@ -22,6 +23,7 @@ std::string BodyParser::ReadName()
     return name;
 }
 
+// [suffix]: one of % & ! # @ $
 // A type suffix written right after the name just read; it is consumed.
 TypeCode BodyParser::ReadSuffix()
 {

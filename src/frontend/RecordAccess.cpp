@@ -120,6 +120,7 @@ bool BodyParser::AtRecordPath() const
     return UserTypeOf(key) != nullptr;
 }
 
+// record path: name {"(" indexes ")" | "." element}, or "." element {...} in a With on a record
 // With beforeBounds (ReDim), a parenthesised group after an array is taken as its indexes only when a
 // "." follows it; otherwise it is the ReDim's bounds and the path ends before it.
 int BodyParser::ParseRecordPath(Expression& code, RecordPathEnd& end, bool beforeBounds)
@@ -205,6 +206,7 @@ int BodyParser::ParseRecordPath(Expression& code, RecordPathEnd& end, bool befor
     return m_code->AddRecordPath(std::move(path));
 }
 
+// record path {"." member}: a record, an element of one, or an object a record holds and its members
 bool BodyParser::ParseRecordFactor(Expression& out, bool* simpleVariable)
 {
     const char* start = m_lexer.TokenStart();
@@ -292,6 +294,7 @@ BodyParser::StatementPtr BodyParser::ParseEraseHeldArray()
     return std::make_unique<EraseStatement>(std::move(code), path, end.type);
 }
 
+// [record path {"." member}]: the target of a With when it starts at a record; anything else is left unread
 bool BodyParser::ParseRecordWithTarget(Expression& code, const UserType*& type, bool& parsed)
 {
     type = nullptr;
@@ -323,6 +326,7 @@ bool BodyParser::ParseRecordWithTarget(Expression& code, const UserType*& type, 
     return m_lexer.Kind() != Token::Dot || ParseMemberChain(code, classModule, start);
 }
 
+// record path = expression | record path "." member {"." member} [arguments | ["(" arguments ")"] = value]
 BodyParser::StatementPtr BodyParser::ParseRecordStatement(AssignKind kind)
 {
     const char* start = m_lexer.TokenStart();
