@@ -11,6 +11,7 @@
 #include "host/ThreadContext.h"
 #include "host/ThreadTestEngine.h"
 #include <gtest/gtest.h>
+#include <cstdlib>
 #include <float.h>
 #include <atomic>
 #include <functional>
@@ -116,12 +117,22 @@ TEST(EngineThreads, ACallFromASecondThreadIsServedWhileAMacroRuns)
     EXPECT_EQ(L"\"begin\"\r\n\"intact\"True\r\n", aPrinted);
 }
 
+// The number of calls of the hand-over stress test: `normal`, or BRANNOC_STRESS_CALLS when set.
+static int CallsForStress(int normal)
+{
+    char text[16] = "";
+    const DWORD length = GetEnvironmentVariableA("BRANNOC_STRESS_CALLS", text, sizeof text);
+    const int asked = length > 0 && length < sizeof text ? std::atoi(text) : 0;
+    return asked > 0 ? asked : normal;
+}
+
 // Many hand-overs: a thread makes short calls in a tight loop while another thread's macro runs; every
 // call takes the engine from the running thread and gives it back. Nothing hangs and the macro neither
 // loses nor repeats a statement.
 TEST(EngineThreads, ManyHandOversLoseAndRepeatNoStatement)
 {
-    constexpr int kCalls = 10000;
+    // The suite makes 10 000 calls; a longer stress run sets BRANNOC_STRESS_CALLS (README).
+    const int kCalls = CallsForStress(10000);
     HostSignal signal(L"BB_TEST_MANY_DONE");
     std::atomic<bool> aBegan{false};
     bool aIdle = false;
