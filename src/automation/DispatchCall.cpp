@@ -14,17 +14,6 @@ namespace {
 
 constexpr LCID kLocale = 0x409;
 
-enum ErrorNumber : long {
-    kOverflow = 10062,
-    kTypeMismatch = 10080,
-    kAutomationError = 10090,
-    kNoSuchMember = 10091,
-    kObjectIsNothing = 10094,
-    kWrongParameterCount = 10097,
-    kBadIndex = 10098,
-    kNoSuchNamedParameter = 10099,
-};
-
 // Normal accesses raise their errors; silent ones (probes of the default-member fallback) only fail.
 enum class Mode { Normal, Silent };
 
@@ -156,17 +145,17 @@ bool AccessElement(Variant& array, const VARIANT* indexes, int count, MemberAcce
 {
     SAFEARRAY* data = (array.Tag() & VT_BYREF) ? *array.Raw().pparray : array.Array();
     if (!data || static_cast<int>(SafeArrayGetDim(data)) != count)
-        return RaiseValueError(kBadIndex);
+        return RaiseValueError(kErrorBadIndex);
     LONG positions[8] = {};
     for (int i = 0; i < count && i < 8; ++i) {
         Variant index;
         if (!index.CopyIndirectFrom(indexes[i]) || FAILED(VariantChangeType(&index.Raw(), &index.Raw(), 0, VT_I4)))
-            return RaiseValueError(kTypeMismatch);
+            return RaiseValueError(kErrorTypeMismatch);
         positions[i] = index.Long();
     }
     VARTYPE element = VT_EMPTY;
     if (FAILED(SafeArrayGetVartype(data, &element)))
-        return RaiseValueError(kAutomationError);
+        return RaiseValueError(kErrorAutomation);
     if (kind == MemberAccess::Get) {
         result.Clear();
         VARIANT& raw = result.Raw();
@@ -174,23 +163,23 @@ bool AccessElement(Variant& array, const VARIANT* indexes, int count, MemberAcce
         void* target = element == VT_VARIANT ? static_cast<void*>(&raw) : static_cast<void*>(&raw.lVal);
         const HRESULT status = SafeArrayGetElement(data, positions, target);
         if (FAILED(status))
-            return RaiseValueError(status == DISP_E_BADINDEX ? kBadIndex : kAutomationError);
+            return RaiseValueError(status == DISP_E_BADINDEX ? kErrorBadIndex : kErrorAutomation);
         if (element != VT_VARIANT)
             raw.vt = element;
         return true;
     }
     Variant converted;
     if (!converted.CopyIndirectFrom(*value))
-        return RaiseValueError(kAutomationError);
+        return RaiseValueError(kErrorAutomation);
     if (element != VT_VARIANT && FAILED(VariantChangeType(&converted.Raw(), &converted.Raw(), 0, element)))
-        return RaiseValueError(kTypeMismatch);
+        return RaiseValueError(kErrorTypeMismatch);
     VARIANT& raw = converted.Raw();
     void* source = element == VT_VARIANT ? static_cast<void*>(&raw)
                    : (element == VT_BSTR || element == VT_DISPATCH || element == VT_UNKNOWN) ? raw.byref
                                                                                               : static_cast<void*>(&raw.lVal);
     const HRESULT status = SafeArrayPutElement(data, positions, source);
     if (FAILED(status))
-        return RaiseValueError(status == DISP_E_BADINDEX ? kBadIndex : kAutomationError);
+        return RaiseValueError(status == DISP_E_BADINDEX ? kErrorBadIndex : kErrorAutomation);
     return true;
 }
 
@@ -219,15 +208,15 @@ bool DefaultMemberFallback(const Access& access, HRESULT status, Variant& result
         if ((inner->vt & VT_ARRAY) != 0 && access.namedCount == 0) {
             Variant array;
             if (!array.CopyFrom(*inner))
-                return RaiseValueError(kAutomationError);
+                return RaiseValueError(kErrorAutomation);
             const VARIANT* assigned = access.kind == MemberAccess::Let ? &access.arguments.values[access.arguments.count - 1]
                                                                         : nullptr;
             return AccessElement(array, access.arguments.values, positional, access.kind, assigned, result);
         }
-        return RaiseValueError(status == DISP_E_MEMBERNOTFOUND ? kNoSuchMember : kWrongParameterCount);
+        return RaiseValueError(status == DISP_E_MEMBERNOTFOUND ? kErrorNoSuchMember : kErrorWrongParameterCount);
     }
     if (!inner->pdispVal)
-        return RaiseValueError(kObjectIsNothing);
+        return RaiseValueError(kErrorObjectIsNothing);
     Access onDefault = access;
     onDefault.object = inner->pdispVal;
     onDefault.member = DISPID_VALUE;
@@ -240,15 +229,15 @@ bool MapStatus(const Access& access, HRESULT status, UINT argumentError, Variant
 {
     switch (status) {
     case S_OK: return true;
-    case DISP_E_BADINDEX: return Fail(mode, kBadIndex);
+    case DISP_E_BADINDEX: return Fail(mode, kErrorBadIndex);
     case DISP_E_TYPEMISMATCH: {
         // A server that names no argument leaves the index as it was (Wine's type information does):
         // an index outside the positional arguments names none.
         const long positional = static_cast<long>(access.PositionalCount());
         const long parameter = argumentError < static_cast<UINT>(positional) ? positional - static_cast<long>(argumentError) : 0;
-        return Fail(mode, parameter >= 1 && parameter <= 9 ? kTypeMismatch + parameter : kTypeMismatch);
+        return Fail(mode, TypeMismatchForParameter(parameter));
     }
-    case DISP_E_OVERFLOW: return Fail(mode, kOverflow);
+    case DISP_E_OVERFLOW: return Fail(mode, kErrorOverflow);
     case DISP_E_MEMBERNOTFOUND:
     case DISP_E_BADPARAMCOUNT:
     case DISP_E_PARAMNOTOPTIONAL:
@@ -259,19 +248,19 @@ bool MapStatus(const Access& access, HRESULT status, UINT argumentError, Variant
             if (applied)
                 return done;
         }
-        return Fail(mode, status == DISP_E_MEMBERNOTFOUND ? kNoSuchMember : kWrongParameterCount);
+        return Fail(mode, status == DISP_E_MEMBERNOTFOUND ? kErrorNoSuchMember : kErrorWrongParameterCount);
     }
-    case DISP_E_UNKNOWNNAME: return Fail(mode, kNoSuchNamedParameter);
-    default: return Fail(mode, kAutomationError);
+    case DISP_E_UNKNOWNNAME: return Fail(mode, kErrorNoSuchNamedParameter);
+    default: return Fail(mode, kErrorAutomation);
     }
 }
 
 bool Perform(const Access& access, Variant& result, Mode mode)
 {
     if (!access.object)
-        return Fail(mode, kObjectIsNothing);
+        return Fail(mode, kErrorObjectIsNothing);
     if (access.member == DISPID_UNKNOWN)
-        return Fail(mode, kNoSuchMember);
+        return Fail(mode, kErrorNoSuchMember);
     if (access.member == DISPID_VALUE && !access.named && access.kind == MemberAccess::Get &&
         access.arguments.count == 0) {
         // The object's own value: nothing to call.
@@ -300,7 +289,7 @@ bool InvokeMember(IDispatch* object, const std::wstring& name, MemberAccess acce
                   const DispatchArguments& arguments, Variant& result)
 {
     if (!object)
-        return RaiseValueError(kObjectIsNothing);
+        return RaiseValueError(kErrorObjectIsNothing);
     static const std::vector<std::wstring> s_none;
     const std::vector<std::wstring>& named = arguments.namedArguments ? *arguments.namedArguments : s_none;
     // One look-up for the member and its named arguments; the names are looked up at every access.
@@ -326,7 +315,7 @@ bool InvokeMember(IDispatch* object, const std::wstring& name, MemberAccess acce
         call.member = ids[0];
         call.named = true;
         if (FAILED(status) && ids[0] != DISPID_UNKNOWN)
-            return RaiseValueError(kNoSuchNamedParameter);
+            return RaiseValueError(kErrorNoSuchNamedParameter);
     }
     call.namedIds = ids.data() + 1;
     return Perform(call, result, Mode::Normal);

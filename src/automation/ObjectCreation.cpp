@@ -9,16 +9,6 @@ namespace {
 
 constexpr LCID kLocale = 0x409;
 
-enum ErrorNumber : long {
-    kOutOfMemory = 10001,
-    kAutomationError = 10090,
-    kCannotCreate = 10092,
-    kCannotLoadFile = 10093,
-    kObjectIsNothing = 10094,
-    kServerNotFound = 10095,
-    kNoActiveObject = 10096,
-};
-
 // The class identifier of a ProgID or of a class identifier written in braces.
 bool ClassIdOf(const std::wstring& name, CLSID& id)
 {
@@ -34,7 +24,7 @@ bool DispatchOf(IUnknown* unknown, ComRef<IDispatch>& object)
         OutsideCall outside;
         status = unknown->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(object.Out()));
     }
-    return SUCCEEDED(status) && object ? true : RaiseValueError(kAutomationError);
+    return SUCCEEDED(status) && object ? true : RaiseValueError(kErrorAutomation);
 }
 
 // A new instance of the class, started with OleRun when `run` asks for it.
@@ -42,7 +32,7 @@ bool CreateInstance(const std::wstring& className, bool run, ComRef<IUnknown>& u
 {
     CLSID id;
     if (!ClassIdOf(className, id))
-        return RaiseValueError(kServerNotFound);
+        return RaiseValueError(kErrorServerNotFound);
     HRESULT status = S_OK;
     {
         OutsideCall outside;
@@ -51,14 +41,14 @@ bool CreateInstance(const std::wstring& className, bool run, ComRef<IUnknown>& u
         if (SUCCEEDED(status) && run)
             status = OleRun(unknown.Get());
     }
-    return SUCCEEDED(status) && unknown ? true : RaiseValueError(kCannotCreate);
+    return SUCCEEDED(status) && unknown ? true : RaiseValueError(kErrorCannotCreateObject);
 }
 
 bool ActiveObjectOf(const std::wstring& className, ComRef<IDispatch>& object)
 {
     CLSID id;
     if (!ClassIdOf(className, id))
-        return RaiseValueError(kServerNotFound);
+        return RaiseValueError(kErrorServerNotFound);
     ComRef<IUnknown> unknown;
     HRESULT status = S_OK;
     {
@@ -66,7 +56,7 @@ bool ActiveObjectOf(const std::wstring& className, ComRef<IDispatch>& object)
         status = GetActiveObject(id, nullptr, unknown.Out());
     }
     if (FAILED(status) || !unknown)
-        return RaiseValueError(kNoActiveObject);
+        return RaiseValueError(kErrorNoActiveObject);
     return DispatchOf(unknown.Get(), object);
 }
 
@@ -75,7 +65,7 @@ bool BindDisplayName(const std::wstring& file, ComRef<IDispatch>& object)
 {
     ComRef<IBindCtx> context;
     if (FAILED(CreateBindCtx(0, context.Out())) || !context)
-        return RaiseValueError(kOutOfMemory);
+        return RaiseValueError(kErrorOutOfMemory);
     HRESULT status = S_OK;
     {
         OutsideCall outside;
@@ -87,7 +77,7 @@ bool BindDisplayName(const std::wstring& file, ComRef<IDispatch>& object)
         else if (SUCCEEDED(status))
             status = E_FAIL;
     }
-    return SUCCEEDED(status) && object ? true : RaiseValueError(kCannotLoadFile);
+    return SUCCEEDED(status) && object ? true : RaiseValueError(kErrorCannotLoadFile);
 }
 
 // A new object of the class that loads its state from the file.
@@ -106,7 +96,7 @@ bool LoadFromFile(const std::wstring& file, const std::wstring& className, ComRe
         if (SUCCEEDED(status))
             status = unknown->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(object.Out()));
     }
-    return SUCCEEDED(status) && object ? true : RaiseValueError(kCannotLoadFile);
+    return SUCCEEDED(status) && object ? true : RaiseValueError(kErrorCannotLoadFile);
 }
 
 } // namespace
@@ -133,7 +123,7 @@ bool FindObject(const std::wstring* file, const std::wstring* className, ComRef<
 bool StartEnumeration(IDispatch* object, ComRef<IEnumVARIANT>& enumerator)
 {
     if (!object)
-        return RaiseValueError(kObjectIsNothing);
+        return RaiseValueError(kErrorObjectIsNothing);
     Variant result;
     HRESULT status = S_OK;
     {
@@ -149,7 +139,7 @@ bool StartEnumeration(IDispatch* object, ComRef<IEnumVARIANT>& enumerator)
             status = unknown ? unknown->QueryInterface(IID_IEnumVARIANT, reinterpret_cast<void**>(enumerator.Out()))
                              : E_NOINTERFACE;
     }
-    return SUCCEEDED(status) && enumerator ? true : RaiseValueError(kAutomationError);
+    return SUCCEEDED(status) && enumerator ? true : RaiseValueError(kErrorAutomation);
 }
 
 bool NextElement(IEnumVARIANT* enumerator, Variant& element)

@@ -353,14 +353,14 @@ bool AlignStatement::Step(ExecEntry& entry)
     // A record reaches here only inside a Variant (record variables are copied by their own
     // statement); aligning it is not supported, whatever the source is.
     if (target->vt == VT_RECORD) {
-        (void)context.interpreter->SignalError(10902);
+        (void)context.interpreter->SignalError(kErrorNotImplemented);
         return Fail(context, entry);
     }
     Variant& source = values.Top();
     if (source.Tag() != VT_BSTR && !ChangeType(source, VT_BSTR))
         return Fail(context, entry);
     if (target->vt != VT_BSTR) {
-        (void)context.interpreter->SignalError(10080);
+        (void)context.interpreter->SignalError(kErrorTypeMismatch);
         return Fail(context, entry);
     }
     // The destination's characters are rewritten in place: its length never changes.
@@ -400,13 +400,13 @@ bool MidStatement::Step(ExecEntry& entry)
         return Fail(context, entry);
     VARIANT* target = FollowByRefChain(storage);
     if (target->vt != VT_BSTR) {
-        (void)context.interpreter->SignalError(10080);
+        (void)context.interpreter->SignalError(kErrorTypeMismatch);
         return Fail(context, entry);
     }
     const LONG size = target->bstrVal ? static_cast<LONG>(SysStringLen(target->bstrVal)) : 0;
     const LONG position = start.Long();
     if (position < 1 || position > size) {
-        (void)context.interpreter->SignalError(position < 1 ? 10619 : 10620);
+        (void)context.interpreter->SignalError(position < 1 ? kErrorStringIndex : kErrorInvalidArgument);
         return Fail(context, entry);
     }
     if (count > size - position + 1)

@@ -27,7 +27,7 @@ bool JumpStatement::Execute()
 {
     const RunContext context = Context();
     if (m_intoWith)
-        return context.interpreter->SignalError(10035);
+        return context.interpreter->SignalError(kErrorWrongWith);
     if (m_withRelease > 0)
         LeaveWithBlocks(context, m_withRelease);
     JumpTo(context, m_target);

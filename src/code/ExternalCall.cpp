@@ -48,11 +48,6 @@ _brannoc_call_words_real:
 namespace brannoc {
 namespace {
 
-enum ErrorNumber : long {
-    kModuleNotLoaded = 10040,
-    kFunctionNotFound = 10041,
-};
-
 // Loads the library by its name, then with ".DLL" added.
 HMODULE LoadNamedLibrary(const std::string& name)
 {
@@ -68,7 +63,7 @@ bool Bind(Procedure& procedure)
 {
     HMODULE library = LoadNamedLibrary(procedure.library);
     if (!library)
-        return RaiseValueError(kModuleNotLoaded);
+        return RaiseValueError(kErrorModuleNotLoaded);
     std::string entryName = procedure.alias.empty() ? procedure.name : procedure.alias;
     FARPROC entry = nullptr;
     bool wide = false;
@@ -96,7 +91,7 @@ bool Bind(Procedure& procedure)
     }
     if (!entry) {
         FreeLibrary(library);
-        return RaiseValueError(kFunctionNotFound);
+        return RaiseValueError(kErrorFunctionNotFound);
     }
     procedure.binding.Bind(library, reinterpret_cast<void*>(entry), wide);
     return true;

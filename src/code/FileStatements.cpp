@@ -223,7 +223,7 @@ bool NameStatement::Perform(const RunContext&, Variant* args)
     std::wstring to;
     if (!TextOf(args[0], from) || !TextOf(args[1], to))
         return false;
-    return MoveFileW(from.c_str(), to.c_str()) || RaiseValueError(10103);
+    return MoveFileW(from.c_str(), to.c_str()) || RaiseValueError(kErrorFileNotRenamed);
 }
 
 } // namespace brannoc

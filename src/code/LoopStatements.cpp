@@ -50,9 +50,9 @@ bool StartObjectEnumeration(const RunContext& context, int arraySlot)
         object = ComRef<IDispatch>::Share(group.pdispVal);
     else if (group.punkVal &&
              FAILED(group.punkVal->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(object.Out()))))
-        return context.interpreter->SignalError(10090);
+        return context.interpreter->SignalError(kErrorAutomation);
     else if (!group.punkVal)
-        return context.interpreter->SignalError(10094);
+        return context.interpreter->SignalError(kErrorObjectIsNothing);
     ComRef<IEnumVARIANT> enumerator;
     if (!automation::StartEnumeration(object.Get(), enumerator))
         return false;

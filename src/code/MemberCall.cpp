@@ -10,21 +10,10 @@
 #include "frontend/Module.h"
 #include "values/Conversion.h"
 #include "values/RecordType.h"
+#include "values/ValueError.h"
 
 namespace brannoc {
 namespace {
-
-enum ErrorNumber : long {
-    kSubOrFunctionMissing = 10018,
-    kWrongNumberOfParameters = 10019,
-    kTypeMismatch = 10080,
-    kNoSuchMember = 10091,
-    kObjectIsNothing = 10094,
-    kWrongParameterCount = 10097,
-    kNoSuchNamedParameter = 10099,
-    kWrongWith = 10035,
-    kNotImplemented = 10902,
-};
 
 EvalStatus Raise(const RunContext& context, long number)
 {
@@ -65,7 +54,7 @@ bool ArrangeArguments(const RunContext& context, std::size_t first, int count, c
     if (named == 0 && !hasParamArray && positional == fixed && fixed >= 0)
         return true;
     if (fixed < 0)
-        return context.interpreter->SignalError(kWrongNumberOfParameters);
+        return context.interpreter->SignalError(kErrorWrongNumberOfParameters);
     std::vector<Variant> arranged(static_cast<std::size_t>(total));
     std::vector<bool> given(static_cast<std::size_t>(total), false);
     std::vector<Variant> extras;
@@ -77,7 +66,7 @@ bool ArrangeArguments(const RunContext& context, std::size_t first, int count, c
         } else if (hasParamArray) {
             extras.push_back(std::move(argument));
         } else {
-            return context.interpreter->SignalError(kWrongNumberOfParameters);
+            return context.interpreter->SignalError(kErrorWrongNumberOfParameters);
         }
     }
     for (int j = 0; j < named; ++j) {
@@ -87,9 +76,9 @@ bool ArrangeArguments(const RunContext& context, std::size_t first, int count, c
                                           parameters[static_cast<std::size_t>(index)].name))
             ++index;
         if (index == fixed)
-            return context.interpreter->SignalError(kNoSuchNamedParameter);
+            return context.interpreter->SignalError(kErrorNoSuchNamedParameter);
         if (given[static_cast<std::size_t>(index)])
-            return context.interpreter->SignalError(kWrongNumberOfParameters);
+            return context.interpreter->SignalError(kErrorWrongNumberOfParameters);
         arranged[static_cast<std::size_t>(index)] = std::move(values.At(first + static_cast<std::size_t>(positional + j)));
         given[static_cast<std::size_t>(index)] = true;
     }
@@ -101,7 +90,7 @@ bool ArrangeArguments(const RunContext& context, std::size_t first, int count, c
         if (given[static_cast<std::size_t>(i)])
             continue;
         if (!parameters[static_cast<std::size_t>(i)].optional)
-            return context.interpreter->SignalError(kWrongNumberOfParameters);
+            return context.interpreter->SignalError(kErrorWrongNumberOfParameters);
         arranged[static_cast<std::size_t>(i)].SetError(kMissingArgumentStatus);
     }
     values.CutBack(first);
@@ -131,22 +120,22 @@ EvalStatus AccessVariable(const RunContext& context, const MemberSite& site, Mod
     ValueStack& values = context.interpreter->Values();
     const CompiledModule* compiled = instance.OwnModule().Compiled();
     if (!compiled || static_cast<std::size_t>(variable) >= instance.VariableCount())
-        return Raise(context, kNoSuchMember);
+        return Raise(context, kErrorNoSuchMember);
     VARIANT& storage = instance.Slot(static_cast<std::size_t>(variable));
     if (site.access == MemberAccess::Call)
-        return Raise(context, kNoSuchMember);
+        return Raise(context, kErrorNoSuchMember);
     if (!IsAssignment(site.access)) {
         if (count != 0)
-            return Raise(context, kWrongParameterCount);
+            return Raise(context, kErrorWrongParameterCount);
         if (!values.At(first - 1).CopyIndirectFrom(storage))
-            return Raise(context, 10090);
+            return Raise(context, kErrorAutomation);
         return EvalStatus::kDone;
     }
     if (count != 1)
-        return Raise(context, kWrongParameterCount);
+        return Raise(context, kErrorWrongParameterCount);
     const Variant& value = values.Top();
     if (site.access == MemberAccess::Set && !IsObjectValue(*FollowByRefChain(&value.Raw())))
-        return Raise(context, kTypeMismatch);
+        return Raise(context, kErrorTypeMismatch);
     if (!StoreTyped(storage, compiled->variables[static_cast<std::size_t>(variable)]->type.code, value))
         return EvalStatus::kFailed;
     values.CutBack(first);
@@ -170,7 +159,7 @@ EvalStatus CallInstanceMember(const RunContext& context, MemberSite& site, Modul
         variable = site.cachedVariable;
     } else {
         if (!FindClassMember(module, site.name, site.access, procedure, variable))
-            return Raise(context, kNoSuchMember);
+            return Raise(context, kErrorNoSuchMember);
         site.cachedModule = &module;
         site.cachedProcedure = procedure;
         site.cachedVariable = variable;
@@ -178,9 +167,9 @@ EvalStatus CallInstanceMember(const RunContext& context, MemberSite& site, Modul
     if (variable >= 0)
         return AccessVariable(context, site, instance, variable, first, count);
     if (!procedure)
-        return Raise(context, kNoSuchMember);
+        return Raise(context, kErrorNoSuchMember);
     if (!procedure->code)
-        return Raise(context, kSubOrFunctionMissing);
+        return Raise(context, kErrorSubOrFunctionMissing);
     if (!early && !ArrangeArguments(context, first, count, site, *procedure))
         return EvalStatus::kFailed;
     switch (context.interpreter->CallFromCode(*procedure->code, &instance, true)) {
@@ -235,13 +224,13 @@ EvalStatus ReadRecordField(const RunContext& context, const MemberSite& site, co
                            std::size_t first, int count)
 {
     if (site.access != MemberAccess::Get && site.access != MemberAccess::Call)
-        return Raise(context, kNotImplemented);
+        return Raise(context, kErrorNotImplemented);
     RecordType* type = AsRecordType(record.pRecInfo);
     const RecordField* field = type ? type->FindField(site.name) : nullptr;
     if (!field || !record.pvRecord)
-        return Raise(context, kNoSuchMember);
+        return Raise(context, kErrorNoSuchMember);
     if (count != 0)
-        return Raise(context, kWrongParameterCount);
+        return Raise(context, kErrorWrongParameterCount);
     Variant value;
     if (!RecordType::LoadField(*field, record.pvRecord, value))
         return EvalStatus::kFailed;
@@ -263,9 +252,9 @@ EvalStatus RunMemberCall(const RunContext& context, const ExprOp& op)
     if ((object->vt & ~VT_BYREF) == VT_RECORD)
         return ReadRecordField(context, site, *object, first, op.count);
     if (!IsObjectValue(*object))
-        return Raise(context, object->vt == VT_EMPTY ? kObjectIsNothing : kTypeMismatch);
+        return Raise(context, object->vt == VT_EMPTY ? kErrorObjectIsNothing : kErrorTypeMismatch);
     if (!object->punkVal)
-        return Raise(context, kObjectIsNothing);
+        return Raise(context, kErrorObjectIsNothing);
     if (ModuleInstance* instance = interpreter.Host().InstanceOf(object->punkVal))
         return CallInstanceMember(context, site, *instance, first, op.count);
 
@@ -273,7 +262,7 @@ EvalStatus RunMemberCall(const RunContext& context, const ExprOp& op)
     if (object->vt == VT_DISPATCH)
         dispatch = ComRef<IDispatch>::Share(object->pdispVal);
     else if (FAILED(object->punkVal->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(dispatch.Out()))))
-        return Raise(context, 10090);
+        return Raise(context, kErrorAutomation);
     automation::DispatchArguments arguments;
     arguments.values = op.count > 0 ? &values.At(first).Raw() : nullptr;
     arguments.count = op.count;
@@ -298,11 +287,11 @@ bool AccessDefaultMember(const RunContext& context, const VARIANT& storage, int 
     const VARIANT* object = FollowByRefChain(&storage);
     ComRef<IDispatch> dispatch;
     if (!object->punkVal)
-        return context.interpreter->SignalError(kObjectIsNothing);
+        return context.interpreter->SignalError(kErrorObjectIsNothing);
     if (object->vt == VT_DISPATCH)
         dispatch = ComRef<IDispatch>::Share(object->pdispVal);
     else if (FAILED(object->punkVal->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(dispatch.Out()))))
-        return context.interpreter->SignalError(10090);
+        return context.interpreter->SignalError(kErrorAutomation);
     const std::size_t first = values.Size() - static_cast<std::size_t>(count);
     // The arguments in the language's order, the assigned value last.
     std::vector<VARIANT> arguments;
@@ -343,7 +332,7 @@ bool PushWithObject(const RunContext& context, int level)
     Activation& activation = *context.activation;
     // Fewer With objects than the blocks around the reference: the run jumped into a With block.
     if (activation.WithDepth() <= level)
-        return context.interpreter->SignalError(kWrongWith);
+        return context.interpreter->SignalError(kErrorWrongWith);
     ValueStack& values = context.interpreter->Values();
     // The innermost With object kept (an error handler's own With block may stand above the blocks
     // that were active when the error occurred).
@@ -353,7 +342,7 @@ bool PushWithObject(const RunContext& context, int level)
         return context.interpreter->RaiseOutOfMemory();
     // Pushing may have moved the stack: the kept object is read after it.
     if (!values.Top().CopyFrom(values.At(position).Raw()))
-        return context.interpreter->SignalError(10090);
+        return context.interpreter->SignalError(kErrorAutomation);
     return true;
 }
 
@@ -361,7 +350,7 @@ bool PushMe(const RunContext& context)
 {
     ModuleInstance* instance = context.activation->Instance();
     if (!instance || !instance->Object())
-        return context.interpreter->SignalError(kObjectIsNothing);
+        return context.interpreter->SignalError(kErrorObjectIsNothing);
     Variant* slot = context.interpreter->Values().Push();
     if (!slot)
         return context.interpreter->RaiseOutOfMemory();
@@ -379,7 +368,7 @@ bool LoadAutoNew(const RunContext& context, const ExprOp& op)
         Variant made;
         if (!context.interpreter->Host().NewInstance(*op.classModule, made)) {
             if (!HaltFlags::MustStop())
-                (void)context.interpreter->SignalError(10092);
+                (void)context.interpreter->SignalError(kErrorCannotCreateObject);
             return false;
         }
         ClearSlot(*storage);
@@ -389,7 +378,7 @@ bool LoadAutoNew(const RunContext& context, const ExprOp& op)
     if (!slot)
         return context.interpreter->RaiseOutOfMemory();
     if (!slot->CopyFrom(*storage))
-        return context.interpreter->SignalError(10090);
+        return context.interpreter->SignalError(kErrorAutomation);
     return true;
 }
 

@@ -2,12 +2,10 @@
 
 #include "exec/Activation.h"
 #include "exec/Interpreter.h"
+#include "values/ValueError.h"
 
 namespace brannoc {
 namespace {
-
-constexpr long kTypeMismatch = 10080;
-constexpr long kWrongWith = 10035;
 
 bool Finish(ExecEntry& entry)
 {
@@ -25,7 +23,7 @@ bool SetStatement::Step(ExecEntry& entry)
     ValueStack& values = context.interpreter->Values();
     const VARIANT* value = FollowByRefChain(&values.Top().Raw());
     if (value->vt != VT_DISPATCH && value->vt != VT_UNKNOWN) {
-        (void)context.interpreter->SignalError(kTypeMismatch);
+        (void)context.interpreter->SignalError(kErrorTypeMismatch);
         return Fail(context, entry);
     }
     const bool stored = StoreVariable(context, m_target, values.Top());
@@ -49,7 +47,7 @@ bool EndWithStatement::Execute()
 {
     const RunContext context = Context();
     if (context.activation->WithDepth() < 1)
-        return context.interpreter->SignalError(kWrongWith);
+        return context.interpreter->SignalError(kErrorWrongWith);
     LeaveWithBlocks(context, 1);
     return true;
 }

@@ -64,7 +64,7 @@ bool PackValues(ValueStack& values, int count)
 {
     SafeArray array(SafeArrayCreateVector(VT_VARIANT, 0, static_cast<ULONG>(count)));
     if (!array.Get())
-        return RaiseValueError(10001);
+        return RaiseValueError(kErrorOutOfMemory);
     const std::size_t first = values.Size() - static_cast<std::size_t>(count);
     {
         SafeArrayLock lock(array.Get());
@@ -72,14 +72,14 @@ bool PackValues(ValueStack& values, int count)
         for (int i = 0; i < count; ++i) {
             Variant copy;
             if (!copy.CopyIndirectFrom(values.At(first + static_cast<std::size_t>(i)).Raw()))
-                return RaiseValueError(10090);
+                return RaiseValueError(kErrorAutomation);
             copy.Detach(elements[i]);
         }
     }
     values.CutBack(first);
     Variant* slot = values.Push();
     if (!slot)
-        return RaiseValueError(10001);
+        return RaiseValueError(kErrorOutOfMemory);
     slot->SetArray(array.Detach(), VT_VARIANT);
     return true;
 }
@@ -117,7 +117,7 @@ VARIANT* StorageOutsideFrame(const RunContext& context, StorageScope scope, int 
         if (instance && module)
             instance = instance->Find(*module);
         if (!instance || static_cast<std::size_t>(index) >= instance->VariableCount()) {
-            (void)context.interpreter->SignalError(10013);
+            (void)context.interpreter->SignalError(kErrorModuleMissing);
             return nullptr;
         }
         return &instance->Slot(static_cast<std::size_t>(index));
@@ -294,7 +294,7 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             if (!slot)
                 return (void)context.interpreter->RaiseOutOfMemory(), EvalStatus::kFailed;
             if (!slot->CopyIndirectFrom(*storage))
-                return (void)context.interpreter->SignalError(10090), EvalStatus::kFailed;
+                return (void)context.interpreter->SignalError(kErrorAutomation), EvalStatus::kFailed;
             break;
         }
         case ExprOpCode::kLoadRef: {
@@ -324,7 +324,7 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
                 const bool objects = (left->vt == VT_DISPATCH || left->vt == VT_UNKNOWN) &&
                                      (right->vt == VT_DISPATCH || right->vt == VT_UNKNOWN);
                 if (!objects)
-                    return (void)context.interpreter->SignalError(10080), EvalStatus::kFailed;
+                    return (void)context.interpreter->SignalError(kErrorTypeMismatch), EvalStatus::kFailed;
                 const bool same = left->punkVal == right->punkVal;
                 values.At(size - 2).SetBoolean(same);
                 values.Pop();
@@ -374,7 +374,7 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
                 break;
             }
             if (!callee->code)
-                return (void)context.interpreter->SignalError(10018), EvalStatus::kFailed;
+                return (void)context.interpreter->SignalError(kErrorSubOrFunctionMissing), EvalStatus::kFailed;
             ModuleInstance* instance = context.activation->Instance();
             if (const Module* module = context.procedure->CalleeModuleAt(op.index); module && instance)
                 instance = instance->Find(*module);
@@ -389,7 +389,7 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             InterpreterHost& host = context.interpreter->Host();
             if (!(op.code == ExprOpCode::kNew ? host.NewInstance(*op.module, made) : host.DefaultObject(*op.module, made))) {
                 if (!HaltFlags::MustStop())
-                    (void)context.interpreter->SignalError(10092);
+                    (void)context.interpreter->SignalError(kErrorCannotCreateObject);
                 return EvalStatus::kFailed;
             }
             Variant* slot = values.Push();
@@ -446,7 +446,7 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
         case ExprOpCode::kErrObject: {
             Variant object;
             if (!context.interpreter->Host().ErrObject(object))
-                return (void)context.interpreter->SignalError(10092), EvalStatus::kFailed;
+                return (void)context.interpreter->SignalError(kErrorCannotCreateObject), EvalStatus::kFailed;
             Variant* slot = values.Push();
             if (!slot)
                 return (void)context.interpreter->RaiseOutOfMemory(), EvalStatus::kFailed;
@@ -539,16 +539,16 @@ void* ElementOf(const RunContext& context, VARIANT* storage, int count, VARTYPE&
 {
     VARIANT* value = FollowByRefChain(storage);
     if ((value->vt & VT_ARRAY) == 0) {
-        (void)context.interpreter->SignalError(10080);
+        (void)context.interpreter->SignalError(kErrorTypeMismatch);
         return nullptr;
     }
     SAFEARRAY* array = ArrayOf(value);
     if (!array) {
-        (void)context.interpreter->SignalError(10022);
+        (void)context.interpreter->SignalError(kErrorArrayNotDimensioned);
         return nullptr;
     }
     if (static_cast<int>(SafeArrayGetDim(array)) != count) {
-        (void)context.interpreter->SignalError(10025);
+        (void)context.interpreter->SignalError(kErrorArrayIndexCount);
         return nullptr;
     }
     ValueStack& values = context.interpreter->Values();
@@ -566,7 +566,7 @@ void* ElementOf(const RunContext& context, VARIANT* storage, int count, VARTYPE&
     }
     void* element = ElementAddress(array, indexes);
     if (!element) {
-        (void)context.interpreter->SignalError(10023);
+        (void)context.interpreter->SignalError(kErrorArrayIndexOutOfRange);
         return nullptr;
     }
     tag = static_cast<VARTYPE>(value->vt & VT_TYPEMASK);
@@ -600,7 +600,7 @@ bool LoadElement(const void* element, VARTYPE tag, Variant& target, IRecordInfo*
     if (tag == VT_RECORD) {
         void* copy = nullptr;
         if (!record || FAILED(record->RecordCreateCopy(const_cast<void*>(element), &copy)))
-            return RaiseValueError(10001);
+            return RaiseValueError(kErrorOutOfMemory);
         record->AddRef();
         target.SetRecord(copy, record);
         return true;
@@ -613,7 +613,7 @@ bool LoadElement(const void* element, VARTYPE tag, Variant& target, IRecordInfo*
         return true;
     }
     if (tag == VT_VARIANT)
-        return target.CopyIndirectFrom(*static_cast<const VARIANT*>(element)) || RaiseValueError(10090);
+        return target.CopyIndirectFrom(*static_cast<const VARIANT*>(element)) || RaiseValueError(kErrorAutomation);
     VARIANT view;
     VariantInit(&view);
     if (tag == VT_DECIMAL)
@@ -621,7 +621,7 @@ bool LoadElement(const void* element, VARTYPE tag, Variant& target, IRecordInfo*
     else
         std::memcpy(reinterpret_cast<char*>(&view) + kPayloadOffset, element, PayloadSize(tag));
     view.vt = tag;
-    return target.CopyFrom(view) || RaiseValueError(10001);
+    return target.CopyFrom(view) || RaiseValueError(kErrorOutOfMemory);
 }
 
 bool StoreElement(void* element, VARTYPE tag, const Variant& value)
@@ -870,7 +870,7 @@ __attribute__((optimize("no-tree-loop-distribute-patterns"))) bool CompiledProce
             upper[d] = bounds[d].second;
         }
         if (!InitializeArraySlot(slots[i], m_slotTypes[i].Code(), lower, upper, bounds.size(), record))
-            return Interpreter::Current() ? Interpreter::Current()->SignalError(10021) : false;
+            return Interpreter::Current() ? Interpreter::Current()->SignalError(kErrorCantAllocateLargeArray) : false;
     }
     return true;
 }
@@ -886,14 +886,14 @@ bool BindRecord(const ParameterInfo& parameter, VARIANT& slot, Variant& argument
     IRecordInfo* type = parameter.record.Get();
     if ((source.vt & ~VT_BYREF) != VT_RECORD || !source.pvRecord || !source.pRecInfo || !type ||
         (source.pRecInfo != type && !type->IsMatchingType(source.pRecInfo)))
-        return RaiseValueError(10080);
+        return RaiseValueError(kErrorTypeMismatch);
     if (!parameter.byVal && argument.Tag() == (VT_BYREF | VT_RECORD)) {
         slot = argument.Raw();
         return true;
     }
     Variant copy;
     if (!copy.CopyIndirectFrom(source))
-        return RaiseValueError(10001);
+        return RaiseValueError(kErrorOutOfMemory);
     copy.Detach(slot);
     return true;
 }
@@ -957,7 +957,7 @@ bool CompiledProcedure::BindParameter(int index, void* frame, Variant& argument)
         return true;
     Variant value;
     if (!value.CopyIndirectFrom(argument.Raw()))
-        return RaiseValueError(10090);
+        return RaiseValueError(kErrorAutomation);
     return StorageCell(tag).Store(slot, value);
 }
 

@@ -58,10 +58,10 @@ bool DefineDialog(BuiltinArguments& arguments, BuiltinResult&)
     DialogTemplate* dialogTemplate =
         heldTemplate->vt == VT_UNKNOWN ? DialogTemplate::From(heldTemplate->punkVal) : nullptr;
     if (!dialogTemplate || slot->Tag() != (VT_BYREF | VT_VARIANT))
-        return RaiseValueError(10620);
+        return RaiseValueError(kErrorInvalidArgument);
     const int itemCount = static_cast<int>(dialogTemplate->items.size());
     if (arguments.Count() != kFirstItemArgument + itemCount * kArgumentsPerItem + dialogTemplate->listCount)
-        return RaiseValueError(10620);
+        return RaiseValueError(kErrorInvalidArgument);
     auto* definition = new (std::nothrow) DialogDefinition(*dialogTemplate);
     if (!definition)
         return Interpreter::Current() && Interpreter::Current()->RaiseOutOfMemory();
@@ -99,7 +99,7 @@ bool DefineDialog(BuiltinArguments& arguments, BuiltinResult&)
                 return false;
             const int base = item.pictureType & ~16;
             if ((base != 0 && base != 3) || item.pictureType < 0)
-                return RaiseValueError(10620);
+                return RaiseValueError(kErrorInvalidArgument);
         }
     }
     for (int i = 0; i < dialogTemplate->listCount; ++i) {

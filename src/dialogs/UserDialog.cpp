@@ -652,7 +652,7 @@ bool UserDialog::CallFunction(int action, int item, long value, bool& result)
         return true;
     if (!function->code) {
         m_failed = true;
-        return m_machine.SignalError(10620);
+        return m_machine.SignalError(kErrorInvalidArgument);
     }
     const std::wstring name = item >= 0 ? ItemName(item) : std::wstring();
     ValueStack own;

@@ -1,6 +1,9 @@
 #pragma once
 // Run-time error numbers used by the interpreter and the texts of error numbers. The texts themselves
-// live in the string table (runtime_messages.rc); this file names the numbers code refers to.
+// live in the string table (runtime_messages.rc); this file names the numbers code refers to, taking
+// those that the value layer and the library raise too from their table (values/ValueError.h).
+#include "values/ValueError.h"
+
 #include <string>
 #include <string_view>
 
@@ -9,23 +12,23 @@ namespace brannoc {
 enum class ErrorId : long {
     None = 0,
     Interrupted = 10000,
-    OutOfMemory = 10001,
+    OutOfMemory = kErrorOutOfMemory,
     SubOrFunctionMissing = 10018,
     CantAllocateLargeArray = 10021,
-    ArrayNotDimensioned = 10022,
-    ArrayIndexOutOfRange = 10023,
+    ArrayNotDimensioned = kErrorArrayNotDimensioned,
+    ArrayIndexOutOfRange = kErrorArrayIndexOutOfRange,
     ArrayLowerBoundAboveUpper = 10024,
     ArrayIndexCount = 10025,
-    Overflow = 10062,
+    Overflow = kErrorOverflow,
     ResumeOutsideHandler = 10071,
-    TypeMismatch = 10080,
+    TypeMismatch = kErrorTypeMismatch,
     HaltedForGood = 10200,
     BusyForService = 10201,
     HostCallFailed = 10202,
     FunctionTerminated = 10525,
     InvalidInstruction = 10564,
     ExpectingDynamicArray = 10618,
-    NotImplemented = 10902,
+    NotImplemented = kErrorNotImplemented,
     ApplicationSpecific = 11000,
     ExceptionPrefix = 11002,
     ErrorCaption = 11103,

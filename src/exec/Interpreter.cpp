@@ -372,7 +372,7 @@ Activation* Interpreter::BeginCall(ProcedureCode& procedure, ActivationKind kind
             const int count = procedure.ParameterCount();
             const std::size_t size = m_values.Size();
             if (static_cast<std::size_t>(count) > size)
-                bound = SignalError(10019);
+                bound = SignalError(kErrorWrongNumberOfParameters);
             // Parameter i binds the entry at size - count + i: the first one the deepest argument.
             else if (count > 0)
                 bound = procedure.BindArguments(activation->m_locals, &m_values.At(size - count));
@@ -397,7 +397,7 @@ bool Interpreter::SetUpFrame(ProcedureCode& procedure, const FrameLayout& layout
     if (static_cast<std::size_t>(count) > size) {
         for (int i = 0; i < count; ++i)
             slots[i].vt = VT_EMPTY;
-        return SignalError(10019);
+        return SignalError(kErrorWrongNumberOfParameters);
     }
     // Parameter i binds the entry at size - count + i: the first one the deepest argument.
     Variant* arguments = &m_values.At(size - static_cast<std::size_t>(count));

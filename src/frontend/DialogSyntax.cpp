@@ -213,11 +213,11 @@ bool BodyParser::CheckDialogFunction(const std::string& name, const char* positi
     const TypeCode third = found->parameters[2].type.code;
     int mismatch = 0;
     if (!first.IsString() || first.IsArray())
-        mismatch = 10081;
+        mismatch = TypeMismatchForParameter(1);
     else if (!(second == TypeCode(TypeCode::kInteger)))
-        mismatch = 10082;
+        mismatch = TypeMismatchForParameter(2);
     else if (!(third == TypeCode(TypeCode::kInteger) || third == TypeCode(TypeCode::kLong)))
-        mismatch = 10083;
+        mismatch = TypeMismatchForParameter(3);
     if (mismatch != 0) {
         m_lexer.SignalErrorAt(static_cast<CompileMessage>(mismatch), {}, position);
         return false;

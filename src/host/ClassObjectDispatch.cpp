@@ -169,16 +169,16 @@ bool PushArguments(ValueStack& values, const Procedure& procedure, const Arrange
     auto push = [&](const VARIANT* source) {
         Variant* slot = values.Push();
         if (!slot)
-            return RaiseValueError(10001);
+            return RaiseValueError(kErrorOutOfMemory);
         if (!source) {
             slot->SetError(kMissingArgumentStatus);
             return true;
         }
-        return slot->CopyFrom(*source) || RaiseValueError(10001);
+        return slot->CopyFrom(*source) || RaiseValueError(kErrorOutOfMemory);
     };
     Variant* result = values.Push();
     if (!result)
-        return RaiseValueError(10001);
+        return RaiseValueError(kErrorOutOfMemory);
     result->SetError(kResultSlotStatus);
     const std::size_t total = procedure.parameters.size();
     for (std::size_t i = 0; i < total; ++i) {

@@ -1,7 +1,6 @@
 // Array makes a Variant array of its arguments; LBound and UBound give the bounds of a dimension.
 #include "library/BuiltinGroups.h"
 #include "library/BuiltinArguments.h"
-#include "library/LibraryErrors.h"
 #include "values/ValueError.h"
 
 namespace brannoc {

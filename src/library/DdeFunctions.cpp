@@ -18,15 +18,6 @@ namespace brannoc {
 
 namespace {
 
-enum DdeErrorNumber : long {
-    kErrorDdeNotAvailable = 10130,
-    kErrorTooManyConversations = 10131,
-    kErrorBadChannel = 10132,
-    kErrorDdeTimeOut = 10133,
-    kErrorDdeServerDied = 10134,
-    kErrorDdeFailed = 10135,
-};
-
 struct DdeChannel {
     DWORD instance = 0;
     HCONV conversation = nullptr;

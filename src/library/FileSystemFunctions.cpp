@@ -19,16 +19,6 @@ namespace brannoc {
 
 namespace {
 
-enum FileSystemErrorNumber : long {
-    kErrorDirectoryNotFound = 10100,
-    kErrorFileNotKilled = 10101,
-    kErrorDirectoryNotCreated = 10102,
-    kErrorDirectoryNotRemoved = 10104,
-    kErrorDriveNotFound = 10105,
-    kErrorSourceNotOpened = 10106,
-    kErrorDestinationNotCreated = 10107,
-};
-
 constexpr DWORD kVolumeAttribute = 8;
 
 bool TextArgument(BuiltinArguments& arguments, int index, std::wstring& text)

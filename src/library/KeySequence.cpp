@@ -11,13 +11,6 @@ namespace brannoc {
 
 namespace {
 
-enum KeyErrorNumber : long {
-    kErrorMissingBrace = 10110,
-    kErrorInvalidKeyName = 10111,
-    kErrorMissingParen = 10112,
-    kErrorTooManyKeys = 10119,
-};
-
 struct KeyName {
     const wchar_t* name;
     std::uint32_t code;

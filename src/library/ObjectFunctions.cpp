@@ -13,10 +13,6 @@ namespace brannoc {
 
 namespace {
 
-enum ObjectErrorNumber : long {
-    kErrorObjectIsNothing = 10094,
-};
-
 // CallByName's call types (vbMethod, vbGet, vbLet, vbSet).
 enum CallType : LONG { kCallMethod = 1, kCallGet = 2, kCallLet = 4, kCallSet = 8 };
 

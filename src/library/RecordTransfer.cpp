@@ -15,8 +15,6 @@ namespace brannoc {
 
 namespace {
 
-constexpr long kNotImplemented = 10902;
-
 // The payload size of a fixed-size kind; 0 for kinds without one.
 std::size_t PayloadSize(VARTYPE tag)
 {
@@ -237,7 +235,7 @@ bool PutVariant(Writer& out, const VARIANT& raw)
     const VARIANT& value = *FollowByRefChain(&raw);
     const VARTYPE tag = value.vt & static_cast<VARTYPE>(~VT_BYREF);
     if (tag == VT_RECORD)
-        return RaiseValueError(kNotImplemented);
+        return RaiseValueError(kErrorNotImplemented);
     if ((tag & VT_ARRAY) != 0) {
         out.Short(static_cast<short>(tag));
         SAFEARRAY* array = (value.vt & VT_BYREF) ? *value.pparray : value.parray;

@@ -12,6 +12,7 @@
 #include "host/AnsiText.h"
 #include "host/ThisModule.h"
 #include "library/BuiltinArguments.h"
+#include "values/ValueError.h"
 
 #include <windows.h>
 #include <commdlg.h>
@@ -23,7 +24,6 @@ namespace brannoc {
 
 namespace {
 
-constexpr long kInvalidArgument = 10620;
 constexpr UINT_PTR kStopWatchTimer = 0x4254;
 constexpr UINT kStopWatchMs = 50;
 constexpr DWORD kWaitSliceMs = 50;
@@ -350,7 +350,7 @@ bool GetFilePath(BuiltinArguments& arguments, BuiltinResult& result)
         return false;
     if (option < 0 || option > 7) {
         Interpreter* machine = Interpreter::Current();
-        return machine && machine->SignalError(kInvalidArgument);
+        return machine && machine->SignalError(kErrorInvalidArgument);
     }
     // The extensions, separated by ";" or "|": the first is the default one.
     std::vector<std::wstring> list;

@@ -2,27 +2,13 @@
 // The file streams one engine has open, by stream number 1 to 511. FreeFile hands out numbers from 256
 // up; numbers below 256 are the macro's own choice. Every lookup that fails raises the language's error.
 #include "library/FileStream.h"
+#include "values/ValueError.h"
 
 #include <array>
 #include <memory>
 #include <string>
 
 namespace brannoc {
-
-enum StreamErrorNumber : long {
-    kErrorNoReadAccess = 10048,
-    kErrorNoWriteAccess = 10049,
-    kErrorRecordLengthExceeded = 10050,
-    kErrorCouldNotOpenFile = 10051,
-    kErrorFileNotOpen = 10052,
-    kErrorReadPastEnd = 10053,
-    kErrorBadStreamNumber = 10054,
-    kErrorInputMismatch = 10055,
-    kErrorBadRecordLength = 10056,
-    kErrorStreamAlreadyOpen = 10057,
-    kErrorWrongStreamMode = 10058,
-    kErrorFileOperation = 10059,
-};
 
 class StreamTable final {
 public:

@@ -1,7 +1,6 @@
 // String functions that cut, pad, measure and map strings: Left, Right and Mid with their byte forms,
 // Len and LenB, the case and trimming functions, StrReverse, Space, String and StrConv.
 #include "library/BuiltinGroups.h"
-#include "library/LibraryErrors.h"
 #include "library/StringSupport.h"
 #include "values/RecordType.h"
 #include "values/ValueError.h"

@@ -3,7 +3,6 @@
 // Arrays made here are one-dimensional String arrays with lower bound 0; an empty result has no
 // elements (upper bound -1).
 #include "library/BuiltinGroups.h"
-#include "library/LibraryErrors.h"
 #include "library/StringSupport.h"
 #include "values/Conversion.h"
 #include "values/ValueError.h"

@@ -1,7 +1,6 @@
 // Searching and comparing strings: InStr, InStrB, InStrRev, Replace and StrComp. Matches are exact (by
 // code unit, or by byte for InStrB); StrComp can also compare in the locale's text order.
 #include "library/BuiltinGroups.h"
-#include "library/LibraryErrors.h"
 #include "library/StringSupport.h"
 #include "values/ValueError.h"
 

@@ -19,10 +19,6 @@ namespace brannoc {
 
 namespace {
 
-constexpr long kErrorCannotStart = 10120;
-constexpr long kErrorClipboard = 10140;
-constexpr long kErrorWindowStyle = 10150;
-
 bool TextArgument(BuiltinArguments& arguments, int index, std::wstring& text)
 {
     std::wstring_view view;
@@ -108,7 +104,7 @@ bool Shell(BuiltinArguments& arguments, BuiltinResult& result)
                                         nullptr, nullptr, &startup, &process);
     SetErrorMode(previousMode);
     if (!started)
-        return RaiseSystemFailure(kErrorCannotStart, GetLastError());
+        return RaiseSystemFailure(kErrorWindowNotFound, GetLastError());
     WaitForInputIdle(process.hProcess, 5000);
     CloseHandle(process.hThread);
     CloseHandle(process.hProcess);

@@ -22,8 +22,6 @@ namespace brannoc {
 
 namespace {
 
-constexpr long kErrorWindowNotFound = 10120;
-
 INPUT KeyEvent(WORD code, bool up)
 {
     INPUT input{};

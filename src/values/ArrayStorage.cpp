@@ -1,6 +1,7 @@
 #include "values/ArrayStorage.h"
 
 #include "values/Variant.h"
+#include "values/ValueError.h"
 
 #include <cstring>
 
@@ -331,8 +332,6 @@ bool CopyArrayInto(SAFEARRAY* array, VARTYPE elementTag, Variant& value)
 
 long TakeArrayFor(const ElementKind& kind, Variant& value, SAFEARRAY*& result)
 {
-    constexpr long kTypeMismatch = 10080;
-    constexpr long kCantAllocate = 10021;
     result = nullptr;
     const VARIANT& source = *FollowByRefChain(&value.Raw());
     if ((source.vt & VT_TYPEMASK) == VT_BSTR && !(source.vt & VT_ARRAY) && kind.tag == VT_UI1) {
@@ -342,7 +341,7 @@ long TakeArrayFor(const ElementKind& kind, Variant& value, SAFEARRAY*& result)
         const LONG upper = static_cast<LONG>(bytes) - 1;
         result = CreateArray(kind, &lower, &upper, 1, false);
         if (!result)
-            return kCantAllocate;
+            return kErrorCantAllocateLargeArray;
         if (bytes > 0) {
             SafeArrayLock lock(result);
             std::memcpy(lock.Data(), text, bytes);
@@ -350,18 +349,18 @@ long TakeArrayFor(const ElementKind& kind, Variant& value, SAFEARRAY*& result)
         return 0;
     }
     if ((source.vt & VT_ARRAY) == 0)
-        return kTypeMismatch;
+        return kErrorTypeMismatch;
     SAFEARRAY* array = (source.vt & VT_BYREF) ? (source.pparray ? *source.pparray : nullptr) : source.parray;
     if (!array) {
         // An array that is not dimensioned gives one. Without a descriptor the record type of records
         // is not known, so only the element kind is compared.
-        return (source.vt & VT_TYPEMASK) == kind.tag ? 0 : kTypeMismatch;
+        return (source.vt & VT_TYPEMASK) == kind.tag ? 0 : kErrorTypeMismatch;
     }
     const ElementKind given = ElementKindOf(array);
     const bool sameRecords = kind.tag != VT_RECORD || given.record == kind.record ||
                              (given.record && kind.record && kind.record->IsMatchingType(given.record));
     if (given.tag != kind.tag || !sameRecords)
-        return kTypeMismatch;
+        return kErrorTypeMismatch;
     if (&source == &value.Raw() && !value.IsByRef()) {
         // The value owns the array (a copy made for the assignment): it moves over.
         VARIANT taken;
@@ -371,7 +370,7 @@ long TakeArrayFor(const ElementKind& kind, Variant& value, SAFEARRAY*& result)
         return 0;
     }
     result = CopyArray(array);
-    return result ? 0 : kCantAllocate;
+    return result ? 0 : kErrorCantAllocateLargeArray;
 }
 
 void DestroyArray(SAFEARRAY* array) noexcept

@@ -15,8 +15,6 @@ namespace {
 // Answered by QueryInterface so that the engine recognises its own record types.
 constexpr GUID kRecordTypeId = {0x6f1c2b7e, 0x51a4, 0x4d0e, {0x9b, 0x3a, 0x2c, 0x5e, 0x71, 0x0d, 0x8a, 0x44}};
 
-constexpr long kErrorExpectingDynamicArray = 10618;
-
 ULONG RoundUp(ULONG value, ULONG alignment) { return (value + alignment - 1) / alignment * alignment; }
 
 ULONG PlainSize(VARTYPE tag)

@@ -4,18 +4,88 @@
 
 namespace brannoc {
 
-// Error numbers that the value layer raises.
-enum ValueErrorNumber : long {
+// The run-time error numbers that the value layer and the built-in library raise: each number is named
+// once, here (the interpreter's names in exec/ErrorMessages.h refer to these where they overlap; the
+// texts live in the string table).
+enum RunTimeErrorNumber : long {
     kErrorOutOfMemory = 10001,
+    kErrorModuleMissing = 10013,
+    kErrorSubOrFunctionMissing = 10018,
+    kErrorWrongNumberOfParameters = 10019,
+    kErrorCantAllocateLargeArray = 10021,
+    kErrorArrayNotDimensioned = 10022,
+    kErrorArrayIndexOutOfRange = 10023,
+    kErrorArrayIndexCount = 10025,
+    kErrorWrongWith = 10035,
+    kErrorModuleNotLoaded = 10040,
+    kErrorFunctionNotFound = 10041,
+    // Streams.
+    kErrorNoReadAccess = 10048,
+    kErrorNoWriteAccess = 10049,
+    kErrorRecordLengthExceeded = 10050,
+    kErrorCouldNotOpenFile = 10051,
+    kErrorFileNotOpen = 10052,
+    kErrorReadPastEnd = 10053,
+    kErrorBadStreamNumber = 10054,
+    kErrorInputMismatch = 10055,
+    kErrorBadRecordLength = 10056,
+    kErrorStreamAlreadyOpen = 10057,
+    kErrorWrongStreamMode = 10058,
+    kErrorFileOperation = 10059,
+    // Arithmetic and conversion.
     kErrorFloatInvalid = 10060,
     kErrorDivideByZero = 10061,
     kErrorOverflow = 10062,
     kErrorUnderflow = 10063,
     kErrorNullUse = 10075,
     kErrorTypeMismatch = 10080,
+    // Automation.
     kErrorAutomation = 10090,
+    kErrorNoSuchMember = 10091,
+    kErrorCannotCreateObject = 10092,
+    kErrorCannotLoadFile = 10093,
+    kErrorObjectIsNothing = 10094,
+    kErrorServerNotFound = 10095,
+    kErrorNoActiveObject = 10096,
+    kErrorWrongParameterCount = 10097,
+    kErrorBadIndex = 10098,
+    kErrorNoSuchNamedParameter = 10099,
+    // File system.
+    kErrorDirectoryNotFound = 10100,
+    kErrorFileNotKilled = 10101,
+    kErrorDirectoryNotCreated = 10102,
+    kErrorFileNotRenamed = 10103,
+    kErrorDirectoryNotRemoved = 10104,
+    kErrorDriveNotFound = 10105,
+    kErrorSourceNotOpened = 10106,
+    kErrorDestinationNotCreated = 10107,
+    // Key sequences (SendKeys) and windows.
+    kErrorMissingBrace = 10110,
+    kErrorInvalidKeyName = 10111,
+    kErrorMissingParen = 10112,
+    kErrorTooManyKeys = 10119,
+    kErrorWindowNotFound = 10120,
+    // DDE.
+    kErrorDdeNotAvailable = 10130,
+    kErrorTooManyConversations = 10131,
+    kErrorBadChannel = 10132,
+    kErrorDdeTimeOut = 10133,
+    kErrorDdeServerDied = 10134,
+    kErrorDdeFailed = 10135,
+    // Clipboard, Shell and arguments.
+    kErrorClipboard = 10140,
+    kErrorWindowStyle = 10150,
+    kErrorExpectingDynamicArray = 10618,
+    kErrorStringIndex = 10619,
     kErrorInvalidArgument = 10620,
+    kErrorNotImplemented = 10902,
 };
+
+// "Type mismatch for parameter #n." for the parameters 1 to 9; plain "Type mismatch." for any other.
+constexpr long TypeMismatchForParameter(int position)
+{
+    return position >= 1 && position <= 9 ? kErrorTypeMismatch + position : kErrorTypeMismatch;
+}
 
 using RaiseFn = void (*)(long number);
 
