@@ -4,6 +4,7 @@
 #include "ide/EditorFrame.h"
 #include "ide/EditorStrings.h"
 #include "ide/FindReplace.h"
+#include "ide/Printing.h"
 #include "ide/Sheet.h"
 
 #include <windows.h>
@@ -19,6 +20,7 @@ namespace brannoc::ide {
 struct FrameCallbacks {
     FrameNotifyCallback notify = nullptr;
     FrameAboutCallback about = nullptr;
+    FrameHelpCallback help = nullptr;
     FrameStatusCallback status = nullptr;
     FrameQuerySaveCallback querySave = nullptr;
     FrameFileNameCallback fileName = nullptr;
@@ -80,6 +82,8 @@ public:
     void UpdateCaption();
     void ShowStatus(const std::string& text, bool alert = false);
     int ShowMessage(unsigned id, UINT style, const std::string& file = {});
+    // A message box with a text already composed, captioned with the title.
+    int ShowText(const std::string& text, UINT style);
     std::string Text(unsigned id) const { return LoadEditorString(id, m_placeholders); }
     void Beep(UINT type) const;
 
@@ -97,6 +101,12 @@ public:
     void ChooseProc();
     std::vector<const char*> ObjectEvents(const std::string& object) const;
     void InsertHandler(TextDocument& document, const std::string& prototype);
+
+    // ---- display font (FrameDisplayFont.cpp) ----
+    // Takes ownership of the font and gives it to the text area.
+    void SetDisplayFont(HFONT font);
+    // The font dialog; answers whether a font was chosen.
+    bool ChooseDisplayFont();
 
     // ---- layout and children ----
     void Layout();
@@ -134,6 +144,7 @@ public:
     WNDPROC m_editorProc = nullptr;
     std::string m_lastStatus;
     FindState m_find;
+    PrintSettings m_print;
 };
 
 EditorFrame* FrameOf(HWND window);
