@@ -143,7 +143,8 @@ void EditorFrame::ChooseProc()
     // A message about an earlier choice no longer applies.
     if (m_lastStatus == Text(IDS_PROC_NOT_DEFINED))
         ShowStatus({});
-    FillLists();
+    UpdateDeferred(); // the lists, the caption of a changed sheet and the caret's line number
+
 }
 
 // Appends a handler after a blank line: the prototype, an empty line for the caret, "End " and the

@@ -110,9 +110,11 @@ TEST_F(FrameProcLists, AnEventWithoutAHandlerGetsOneWithTheCaretInside)
     EXPECT_NE(std::string::npos, Get(FM_GETTEXT).find("Private Sub Class_Terminate()"));
     EXPECT_NE("Procedure is not defined.", WindowText(Child(ID_FRAME_STATUS_BAR))) << "the earlier message is gone";
     EXPECT_EQ("Terminate", Selected(ID_FRAME_PROC_LIST));
+    EXPECT_EQ(7, Document()->Caret().line);
     SendMessageA(Child(ID_FRAME_PROC_LIST), CB_SHOWDROPDOWN, TRUE, 0);
     Pump(200);
-    brannoc::test::WindowImage::Capture(m_frame, true).WriteScreenshot(L"editor_frame_lists_open");
+    // The open list is a pop-up of its own: the screen shows it over the frame.
+    brannoc::test::WindowImage::Capture(GetDesktopWindow(), true).WriteScreenshot(L"editor_frame_lists_open");
     SendMessageA(Child(ID_FRAME_PROC_LIST), CB_SHOWDROPDOWN, FALSE, 0);
 }
 
