@@ -106,4 +106,42 @@ TEST_F(FramePrinting, AOneLineSheetPrintsOnePageOnTheTestPrinter)
     EXPECT_GT(Occurrences(printer.Output(), "%%Page:"), 2u);
 }
 
+TEST_F(FramePrinting, CancelInTheProgressBoxAbortsTheJob)
+{
+    TestPrinter printer;
+    ASSERT_TRUE(printer.Installed()) << printer.Problem();
+    Create();
+    {
+        DialogRobot cancel([](HWND dialog) { DialogRobot::Press(dialog, IDCANCEL); });
+        EXPECT_EQ(1, Command(CMD_PRINT));
+        EXPECT_EQ(1u, cancel.Dialogs().size());
+    }
+    Pump(300);
+    EXPECT_EQ("", printer.Output()) << "nothing reached the printer";
+    EXPECT_TRUE(IsWindowEnabled(m_frame));
+    EXPECT_EQ(1, Command(CMD_PRINT));
+    Pump(300);
+    EXPECT_EQ(1u, Occurrences(printer.Output(), "%%Page:")) << "the next job is not aborted";
+}
+
+TEST_F(FramePrinting, PrintSetupKeepsThePrinterForTheNextJobs)
+{
+    TestPrinter printer;
+    ASSERT_TRUE(printer.Installed()) << printer.Problem();
+    Create();
+    std::vector<std::string> captions;
+    DialogRobot robot([&](HWND dialog) {
+        char caption[128] = {};
+        GetWindowTextA(dialog, caption, sizeof(caption));
+        captions.push_back(caption);
+        if (GetDlgItem(dialog, IDOK))
+            DialogRobot::Press(dialog, IDOK);
+    });
+    EXPECT_EQ(1, Command(CMD_PRINT_SETUP));
+    ASSERT_EQ(1u, captions.size()) << "the printer setup dialog";
+    EXPECT_EQ(1, Command(CMD_PRINT));
+    Pump(300);
+    EXPECT_EQ(1u, Occurrences(printer.Output(), "%%Page:"));
+}
+
 } // namespace
