@@ -1,7 +1,9 @@
 #include "ide/FrameHelp.h"
 
 #include "ide/CodeLineScan.h"
+#include "ide/CommandTable.h"
 #include "ide/EditorFrameState.h"
+#include "ide/TextArea.h"
 #include "values/Variant.h"
 
 #include "brannoc.h"
@@ -69,7 +71,40 @@ std::string EngineHelpFile(const EditorFrame& frame)
     return text;
 }
 
+// The keyboard hook of the active frame on this thread.
+thread_local HHOOK t_helpHook = nullptr;
+thread_local HWND t_helpFrame = nullptr;
+
+LRESULT CALLBACK HelpKeyProc(int code, WPARAM key, LPARAM flags)
+{
+    bool keyDown = (flags & 0x80000000) == 0;
+    if (code == HC_ACTION && key == VK_F1 && keyDown && t_helpFrame && GetKeyState(VK_CONTROL) >= 0 &&
+        GetKeyState(VK_MENU) >= 0) {
+        static const UINT toolbarMessage = RegisterWindowMessageA(kToolbarMessageName);
+        int command = GetKeyState(VK_SHIFT) < 0 ? CMD_LANGUAGE_HELP : CMD_TOPIC_SEARCH;
+        PostMessageA(t_helpFrame, toolbarMessage, static_cast<WPARAM>(command), -1);
+        return 1;
+    }
+    return CallNextHookEx(t_helpHook, code, key, flags);
+}
+
 } // namespace
+
+void WatchHelpKey(HWND frame, bool active)
+{
+    if (active) {
+        t_helpFrame = frame;
+        if (!t_helpHook)
+            t_helpHook = SetWindowsHookExA(WH_KEYBOARD, HelpKeyProc, nullptr, GetCurrentThreadId());
+        return;
+    }
+    if (t_helpFrame != frame)
+        return;
+    t_helpFrame = nullptr;
+    if (t_helpHook)
+        UnhookWindowsHookEx(t_helpHook);
+    t_helpHook = nullptr;
+}
 
 std::string EditorHelpFileOf(const std::string& programPath)
 {

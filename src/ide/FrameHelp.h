@@ -19,6 +19,10 @@ void ShowEditorHelp(EditorFrame& frame);
 void ShowLanguageHelp(EditorFrame& frame);
 void SearchHelpTopic(EditorFrame& frame);
 
+// While a frame is active its thread's F1 key (without Alt or Ctrl) asks for Topic Search, with Shift
+// for Language Help, wherever the focus is; `active` false ends that for the frame.
+void WatchHelpKey(HWND frame, bool active);
+
 // Shows a help file with a WinHelp command (HELP_CONTEXT, HELP_INDEX, HELP_PARTIALKEY, HELP_QUIT).
 bool ShowHelpFile(HWND owner, const std::string& file, UINT command, ULONG_PTR data);
 

@@ -3,6 +3,7 @@
 
 #include "ide/CommandTable.h"
 #include "ide/FindReplace.h"
+#include "ide/FrameHelp.h"
 #include "ide/ModuleAttributes.h"
 #include "ide/ModuleProperties.h"
 #include "ide/FrameStatusBar.h"
@@ -211,7 +212,11 @@ LRESULT EditorFrame::Handle(UINT message, WPARAM wParam, LPARAM lParam)
     case WM_CLOSE:
         OnClose(*this);
         return 0;
+    case WM_ACTIVATE:
+        WatchHelpKey(m_window, LOWORD(wParam) != WA_INACTIVE);
+        break;
     case WM_DESTROY:
+        WatchHelpKey(m_window, false);
         if (IsTopLevel() && Has(FO_POST_QUIT))
             PostQuitMessage(0);
         return 0;

@@ -119,6 +119,14 @@ TEST_F(FrameFontUsesHelp, TopicSearchOffersTheWordAtTheCaretToTheHost)
     SendMessageA(Editor(), EM_SETSEL, 21, 21);
     EXPECT_EQ(1, Command(CMD_TOPIC_SEARCH));
     EXPECT_EQ((std::vector<std::string>{"Total_1", " "}), g_helpWords) << "a single blank when there is no word";
+
+    // F1 while the frame is active asks for Topic Search; with Ctrl it is left alone.
+    g_helpWords.clear();
+    SendMessageA(Editor(), EM_SETSEL, 13, 13);
+    PressKey(VK_F1);
+    EXPECT_EQ(std::vector<std::string>{"As"}, g_helpWords);
+    PressKey(VK_F1, {VK_CONTROL});
+    EXPECT_EQ(1u, g_helpWords.size());
 }
 
 TEST_F(FrameFontUsesHelp, AboutShowsTheBuiltInBoxWithoutAHostCallback)
