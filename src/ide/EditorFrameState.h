@@ -103,8 +103,8 @@ public:
     void InsertHandler(TextDocument& document, const std::string& prototype);
 
     // ---- display font (FrameDisplayFont.cpp) ----
-    // Takes ownership of the font and gives it to the text area.
-    void SetDisplayFont(HFONT font);
+    // Gives the font to the text area; an `owned` font is deleted by the frame when replaced or destroyed.
+    void SetDisplayFont(HFONT font, bool owned);
     // The font dialog; answers whether a font was chosen.
     bool ChooseDisplayFont();
 
@@ -139,6 +139,7 @@ public:
     int m_tabWidth = 4;
     std::string m_caption;
     HFONT m_displayFont = nullptr, m_listFont = nullptr, m_listBoldFont = nullptr;
+    bool m_ownsDisplayFont = true;
     HWND m_lastFocus = nullptr;
     int m_busy = 0;
     WNDPROC m_editorProc = nullptr;

@@ -198,7 +198,7 @@ EditorFrame::~EditorFrame()
         m_engine->Release();
     }
     ReleasePrintSettings(m_print);
-    for (HFONT font : {m_displayFont, m_listFont, m_listBoldFont})
+    for (HFONT font : {m_ownsDisplayFont ? m_displayFont : nullptr, m_listFont, m_listBoldFont})
         if (font)
             DeleteObject(font);
 }

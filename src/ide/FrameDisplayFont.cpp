@@ -1,5 +1,6 @@
-// The Font command: the font dialog, starting from the display font; the chosen font becomes the
-// display font of the text area and the host is told (notify code 16).
+// The display font of the text area: set by the host (which keeps owning its font) or chosen with the
+// Font command's dialog, which starts from the current font; after a choice the host is told (notify
+// code 16).
 #include "ide/EditorFrameState.h"
 
 #include <commdlg.h>
@@ -12,11 +13,12 @@ constexpr int kFontChangedNotification = 16;
 
 } // namespace
 
-void EditorFrame::SetDisplayFont(HFONT font)
+void EditorFrame::SetDisplayFont(HFONT font, bool owned)
 {
-    if (m_displayFont && m_displayFont != font)
+    if (m_displayFont && m_ownsDisplayFont && m_displayFont != font)
         DeleteObject(m_displayFont);
     m_displayFont = font;
+    m_ownsDisplayFont = owned;
     SendMessageA(m_editor, WM_SETFONT, reinterpret_cast<WPARAM>(font ? font : GetStockObject(SYSTEM_FIXED_FONT)), TRUE);
 }
 
@@ -37,7 +39,7 @@ bool EditorFrame::ChooseDisplayFont()
     HFONT created = CreateFontIndirectA(&font);
     if (!created)
         return false;
-    SetDisplayFont(created);
+    SetDisplayFont(created, true);
     if (m_callbacks.notify)
         m_callbacks.notify(m_window, kFontChangedNotification);
     return true;

@@ -343,6 +343,7 @@ LRESULT EditorFrame::Handle(UINT message, WPARAM wParam, LPARAM lParam)
             ShowModuleProperties(*this, *sheet);
         return 0;
     case FM_LAYOUT: Layout(); return 0;
+    case FM_SETDISPLAYFONT: SetDisplayFont(reinterpret_cast<HFONT>(wParam), false); return 0;
     default:
         if (message >= WM_USER + 240 && message <= WM_USER + 504)
             return SheetMessage(*this, message, wParam, lParam);

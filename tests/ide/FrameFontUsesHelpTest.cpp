@@ -76,6 +76,21 @@ TEST_F(FrameFontUsesHelp, ChosenFontBecomesTheDisplayFont)
     EXPECT_EQ(std::vector<int>{16}, g_notifications) << "the host is told with 16";
 }
 
+TEST_F(FrameFontUsesHelp, HostsDisplayFontIsUsedAndStaysTheHosts)
+{
+    HFONT hostFont = CreateFontA(-20, 0, 0, 0, FW_NORMAL, 0, 0, 0, ANSI_CHARSET, 0, 0, 0, FIXED_PITCH, "Courier New");
+    Create();
+    Send(FM_SETDISPLAYFONT, reinterpret_cast<WPARAM>(hostFont));
+    EXPECT_EQ(hostFont, EditorFont());
+    DialogRobot choose([](HWND dialog) { DialogRobot::Press(dialog, IDOK); });
+    EXPECT_EQ(1, Command(CMD_FONT));
+    EXPECT_NE(hostFont, EditorFont()) << "a chosen font replaces it";
+    Destroy();
+    LOGFONTA font{};
+    EXPECT_NE(0, GetObjectA(hostFont, sizeof(font), &font)) << "the frame did not delete the host's font";
+    DeleteObject(hostFont);
+}
+
 TEST_F(FrameFontUsesHelp, OpenUsesOpensEveryNamedModuleBesideTheSheet)
 {
     EXPECT_EQ((std::vector<std::string>{"a.bas", "b b.bas", "c.cls"}),
