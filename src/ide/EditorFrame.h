@@ -47,7 +47,7 @@ enum FrameMessage : UINT {
     FM_GETCAPTION = WM_USER + 288, FM_SETTITLE = WM_USER + 289,
     FM_GETREADONLY = WM_USER + 296, FM_SETREADONLY = WM_USER + 297,
     FM_GETSELSTART = WM_USER + 300, FM_SETCARET = WM_USER + 301,
-    FM_SETABOUTCALLBACK = WM_USER + 304,
+    FM_SETABOUTCALLBACK = WM_USER + 304, FM_SETHELPCALLBACK = WM_USER + 307,
     FM_SETNOTIFYCALLBACK = WM_USER + 308, FM_SETSTATUSCALLBACK = WM_USER + 310,
     FM_SETQUERYSAVECALLBACK = WM_USER + 311, FM_SETFILENAMECALLBACK = WM_USER + 312,
     FM_SETWRITECALLBACK = WM_USER + 314, FM_SETDISPLAYNAMECALLBACK = WM_USER + 315,
@@ -73,6 +73,7 @@ enum FrameMessage : UINT {
     FM_STATUSHELP = WM_USER + 400, FM_TRANSLATEKEY = WM_USER + 401, FM_SETKEYBOARDMODE = WM_USER + 402,
     FM_LOADMENU = WM_USER + 405,
     FM_ENGINE = WM_USER + 480,
+    FM_SETDISPLAYFONT = WM_USER + 481, // wParam the font, which stays the host's
     FM_UPDATE = WM_USER + 496,
     FM_SHOWMESSAGE = WM_USER + 500,
     FM_PROPERTIES = WM_USER + 502,
@@ -82,6 +83,8 @@ enum FrameMessage : UINT {
 // Host callbacks; each may be null.
 using FrameNotifyCallback = void(CALLBACK*)(HWND frame, int code);
 using FrameAboutCallback = void(CALLBACK*)(HWND frame);
+// Nonzero: the host has shown help on the word (Topic Search) and the engine's help file is not opened.
+using FrameHelpCallback = BOOL(CALLBACK*)(HWND frame, const char* word);
 using FrameStatusCallback = void(CALLBACK*)(HWND frame, const char* text, BOOL alert);
 // Nonzero: `*result` (IDYES, IDNO or IDCANCEL) decides instead of the save prompt.
 using FrameQuerySaveCallback = BOOL(CALLBACK*)(HWND frame, const char* sheetName, int* result);

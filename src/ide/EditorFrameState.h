@@ -4,6 +4,7 @@
 #include "ide/EditorFrame.h"
 #include "ide/EditorStrings.h"
 #include "ide/FindReplace.h"
+#include "ide/Printing.h"
 #include "ide/Sheet.h"
 
 #include <windows.h>
@@ -19,6 +20,7 @@ namespace brannoc::ide {
 struct FrameCallbacks {
     FrameNotifyCallback notify = nullptr;
     FrameAboutCallback about = nullptr;
+    FrameHelpCallback help = nullptr;
     FrameStatusCallback status = nullptr;
     FrameQuerySaveCallback querySave = nullptr;
     FrameFileNameCallback fileName = nullptr;
@@ -80,6 +82,8 @@ public:
     void UpdateCaption();
     void ShowStatus(const std::string& text, bool alert = false);
     int ShowMessage(unsigned id, UINT style, const std::string& file = {});
+    // A message box with a text already composed, captioned with the title.
+    int ShowText(const std::string& text, UINT style);
     std::string Text(unsigned id) const { return LoadEditorString(id, m_placeholders); }
     void Beep(UINT type) const;
 
@@ -97,6 +101,12 @@ public:
     void ChooseProc();
     std::vector<const char*> ObjectEvents(const std::string& object) const;
     void InsertHandler(TextDocument& document, const std::string& prototype);
+
+    // ---- display font (FrameDisplayFont.cpp) ----
+    // Gives the font to the text area; an `owned` font is deleted by the frame when replaced or destroyed.
+    void SetDisplayFont(HFONT font, bool owned);
+    // The font dialog; answers whether a font was chosen.
+    bool ChooseDisplayFont();
 
     // ---- layout and children ----
     void Layout();
@@ -129,11 +139,13 @@ public:
     int m_tabWidth = 4;
     std::string m_caption;
     HFONT m_displayFont = nullptr, m_listFont = nullptr, m_listBoldFont = nullptr;
+    bool m_ownsDisplayFont = true;
     HWND m_lastFocus = nullptr;
     int m_busy = 0;
     WNDPROC m_editorProc = nullptr;
     std::string m_lastStatus;
     FindState m_find;
+    PrintSettings m_print;
 };
 
 EditorFrame* FrameOf(HWND window);

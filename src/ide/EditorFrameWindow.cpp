@@ -7,6 +7,7 @@
 #include "ide/FrameLayout.h"
 #include "ide/FrameStatusBar.h"
 #include "ide/FrameToolbar.h"
+#include "ide/FrameWindowClass.h"
 #include "ide/SheetTabs.h"
 #include "ide/TextArea.h"
 
@@ -181,16 +182,11 @@ bool RegisterEditorFrameClass()
             return false;
         FrameToolbarMessage();
         RegisterWindowMessageA("commdlg_FindReplace");
-        WNDCLASSA windowClass{};
-        windowClass.style = CS_GLOBALCLASS | CS_PARENTDC;
-        windowClass.lpfnWndProc = FrameProc;
-        windowClass.cbWndExtra = 2 * sizeof(LONG_PTR);
-        windowClass.hInstance = GetModuleHandleA(nullptr);
-        windowClass.hIcon = LoadIcon(nullptr, IDI_APPLICATION);
-        windowClass.hCursor = LoadCursor(nullptr, IDC_ARROW);
-        windowClass.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
-        windowClass.lpszClassName = kEditorFrameClassName;
-        return RegisterClassA(&windowClass) != 0 || GetLastError() == ERROR_CLASS_ALREADY_EXISTS;
+        FrameClassLook look;
+        look.extraWords = 2;
+        look.icon = LoadIcon(nullptr, IDI_APPLICATION);
+        look.background = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
+        return RegisterFrameFamilyClass(kEditorFrameClassName, FrameProc, look);
     }();
     return s_registered;
 }
@@ -201,7 +197,8 @@ EditorFrame::~EditorFrame()
         CU_Shutdown(m_engine);
         m_engine->Release();
     }
-    for (HFONT font : {m_displayFont, m_listFont, m_listBoldFont})
+    ReleasePrintSettings(m_print);
+    for (HFONT font : {m_ownsDisplayFont ? m_displayFont : nullptr, m_listFont, m_listBoldFont})
         if (font)
             DeleteObject(font);
 }
@@ -367,6 +364,11 @@ int EditorFrame::ShowMessage(unsigned id, UINT style, const std::string& file)
     std::string text = Text(id);
     ReplaceAll(text, "<FILE>", file);
     ReplaceAll(text, "<CAPTION>", m_placeholders.title);
+    return ShowText(text, style);
+}
+
+int EditorFrame::ShowText(const std::string& text, UINT style)
+{
     if (!(style & MB_SYSTEMMODAL))
         style |= MB_TASKMODAL;
     ++m_busy;

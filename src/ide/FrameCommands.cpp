@@ -3,8 +3,11 @@
 #include "ide/EditorFrameState.h"
 
 #include "ide/CommandTable.h"
+#include "ide/FrameHelp.h"
 #include "ide/FrameKeys.h"
+#include "ide/FrameOpenUses.h"
 #include "ide/FrameToolbar.h"
+#include "ide/ModuleProperties.h"
 #include "ide/TextArea.h"
 
 #include "brannoc.h"
@@ -136,6 +139,8 @@ bool RunEditCommand(EditorFrame& frame, int command)
         return true;
     case CMD_TAB_AS_SPACES: SetTabs(frame, !frame.m_tabsAsSpaces, frame.m_tabWidth); return true;
     case CMD_FOCUS_TEXT: SetFocus(editor); return true;
+    case CMD_COMPLETE_WORD: SendMessageA(editor, TAM_SHOWPOPUP, 0, 0); return true;
+    case CMD_PARAMETER_INFO: SendMessageA(editor, TAM_SHOWPOPUP, 1, 0); return true;
     case CMD_TOGGLE_BREAK:
         if (Sheet* sheet = frame.Current(); sheet && sheet->document) {
             int line = sheet->document->Caret().line;
@@ -191,12 +196,28 @@ bool RunFrameCommand(EditorFrame& frame, int command)
         frame.UpdateCaption();
         return true;
     case CMD_CLOSE_ALL: return frame.CloseAll(PromptKind::CanCancel);
+    case CMD_PROPERTIES:
+        if (sheet && sheet->kind != SheetKind::Macro)
+            ShowModuleProperties(frame, *sheet);
+        return true;
+    case CMD_PRINT: return PrintSheet(frame);
+    case CMD_PRINT_SETUP: PrintSetup(frame); return true;
     case CMD_FIND: OpenFindDialog(frame, false); return true;
     case CMD_REPLACE: OpenFindDialog(frame, true); return true;
     case CMD_AGAIN: RepeatFind(frame); return true;
+    case CMD_FONT: return frame.ChooseDisplayFont();
+    case CMD_OPEN_USES: OpenUses(frame); return true;
+    case CMD_EDITOR_HELP: ShowEditorHelp(frame); return true;
+    case CMD_LANGUAGE_HELP: ShowLanguageHelp(frame); return true;
+    case CMD_TOPIC_SEARCH: SearchHelpTopic(frame); return true;
+    case CMD_PROJECT: case CMD_PROJECT_PROPERTIES: case CMD_MORE:
+        frame.ShowText("Not implemented.", MB_OK | MB_ICONINFORMATION);
+        return true;
     case CMD_ABOUT:
         if (frame.m_callbacks.about)
             frame.m_callbacks.about(frame.m_window);
+        else
+            OA_BrannocAboutBox(frame.m_window, frame.m_placeholders.title.c_str(), nullptr);
         return true;
     default:
         break;

@@ -3,7 +3,9 @@
 
 #include "ide/CommandTable.h"
 #include "ide/FindReplace.h"
+#include "ide/FrameHelp.h"
 #include "ide/ModuleAttributes.h"
+#include "ide/ModuleProperties.h"
 #include "ide/FrameStatusBar.h"
 #include "ide/FrameToolbar.h"
 #include "ide/TextArea.h"
@@ -210,7 +212,11 @@ LRESULT EditorFrame::Handle(UINT message, WPARAM wParam, LPARAM lParam)
     case WM_CLOSE:
         OnClose(*this);
         return 0;
+    case WM_ACTIVATE:
+        WatchHelpKey(m_window, LOWORD(wParam) != WA_INACTIVE);
+        break;
     case WM_DESTROY:
+        WatchHelpKey(m_window, false);
         if (IsTopLevel() && Has(FO_POST_QUIT))
             PostQuitMessage(0);
         return 0;
@@ -259,6 +265,7 @@ LRESULT EditorFrame::Handle(UINT message, WPARAM wParam, LPARAM lParam)
         SendMessageA(m_editor, EM_SCROLLCARET, 0, 0);
         return 0;
     case FM_SETABOUTCALLBACK: return SetCallback(m_callbacks.about, lParam);
+    case FM_SETHELPCALLBACK: return SetCallback(m_callbacks.help, lParam);
     case FM_SETNOTIFYCALLBACK: return SetCallback(m_callbacks.notify, lParam);
     case FM_SETSTATUSCALLBACK: return SetCallback(m_callbacks.status, lParam);
     case FM_SETQUERYSAVECALLBACK: return SetCallback(m_callbacks.querySave, lParam);
@@ -331,7 +338,12 @@ LRESULT EditorFrame::Handle(UINT message, WPARAM wParam, LPARAM lParam)
         return reinterpret_cast<LRESULT>(m_engine);
     case FM_UPDATE: UpdateDeferred(); return 0;
     case FM_SHOWMESSAGE: ShowMessage(static_cast<unsigned>(lParam), MB_OK); return 0;
+    case FM_PROPERTIES:
+        if (Sheet* sheet = Current(); sheet && sheet->kind != SheetKind::Macro)
+            ShowModuleProperties(*this, *sheet);
+        return 0;
     case FM_LAYOUT: Layout(); return 0;
+    case FM_SETDISPLAYFONT: SetDisplayFont(reinterpret_cast<HFONT>(wParam), false); return 0;
     default:
         if (message >= WM_USER + 240 && message <= WM_USER + 504)
             return SheetMessage(*this, message, wParam, lParam);

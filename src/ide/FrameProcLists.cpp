@@ -42,6 +42,22 @@ const ProcedureEntry* FindProcedure(const std::vector<ProcedureEntry>& entries, 
     return nullptr;
 }
 
+// The procedure whose header is the last one at or above the line (null above the first).
+const ProcedureEntry* ProcedureAtLine(const std::vector<ProcedureEntry>& entries, int line)
+{
+    const ProcedureEntry* found = nullptr;
+    for (const ProcedureEntry& entry : entries)
+        if (entry.line <= line && (!found || entry.line >= found->line))
+            found = &entry;
+    return found;
+}
+
+void SelectText(HWND list, const std::string& text)
+{
+    LRESULT index = SendMessageA(list, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(text.c_str()));
+    SendMessageA(list, CB_SETCURSEL, static_cast<WPARAM>(index), 0);
+}
+
 } // namespace
 
 void EditorFrame::FillLists()
@@ -72,16 +88,22 @@ void EditorFrame::FillProcList()
     std::string object = SelectedText(m_objectList);
     SendMessageA(m_procList, CB_RESETCONTENT, 0, 0);
     std::vector<ProcedureEntry> procedures = ListProcedures(*sheet->document);
+    // The entry shown in the list's field is the procedure the caret is in, when it belongs here.
+    const ProcedureEntry* atCaret = ProcedureAtLine(procedures, sheet->document->Caret().line);
     if (object.empty() || object == Text(IDS_GENERAL)) {
         AddItem(m_procList, Text(IDS_DECLARATIONS));
         for (const ProcedureEntry& entry : procedures)
             AddItem(m_procList, ProcListText(entry));
+        SelectText(m_procList, atCaret ? ProcListText(*atCaret) : Text(IDS_DECLARATIONS));
         return;
     }
     for (const char* event : ObjectEvents(object)) {
         bool handled = FindProcedure(procedures, object + "_" + event) != nullptr;
         AddItem(m_procList, event, handled ? kHandlerExists : 0);
     }
+    std::string prefix = object + "_";
+    if (atCaret && atCaret->name.size() > prefix.size() && lstrcmpiA(atCaret->name.substr(0, prefix.size()).c_str(), prefix.c_str()) == 0)
+        SelectText(m_procList, atCaret->name.substr(prefix.size()));
 }
 
 std::vector<const char*> EditorFrame::ObjectEvents(const std::string& object) const
@@ -118,7 +140,11 @@ void EditorFrame::ChooseProc()
     }
     SendMessageA(m_editor, TAM_SCROLLCARET, 0, 0);
     SetFocus(m_editor);
-    FillLists();
+    // A message about an earlier choice no longer applies.
+    if (m_lastStatus == Text(IDS_PROC_NOT_DEFINED))
+        ShowStatus({});
+    UpdateDeferred(); // the lists, the caption of a changed sheet and the caret's line number
+
 }
 
 // Appends a handler after a blank line: the prototype, an empty line for the caret, "End " and the

@@ -1,5 +1,7 @@
 #include "ide/FrameStatusBar.h"
 
+#include "ide/FrameWindowClass.h"
+
 #include <string>
 
 namespace brannoc::ide {
@@ -111,16 +113,7 @@ LRESULT CALLBACK StatusBarProc(HWND window, UINT message, WPARAM wParam, LPARAM 
 
 bool RegisterStatusBarClass()
 {
-    static const bool s_registered = [] {
-        WNDCLASSA windowClass{};
-        windowClass.style = CS_GLOBALCLASS | CS_PARENTDC;
-        windowClass.lpfnWndProc = StatusBarProc;
-        windowClass.cbWndExtra = sizeof(LONG_PTR);
-        windowClass.hInstance = GetModuleHandleA(nullptr);
-        windowClass.hCursor = LoadCursor(nullptr, IDC_ARROW);
-        windowClass.lpszClassName = kStatusBarClassName;
-        return RegisterClassA(&windowClass) != 0 || GetLastError() == ERROR_CLASS_ALREADY_EXISTS;
-    }();
+    static const bool s_registered = RegisterFrameFamilyClass(kStatusBarClassName, StatusBarProc);
     return s_registered;
 }
 

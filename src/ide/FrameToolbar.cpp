@@ -1,5 +1,6 @@
 #include "ide/FrameToolbar.h"
 
+#include "ide/FrameWindowClass.h"
 #include "ide/TextArea.h"
 #include "ide/ToolbarGlyphs.h"
 
@@ -224,16 +225,7 @@ LRESULT CALLBACK ToolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
 
 bool RegisterToolbarClass()
 {
-    static const bool s_registered = [] {
-        WNDCLASSA windowClass{};
-        windowClass.style = CS_GLOBALCLASS | CS_PARENTDC;
-        windowClass.lpfnWndProc = ToolbarProc;
-        windowClass.cbWndExtra = sizeof(LONG_PTR);
-        windowClass.hInstance = GetModuleHandleA(nullptr);
-        windowClass.hCursor = LoadCursor(nullptr, IDC_ARROW);
-        windowClass.lpszClassName = kToolbarClassName;
-        return RegisterClassA(&windowClass) != 0 || GetLastError() == ERROR_CLASS_ALREADY_EXISTS;
-    }();
+    static const bool s_registered = RegisterFrameFamilyClass(kToolbarClassName, ToolbarProc);
     return s_registered;
 }
 

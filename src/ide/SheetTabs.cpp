@@ -1,5 +1,7 @@
 #include "ide/SheetTabs.h"
 
+#include "ide/FrameWindowClass.h"
+
 #include <windowsx.h>
 
 namespace brannoc::ide {
@@ -100,16 +102,7 @@ LRESULT CALLBACK SheetTabsProc(HWND window, UINT message, WPARAM wParam, LPARAM 
 
 bool RegisterSheetTabsClass()
 {
-    static const bool s_registered = [] {
-        WNDCLASSA windowClass{};
-        windowClass.style = CS_GLOBALCLASS | CS_PARENTDC;
-        windowClass.lpfnWndProc = SheetTabsProc;
-        windowClass.cbWndExtra = sizeof(LONG_PTR);
-        windowClass.hInstance = GetModuleHandleA(nullptr);
-        windowClass.hCursor = LoadCursor(nullptr, IDC_ARROW);
-        windowClass.lpszClassName = kSheetTabsClassName;
-        return RegisterClassA(&windowClass) != 0 || GetLastError() == ERROR_CLASS_ALREADY_EXISTS;
-    }();
+    static const bool s_registered = RegisterFrameFamilyClass(kSheetTabsClassName, SheetTabsProc);
     return s_registered;
 }
 

@@ -33,6 +33,16 @@ protected:
         SendMessageA(list, CB_SETCURSEL, static_cast<WPARAM>(index), 0);
         Send(WM_COMMAND, MAKEWPARAM(id, CBN_SELENDOK), reinterpret_cast<LPARAM>(list));
     }
+    // The entry shown in a list's field.
+    std::string Selected(int id) const
+    {
+        HWND list = Child(id);
+        LRESULT index = SendMessageA(list, CB_GETCURSEL, 0, 0);
+        char text[256] = {};
+        if (index >= 0)
+            SendMessageA(list, CB_GETLBTEXT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(text));
+        return text;
+    }
     LPARAM ItemData(int id, const std::string& text) const
     {
         HWND list = Child(id);
@@ -55,8 +65,13 @@ TEST_F(FrameProcLists, GeneralListsDeclarationsProceduresAndPropertyKinds)
     EXPECT_EQ((std::vector<std::string>{"(declarations)", "Add", "Owner [PropertySet]", "Size [PropertyGet]",
                                         "Size [PropertyLet]", "Twice"}),
               Items(ID_FRAME_PROC_LIST));
+    EXPECT_EQ("(declarations)", Selected(ID_FRAME_PROC_LIST)) << "the caret is above the first procedure";
     Choose(ID_FRAME_PROC_LIST, "Twice");
     EXPECT_EQ(6, Document()->Caret().line) << "choosing a procedure moves the caret to it";
+    EXPECT_EQ("Twice", Selected(ID_FRAME_PROC_LIST));
+    Document()->MoveCaret(TextPosition{9, 0}, false);
+    Send(FM_UPDATE);
+    EXPECT_EQ("Size [PropertyGet]", Selected(ID_FRAME_PROC_LIST)) << "the list follows the caret";
 }
 
 TEST_F(FrameProcLists, AnEventWithoutAHandlerGetsOneWithTheCaretInside)
@@ -73,6 +88,12 @@ TEST_F(FrameProcLists, AnEventWithoutAHandlerGetsOneWithTheCaretInside)
     Choose(ID_FRAME_PROC_LIST, "Initialize");
     EXPECT_EQ("Dim Count\r\n\r\nPrivate Sub Class_Initialize()\r\n\r\nEnd Sub\r\n", Get(FM_GETTEXT));
     EXPECT_EQ(3, Document()->Caret().line) << "on the empty line inside";
+    Send(FM_UPDATE);
+    EXPECT_EQ("Class", Selected(ID_FRAME_OBJECT_LIST));
+    EXPECT_EQ((std::vector<std::string>{"Initialize", "Terminate"}), Items(ID_FRAME_PROC_LIST));
+    EXPECT_EQ("Initialize", Selected(ID_FRAME_PROC_LIST)) << "the new handler is the shown entry";
+    EXPECT_NE("Procedure is not defined.", WindowText(Child(ID_FRAME_STATUS_BAR)));
+    brannoc::test::WindowImage::Capture(m_frame, true).WriteScreenshot(L"editor_frame_lists");
     Choose(ID_FRAME_OBJECT_LIST, "Class");
     EXPECT_EQ(1, ItemData(ID_FRAME_PROC_LIST, "Initialize")) << "with a handler: bold";
     EXPECT_EQ(0, ItemData(ID_FRAME_PROC_LIST, "Terminate"));
@@ -85,9 +106,15 @@ TEST_F(FrameProcLists, AnEventWithoutAHandlerGetsOneWithTheCaretInside)
     EXPECT_EQ(std::string::npos, Get(FM_GETTEXT).find("Terminate"));
     Send(FM_SETREADONLY, 0, 0);
     Choose(ID_FRAME_OBJECT_LIST, "Class");
+    Choose(ID_FRAME_PROC_LIST, "Terminate");
+    EXPECT_NE(std::string::npos, Get(FM_GETTEXT).find("Private Sub Class_Terminate()"));
+    EXPECT_NE("Procedure is not defined.", WindowText(Child(ID_FRAME_STATUS_BAR))) << "the earlier message is gone";
+    EXPECT_EQ("Terminate", Selected(ID_FRAME_PROC_LIST));
+    EXPECT_EQ(7, Document()->Caret().line);
     SendMessageA(Child(ID_FRAME_PROC_LIST), CB_SHOWDROPDOWN, TRUE, 0);
     Pump(200);
-    brannoc::test::WindowImage::Capture(m_frame, true).WriteScreenshot(L"editor_frame_lists");
+    // The open list is a pop-up of its own: the screen shows it over the frame.
+    brannoc::test::WindowImage::Capture(GetDesktopWindow(), true).WriteScreenshot(L"editor_frame_lists_open");
     SendMessageA(Child(ID_FRAME_PROC_LIST), CB_SHOWDROPDOWN, FALSE, 0);
 }
 
