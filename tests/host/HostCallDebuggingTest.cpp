@@ -32,6 +32,10 @@ const std::wstring kMacro = Lines({
     L"    Debug.Print \"first\"",                       // 10
     L"    Debug.Print \"second\"",                      // 11
     L"End Sub",                                         // 12
+    L"Sub Risky",                                       // 13
+    L"    Stop",                                        // 14
+    L"    Err.Raise 1007, , \"Late failure\"",          // 15
+    L"End Sub",                                         // 16
 });
 
 // A macro that the host starts and stops at its line 3.
@@ -309,6 +313,49 @@ TEST_F(HostCallDebuggingTest, ADebuggingFireIntoAStoppedEngineStopsInTheCallAndL
     ASSERT_EQ(S_OK, plain.Text(L"Twice").Invoke(Fire(false), 2));
     EXPECT_EQ(L"\"second\"\r\n", Printed().back());
     EXPECT_EQ(1u, next) << "the plain call never waited";
+}
+
+TEST_F(HostCallDebuggingTest, AHandlerCallIntoAStoppedEngineIsCarriedOutWhileTheCallerWaits)
+{
+    StopTheJob();
+    IDispatch* twice = Handler(L"Sub Twice()");
+    std::wstring line;
+    script = {
+        [&] {
+            line = CurrentLine();
+            EXPECT_TRUE(Continue());
+            Run(0);
+        },
+    };
+    LateCall call;
+    ASSERT_EQ(S_OK, call.Invoke(twice, 1, DISPATCH_METHOD, false));
+    EXPECT_EQ(L"[lib|Twice#  9] Sub Twice", line);
+    EXPECT_EQ((Texts{L"\"first\"\r\n", L"\"second\"\r\n"}), Printed());
+    EXPECT_TRUE(IsStopped());
+    EXPECT_EQ(L"[job|Main#  3] Debug.Print \"job end\"", CurrentLine());
+    EXPECT_EQ(2, Count(3)) << "stopped in the call, and again where the macro was";
+    EXPECT_EQ(1, Count(4));
+}
+
+TEST_F(HostCallDebuggingTest, AStopStatementStopsAHandlerCallAndAnErrorAfterwardsEndsIt)
+{
+    IDispatch* risky = Handler(L"Sub Risky()");
+    std::wstring line;
+    script = {
+        [&] {
+            line = CurrentLine();
+            EXPECT_TRUE(Continue());
+            Run(0);
+        },
+    };
+    LateCall call;
+    EXPECT_EQ(DISP_E_EXCEPTION, call.Invoke(risky, 1, DISPATCH_METHOD, false));
+    EXPECT_EQ(L"[lib|Risky# 14] Stop", line);
+    EXPECT_EQ(1007, call.exception.wCode);
+    EXPECT_EQ(L"Late failure", call.Description());
+    EXPECT_EQ(1u, next) << "the error ended the wait";
+    EXPECT_FALSE(ranOut);
+    EXPECT_TRUE(IsIdle());
 }
 
 TEST_F(HostCallDebuggingTest, HaltAllWhileACallWaitsEndsTheCallAndThenEverything)
