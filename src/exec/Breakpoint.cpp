@@ -21,7 +21,7 @@ bool Breakpoint::Execute()
         // (the statement at which a run resumes is not stopped at again).
         if (Activation* current = interpreter->CurrentActivation())
             current->HoldAt(current->CurrentIndex());
-        (void)interpreter->RequestAction(InterpreterHost::kActionStop, 0);
+        interpreter->BreakpointReached();
         return false;
     }
     return m_statement->Execute();

@@ -40,6 +40,7 @@ int Interpreter::RunStep(bool single) { return StepOnce(single); }
 
 int Interpreter::RunSteps(bool single)
 {
+    m_stepThread = GetCurrentThreadId();
     int result = 0;
     while ((result = StepOnce(single)) > 0) {
     }
@@ -50,7 +51,7 @@ inline int Interpreter::StepOnce(bool single)
 {
     if (HaltFlags::Any())
         RunHaltHandler();
-    if (m_runLevel < 1 || m_stepCounter < 1 || m_exec.IsEmpty())
+    if (m_runLevel < 1 || m_stepCounter < 1 || m_exec.Size() <= m_runFloor)
         return 0;
     m_executionMarker = single ? -2 : -1;
 
@@ -435,7 +436,18 @@ bool Interpreter::StartEntry(ProcedureCode& procedure, ModuleInstance* instance)
     return !HaltFlags::MustStop();
 }
 
-bool Interpreter::RunHostCall(ProcedureCode& procedure, ModuleInstance* instance, ErrorExit errorExit)
+void Interpreter::BreakpointReached()
+{
+    if (m_runLevel == 3 || m_runLevel == 4) {
+        m_runLevel += 2;
+        m_executionMarker = kMarkerPause;
+        return;
+    }
+    (void)RequestAction(InterpreterHost::kActionStop, 0);
+}
+
+bool Interpreter::RunHostCall(ProcedureCode& procedure, ModuleInstance* instance, ErrorExit errorExit,
+                              const DebuggedCall* debugged)
 {
     const std::size_t mark = m_exec.Size();
     const std::size_t pendingBase = m_pending.Size();
@@ -454,8 +466,30 @@ bool Interpreter::RunHostCall(ProcedureCode& procedure, ModuleInstance* instance
                 machine.CheckNextStatement();
             }
         }
-    } stoppedRun{*this, m_runLevel, m_stepCounter};
-    if (m_runLevel < 0) {
+    } stoppedRun{*this, debugged ? 0 : m_runLevel, m_stepCounter};
+    // A debugged call runs at a level of its own; the run around it (idle, active or stopped) comes back
+    // afterwards with its step counter and run depth.
+    struct AroundRun {
+        Interpreter& machine;
+        const DebuggedCall* debugged;
+        int level;
+        int counter;
+        int depth;
+        DWORD thread;
+        ~AroundRun()
+        {
+            machine.m_stepThread = thread;
+            if (!debugged)
+                return;
+            if (level != 0)
+                machine.m_runLevel = level;
+            machine.m_stepCounter = counter;
+            machine.m_runDepth = depth;
+            machine.CheckNextStatement();
+        }
+    } aroundRun{*this, debugged, m_runLevel, m_stepCounter, m_runDepth, m_stepThread};
+    m_stepThread = GetCurrentThreadId();
+    if (!debugged && m_runLevel < 0) {
         m_runLevel = 1;
         m_stepCounter = 1;
         CheckNextStatement();
@@ -466,14 +500,26 @@ bool Interpreter::RunHostCall(ProcedureCode& procedure, ModuleInstance* instance
         m_current->SetHostCallBoundary(true);
         m_current->SetPassesErrorsOut(errorExit == ErrorExit::kToCaller);
     }
+    if (debugged && m_exec.Size() > mark) {
+        m_runLevel = debugged->lineTracing ? 4 : 3;
+        PrepareRun(debugged->runDepth);
+        // Even the call's first statement may stop (a break point on it, a step into the call).
+        m_stepCounter = 3;
+    }
     while (m_exec.Size() > mark && !m_errorPassedOut) {
-        if (RunStep(false) == 0)
-            break;
+        if (RunStep(false) > 0)
+            continue;
+        if (debugged && debugged->whileStopped && m_exec.Size() > mark && !m_errorPassedOut)
+            debugged->whileStopped(mark);
+        break;
     }
     const bool cutShort = m_exec.Size() > mark;
     while (m_exec.Size() > mark)
         PopAndRelease();
     if (std::exchange(m_errorPassedOut, outerPassedOut))
+        return false;
+    // A debugged call that a halt ended never returned.
+    if (cutShort && debugged)
         return false;
     if (cutShort && m_evaluating && !HaltFlags::MustStop())
         (void)SignalError(ErrorId::FunctionTerminated);

@@ -16,6 +16,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string_view>
 
 namespace brannoc {
@@ -109,8 +110,45 @@ public:
     // traps ends the call instead of the run: it answers false with the error object still filled and no
     // halt bit set, for the caller to raise the error again where it can be trapped.
     enum class ErrorExit { kReport, kToCaller };
+    // A host call into macros that may stop for debugging (a handler call, a debugging fire call): it
+    // runs at run level 3 (4 with line tracing), which becomes 5 (6) when a break point is reached.
+    struct DebuggedCall {
+        bool lineTracing = false;
+        // The run depth of the call: 0 runs it, a step depth stops before its first statement.
+        int runDepth = 0;
+        // Called when the run stops with the call still outstanding (a break point, a step, a Stop
+        // statement), with the execution stack's height below the call: the host may let its user look
+        // at the stopped call and go on with it. Whatever of the call is left afterwards is cut short.
+        std::function<void(std::size_t mark)> whileStopped;
+    };
     [[nodiscard]] bool RunHostCall(ProcedureCode& procedure, ModuleInstance* instance,
-                                   ErrorExit errorExit = ErrorExit::kReport);
+                                   ErrorExit errorExit = ErrorExit::kReport, const DebuggedCall* debugged = nullptr);
+
+    // While a host call waits stopped, the scheduler runs only the entries above the call's mark, so that
+    // the host's Run and Step go on with the call and end where it returns. Answers the previous mark.
+    std::size_t EnterWaitingCall(std::size_t mark) noexcept
+    {
+        ++m_waitingCalls;
+        const std::size_t previous = m_runFloor;
+        m_runFloor = mark;
+        return previous;
+    }
+    void LeaveWaitingCall(std::size_t previous) noexcept
+    {
+        --m_waitingCalls;
+        m_runFloor = previous;
+    }
+    // True when the host call that waits has returned (the run reached the call's mark).
+    bool WaitingCallReturned() const noexcept { return m_waitingCalls > 0 && m_exec.Size() <= m_runFloor; }
+
+    // A host call into macros that runs to its end without debugging: break points and Stop statements
+    // do not stop it.
+    void EnterPlainCall() noexcept { ++m_plainCalls; }
+    void LeavePlainCall() noexcept { --m_plainCalls; }
+    // Whether a break point or a Stop statement may stop the run now.
+    bool DebugStopsAllowed() const noexcept { return m_plainCalls == 0; }
+    // The thread that last ran statements of this engine (the scheduler or a host call).
+    DWORD StepThread() const noexcept { return m_stepThread; }
 
     // Moves the execution point of the current activation.
     void SetNextStatement(int index) noexcept;
@@ -179,7 +217,15 @@ public:
     void PrepareRun(int runDepth) noexcept;
     // Whether a break point reached now stops the run: not at the statement at which the run resumes,
     // not while a host evaluation runs, and only while a run is active.
-    bool BreakpointStops() const noexcept { return m_stepCounter != 2 && !m_evaluating && m_runLevel > 0; }
+    // Inside a host call that has reached a break point already (run level 5 or 6) nothing stops again.
+    bool BreakpointStops() const noexcept
+    {
+        return m_stepCounter != 2 && !m_evaluating && DebugStopsAllowed() && m_runLevel > 0 && m_runLevel != 5 &&
+               m_runLevel != 6;
+    }
+    // A break point stops the run: inside a host call (run level 3 or 4) the level becomes 5 (6) and the
+    // step yields to the call, which stops the engine and waits; elsewhere the run stops (action 5).
+    void BreakpointReached();
     // An even run level: each statement that the break test examines is traced (Run with depth -1).
     bool IsLineTracing() const noexcept { return m_runLevel > 0 && (m_runLevel & 1) == 0; }
 
@@ -331,6 +377,10 @@ private:
     ErrorRecord m_error;
     bool m_evaluating = false;
     int m_hostCallDepth = 0;
+    int m_plainCalls = 0;
+    int m_waitingCalls = 0;
+    std::size_t m_runFloor = 0;
+    DWORD m_stepThread = 0;
     // Set when an error left a host call that passes errors out; its RunHostCall then ends.
     bool m_errorPassedOut = false;
     bool m_tearingDown = false;

@@ -369,7 +369,9 @@ HRESULT __stdcall CodeUnit::get_StackDepth(short* result)
 HRESULT __stdcall CodeUnit::put_StackDepth(short depth)
 {
     return Entered([&] {
-        (void)m_context->Control(EngineContext::kActionSetStackDepth, depth);
+        // The frames of a host call into macros belong to its caller, which waits for them.
+        if (m_context->HostCallDepth() == 0)
+            (void)m_context->Control(EngineContext::kActionSetStackDepth, depth);
         return S_OK;
     });
 }

@@ -1,5 +1,6 @@
 #include "host/EngineContext.h"
 
+#include "automation/OutsideCall.h"
 #include "exec/ModuleInstance.h"
 #include "host/AnsiText.h"
 #include "host/ClassObject.h"
@@ -141,11 +142,45 @@ RunState EngineContext::Run(long depth)
         return RunState::Active;
     }
     RunScheduler(step);
-    if (step)
+    // A host call that waited stopped has returned: its caller goes on from there.
+    if (step || m_interpreter.WaitingCallReturned())
         return State();
     if (m_interpreter.RunLevel() > 0)
         return StopRequest(false);
     return State();
+}
+
+void EngineContext::WaitForHostCall(std::size_t mark, const std::function<bool()>& goOn)
+{
+    const std::size_t previous = m_interpreter.EnterWaitingCall(mark);
+    auto waiting = [&] { return m_interpreter.ExecutionDepth() > mark && m_deferredHalt == 0 && goOn(); };
+    while (waiting()) {
+        ServeHostMessages();
+        if (!waiting())
+            break;
+        // No polling loop: the thread sleeps until a message comes or the time slice is over.
+        automation::OutsideCall outside;
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, Interpreter::kTimeSliceMs, QS_ALLINPUT);
+    }
+    m_interpreter.LeaveWaitingCall(previous);
+}
+
+void EngineContext::ServeHostMessages()
+{
+    if (m_callBack && HostCallBack::DoEvents(m_callBack.Get(), m_owner.AsDispatch()))
+        return;
+    MSG message;
+    for (int i = 0; i < 100 && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE); ++i) {
+        if (message.message == WM_QUIT) {
+            // The host's loop sees the quit message again; the waiting call ends with everything else.
+            PostQuitMessage(static_cast<int>(message.wParam));
+            DeferHalt(2);
+            return;
+        }
+        automation::OutsideCall outside;
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
 }
 
 void EngineContext::RunScheduler(bool single)

@@ -107,6 +107,15 @@ public:
     // and carried out when the last of them returns. Answers the kind taken (0: none was pending).
     void DeferHalt(int kind) { m_deferredHalt = kind; }
     int TakeDeferredHalt() { return std::exchange(m_deferredHalt, 0); }
+    bool HaltDeferred() const { return m_deferredHalt != 0; }
+    // A Step asked for while the engine was not active: the next host call into macros stops at its
+    // procedure's first line. Answers whether one was asked for, and forgets it.
+    bool TakeStepIntoHostCall() { return std::exchange(m_stepIntoHostCall, false); }
+    // Waits while a host call into macros is stopped for debugging: serves the host's messages (its
+    // DoEvents, or the thread's message queue) about every 100 ms until the call has returned (the
+    // execution stack is back at mark), a halt is pending, or goOn answers false. Meanwhile the host's Run
+    // and Step go on with the call only.
+    void WaitForHostCall(std::size_t mark, const std::function<bool()>& goOn);
 
     unsigned char TraceByte(int which) const { return m_trace[which]; }
     bool ApiTraceOn() const { return (m_trace[0] & 0x40) != 0; }
@@ -172,6 +181,9 @@ private:
     bool StatementExecuting() const { return m_interpreter.ExecutionMarker() != 0; }
     void RunScheduler(bool single);
     void DeferIdleNotification();
+    // One round of the host's messages while a host call waits: the callback's DoEvents, or up to 100
+    // messages of the thread's queue.
+    void ServeHostMessages();
     void DefaultNotify(short code);
     // Writes a trace line through the callback (or the test sink) whatever the trace bytes say.
     void WriteTrace(TraceKind kind, const std::wstring& text);

@@ -147,8 +147,9 @@ HRESULT FireObject::CallInsideEngine(bool function, const DISPPARAMS& parameters
     EngineContext& context = m_engine.Context();
     if (IsHaltedForGood())
         return ExceptionForError(ToNumber(ErrorId::HaltedForGood), exception);
-    if (m_debugging && context.Machine().ExecutionMarker() == 0 &&
-        context.Control(EngineContext::kActionQuietQuery, 0) == RunState::Stopped)
+    // A debugging call does not break into a statement that another thread has in progress.
+    Interpreter& machine = context.Machine();
+    if (m_debugging && machine.ExecutionMarker() < 0 && machine.StepThread() != GetCurrentThreadId())
         return ExceptionForError(ToNumber(ErrorId::BusyForService), exception);
     MacroCallTarget target;
     if (!context.Modules().FindHostProcedure(ProcedureName(parameters),
@@ -162,7 +163,10 @@ HRESULT FireObject::CallInsideEngine(bool function, const DISPPARAMS& parameters
         return matching;
     m_busy = true;
     Variant value;
-    const HRESULT outcome = CallMacroProcedure(context, target, matched, function ? &value : nullptr, exception);
+    // A debugging fire object's calls may stop in the debugger; the others run to their end.
+    const HostCallMode mode = m_debugging ? DebuggableCallMode(context, false) : HostCallMode::kPlain;
+    const HRESULT outcome =
+        CallMacroProcedure(context, target, matched, function ? &value : nullptr, exception, mode);
     m_busy = false;
     if (outcome == S_OK) {
         m_succeeded = true;

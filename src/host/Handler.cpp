@@ -262,7 +262,8 @@ HRESULT Handler::CallWith(const GivenArguments& given, VARIANT* result, EXCEPINF
             outcome = MatchArguments(*target.procedure, given, matched, argumentError);
             Variant value;
             if (SUCCEEDED(outcome))
-                outcome = CallMacroProcedure(context, target, matched, result ? &value : nullptr, exception);
+                outcome = CallMacroProcedure(context, target, matched, result ? &value : nullptr, exception,
+                                             DebuggableCallMode(context, m_stepInto));
             if (outcome == S_OK && result) {
                 VariantInit(result);
                 value.Detach(*result);

@@ -81,7 +81,67 @@ void CarryOutDeferredHalt(EngineContext& context)
     }
 }
 
+// The run stopped inside a debuggable call: unless an error or a halt ended it, the engine reports
+// stopped and the caller waits while the host looks at the call and goes on with it.
+void WaitWhileStopped(EngineContext& context, std::size_t mark, unsigned long errorsBefore)
+{
+    const auto noNewError = [&] { return context.UntrappedErrorCount() == errorsBefore; };
+    if (!noNewError() || context.HaltDeferred())
+        return;
+    Interpreter& machine = context.Machine();
+    // No statement executes while the call waits: the host's Run and Step are served.
+    machine.SetExecutionMarker(0);
+    if (machine.RunLevel() > 0)
+        (void)context.Control(EngineContext::kActionStop, 0);
+    context.WaitForHostCall(mark, noNewError);
+}
+
+// Runs a nested call as the mode asks; plain calls keep the run around them from stopping in them.
+bool RunInMode(EngineContext& context, const MacroCallTarget& target, const ModuleManager::NestedArguments& push,
+               Variant& returned, HostCallMode mode, unsigned long errorsBefore)
+{
+    Interpreter& machine = context.Machine();
+    ModuleManager& modules = context.Modules();
+    if (mode == HostCallMode::kPlain) {
+        const int runDepth = machine.RunDepth();
+        const int stepCounter = machine.StepCounter();
+        machine.EnterPlainCall();
+        machine.PrepareRun(0);
+        const bool finished = modules.RunNested(*target.procedure->code, *target.instance, push, &returned);
+        machine.LeavePlainCall();
+        machine.PrepareRun(runDepth);
+        machine.SetStepCounter(stepCounter);
+        return finished;
+    }
+    const bool statementExecuting = machine.ExecutionMarker() != 0;
+    const RunState state = context.Control(EngineContext::kActionQuietQuery, 0);
+    const RunState used = mode == HostCallMode::kStepInto ? RunState::Stopped : state;
+    const int level = machine.RunLevel() < 0 ? -machine.RunLevel() : machine.RunLevel();
+    Interpreter::DebuggedCall debugged;
+    debugged.lineTracing = level != 0 && level % 2 == 0;
+    debugged.runDepth = used == RunState::Stopped ? EngineContext::kStepDepth : 0;
+    debugged.whileStopped = [&](std::size_t mark) { WaitWhileStopped(context, mark, errorsBefore); };
+    const bool finished = modules.RunNested(*target.procedure->code, *target.instance, push, &returned,
+                                            Interpreter::ErrorExit::kReport, &debugged);
+    // A call made into a stopped engine (or a busy one) leaves it stopped where it was.
+    if (used == RunState::Busy || (used == RunState::Stopped && !statementExecuting)) {
+        if (machine.RunLevel() < 0)
+            machine.SetRunLevel(-machine.RunLevel());
+        (void)context.Control(EngineContext::kActionStop, 0);
+    }
+    return finished;
+}
+
 } // namespace
+
+HostCallMode DebuggableCallMode(EngineContext& context, bool stepInto)
+{
+    Interpreter& machine = context.Machine();
+    if (machine.ExecutionMarker() < -1 || machine.IsEvaluating())
+        return HostCallMode::kPlain;
+    const bool stepAsked = context.TakeStepIntoHostCall();
+    return stepInto || stepAsked ? HostCallMode::kStepInto : HostCallMode::kNormal;
+}
 
 HRESULT ExceptionForError(long number, EXCEPINFO* exception)
 {
@@ -93,7 +153,7 @@ HRESULT ExceptionForError(long number, EXCEPINFO* exception)
 bool IsHaltedForGood() { return HaltFlags::Has(HaltFlags::kOutOfMemory); }
 
 HRESULT CallMacroProcedure(EngineContext& context, const MacroCallTarget& target, const MatchedArguments& arguments,
-                           Variant* value, EXCEPINFO* exception)
+                           Variant* value, EXCEPINFO* exception, HostCallMode mode)
 {
     const Procedure& procedure = *target.procedure;
     BoundArguments fixed;
@@ -125,7 +185,7 @@ HRESULT CallMacroProcedure(EngineContext& context, const MacroCallTarget& target
         machine.ExecutionMarker() == 0 && context.Control(EngineContext::kActionQuietQuery, 0) == RunState::Idle;
     Variant returned;
     context.EnterHostCall();
-    const bool finished = context.Modules().RunNested(*procedure.code, *target.instance, push, &returned);
+    const bool finished = RunInMode(context, target, push, returned, mode, errorsBefore);
     context.LeaveHostCall();
     if (wasIdle) {
         // The stop that an untrapped error requested has nothing left to stop.

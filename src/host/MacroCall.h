@@ -13,6 +13,17 @@ class ModuleInstance;
 class Variant;
 struct Procedure;
 
+// How a host call into macros treats debugging.
+enum class HostCallMode {
+    // Runs to its end inside the call: break points and Stop statements do not stop it.
+    kPlain,
+    // A break point (or a Stop, or a step) stops the engine in the procedure; the caller waits, serving
+    // the host's messages, until the host's debugger has gone on with the call to its end.
+    kNormal,
+    // As kNormal, stopping at the procedure's first line (a step into the call).
+    kStepInto,
+};
+
 struct MacroCallTarget {
     Procedure* procedure = nullptr;
     ModuleInstance* instance = nullptr;
@@ -22,9 +33,16 @@ struct MacroCallTarget {
 // procedure's assignments reach them; the others are copied). value (when given) receives a
 // Function's result with references followed. S_OK when the procedure returned; DISP_E_EXCEPTION
 // with exception filled (when given) from the error the call left; E_OUTOFMEMORY when the value
-// stack or a copy could not be made. Must run inside the engine's entry guard.
+// stack or a copy could not be made. Must run inside the engine's entry guard. Outside plain mode the
+// call goes as the engine's state asks: into an idle engine it runs until it returns or stops; into a
+// stopped engine it stops at the procedure's first line and leaves the engine stopped afterwards.
 HRESULT CallMacroProcedure(EngineContext& context, const MacroCallTarget& target, const MatchedArguments& arguments,
-                           Variant* value, EXCEPINFO* exception);
+                           Variant* value, EXCEPINFO* exception, HostCallMode mode = HostCallMode::kPlain);
+
+// The mode of a host call that may be debugged: plain while the engine is inside a single step or
+// evaluating; a step into the call when stepInto is set or a Step was asked for while the engine was not
+// active (that request is then used up); else normal.
+HostCallMode DebuggableCallMode(EngineContext& context, bool stepInto);
 
 // DISP_E_EXCEPTION with exception (when given) describing error number with its message.
 HRESULT ExceptionForError(long number, EXCEPINFO* exception);

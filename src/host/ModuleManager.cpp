@@ -567,7 +567,8 @@ bool ModuleManager::InitializeUsedModules(const std::vector<ModuleInstance*>& in
 }
 
 bool ModuleManager::RunNested(ProcedureCode& code, ModuleInstance& instance, const NestedArguments& push,
-                              Variant* result, Interpreter::ErrorExit errorExit)
+                              Variant* result, Interpreter::ErrorExit errorExit,
+                              const Interpreter::DebuggedCall* debugged)
 {
     Interpreter& machine = m_context.Machine();
     ValueStack& values = machine.Values();
@@ -592,7 +593,7 @@ bool ModuleManager::RunNested(ProcedureCode& code, ModuleInstance& instance, con
         return false;
     // The steps of the call leave their own marker; the caller's state comes back afterwards.
     const int marker = machine.ExecutionMarker();
-    const bool finished = machine.RunHostCall(code, &instance, errorExit);
+    const bool finished = machine.RunHostCall(code, &instance, errorExit, debugged);
     machine.SetExecutionMarker(marker);
     if (result && values.Size() > 0)
         *result = std::move(values.At(0));

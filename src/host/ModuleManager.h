@@ -159,10 +159,12 @@ public:
     // Runs a procedure of an instance to its end as a nested call, on a value stack of its own; push
     // (when given) puts the call's values on it first, and result (when given) receives what the bottom
     // slot holds afterwards (a Function's result). The execution marker is kept. errorExit says where
-    // an error that the call does not trap goes (Interpreter::RunHostCall).
+    // an error that the call does not trap goes, and debugged (when given) how the call may stop for
+    // debugging (Interpreter::RunHostCall).
     [[nodiscard]] bool RunNested(ProcedureCode& code, ModuleInstance& instance, const NestedArguments& push = {},
                                  Variant* result = nullptr,
-                                 Interpreter::ErrorExit errorExit = Interpreter::ErrorExit::kReport);
+                                 Interpreter::ErrorExit errorExit = Interpreter::ErrorExit::kReport,
+                                 const Interpreter::DebuggedCall* debugged = nullptr);
     EngineContext& Context() const { return m_context; }
 
 private:

@@ -57,7 +57,7 @@ bool DoEvents(BuiltinArguments&, BuiltinResult&)
 bool Stop(BuiltinArguments&, BuiltinResult&)
 {
     Interpreter* interpreter = Interpreter::Current();
-    if (!interpreter || interpreter->StepCounter() != 3)
+    if (!interpreter || interpreter->StepCounter() != 3 || !interpreter->DebugStopsAllowed())
         return true;
     return interpreter->RequestAction(InterpreterHost::kActionStop, 0);
 }

@@ -35,6 +35,8 @@ public:
     // Called after each DebugPrint is recorded, with the engine object (tests that re-enter the engine).
     std::function<void(IDispatch* engine)> onDebugPrint;
     std::vector<short> notifications;
+    // Called after each notification is recorded, with the engine object and the code.
+    std::function<void(IDispatch* engine, short code)> onNotify;
     std::vector<std::wstring> reads;
     std::vector<long> errorNumbers;
     int badCalls = 0;
@@ -106,6 +108,8 @@ public:
                     engine->Release();
                 }
             }
+            if (onNotify)
+                onNotify(parameters->rgvarg[1].pdispVal, argument.iVal);
             return S_OK;
         case kReadMacro: {
             std::wstring name(argument.bstrVal, SysStringLen(argument.bstrVal));
