@@ -1,6 +1,7 @@
 #include "automation/ExtensionList.h"
 
 #include "frontend/CharClasses.h"
+#include "frontend/ReachedNames.h"
 #include "host/AnsiText.h"
 #include "values/Variant.h"
 
@@ -53,15 +54,17 @@ GUID LibraryGuid(ITypeLib* library)
     return guid;
 }
 
-// The value of a constant of an enumeration or module of the library; false when it has none of
-// that name.
-bool FindLibraryConstant(ITypeLib* library, const std::string& name, long& value)
+// The value of a constant of an enumeration or module of the library (of the one named typeName when
+// it is not empty); false when it has none of that name.
+bool FindLibraryConstant(ITypeLib* library, const std::string& name, long& value, std::string_view typeName = {})
 {
     const std::wstring wanted = WideFromAnsi(name);
     const UINT count = library->GetTypeInfoCount();
     for (UINT i = 0; i < count; ++i) {
         ComRef<ITypeInfo> type;
         if (FAILED(library->GetTypeInfo(i, type.Out())))
+            continue;
+        if (!typeName.empty() && !SameName(AnsiFromWide(TypeName(type.Get())), typeName))
             continue;
         TYPEATTR* attributes = nullptr;
         if (FAILED(type->GetTypeAttr(&attributes)) || !attributes)
@@ -130,11 +133,16 @@ bool ExtensionList::HasMember(ITypeInfo* type, const std::string& name)
 
 bool ExtensionList::Visible(const Extension& item, const std::string& module) const
 {
+    // System extensions serve every project; the others only their own project's modules.
+    if (!(item.flags & kExtensionSystem) && !SameName(item.project, ProjectOfModuleName(module)))
+        return false;
     return item.module.empty() || (!module.empty() && SameName(item.module, module));
 }
 
 void ExtensionList::TraceItem(const wchar_t* verb, const Extension& item) const
 {
+    if (!item.referencedProject.empty())
+        return;
     const std::wstring name = WideFromAnsi(item.name);
     if (item.library) {
         Trace(kTraceEvent, std::wstring(verb) + L" Library '" + name + L"' TypeLib=" + LibraryName(item.library.Get()) +
@@ -162,7 +170,7 @@ bool ExtensionList::Add(const std::string& prefixText, IDispatch* object)
 {
     ExtensionPrefix prefix = SplitPrefix(prefixText);
     if (prefix.hasModule)
-        prefix.module = m_host.MapModuleName(prefix.module);
+        prefix.module = QualifiedModule(prefix);
     return AddParsed(prefixText, std::move(prefix), object, true);
 }
 
@@ -184,11 +192,13 @@ bool ExtensionList::AddParsed(const std::string& text, ExtensionPrefix prefix, I
         Trace(kTraceDetail, L"Source TypeInfo not available");
         return Finish(false, false);
     }
+    Extension item;
+    item.project = prefix.hasModule ? std::string(ProjectOfModuleName(prefix.module)) : prefix.project;
+    item.module = prefix.hasModule ? prefix.module : std::string();
+    item.prefix = prefix.rest;
     const char first = prefix.rest.empty() ? '\0' : prefix.rest.front();
-    if (!object && first != '{' && first != '!') {
-        // A project reference: this engine has one project, which reaches everything it holds.
-        return Finish(false, false);
-    }
+    if (!object && first != '{' && first != '!')
+        return AddProjectReference(std::move(item), prefix);
     if (const std::string* creating = fromHost ? m_host.InstanceModuleBeingCreated() : nullptr) {
         // While the host makes its object for a new instance, only that module's extensions may come.
         if (!prefix.hasModule || !SameName(m_host.MapModuleName(prefix.module), *creating)) {
@@ -199,9 +209,6 @@ bool ExtensionList::AddParsed(const std::string& text, ExtensionPrefix prefix, I
         Trace(kTraceDetail, L"Module specific extension not allowed for a module that already exists.");
         return Finish(false, false);
     }
-    Extension item;
-    item.module = prefix.hasModule ? prefix.module : std::string();
-    item.prefix = prefix.rest;
     ReadKind(prefix);
     item.flags = prefix.flags;
     if (prefix.variable) {
@@ -241,7 +248,8 @@ bool ExtensionList::AddLibrary(Extension item, const ExtensionPrefix& prefix, ID
     Trace(kTraceDetail, L"TypeLib.Name=" + LibraryName(library.Get()));
     for (const Extension& held : m_items) {
         // The same library for the same owner is there already.
-        if (held.library && SameName(held.module, item.module) && IsEqualGUID(LibraryGuid(held.library.Get()), guid))
+        if (held.library && SameName(held.project, item.project) && SameName(held.module, item.module) &&
+            IsEqualGUID(LibraryGuid(held.library.Get()), guid))
             return Finish(true, false);
     }
     item.name = AnsiFromWide(LibraryName(library.Get()));
@@ -285,10 +293,11 @@ bool ExtensionList::Remove(const std::string& prefixText)
 {
     ExtensionPrefix prefix = SplitPrefix(prefixText);
     std::string rest = prefix.rest;
-    std::string module = prefix.hasModule && !prefix.module.empty() ? m_host.MapModuleName(prefix.module) : std::string();
+    std::string module = prefix.hasModule && !prefix.module.empty() ? QualifiedModule(prefix) : std::string();
     bool forModule = !module.empty();
     if (!rest.empty() && rest.front() != '{' && !prefix.hasModule) {
-        module = m_host.MapModuleName(rest);
+        prefix.module = rest;
+        module = QualifiedModule(prefix);
         forModule = true;
         rest.clear();
     }
@@ -316,6 +325,7 @@ bool ExtensionList::Remove(const std::string& prefixText)
         // The project's: all of them (system extensions only when asked with "$") or those of that prefix.
         take([&](const Extension& item) {
             return item.module.empty() && ((item.flags & kExtensionSystem) != 0) == system &&
+                   SameName(item.project, prefix.project) &&
                    (rest.empty() || SameName(item.prefix, rest));
         });
     } else if (m_host.ModuleExists(module)) {
@@ -358,7 +368,7 @@ ExtensionName ExtensionList::Find(const std::string& module, const std::string& 
         if (!item.module.empty() && Visible(item, module))
             visible.push_back(&item);
     for (const Extension& item : m_items)
-        if (item.module.empty())
+        if (item.module.empty() && Visible(item, module))
             visible.push_back(&item);
     for (const Extension* item : visible) {
         if ((item->flags & kExtensionNamed) && item->object && !item->library && !item->name.empty() &&
@@ -378,6 +388,27 @@ ExtensionName ExtensionList::Find(const std::string& module, const std::string& 
     }
     for (const Extension* item : visible) {
         if (item->library && FindLibraryConstant(item->library.Get(), name, found.constant)) {
+            found.kind = ExtensionName::Kind::Constant;
+            return found;
+        }
+    }
+    // "Library", "Library.Constant", "Library.Enumeration.Constant".
+    const std::size_t dot = name.find('.');
+    const std::string libraryPart = name.substr(0, dot);
+    for (const Extension* item : visible) {
+        if (!item->library || !SameName(AnsiFromWide(LibraryName(item->library.Get())), libraryPart))
+            continue;
+        if (dot == std::string::npos) {
+            found.kind = ExtensionName::Kind::Library;
+            return found;
+        }
+        std::string constant = name.substr(dot + 1);
+        std::string typeName;
+        if (const std::size_t second = constant.find('.'); second != std::string::npos) {
+            typeName = constant.substr(0, second);
+            constant.erase(0, second + 1);
+        }
+        if (FindLibraryConstant(item->library.Get(), constant, found.constant, typeName)) {
             found.kind = ExtensionName::Kind::Constant;
             return found;
         }
@@ -456,6 +487,27 @@ std::vector<ExtensionTypeEntry> ExtensionList::Types(const std::string& module) 
         }
     }
     return entries;
+}
+
+bool IsEnumType(ITypeInfo* type)
+{
+    TYPEATTR* attributes = nullptr;
+    if (!type || FAILED(type->GetTypeAttr(&attributes)) || !attributes)
+        return false;
+    const bool isEnum = attributes->typekind == TKIND_ENUM;
+    type->ReleaseTypeAttr(attributes);
+    return isEnum;
+}
+
+std::wstring CreatableClassId(ITypeInfo* type)
+{
+    TYPEATTR* attributes = nullptr;
+    if (!type || FAILED(type->GetTypeAttr(&attributes)) || !attributes)
+        return {};
+    const bool creatable = attributes->typekind == TKIND_COCLASS && (attributes->wTypeFlags & TYPEFLAG_FCANCREATE);
+    const GUID guid = attributes->guid;
+    type->ReleaseTypeAttr(attributes);
+    return creatable ? GuidText(guid) : std::wstring();
 }
 
 } // namespace brannoc::automation

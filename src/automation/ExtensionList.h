@@ -25,6 +25,12 @@ public:
     virtual std::string MapModuleName(const std::string& name) = 0;
     // True while the named module is loaded.
     virtual bool ModuleExists(const std::string& name) = 0;
+    // True when a project of that name has been created.
+    virtual bool ProjectExists(const std::string& name) const
+    {
+        (void)name;
+        return false;
+    }
     // True while the host reads a form's header (its ParseMacroProperties call).
     virtual bool ParsingModuleProperties() const { return false; }
     // The module whose new instance the host is making an object for (its NewMacroInstance call), or
@@ -33,7 +39,9 @@ public:
 };
 
 struct Extension {
-    std::string module;            // the owning module; empty for the project
+    std::string project;           // the owning project; empty for the default project
+    std::string module;            // the owning module (its full name); empty for the project
+    std::string referencedProject; // a reference to another project: its name
     std::string prefix;            // the prefix proper as given, for removal
     std::string name;              // the object's name, the variable's name, or the library's name
     unsigned flags = 0;
@@ -65,6 +73,11 @@ public:
     bool Remove(const std::string& prefixText);
     // Removes what belongs to a module: its references only, or everything it owns.
     void RemoveModule(const std::string& module, bool referencesOnly);
+    // Removes what a project owns (every named project's for an empty name): it is being destroyed.
+    void RemoveProject(const std::string& project);
+    // The module's own project, then the projects it reaches through project references (its
+    // project's, and for the module itself its own), each once, breadth first.
+    std::vector<std::string> ReachableProjects(const std::string& module) const;
 
     // What a name means to the module's code (named objects, then members, then library constants).
     ExtensionName Find(const std::string& module, const std::string& name) const;
@@ -87,6 +100,9 @@ private:
     bool AddParsed(const std::string& text, ExtensionPrefix prefix, IDispatch* object, bool fromHost);
     bool AddLibrary(Extension item, const ExtensionPrefix& prefix, IDispatch* object);
     bool AddObject(Extension item, IDispatch* object);
+    bool AddProjectReference(Extension item, const ExtensionPrefix& prefix);
+    // The full name of a module part: "<P>module" when the prefix has a project part.
+    std::string QualifiedModule(const ExtensionPrefix& prefix) const;
     void Trace(short kind, const std::wstring& text) const { m_host.TraceExtension(kind, text); }
     void TraceItem(const wchar_t* verb, const Extension& item) const;
     // Ends an Add: the result and exit lines, and notification 14 when the list changed.
@@ -100,5 +116,10 @@ private:
 std::wstring TypeDescription(ITypeInfo* type);
 std::wstring TypeName(ITypeInfo* type);
 std::wstring LibraryName(ITypeLib* library);
+// True for the type information of an enumeration.
+bool IsEnumType(ITypeInfo* type);
+// The class identifier text of a class that New may create (a coclass marked creatable); empty for any
+// other type.
+std::wstring CreatableClassId(ITypeInfo* type);
 
 } // namespace brannoc::automation

@@ -360,6 +360,9 @@ private:
     // extension's object (or on the object a module variable holds), a library constant.
     [[nodiscard]] bool ParseExtensionName(const std::string& name, const ExtensionName& found, MemberAccess access,
                                           Expression& out);
+    // New Class or New Library.Class of a referenced library (at the class's name): the object is made
+    // from the class identifier as CreateObject makes it.
+    [[nodiscard]] bool ParseNewLibraryClass(Expression& out);
     // The class module of that name among the modules this one uses, or null.
     const Module* FindClassModule(std::string_view name) const;
     // The class module a declared type names, or null (not a class, or an array).

@@ -87,10 +87,32 @@ void Compiler::DestroyModule(Module* module)
     for (auto& other : m_modules) {
         auto& used = other->UsedModules();
         used.erase(std::remove(used.begin(), used.end(), module), used.end());
+        auto& projectModules = other->ProjectModules();
+        projectModules.erase(std::remove(projectModules.begin(), projectModules.end(), module), projectModules.end());
     }
     m_modules.erase(std::remove_if(m_modules.begin(), m_modules.end(),
                                    [module](const std::unique_ptr<Module>& held) { return held.get() == module; }),
                     m_modules.end());
+}
+
+// The modules of the reachable projects that have finished compiling, in load order: class and object
+// modules by their names, plain modules unless they are private (macros are).
+void Compiler::FindProjectModules(Module& module)
+{
+    std::vector<Module*>& found = module.ProjectModules();
+    found.clear();
+    for (const std::string& project : m_source.ReachableProjects(module.Name())) {
+        for (const auto& other : m_modules) {
+            // An older compile of the same module (still held by modules compiled against it) is not
+            // one of the others.
+            if (other.get() == &module || SameName(other->Name(), module.Name()) || other->State() != nullptr ||
+                !SameName(ProjectOfModuleName(other->Name()), project) ||
+                (other->Kind() == ModuleKind::Plain && other->IsPrivateModule()) ||
+                std::find(found.begin(), found.end(), other.get()) != found.end())
+                continue;
+            found.push_back(other.get());
+        }
+    }
 }
 
 void Compiler::TraceEntry(std::string_view phase, std::string_view module)
@@ -151,6 +173,9 @@ void Compiler::DeclarationPhases(Module& module, ParseResult& result)
     TraceEntry("ParseDeclarations1", module.Name());
     ParseDeclarations1(module, result);
     TraceResult(result);
+    // After the reference lines: they may name projects whose modules the module then reaches.
+    if (result == ParseResult::Okay)
+        FindProjectModules(module);
     if (result == ParseResult::Okay)
         Uses(module, result);
     if (result == ParseResult::Okay) {

@@ -63,6 +63,7 @@ private:
     void Definitions(Module& module, ParseResult& result);
     void ReadHeader(Module& module);
     void ReadReferences(Module& module);
+    void FindProjectModules(Module& module);
     [[nodiscard]] bool ScanUses(Module& module, std::string_view keyword, ParseResult& result);
     void DecideEntries(Module& module);
     void CheckEntry(Module& module, Procedure* procedure, bool mustBePrivate);

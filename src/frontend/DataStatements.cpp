@@ -371,6 +371,12 @@ bool BodyParser::ReadType(TypeCode& type, const Module** classModule, const User
                 if (classModule)
                     *classModule = nullptr;
             }
+            // A referenced library's enumeration stands for Long, as the module's own do.
+            if (word != Token::Object && m_module.Source() && m_module.Source()->IsExternalEnumName(m_module.Name(), name)) {
+                type = TypeCode(TypeCode::kLong);
+                if (classModule)
+                    *classModule = nullptr;
+            }
             return true;
         }
         m_lexer.SignalError(CompileMessage::ExpectingAValidDataTypeEgInteger);

@@ -238,6 +238,11 @@ bool DeclarationReader::ResolveNamedType(TypeSpec& type)
     }
     if (m_isClassName != nullptr && m_isClassName(m_context, type.className))
         return true;
+    if (m_source != nullptr && m_source->IsExternalEnumName(m_module.Name(), type.className)) {
+        type.code = TypeCode(static_cast<std::uint16_t>(TypeCode::kLong | (type.code.Code() & ~TypeCode::kScalarMask)));
+        type.className.clear();
+        return true;
+    }
     if (m_source != nullptr && m_source->IsExternalTypeName(m_module.Name(), type.className))
         return true;
     m_lexer.SignalErrorAt(CompileMessage::ExpectingAValidDataTypeEgInteger, {}, type.namePosition);

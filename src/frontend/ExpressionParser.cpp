@@ -493,10 +493,8 @@ bool BodyParser::ParseFactor(Expression& out, bool* simpleVariable)
             return false;
         }
         const Module* classModule = FindClassModule(m_lexer.Text());
-        if (!classModule) {
-            m_lexer.SignalError(CompileMessage::ExpectingAValidDataTypeEgInteger);
-            return false;
-        }
+        if (!classModule)
+            return ParseNewLibraryClass(out);
         m_lexer.NextToken();
         AppendModuleObject(out, ExprOpCode::kNew, *classModule);
         return true;

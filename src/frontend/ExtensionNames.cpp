@@ -1,9 +1,11 @@
 // Names that the host's extensions and the modules' type-library references give: they come after the
-// module's own names and the public names of the modules it reaches, before the built-in names.
+// module's own names and the public names of the modules it reaches, before the built-in names; and the
+// creatable classes of referenced libraries after New.
 #include "frontend/BodyParser.h"
 
 #include "code/MemberCall.h"
 #include "frontend/CharClasses.h"
+#include "library/BuiltinTable.h"
 #include "values/Variant.h"
 
 namespace brannoc::body {
@@ -26,6 +28,30 @@ bool BodyParser::ParseExtensionName(const std::string& name, const ExtensionName
     case ExtensionName::Kind::Constant: {
         Variant value;
         value.SetLong(found.constant);
+        AppendConstant(out, std::move(value));
+        return true;
+    }
+    case ExtensionName::Kind::Library: {
+        // Library.Constant or Library.Enumeration.Constant: a constant of that reference.
+        std::string qualified = name;
+        const char* start = m_namePosition;
+        while (m_lexer.Kind() == Token::Dot && m_lexer.PreviousFollowingChar() == '.') {
+            m_lexer.NextToken();
+            if (!IsNameToken(m_lexer.Kind())) {
+                m_lexer.SignalError(CompileMessage::ExpectingAConstantVarNameOrFunctionName);
+                return false;
+            }
+            qualified += '.';
+            qualified += m_lexer.Text();
+            m_lexer.NextToken();
+        }
+        const ExtensionName constant = m_module.Source()->FindExtensionName(m_module.Name(), qualified);
+        if (constant.kind != ExtensionName::Kind::Constant) {
+            m_lexer.SignalErrorAt(CompileMessage::MethodOrPropertyNotFound, {}, start);
+            return false;
+        }
+        Variant value;
+        value.SetLong(constant.constant);
         AppendConstant(out, std::move(value));
         return true;
     }
@@ -61,6 +87,34 @@ bool BodyParser::ParseExtensionName(const std::string& name, const ExtensionName
     if (!ParseLateArguments(access, site, out, count))
         return false;
     AppendMemberCall(out, std::move(site), count, TypeCode(TypeCode::kVariant));
+    return true;
+}
+
+bool BodyParser::ParseNewLibraryClass(Expression& out)
+{
+    const char* namePosition = m_lexer.TokenStart();
+    std::string name(m_lexer.Text());
+    m_lexer.NextToken();
+    if (m_lexer.Kind() == Token::Dot && m_lexer.PreviousFollowingChar() == '.') {
+        m_lexer.NextToken();
+        if (IsNameToken(m_lexer.Kind())) {
+            name += '.';
+            name += m_lexer.Text();
+            m_lexer.NextToken();
+        }
+    }
+    const std::string classId = m_module.Source() ? m_module.Source()->CreatableClassId(m_module.Name(), name) : "";
+    const BuiltinRecord* creation = FindBuiltin(Token::CreateObject);
+    Variant text;
+    if (classId.empty() || !creation || !text.SetString(Widen(classId))) {
+        m_lexer.SignalErrorAt(CompileMessage::ExpectingAValidDataTypeEgInteger, {}, namePosition);
+        return false;
+    }
+    std::vector<std::optional<Expression>> arguments(1);
+    arguments[0].emplace();
+    AppendConstant(*arguments[0], std::move(text));
+    EmitBuiltinCall(*creation, arguments, false, out);
+    out.type = TypeCode(TypeCode::kObject);
     return true;
 }
 

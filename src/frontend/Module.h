@@ -113,6 +113,10 @@ public:
 
     std::vector<Module*>& UsedModules() { return m_used; }
     const std::vector<Module*>& UsedModules() const { return m_used; }
+    // The public modules of its project and of the projects it references that were loaded when it
+    // was compiled (besides those it names in '#Uses), in load order.
+    std::vector<Module*>& ProjectModules() { return m_projectModules; }
+    const std::vector<Module*>& ProjectModules() const { return m_projectModules; }
 
     ParseState* State() { return m_state.get(); }
     const ParseState* State() const { return m_state.get(); }
@@ -168,6 +172,7 @@ private:
     bool m_optionExplicit = false;
     bool m_privateModule = false;
     std::vector<Module*> m_used;
+    std::vector<Module*> m_projectModules;
     std::unique_ptr<CompiledModule> m_compiled;
     std::uint32_t m_flags = 0;
 };

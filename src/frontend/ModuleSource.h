@@ -5,19 +5,21 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace brannoc {
 
 // What a name means through the host's extensions and type-library references.
 struct ExtensionName {
-    enum class Kind { None, Object, Member, VariableMember, Constant };
+    enum class Kind { None, Object, Member, VariableMember, Constant, Library };
     Kind kind = Kind::None;
     // Object: the named object; Member: the object whose member the name is. Borrowed: the
     // extension list holds it while the extension exists, compiled code takes its own reference.
     IDispatch* object = nullptr;
     // VariableMember: the module variable whose object has the member.
     std::string variable;
-    // Constant: an enumeration member's value.
+    // Constant: an enumeration member's value. Library: the name is a referenced library's, whose
+    // constants are named "Library.Constant" or "Library.Enumeration.Constant".
     long constant = 0;
 };
 
@@ -76,6 +78,29 @@ public:
     {
         (void)module;
         (void)name;
+        return {};
+    }
+    // True when the name is an enumeration of a type-library reference visible to the module.
+    virtual bool IsExternalEnumName(std::string_view module, std::string_view name)
+    {
+        (void)module;
+        (void)name;
+        return false;
+    }
+    // The class identifier ("{...}") of a creatable class of a type-library reference visible to the
+    // module ("Class" or "Library.Class"); empty when the name is no such class.
+    virtual std::string CreatableClassId(std::string_view module, std::string_view name)
+    {
+        (void)module;
+        (void)name;
+        return {};
+    }
+    // The projects whose loaded modules give the module their public names: its own project first,
+    // then the projects that its project (or the module itself) references, directly or through
+    // others. Empty when the source keeps no projects.
+    virtual std::vector<std::string> ReachableProjects(std::string_view module)
+    {
+        (void)module;
         return {};
     }
 };

@@ -17,7 +17,19 @@ std::vector<Module*> ReachedModules(Module& module)
         reached.push_back(used);
         pending.insert(pending.end(), used->UsedModules().begin(), used->UsedModules().end());
     }
+    for (Module* other : module.ProjectModules()) {
+        if (other != &module && std::find(reached.begin(), reached.end(), other) == reached.end())
+            reached.push_back(other);
+    }
     return reached;
+}
+
+std::string_view ProjectOfModuleName(std::string_view moduleName)
+{
+    if (moduleName.size() < 2 || moduleName.front() != '<')
+        return {};
+    const std::size_t close = moduleName.find('>');
+    return close == std::string_view::npos ? std::string_view() : moduleName.substr(1, close - 1);
 }
 
 namespace {

@@ -1,7 +1,8 @@
 #pragma once
 // The public names of the modules a module reaches through '#Uses: the modules it names, in the order of
-// those lines, then the ones they name in turn (breadth first), each once. Only plain modules have public
-// names reached this way; class and object modules are reached by their class names.
+// those lines, then the ones they name in turn (breadth first), each once; then the other public modules
+// of its project and of the projects it references. Only plain modules have public names reached this
+// way; class and object modules are reached by their class names.
 #include "frontend/Module.h"
 
 #include <string>
@@ -10,6 +11,9 @@
 namespace brannoc {
 
 std::vector<Module*> ReachedModules(Module& module);
+
+// The project of a module's name: P for "<P>name", empty for a module of the default project.
+std::string_view ProjectOfModuleName(std::string_view moduleName);
 
 // A public module-level variable of the reached modules: its module and index there, or null.
 Module* FindReachedVariable(const std::vector<Module*>& reached, const std::string& upperName, std::size_t& index);

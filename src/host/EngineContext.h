@@ -166,6 +166,7 @@ private:
     void ExtensionsChanged() override { SendNotification(kNotifyExtensionsChanged); }
     std::string MapModuleName(const std::string& name) override { return m_modules.MapName(name); }
     bool ModuleExists(const std::string& name) override { return m_modules.FindLoadedModule(name) != nullptr; }
+    bool ProjectExists(const std::string& name) const override { return m_modules.HasProject(name); }
     bool ParsingModuleProperties() const override { return m_parsingProperties; }
     const std::string* InstanceModuleBeingCreated() const override
     {

@@ -48,6 +48,21 @@ bool ModuleManager::IsExternalTypeName(std::string_view module, std::string_view
     return m_context.Extensions().FindType(std::string(module), std::string(name)) != nullptr;
 }
 
+bool ModuleManager::IsExternalEnumName(std::string_view module, std::string_view name)
+{
+    return automation::IsEnumType(m_context.Extensions().FindType(std::string(module), std::string(name)));
+}
+
+std::string ModuleManager::CreatableClassId(std::string_view module, std::string_view name)
+{
+    return AnsiFromWide(automation::CreatableClassId(m_context.Extensions().FindType(std::string(module), std::string(name))));
+}
+
+std::vector<std::string> ModuleManager::ReachableProjects(std::string_view module)
+{
+    return m_context.Extensions().ReachableProjects(std::string(module));
+}
+
 ExtensionName ModuleManager::FindExtensionName(std::string_view module, std::string_view name)
 {
     automation::ExtensionList& extensions = m_context.Extensions();

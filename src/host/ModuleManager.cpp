@@ -141,6 +141,7 @@ bool ModuleManager::DestroyProject(const std::string& name)
         Discard(moduleName);
         m_context.SendNotification(EngineContext::kNotifyUnloaded);
     }
+    m_context.Extensions().RemoveProject(bare);
     if (bare.empty())
         m_projects.clear();
     else
@@ -307,10 +308,13 @@ ModuleStatus ModuleManager::Load(const std::string& name, int mode)
     loaded->name = name;
     loaded->module = m_compiler->ParsedModule();
     loaded->reach.push_back(loaded->module);
+    // The modules its code names (through '#Uses or its projects) stay while it is loaded.
     for (std::size_t i = 0; i < loaded->reach.size(); ++i) {
-        for (Module* used : loaded->reach[i]->UsedModules()) {
-            if (std::find(loaded->reach.begin(), loaded->reach.end(), used) == loaded->reach.end())
-                loaded->reach.push_back(used);
+        for (const auto* list : {&loaded->reach[i]->UsedModules(), &loaded->reach[i]->ProjectModules()}) {
+            for (Module* used : *list) {
+                if (std::find(loaded->reach.begin(), loaded->reach.end(), used) == loaded->reach.end())
+                    loaded->reach.push_back(used);
+            }
         }
     }
     Loaded& added = *loaded;

@@ -199,6 +199,9 @@ private:
     bool BuildForm(std::string_view name, std::string_view headerText) override;
     bool IsExternalTypeName(std::string_view module, std::string_view name) override;
     ExtensionName FindExtensionName(std::string_view module, std::string_view name) override;
+    bool IsExternalEnumName(std::string_view module, std::string_view name) override;
+    std::string CreatableClassId(std::string_view module, std::string_view name) override;
+    std::vector<std::string> ReachableProjects(std::string_view module) override;
     // CompileErrorSink
     void Report(const CompileError& error) override;
 
