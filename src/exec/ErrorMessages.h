@@ -11,6 +11,7 @@ enum class ErrorId : long {
     Interrupted = 10000,
     OutOfMemory = 10001,
     SubOrFunctionMissing = 10018,
+    WrongParameterCount = 10019,
     CantAllocateLargeArray = 10021,
     ArrayNotDimensioned = 10022,
     ArrayIndexOutOfRange = 10023,

@@ -93,7 +93,7 @@ HRESULT ExceptionForError(long number, EXCEPINFO* exception)
 bool IsHaltedForGood() { return HaltFlags::Has(HaltFlags::kOutOfMemory); }
 
 HRESULT CallMacroProcedure(EngineContext& context, const MacroCallTarget& target, const MatchedArguments& arguments,
-                           Variant* value, EXCEPINFO* exception)
+                           Variant* value, EXCEPINFO* exception, Interpreter::ErrorExit errorExit)
 {
     const Procedure& procedure = *target.procedure;
     BoundArguments fixed;
@@ -125,7 +125,7 @@ HRESULT CallMacroProcedure(EngineContext& context, const MacroCallTarget& target
         machine.ExecutionMarker() == 0 && context.Control(EngineContext::kActionQuietQuery, 0) == RunState::Idle;
     Variant returned;
     context.EnterHostCall();
-    const bool finished = context.Modules().RunNested(*procedure.code, *target.instance, push, &returned);
+    const bool finished = context.Modules().RunNested(*procedure.code, *target.instance, push, &returned, errorExit);
     context.LeaveHostCall();
     if (wasIdle) {
         // The stop that an untrapped error requested has nothing left to stop.
