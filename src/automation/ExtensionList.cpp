@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
 namespace brannoc::automation {
 namespace {
@@ -187,11 +188,6 @@ bool ExtensionList::AddParsed(const std::string& text, ExtensionPrefix prefix, I
     const wchar_t* operation = prefix.withEvents ? L"AddExtensionWithEvents" : object ? L"AddExtension" : L"AddReference";
     Trace(kTraceEntry, L"*" + std::wstring(operation) + L"(\"" + WideFromAnsi(text) + L"\")");
     Trace(kTraceDetail, L"ExtObj=" + PointerText(object));
-    if (prefix.withEvents) {
-        // Routing an object's events to macro procedures is not available in this build.
-        Trace(kTraceDetail, L"Source TypeInfo not available");
-        return Finish(false, false);
-    }
     Extension item;
     item.project = prefix.hasModule ? std::string(ProjectOfModuleName(prefix.module)) : prefix.project;
     item.module = prefix.hasModule ? prefix.module : std::string();
@@ -209,6 +205,8 @@ bool ExtensionList::AddParsed(const std::string& text, ExtensionPrefix prefix, I
         Trace(kTraceDetail, L"Module specific extension not allowed for a module that already exists.");
         return Finish(false, false);
     }
+    if (prefix.withEvents)
+        return AddWithEvents(std::move(item), object);
     ReadKind(prefix);
     item.flags = prefix.flags;
     if (prefix.variable) {
@@ -289,6 +287,40 @@ bool ExtensionList::AddObject(Extension item, IDispatch* object)
     return Finish(true, true);
 }
 
+// The object becomes a named object (the prefix's part before the first "_" names it) whose events go
+// to the procedures named after the rest of the prefix (the name itself when the rest is empty).
+bool ExtensionList::AddWithEvents(Extension item, IDispatch* object)
+{
+    if (!object)
+        return Finish(false, false);
+    const std::size_t underscore = item.prefix.find('_');
+    item.name = item.prefix.substr(0, underscore);
+    const std::string rest = underscore == std::string::npos ? std::string() : item.prefix.substr(underscore + 1);
+    const std::string procedurePrefix = rest.empty() ? item.name : rest;
+    item.flags = kExtensionNamed;
+    item.object = ComRef<IDispatch>::Share(object);
+    UINT count = 0;
+    if (SUCCEEDED(object->GetTypeInfoCount(&count)) && count > 0 &&
+        FAILED(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, item.type.Out())))
+        item.type = ComRef<ITypeInfo>();
+    item.events = m_host.ConnectEvents(procedurePrefix, object);
+    m_items.push_back(std::move(item));
+    TraceItem(L"Add", m_items.back());
+    return Finish(true, true);
+}
+
+void ExtensionList::CloseEvents(Extension& item)
+{
+    if (EventConnection* events = std::exchange(item.events, nullptr))
+        events->Close();
+}
+
+ExtensionList::~ExtensionList()
+{
+    for (Extension& item : m_items)
+        CloseEvents(item);
+}
+
 bool ExtensionList::Remove(const std::string& prefixText)
 {
     ExtensionPrefix prefix = SplitPrefix(prefixText);
@@ -302,9 +334,9 @@ bool ExtensionList::Remove(const std::string& prefixText)
         rest.clear();
     }
     if (SameName(rest, "{Disconnect}")) {
-        // Event sinks of extensions are not made in this build: there is nothing to disconnect.
+        // The sinks stop delivering; extensions and the variables' objects stay.
         Trace(kTraceEntry, L"*Disconnect(\"" + WideFromAnsi(module) + L"\")");
-        return Finish(false, false);
+        return Finish(m_host.DisconnectEvents() > 0, false);
     }
     const bool parsingProperties = m_host.ParsingModuleProperties();
     Trace(kTraceEntry, std::wstring(parsingProperties ? L"*RemoveReferences(\"" : L"*RemoveExtensionsAndReferences(\"") +
@@ -337,8 +369,10 @@ bool ExtensionList::Remove(const std::string& prefixText)
     } else if (rest == "{}") {
         take([&](const Extension& item) { return SameName(item.module, module) && item.library && item.object; });
     }
-    for (const Extension& item : removed)
+    for (Extension& item : removed) {
         TraceItem(L"Remove", item);
+        CloseEvents(item);
+    }
     return Finish(!removed.empty(), !removed.empty());
 }
 
@@ -349,6 +383,7 @@ void ExtensionList::RemoveModule(const std::string& module, bool referencesOnly)
         if (!it->module.empty() && SameName(it->module, module) &&
             (!referencesOnly || (it->flags & kExtensionFromReferenceLine))) {
             TraceItem(L"Remove", *it);
+            CloseEvents(*it);
             it = m_items.erase(it);
             changed = true;
         } else {

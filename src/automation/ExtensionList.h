@@ -3,6 +3,7 @@
 // macros use as if they were built in, and registered libraries whose types and constants they use.
 // Each belongs to the project (every module sees it) or to one module.
 #include "automation/ExtensionPrefix.h"
+#include "exec/EventConnection.h"
 #include "frontend/ModuleSource.h"
 #include "host/ComRef.h"
 
@@ -36,6 +37,16 @@ public:
     // The module whose new instance the host is making an object for (its NewMacroInstance call), or
     // null outside such a call.
     virtual const std::string* InstanceModuleBeingCreated() const { return nullptr; }
+    // Routes the events of object to the procedures named prefix + "_" + event: a connected sink whose
+    // one hold the caller gets (given up by Close), or null when the object has no source interface.
+    virtual EventConnection* ConnectEvents(const std::string& prefix, IDispatch* object)
+    {
+        (void)prefix;
+        (void)object;
+        return nullptr;
+    }
+    // Disconnects every event sink of the engine; answers how many were connected.
+    virtual int DisconnectEvents() { return 0; }
 };
 
 struct Extension {
@@ -50,6 +61,8 @@ struct Extension {
     ComRef<IDispatch> object;
     ComRef<ITypeInfo> type;
     ComRef<ITypeLib> library;
+    // "{WithEvents}": the sink that routes the object's events (closed when the extension goes).
+    EventConnection* events = nullptr;
 };
 
 // One row of the extension types a module sees.
@@ -62,6 +75,7 @@ struct ExtensionTypeEntry {
 class ExtensionList final {
 public:
     explicit ExtensionList(ExtensionHost& host) : m_host(host) {}
+    ~ExtensionList();
     ExtensionList(const ExtensionList&) = delete;
     ExtensionList& operator=(const ExtensionList&) = delete;
 
@@ -103,6 +117,8 @@ private:
     bool AddProjectReference(Extension item, const ExtensionPrefix& prefix);
     // The full name of a module part: "<P>module" when the prefix has a project part.
     std::string QualifiedModule(const ExtensionPrefix& prefix) const;
+    bool AddWithEvents(Extension item, IDispatch* object);
+    static void CloseEvents(Extension& item);
     void Trace(short kind, const std::wstring& text) const { m_host.TraceExtension(kind, text); }
     void TraceItem(const wchar_t* verb, const Extension& item) const;
     // Ends an Add: the result and exit lines, and notification 14 when the list changed.

@@ -14,6 +14,7 @@ enum class ErrorId : long {
     Interrupted = 10000,
     OutOfMemory = kErrorOutOfMemory,
     SubOrFunctionMissing = 10018,
+    WrongParameterCount = 10019,
     CantAllocateLargeArray = 10021,
     ArrayNotDimensioned = kErrorArrayNotDimensioned,
     ArrayIndexOutOfRange = kErrorArrayIndexOutOfRange,

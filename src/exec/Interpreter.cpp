@@ -428,10 +428,10 @@ void Interpreter::QueueCall(Activation& activation)
         (void)SignalError(ErrorId::Overflow);
 }
 
-bool Interpreter::StartEntry(ProcedureCode& procedure, ModuleInstance* instance)
+bool Interpreter::StartEntry(ProcedureCode& procedure, ModuleInstance* instance, bool popArguments)
 {
     const std::size_t pendingBase = m_pending.Size();
-    (void)CallProcedure(procedure, ActivationKind::Entry, instance);
+    (void)CallProcedure(procedure, ActivationKind::Entry, instance, popArguments);
     MovePending(pendingBase);
     return !HaltFlags::MustStop();
 }

@@ -100,8 +100,9 @@ public:
     [[nodiscard]] CallOutcome RunBegunCall(Activation& activation);
 
     // Schedules a module's entry procedure (variant A) onto the execution stack; no statement runs.
-    // False when an error was raised.
-    [[nodiscard]] bool StartEntry(ProcedureCode& procedure, ModuleInstance* instance);
+    // With popArguments its arguments are on the value stack and go when it ends. False when an error
+    // was raised.
+    [[nodiscard]] bool StartEntry(ProcedureCode& procedure, ModuleInstance* instance, bool popArguments = false);
 
     // A host call into a procedure whose arguments are on the value stack: runs it to its end (or until
     // the run stops) and releases whatever it left above the stack height it started from. True when

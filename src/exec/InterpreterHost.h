@@ -3,6 +3,7 @@
 // operation, message pumping and the reporting of errors that no handler traps.
 #include "exec/ErrorRecord.h"
 
+#include <cstddef>
 #include <string>
 
 struct IUnknown;
@@ -117,6 +118,14 @@ public:
     }
     // The file streams of the engine (null: the host keeps none, and stream statements find nothing open).
     virtual StreamTable* Streams() { return nullptr; }
+    // A WithEvents variable (module-level variable `variable` of instance) was assigned object (null:
+    // Nothing): the events of the object it held before stop, those of object go to its procedures.
+    virtual void WithEventsAssigned(ModuleInstance& instance, std::size_t variable, IUnknown* object)
+    {
+        (void)instance;
+        (void)variable;
+        (void)object;
+    }
     // The module instance behind an object value made by NewInstance, else null.
     virtual ModuleInstance* InstanceOf(IUnknown* object) { (void)object; return nullptr; }
 

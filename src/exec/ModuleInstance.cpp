@@ -1,6 +1,7 @@
 #include "exec/ModuleInstance.h"
 
 #include "exec/ErrorMessages.h"
+#include "exec/EventConnection.h"
 #include "frontend/Module.h"
 
 #include <algorithm>
@@ -184,8 +185,40 @@ ModuleInstance* ModuleInstance::FindNumbered(const void* source, unsigned number
     return nullptr;
 }
 
+EventConnection* ModuleInstance::Connection(std::size_t variable) const noexcept
+{
+    for (const auto& [index, connection] : m_connections) {
+        if (index == variable)
+            return connection;
+    }
+    return nullptr;
+}
+
+void ModuleInstance::AddConnection(std::size_t variable, EventConnection* connection)
+{
+    m_connections.emplace_back(variable, connection);
+}
+
+void ModuleInstance::CloseConnections() noexcept
+{
+    while (!m_connections.empty()) {
+        EventConnection* connection = m_connections.back().second;
+        m_connections.pop_back();
+        connection->Close();
+    }
+}
+
+void ModuleInstance::RemoveListener(EventConnection* listener) noexcept { std::erase(m_listeners, listener); }
+
 ModuleInstance::~ModuleInstance()
 {
+    CloseConnections();
+    // Links still listening let go of this instance.
+    while (!m_listeners.empty()) {
+        EventConnection* listener = m_listeners.back();
+        m_listeners.pop_back();
+        listener->SourceEnded(*this);
+    }
     std::erase(s_live, this);
     // No instance keeps a link to this one.
     for (ModuleInstance* live : s_live)

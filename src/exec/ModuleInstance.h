@@ -7,11 +7,13 @@
 
 #include <cstddef>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace brannoc {
 
 class Module;
+class EventConnection;
 
 class ModuleInstance final {
 public:
@@ -74,6 +76,17 @@ public:
     // The live instance of a module that source compiled with that number, or null.
     static ModuleInstance* FindNumbered(const void* source, unsigned number) noexcept;
 
+    // WithEvents variables: the link of a variable (null before its first assignment); AddConnection
+    // gives the instance the link's one hold. CloseConnections closes them newest first (also when the
+    // instance goes).
+    EventConnection* Connection(std::size_t variable) const noexcept;
+    void AddConnection(std::size_t variable, EventConnection* connection);
+    void CloseConnections() noexcept;
+    // Links of other instances that hear this class instance's events (not held).
+    const std::vector<EventConnection*>& Listeners() const noexcept { return m_listeners; }
+    void AddListener(EventConnection* listener) { m_listeners.push_back(listener); }
+    void RemoveListener(EventConnection* listener) noexcept;
+
     // Set once the terminate procedure has run (or was found unneeded), so that it runs only once.
     bool IsTerminated() const noexcept { return m_terminated; }
     void MarkTerminated() noexcept { m_terminated = true; }
@@ -93,6 +106,8 @@ private:
     int m_failedVariable = -1;
     long m_storageError = 0;
     std::vector<ModuleInstance*> m_linked;
+    std::vector<std::pair<std::size_t, EventConnection*>> m_connections;
+    std::vector<EventConnection*> m_listeners;
     // Every live instance, oldest first (all engine code runs under the engine lock).
     static inline std::vector<ModuleInstance*> s_live;
 };

@@ -422,6 +422,7 @@ BodyParser::StatementPtr BodyParser::ParseSimple()
         statement = ParseAssignmentOrCall(AssignKind::Implicit);
         break;
     case Token::Call: statement = ParseCallStatement(); break;
+    case Token::RaiseEvent: statement = ParseRaiseEvent(); break;
     case Token::End: {
         m_lexer.NextToken();
         if (!IsStatementEnd(m_lexer.Kind())) {

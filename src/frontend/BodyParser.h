@@ -295,6 +295,9 @@ private:
     bool StartsObjectStatement() const;
     StatementPtr ParseObjectStatement(AssignKind kind, bool callOnly);
     StatementPtr ParseCallStatement();
+    StatementPtr ParseRaiseEvent();
+    // True for a module-level variable declared WithEvents.
+    bool IsWithEventsVariable(const VariableRef& target) const;
     StatementPtr ParseArrayAssignment(const VariableRef& target, const UserType* userType, const char* namePosition);
     StatementPtr Declaration();
     Block* Innermost(BlockKind kind);

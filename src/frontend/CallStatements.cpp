@@ -12,6 +12,7 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <algorithm>
 #include <optional>
 
 namespace brannoc::body {
@@ -47,6 +48,58 @@ BodyParser::StatementPtr BodyParser::ParseCallStatement()
     if (!ParseCallArguments(*callee, code, parenthesised ? ArgumentList::Parenthesised : ArgumentList::ToStatementEnd))
         return nullptr;
     return std::make_unique<EvaluateStatement>(std::move(code));
+}
+
+bool BodyParser::IsWithEventsVariable(const VariableRef& target) const
+{
+    if (target.scope != StorageScope::Module || target.index < 0)
+        return false;
+    const std::vector<std::unique_ptr<Variable>>& variables =
+        target.module ? target.module->Variables() : m_state.variables;
+    const auto index = static_cast<std::size_t>(target.index);
+    return index < variables.size() && variables[index]->withEvents;
+}
+
+// RaiseEvent name [ "(" [argument {"," argument}] ")" ]: an event the class module declares.
+BodyParser::StatementPtr BodyParser::ParseRaiseEvent()
+{
+    m_lexer.NextToken();
+    if (!IsNameToken(m_lexer.Kind())) {
+        m_lexer.SignalError(CompileMessage::MethodOrPropertyNotFound);
+        return nullptr;
+    }
+    const char* namePosition = m_lexer.TokenStart();
+    const std::string name = ReadName();
+    const auto declared = std::find_if(m_state.events.begin(), m_state.events.end(),
+                                       [&](const std::string& event) { return SameName(event, name); });
+    if (m_module.Kind() == ModuleKind::Plain || declared == m_state.events.end()) {
+        m_lexer.SignalErrorAt(CompileMessage::MethodOrPropertyNotFound, name, namePosition);
+        return nullptr;
+    }
+    Expression code;
+    int count = 0;
+    if (m_lexer.Accept(Token::LeftParen)) {
+        while (m_lexer.Kind() != Token::RightParen) {
+            Expression argument;
+            bool simple = false;
+            if (!ParseExpression(argument, &simple))
+                return nullptr;
+            // Variables go by reference, so that the event's procedures can change them.
+            if (simple)
+                argument.ops.back().code = ExprOpCode::kLoadRef;
+            code.Append(argument);
+            ++count;
+            if (!m_lexer.Accept(Token::Comma))
+                break;
+        }
+        if (!m_lexer.ExpectToken(Token::RightParen))
+            return nullptr;
+    }
+    if (!IsStatementEnd(m_lexer.Kind())) {
+        m_lexer.SignalError(CompileMessage::UnexpectedText, m_lexer.Text());
+        return nullptr;
+    }
+    return std::make_unique<RaiseEventStatement>(*declared, std::move(code), count);
 }
 
 bool BodyParser::StartsObjectStatement() const
@@ -241,7 +294,7 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(AssignKind kind)
             m_lexer.SignalErrorAt(CompileMessage::ExpectingAnObjectExpression, {}, valuePosition);
             return nullptr;
         }
-        return std::make_unique<SetStatement>(std::move(value), target);
+        return std::make_unique<SetStatement>(std::move(value), target, IsWithEventsVariable(target));
     }
     if (Expression tail; AppendedTail(value, target, tail))
         return std::make_unique<AppendStatement>(std::move(tail), target);

@@ -98,9 +98,7 @@ ReadResult DeclarationReader::ReadTopLevel(Visibility visibility, bool hasVisibi
     case Token::Property: return ReadProcedure(visibility);
     case Token::Option: return ReadOption(hasVisibilityWord);
     case Token::Attribute: return hasVisibilityWord ? ReadResult::NotMine : ReadAttribute();
-    case Token::Event:
-        m_lexer.NextToken();
-        return ReadNameList(m_state.events);
+    case Token::Event: return ReadEvent();
     case Token::Implements:
         m_lexer.NextToken();
         return ReadNameList(m_state.implements);
@@ -939,7 +937,36 @@ ReadResult DeclarationReader::ReadOption(bool hasVisibilityWord)
 // Module-level Attribute lines are kept by the editor and skipped here.
 ReadResult DeclarationReader::ReadAttribute() { return ReadResult::Done; }
 
-// name ["." name]: the name after Event or Implements
+// Event name ["(" parameters ")"]: the name is kept; the parameters are those its raiser passes.
+ReadResult DeclarationReader::ReadEvent()
+{
+    m_lexer.NextToken();
+    std::string name;
+    if (!ReadName(CompileMessage::ExpectingSubFunctionPropertyName, name))
+        return ReadResult::Done;
+    if (m_lexer.Accept(Token::LeftParen)) {
+        int depth = 1;
+        while (depth > 0 && !IsEndOfStatement(m_lexer.Kind())) {
+            if (m_lexer.Kind() == Token::LeftParen)
+                ++depth;
+            else if (m_lexer.Kind() == Token::RightParen)
+                --depth;
+            m_lexer.NextToken();
+        }
+        if (depth > 0) {
+            m_lexer.SignalError(CompileMessage::Expecting, ")");
+            return ReadResult::Done;
+        }
+    }
+    if (!IsEndOfStatement(m_lexer.Kind())) {
+        m_lexer.SignalError(CompileMessage::UnexpectedText);
+        return ReadResult::Done;
+    }
+    m_state.events.push_back(std::move(name));
+    return ReadResult::Done;
+}
+
+// name ["." name]: the name after Implements
 ReadResult DeclarationReader::ReadNameList(std::vector<std::string>& names)
 {
     std::string name;

@@ -63,6 +63,7 @@ private:
     ReadResult ReadProcedure(Visibility visibility);
     ReadResult ReadOption(bool hasVisibilityWord);
     ReadResult ReadAttribute();
+    ReadResult ReadEvent();
     ReadResult ReadNameList(std::vector<std::string>& names);
 
     [[nodiscard]] bool ReadName(CompileMessage missing, std::string& name);

@@ -1,12 +1,15 @@
 #include "host/EngineContext.h"
 
+#include "automation/EventSink.h"
 #include "automation/OutsideCall.h"
 #include "exec/ModuleInstance.h"
+#include "frontend/Module.h"
 #include "host/AnsiText.h"
 #include "host/ClassObject.h"
 #include "host/CodeUnit.h"
 #include "host/DefaultCallBack.h"
 #include "host/EntryGuard.h"
+#include "host/EventSource.h"
 #include "host/HostCallBack.h"
 #include "host/MemoryReserve.h"
 #include "host/SchedulerRing.h"
@@ -522,6 +525,66 @@ ModuleInstance* EngineContext::InstanceOf(IUnknown* object)
 {
     return ClassObject::InstanceOf(object);
 }
+
+// The variable's event link is made at its first assignment, over the source interface of its declared
+// type: a class of a referenced library or extension, or a class module of the macro (whose instances
+// raise their events without type information).
+void EngineContext::WithEventsAssigned(ModuleInstance& instance, std::size_t variable, IUnknown* object)
+{
+    EventConnection* connection = instance.Connection(variable);
+    if (!connection) {
+        const Module& module = instance.OwnModule();
+        const auto& variables = module.Variables();
+        if (variable >= variables.size())
+            return;
+        const Variable& declared = *variables[variable];
+        ComRef<ITypeInfo> source;
+        Trace(TraceKind::Entry, L"*DimWithEvents_Initialize(\"" + WideFromAnsi(module.Name()) + L"|" +
+                                    WideFromAnsi(declared.name) + L"\")");
+        const Module* classModule = m_modules.FindLoadedModule(declared.type.className);
+        if (!classModule || classModule->Kind() == ModuleKind::Plain) {
+            ITypeInfo* type = m_extensions.FindType(module.Name(), declared.type.className);
+            if (type && DefaultSourceOfClass(type, source) != SourceLookup::Found)
+                source = ComRef<ITypeInfo>();
+            TraceSource(source.Get());
+        }
+        Trace(TraceKind::Exit, L"");
+        automation::EventSink* sink = automation::EventSink::ForVariable(*this, instance, declared.name, source.Get());
+        if (!sink)
+            return;
+        instance.AddConnection(variable, sink);
+        connection = sink;
+    }
+    connection->Assign(object);
+}
+
+void EngineContext::TraceSource(ITypeInfo* source)
+{
+    if (!source) {
+        Trace(TraceKind::Detail, L"Source TypeInfo not available");
+        return;
+    }
+    wchar_t guid[64] = {};
+    StringFromGUID2(TypeGuidOf(source), guid, 64);
+    Trace(TraceKind::Detail, L"Source.TypeInfo.UUID=" + std::wstring(guid));
+    Trace(TraceKind::Detail, L"Source.TypeInfo.Name=" + TypeInfoName(source));
+}
+
+EventConnection* EngineContext::ConnectEvents(const std::string& prefix, IDispatch* object)
+{
+    ComRef<ITypeInfo> source;
+    if (FindDefaultSource(object, source) != SourceLookup::Found)
+        source = ComRef<ITypeInfo>();
+    TraceSource(source.Get());
+    if (!source)
+        return nullptr;
+    automation::EventSink* sink = automation::EventSink::ForExtension(*this, prefix, source.Get());
+    if (sink)
+        sink->Assign(object);
+    return sink;
+}
+
+int EngineContext::DisconnectEvents() { return automation::EventSink::DisconnectAll(*this); }
 
 std::wstring EngineContext::CommandText() const
 {

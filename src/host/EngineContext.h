@@ -150,6 +150,7 @@ public:
     bool HostObjectForInstance(const std::string& moduleName, ComRef<IDispatch>& object);
     [[nodiscard]] bool DefaultObject(const Module& module, Variant& result) override;
     ModuleInstance* InstanceOf(IUnknown* object) override;
+    void WithEventsAssigned(ModuleInstance& instance, std::size_t variable, IUnknown* object) override;
     std::wstring CommandText() const override;
     StreamTable* Streams() override { return &m_streams; }
     bool MapMacroName(const std::wstring& name, const std::wstring& base, std::wstring& mapped) override;
@@ -172,6 +173,10 @@ private:
     {
         return m_instanceModules.empty() ? nullptr : &m_instanceModules.back();
     }
+    EventConnection* ConnectEvents(const std::string& prefix, IDispatch* object) override;
+    int DisconnectEvents() override;
+    // The detail lines that name an event source interface, or say that there is none.
+    void TraceSource(ITypeInfo* source);
 
     RunState Run(long depth);
     RunState StopRequest(bool fromHalt);

@@ -137,7 +137,14 @@ SourceLookup FindDefaultSource(IDispatch* object, ComRef<ITypeInfo>& source)
             return SourceLookup::NoTypeInfo;
         return SourceLookup::NoSource;
     }
-    TypeAttr attr(classInfo.Get());
+    return DefaultSourceOfClass(classInfo.Get(), source);
+}
+
+SourceLookup DefaultSourceOfClass(ITypeInfo* classInfo, ComRef<ITypeInfo>& source)
+{
+    if (!classInfo)
+        return SourceLookup::NoSource;
+    TypeAttr attr(classInfo);
     if (!attr)
         return SourceLookup::NoSource;
     int chosen = -1;
@@ -158,6 +165,20 @@ SourceLookup FindDefaultSource(IDispatch* object, ComRef<ITypeInfo>& source)
     if (!sourceAttr || sourceAttr->typekind != TKIND_DISPATCH)
         return SourceLookup::NotDispatch;
     return SourceLookup::Found;
+}
+
+GUID TypeGuidOf(ITypeInfo* type)
+{
+    TypeAttr attr(type);
+    return attr ? attr->guid : GUID_NULL;
+}
+
+std::wstring MemberNameOf(ITypeInfo* type, MEMBERID id)
+{
+    Bstr name;
+    if (!type || FAILED(type->GetDocumentation(id, name.Out(), nullptr, nullptr, nullptr)))
+        return {};
+    return std::wstring(name.View());
 }
 
 std::vector<EventPrototype> EventPrototypes(ITypeInfo* source, const std::string& prefix)

@@ -12,6 +12,12 @@ enum class SourceLookup { Found, NoTypeInfo, NoSource, NotDispatch };
 
 // The default source interface of object (a dispatch interface) into source.
 SourceLookup FindDefaultSource(IDispatch* object, ComRef<ITypeInfo>& source);
+// The same from a class's type information (a coclass); NoSource for other kinds of type.
+SourceLookup DefaultSourceOfClass(ITypeInfo* classInfo, ComRef<ITypeInfo>& source);
+// The interface identifier of a type.
+GUID TypeGuidOf(ITypeInfo* type);
+// The name of member id of a type (an event's name), or empty.
+std::wstring MemberNameOf(ITypeInfo* type, MEMBERID id);
 
 struct EventPrototype {
     std::wstring event;

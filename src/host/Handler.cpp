@@ -171,8 +171,10 @@ HRESULT __stdcall Handler::Invoke(DISPID member, REFIID id, LCID, WORD flags, DI
         return Describe(member, flags, given, result);
     case kCall:
     case kEvaluate:
+    case kStart:
     case kCallPA:
     case kEvaluatePA:
+    case kStartPA:
         return Call(member, flags, given, result, exception, argumentError);
     default:
         return DISP_E_MEMBERNOTFOUND;
@@ -227,21 +229,29 @@ HRESULT Handler::Call(DISPID member, WORD flags, const DISPPARAMS& parameters, V
                       UINT* argumentError)
 {
     const bool evaluate = member == kEvaluate || member == kEvaluatePA;
+    const bool start = member == kStart || member == kStartPA;
+    if (start && m_engine.Context().Machine().IsEvaluating())
+        return E_INVALIDARG;
+    if (start && parameters.cNamedArgs > 0)
+        return DISP_E_NONAMEDARGS;
     if (evaluate ? !result : result != nullptr)
         return DISP_E_TYPEMISMATCH;
     if (!(flags & DISPATCH_METHOD))
         return DISP_E_TYPEMISMATCH;
     if (MemoryReserve::IsExhausted())
         return E_OUTOFMEMORY;
-    if (member == kCall || member == kEvaluate)
-        return CallWith(GivenArguments::FromDispParams(parameters), result, exception, argumentError);
+    if (member == kCall || member == kEvaluate || member == kStart) {
+        const GivenArguments given = GivenArguments::FromDispParams(parameters);
+        return start ? StartWith(given, exception, argumentError) : CallWith(given, result, exception, argumentError);
+    }
     if (parameters.cArgs != 1)
         return DISP_E_BADPARAMCOUNT;
     ArrayArguments array;
     const HRESULT opened = array.Open(parameters.rgvarg[0]);
     if (FAILED(opened))
         return opened;
-    return CallWith(array.Given(), result, exception, argumentError);
+    return start ? StartWith(array.Given(), exception, argumentError)
+                 : CallWith(array.Given(), result, exception, argumentError);
 }
 
 HRESULT Handler::CallWith(const GivenArguments& given, VARIANT* result, EXCEPINFO* exception, UINT* argumentError)

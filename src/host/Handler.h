@@ -10,6 +10,7 @@
 namespace brannoc {
 
 class CodeUnit;
+enum class RunState : int;
 
 class Handler final : public LateBoundObject<Handler> {
 public:
@@ -50,6 +51,9 @@ private:
     HRESULT PutStepInto(WORD flags, const DISPPARAMS& parameters);
     HRESULT Call(DISPID member, WORD flags, const DISPPARAMS& parameters, VARIANT* result, EXCEPINFO* exception,
                  UINT* argumentError);
+    // Start and StartPA: the procedure begins as a run of its own (HandlerStart.cpp).
+    HRESULT StartWith(const GivenArguments& given, EXCEPINFO* exception, UINT* argumentError);
+    void RunStarted(RunState state);
     std::string QualifiedName() const;
     std::wstring ProcName();
 

@@ -98,7 +98,7 @@ void WaitWhileStopped(EngineContext& context, std::size_t mark, unsigned long er
 
 // Runs a nested call as the mode asks; plain calls keep the run around them from stopping in them.
 bool RunInMode(EngineContext& context, const MacroCallTarget& target, const ModuleManager::NestedArguments& push,
-               Variant& returned, HostCallMode mode, unsigned long errorsBefore)
+               Variant& returned, HostCallMode mode, Interpreter::ErrorExit errorExit, unsigned long errorsBefore)
 {
     Interpreter& machine = context.Machine();
     ModuleManager& modules = context.Modules();
@@ -107,7 +107,7 @@ bool RunInMode(EngineContext& context, const MacroCallTarget& target, const Modu
         const int stepCounter = machine.StepCounter();
         machine.EnterPlainCall();
         machine.PrepareRun(0);
-        const bool finished = modules.RunNested(*target.procedure->code, *target.instance, push, &returned);
+        const bool finished = modules.RunNested(*target.procedure->code, *target.instance, push, &returned, errorExit);
         machine.LeavePlainCall();
         machine.PrepareRun(runDepth);
         machine.SetStepCounter(stepCounter);
@@ -122,7 +122,7 @@ bool RunInMode(EngineContext& context, const MacroCallTarget& target, const Modu
     debugged.runDepth = used == RunState::Stopped ? EngineContext::kStepDepth : 0;
     debugged.whileStopped = [&](std::size_t mark) { WaitWhileStopped(context, mark, errorsBefore); };
     const bool finished = modules.RunNested(*target.procedure->code, *target.instance, push, &returned,
-                                            Interpreter::ErrorExit::kReport, &debugged);
+                                            errorExit, &debugged);
     // A call made into a stopped engine (or a busy one) leaves it stopped where it was.
     if (used == RunState::Busy || (used == RunState::Stopped && !statementExecuting)) {
         if (machine.RunLevel() < 0)
@@ -153,7 +153,7 @@ HRESULT ExceptionForError(long number, EXCEPINFO* exception)
 bool IsHaltedForGood() { return HaltFlags::Has(HaltFlags::kOutOfMemory); }
 
 HRESULT CallMacroProcedure(EngineContext& context, const MacroCallTarget& target, const MatchedArguments& arguments,
-                           Variant* value, EXCEPINFO* exception, HostCallMode mode)
+                           Variant* value, EXCEPINFO* exception, HostCallMode mode, Interpreter::ErrorExit errorExit)
 {
     const Procedure& procedure = *target.procedure;
     BoundArguments fixed;
@@ -185,7 +185,7 @@ HRESULT CallMacroProcedure(EngineContext& context, const MacroCallTarget& target
         machine.ExecutionMarker() == 0 && context.Control(EngineContext::kActionQuietQuery, 0) == RunState::Idle;
     Variant returned;
     context.EnterHostCall();
-    const bool finished = RunInMode(context, target, push, returned, mode, errorsBefore);
+    const bool finished = RunInMode(context, target, push, returned, mode, errorExit, errorsBefore);
     context.LeaveHostCall();
     if (wasIdle) {
         // The stop that an untrapped error requested has nothing left to stop.

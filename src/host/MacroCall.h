@@ -2,6 +2,7 @@
 // A call that a host makes into a macro procedure from outside (fire objects, handlers, event sinks):
 // the procedure runs to its end inside the call, and a failure comes back as an automation exception
 // made from the engine's error record.
+#include "exec/Interpreter.h"
 #include "host/ArgumentMatching.h"
 #include <oaidl.h>
 #include <string>
@@ -35,9 +36,12 @@ struct MacroCallTarget {
 // with exception filled (when given) from the error the call left; E_OUTOFMEMORY when the value
 // stack or a copy could not be made. Must run inside the engine's entry guard. Outside plain mode the
 // call goes as the engine's state asks: into an idle engine it runs until it returns or stops; into a
-// stopped engine it stops at the procedure's first line and leaves the engine stopped afterwards.
+// stopped engine it stops at the procedure's first line and leaves the engine stopped afterwards. With
+// Interpreter::ErrorExit::kToCaller (a call that running code makes) an untrapped error ends only the
+// call and stays in the interpreter's error object for the caller to raise.
 HRESULT CallMacroProcedure(EngineContext& context, const MacroCallTarget& target, const MatchedArguments& arguments,
-                           Variant* value, EXCEPINFO* exception, HostCallMode mode = HostCallMode::kPlain);
+                           Variant* value, EXCEPINFO* exception, HostCallMode mode = HostCallMode::kPlain,
+                           Interpreter::ErrorExit errorExit = Interpreter::ErrorExit::kReport);
 
 // The mode of a host call that may be debugged: plain while the engine is inside a single step or
 // evaluating; a step into the call when stepInto is set or a Step was asked for while the engine was not

@@ -709,6 +709,8 @@ void ModuleManager::TerminateInstance(ModuleInstance& instance)
     if (instance.IsTerminated())
         return;
     instance.MarkTerminated();
+    // Its WithEvents variables hear no more events once it ends.
+    instance.CloseConnections();
     const CompiledModule* compiled = instance.OwnModule().Compiled();
     ProcedureCode* terminate = compiled && compiled->terminate ? compiled->terminate->code.get() : nullptr;
     // Only class and object modules have one, also when one is started as the macro of a run.

@@ -1,12 +1,18 @@
 #pragma once
 // An event source for tests: a type library made in memory (ICreateTypeLib2) with the dispatch
 // interface LedgerEvents (Clicked(ByRef Cancel As Boolean), Changed(ByVal Text As String)) and the
-// class Ledger whose default source it is; and an object that gives that class as its class information.
+// class Ledger whose default source it is; an object that gives that class as its class information; and
+// a Ledger object with a connection point that raises the events.
 #include "support/TestComObject.h"
 #include "host/ComRef.h"
 
 #include <ocidl.h>
+#include <olectl.h>
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace brannoc::testing {
 
@@ -119,6 +125,175 @@ public:
 private:
     ComRef<ITypeInfo> m_classType;
     bool m_giveClassInfo;
+};
+
+} // namespace brannoc::testing
+
+namespace brannoc::testing {
+
+// A Ledger object that raises its events through a connection point for LedgerEvents, as an event
+// source of an application would. Its one method Note (DISPID 100) records the thread it was called on.
+// Sinks advised with marshalling on are reached through a stream, so that another thread can raise
+// events into the advising thread's apartment.
+class LedgerSource : public IDispatch, public IProvideClassInfo, public IConnectionPointContainer,
+                     public IConnectionPoint {
+public:
+    static constexpr DISPID kNote = 100;
+
+    explicit LedgerSource(ITypeInfo* classType) : m_classType(ComRef<ITypeInfo>::Share(classType))
+    {
+        TYPEATTR* attr = nullptr;
+        ComRef<ITypeInfo> events;
+        HREFTYPE reference = 0;
+        if (classType && SUCCEEDED(classType->GetRefTypeOfImplType(0, &reference)) &&
+            SUCCEEDED(classType->GetRefTypeInfo(reference, events.Out())) && SUCCEEDED(events->GetTypeAttr(&attr))) {
+            m_eventsId = attr->guid;
+            events->ReleaseTypeAttr(attr);
+        }
+    }
+    ~LedgerSource()
+    {
+        for (Sink& sink : m_sinks)
+            if (sink.dispatch)
+                sink.dispatch->Release();
+    }
+
+    // IUnknown: one count for all interfaces; the test's scope ends the object.
+    HRESULT __stdcall QueryInterface(REFIID id, void** object) override
+    {
+        if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch))
+            *object = static_cast<IDispatch*>(this);
+        else if (IsEqualIID(id, IID_IProvideClassInfo))
+            *object = static_cast<IProvideClassInfo*>(this);
+        else if (IsEqualIID(id, IID_IConnectionPointContainer))
+            *object = static_cast<IConnectionPointContainer*>(this);
+        else {
+            *object = nullptr;
+            return E_NOINTERFACE;
+        }
+        AddRef();
+        return S_OK;
+    }
+    ULONG __stdcall AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&m_references)); }
+    ULONG __stdcall Release() override { return static_cast<ULONG>(InterlockedDecrement(&m_references)); }
+
+    // IDispatch: the class's library is reached through the type information.
+    HRESULT __stdcall GetTypeInfoCount(UINT* count) override
+    {
+        *count = 1;
+        return S_OK;
+    }
+    HRESULT __stdcall GetTypeInfo(UINT, LCID, ITypeInfo** info) override
+    {
+        *info = ComRef<ITypeInfo>::Share(m_classType.Get()).Detach();
+        return S_OK;
+    }
+    HRESULT __stdcall GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* ids) override
+    {
+        if (_wcsicmp(names[0], L"Note") != 0)
+            return DISP_E_UNKNOWNNAME;
+        ids[0] = kNote;
+        return S_OK;
+    }
+    HRESULT __stdcall Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override
+    {
+        if (member != kNote)
+            return DISP_E_MEMBERNOTFOUND;
+        noteThread = GetCurrentThreadId();
+        ++notes;
+        return S_OK;
+    }
+
+    // IProvideClassInfo
+    HRESULT __stdcall GetClassInfo(ITypeInfo** info) override
+    {
+        *info = ComRef<ITypeInfo>::Share(m_classType.Get()).Detach();
+        return *info ? S_OK : E_FAIL;
+    }
+
+    // IConnectionPointContainer: one connection point, for LedgerEvents.
+    HRESULT __stdcall EnumConnectionPoints(IEnumConnectionPoints**) override { return E_NOTIMPL; }
+    HRESULT __stdcall FindConnectionPoint(REFIID id, IConnectionPoint** point) override
+    {
+        *point = nullptr;
+        if (!IsEqualIID(id, m_eventsId))
+            return CONNECT_E_NOCONNECTION;
+        *point = static_cast<IConnectionPoint*>(this);
+        AddRef();
+        return S_OK;
+    }
+
+    // IConnectionPoint: the sink must answer the events interface.
+    HRESULT __stdcall GetConnectionInterface(IID* id) override
+    {
+        *id = m_eventsId;
+        return S_OK;
+    }
+    HRESULT __stdcall GetConnectionPointContainer(IConnectionPointContainer** container) override
+    {
+        *container = static_cast<IConnectionPointContainer*>(this);
+        AddRef();
+        return S_OK;
+    }
+    HRESULT __stdcall Advise(IUnknown* sink, DWORD* cookie) override
+    {
+        IDispatch* dispatch = nullptr;
+        if (FAILED(sink->QueryInterface(m_eventsId, reinterpret_cast<void**>(&dispatch))))
+            return CONNECT_E_CANNOTCONNECT;
+        Sink entry{dispatch, nullptr, ++m_lastCookie};
+        if (marshalSinks && FAILED(CoMarshalInterThreadInterfaceInStream(IID_IDispatch, dispatch, &entry.stream)))
+            entry.stream = nullptr;
+        m_sinks.push_back(entry);
+        *cookie = entry.cookie;
+        return S_OK;
+    }
+    HRESULT __stdcall Unadvise(DWORD cookie) override
+    {
+        for (auto it = m_sinks.begin(); it != m_sinks.end(); ++it) {
+            if (it->cookie == cookie) {
+                it->dispatch->Release();
+                m_sinks.erase(it);
+                return S_OK;
+            }
+        }
+        return CONNECT_E_NOCONNECTION;
+    }
+    HRESULT __stdcall EnumConnections(IEnumConnections**) override { return E_NOTIMPL; }
+
+    std::size_t SinkCount() const { return m_sinks.size(); }
+
+    // Raises an event in every advised sink, arguments first to last; the last sink's answer.
+    HRESULT Raise(DISPID event, std::vector<VARIANT> arguments, EXCEPINFO* exception = nullptr)
+    {
+        HRESULT answer = S_OK;
+        std::reverse(arguments.begin(), arguments.end());
+        DISPPARAMS parameters{arguments.data(), nullptr, static_cast<UINT>(arguments.size()), 0};
+        for (Sink& sink : std::vector<Sink>(m_sinks))
+            answer = sink.dispatch->Invoke(event, IID_NULL, 0x409, DISPATCH_METHOD, &parameters, nullptr, exception,
+                                           nullptr);
+        return answer;
+    }
+    // The marshalled first sink for another thread (once), or null.
+    IStream* TakeSinkStream()
+    {
+        return m_sinks.empty() ? nullptr : std::exchange(m_sinks.front().stream, nullptr);
+    }
+
+    bool marshalSinks = false;
+    DWORD noteThread = 0;
+    int notes = 0;
+
+private:
+    struct Sink {
+        IDispatch* dispatch;
+        IStream* stream;
+        DWORD cookie;
+    };
+    volatile LONG m_references = 1;
+    ComRef<ITypeInfo> m_classType;
+    IID m_eventsId = GUID_NULL;
+    std::vector<Sink> m_sinks;
+    DWORD m_lastCookie = 0;
 };
 
 } // namespace brannoc::testing
