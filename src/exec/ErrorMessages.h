@@ -14,7 +14,7 @@ enum class ErrorId : long {
     Interrupted = 10000,
     OutOfMemory = kErrorOutOfMemory,
     SubOrFunctionMissing = 10018,
-    WrongParameterCount = 10019,
+    WrongParameterCount = kErrorWrongNumberOfParameters,
     CantAllocateLargeArray = 10021,
     ArrayNotDimensioned = kErrorArrayNotDimensioned,
     ArrayIndexOutOfRange = kErrorArrayIndexOutOfRange,
