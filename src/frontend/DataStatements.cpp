@@ -456,8 +456,14 @@ BodyParser::StatementPtr BodyParser::ParseDim(bool isStatic)
                 return nullptr;
             }
             autoNew = m_lexer.Accept(Token::New);
+            const char* typePosition = m_lexer.TokenStart();
             if (!ReadType(type, &classModule, &userType))
                 return nullptr;
+            if (autoNew && !classModule) {
+                // Only a class or object module of the macro can be made on first use.
+                m_lexer.SignalErrorAt(CompileMessage::ExpectingASpecificObjectType, {}, typePosition);
+                return nullptr;
+            }
         }
         if (isArray && userType && userType == m_dialogType.get()) {
             m_lexer.SignalErrorAt(CompileMessage::UserDialogVarMustNotBeAnArray, {}, namePosition);

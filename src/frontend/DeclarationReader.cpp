@@ -164,6 +164,10 @@ bool DeclarationReader::ReadAsType(TypeContext context, TypeSpec& type, bool& cr
     for (const TypeWord& typeWord : kTypeWords) {
         if (typeWord.token != word)
             continue;
+        if (createsNew) {
+            m_lexer.SignalError(CompileMessage::ExpectingASpecificObjectType);
+            return false;
+        }
         m_lexer.NextToken();
         type.code = TypeCode(typeWord.code);
         if (word == Token::String && m_lexer.Accept(Token::Star)) {
@@ -251,7 +255,11 @@ void DeclarationReader::ResolveTypes()
 {
     for (auto& variable : m_state.variables) {
         m_lexer.ClearStatementError();
-        (void)ResolveNamedType(variable->type);
+        if (!ResolveNamedType(variable->type))
+            continue;
+        // As New makes a class or object module of the macro on first use; no other type can be made so.
+        if (variable->createsNew && m_isClassName && !m_isClassName(m_context, variable->type.className))
+            m_lexer.SignalErrorAt(CompileMessage::ExpectingASpecificObjectType, {}, variable->type.namePosition);
     }
     for (auto& userType : m_state.userTypes) {
         for (auto& element : userType->elements) {

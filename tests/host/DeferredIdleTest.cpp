@@ -36,19 +36,6 @@ protected:
         LateCall call;
         return call.Text(L"Hello").Invoke(fire, 2);
     }
-    // Pumps this thread's messages until the host has heard `count` idle notifications or `limit` ms
-    // have passed.
-    void PumpUntilIdleNotifications(int count, DWORD limit = 5000)
-    {
-        const DWORD start = GetTickCount();
-        while (engine.callBack.Count(2) < count && GetTickCount() - start < limit) {
-            MsgWaitForMultipleObjects(0, nullptr, FALSE, 50, QS_ALLINPUT);
-            MSG message;
-            while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
-                DispatchMessageW(&message);
-        }
-    }
-
     MacroEngine engine;
     IDispatch* fire = nullptr;
 };
@@ -61,9 +48,9 @@ TEST_F(DeferredIdle, TheIdleNotificationArrivesFromTheTimerAfterTheCallReturned)
     EXPECT_TRUE(engine.IsIdle());
     EXPECT_EQ(L"\"hello\"\r\n", engine.callBack.AllPrinted());
     EXPECT_EQ(0, engine.callBack.Count(2)) << "not told inside the call: " << Listed(engine.callBack.notifications);
-    PumpUntilIdleNotifications(1);
+    engine.PumpUntilNotified(2);
     EXPECT_EQ(1, engine.callBack.Count(2)) << Listed(engine.callBack.notifications);
-    PumpUntilIdleNotifications(2, 500);
+    engine.PumpUntilNotified(2, 2, 500);
     EXPECT_EQ(1, engine.callBack.Count(2)) << "delivered once";
 }
 
@@ -79,7 +66,7 @@ TEST_F(DeferredIdle, ANotificationSentMeanwhileDeliversThePendingOneFirst)
     SysFreeString(name);
     ASSERT_GE(engine.callBack.notifications.size(), 2u) << Listed(engine.callBack.notifications);
     EXPECT_EQ(2, engine.callBack.notifications[0]) << Listed(engine.callBack.notifications);
-    PumpUntilIdleNotifications(2, 500);
+    engine.PumpUntilNotified(2, 2, 500);
     EXPECT_EQ(1, engine.callBack.Count(2)) << "nothing left for the timer to deliver: "
                                            << Listed(engine.callBack.notifications);
 }

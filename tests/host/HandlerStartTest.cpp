@@ -56,7 +56,8 @@ TEST_F(HandlerStartTest, OnAnIdleEngineTheSubRunsAsARunOfItsOwnInsideTheCall)
     EXPECT_TRUE(engine.IsIdle());
     const auto& notes = engine.callBack.notifications;
     EXPECT_NE(notes.end(), std::find(notes.begin(), notes.end(), 1)) << "the run started";
-    EXPECT_NE(notes.end(), std::find(notes.begin(), notes.end(), 2)) << "and ended";
+    engine.PumpUntilNotified(2);
+    EXPECT_NE(notes.end(), std::find(notes.begin(), notes.end(), 2)) << "and the host heard of its end afterwards";
 
     // StartPA takes the arguments from an array.
     SAFEARRAYBOUND bound{2, 0};

@@ -39,6 +39,19 @@ public:
         unit->get_IsIdle(&idle);
         return idle == VARIANT_TRUE;
     }
+    // Serves this thread's messages until the host has heard notification `code` `count` times or
+    // `limit` ms have passed: an idle notification of a run that ended inside a host call comes later,
+    // from the thread's timer window.
+    void PumpUntilNotified(short code, int count = 1, DWORD limit = 5000)
+    {
+        const DWORD start = GetTickCount();
+        while (callBack.Count(code) < count && GetTickCount() - start < limit) {
+            MsgWaitForMultipleObjects(0, nullptr, FALSE, 50, QS_ALLINPUT);
+            MSG message;
+            while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+                DispatchMessageW(&message);
+        }
+    }
 
     _CodeUnit* unit;
     FakeCallBack callBack;

@@ -1,0 +1,5 @@
+' As New needs a class: a value type is refused.
+Sub Main
+    Dim n As New Integer
+    Debug.Print n
+End Sub
