@@ -115,9 +115,9 @@ bool ForEachStatement::Step(ExecEntry& entry)
         return Finish(entry);
     }
     if (!ArrayOf(&values.Top().Raw())) {
-        // Not an array (10080), or an array that is not dimensioned (10022).
+        // Not an array, or an array that is not dimensioned.
         const bool array = (FollowByRefChain(&values.Top().Raw())->vt & VT_ARRAY) != 0;
-        (void)context.interpreter->SignalError(array ? 10022 : 10080);
+        (void)context.interpreter->SignalError(array ? kErrorArrayNotDimensioned : kErrorTypeMismatch);
         return Fail(context, entry);
     }
     Variant kept;

@@ -7,21 +7,13 @@
 #include "library/BuiltinArguments.h"
 #include "library/BuiltinGroups.h"
 #include "values/Conversion.h"
+#include "values/ValueError.h"
 
 #include <vector>
-
-#include "values/ValueError.h"
 
 namespace brannoc {
 
 namespace {
-
-constexpr long kUserDialogNotDefined = 10030;
-constexpr long kUserPressedCancel = 10031;
-constexpr long kItemOutOfRange = 10032;
-constexpr long kNoDialogDisplayed = 10033;
-constexpr long kDialogInaccessible = 10034;
-constexpr long kInvalidArgument = 10620;
 
 // Dialog: shows the definition's dialog with the variable's fields. The statement form raises "User
 // pressed cancel." for the exit code 0.
@@ -37,10 +29,10 @@ bool ShowDialog(BuiltinArguments& arguments, BuiltinResult& result, bool stateme
     const VARIANT* stored = FollowByRefChain(&held->Raw());
     DialogDefinition* definition = stored->vt == VT_UNKNOWN ? DialogDefinition::From(stored->punkVal) : nullptr;
     if (!definition)
-        return RaiseValueError(kUserDialogNotDefined);
+        return RaiseValueError(kErrorUserDialogNotDefined);
     const VARIANT* record = FollowByRefChain(&variable->Raw());
     if ((record->vt & ~VT_BYREF) != VT_RECORD || !record->pvRecord)
-        return RaiseValueError(kUserDialogNotDefined);
+        return RaiseValueError(kErrorUserDialogNotDefined);
     int defaultButton = UserDialog::kNoDefaultButton;
     if (arguments.IsGiven(2)) {
         SHORT value = 0;
@@ -62,7 +54,7 @@ bool ShowDialog(BuiltinArguments& arguments, BuiltinResult& result, bool stateme
     if (outcome != UserDialog::Outcome::kEnded)
         return false;
     if (statement)
-        return exitCode != 0 || RaiseValueError(kUserPressedCancel);
+        return exitCode != 0 || RaiseValueError(kErrorUserPressedCancel);
     result.SetInteger(static_cast<SHORT>(exitCode));
     return true;
 }
@@ -75,9 +67,9 @@ UserDialog* CurrentDialog()
 {
     UserDialog* dialog = UserDialog::Current();
     if (!dialog)
-        return RaiseValueError(kNoDialogDisplayed), nullptr;
+        return RaiseValueError(kErrorNoDialogDisplayed), nullptr;
     if (!dialog->HasWindow())
-        return RaiseValueError(kDialogInaccessible), nullptr;
+        return RaiseValueError(kErrorDialogInaccessible), nullptr;
     return dialog;
 }
 
@@ -90,7 +82,7 @@ bool ReadItem(BuiltinArguments& arguments, int index, UserDialog& dialog, int& i
     const VARIANT* raw = FollowByRefChain(&value->Raw());
     if (raw->vt == VT_BSTR) {
         item = dialog.FindItem(std::wstring_view(raw->bstrVal ? raw->bstrVal : L"", raw->bstrVal ? SysStringLen(raw->bstrVal) : 0u));
-        return item >= 0 || RaiseValueError(kItemOutOfRange);
+        return item >= 0 || RaiseValueError(kErrorDialogItemOutOfRange);
     }
     LONG number = 0;
     if (!arguments.Long(index, number))
@@ -98,7 +90,7 @@ bool ReadItem(BuiltinArguments& arguments, int index, UserDialog& dialog, int& i
     item = static_cast<int>(number);
     if (allowWhole && item == -1)
         return true;
-    return (item >= 0 && item < dialog.ItemCount()) || RaiseValueError(kItemOutOfRange);
+    return (item >= 0 && item < dialog.ItemCount()) || RaiseValueError(kErrorDialogItemOutOfRange);
 }
 
 bool DlgControlId(BuiltinArguments& arguments, BuiltinResult& result)
@@ -184,7 +176,7 @@ bool DlgFocus(BuiltinArguments& arguments, BuiltinResult& result)
 bool DlgFocusStatement(BuiltinArguments& arguments, BuiltinResult& result)
 {
     if (!arguments.IsGiven(0))
-        return RaiseValueError(kInvalidArgument);
+        return RaiseValueError(kErrorInvalidArgument);
     return DlgFocus(arguments, result);
 }
 
@@ -193,12 +185,12 @@ bool ArrayStrings(const Variant& value, std::vector<std::wstring>& entries)
     const VARIANT* raw = FollowByRefChain(&value.Raw());
     SAFEARRAY* array = nullptr;
     if ((raw->vt & VT_ARRAY) == 0)
-        return RaiseValueError(kInvalidArgument);
+        return RaiseValueError(kErrorInvalidArgument);
     array = (raw->vt & VT_BYREF) ? (raw->pparray ? *raw->pparray : nullptr) : raw->parray;
     if (!array)
         return true;
     if (SafeArrayGetDim(array) != 1)
-        return RaiseValueError(kInvalidArgument);
+        return RaiseValueError(kErrorInvalidArgument);
     LONG lower = 0;
     LONG upper = -1;
     SafeArrayGetLBound(array, 1, &lower);
@@ -210,15 +202,15 @@ bool ArrayStrings(const Variant& value, std::vector<std::wstring>& entries)
         if (element == VT_BSTR) {
             BSTR text = nullptr;
             if (FAILED(SafeArrayGetElement(array, &index, &text)))
-                return RaiseValueError(kInvalidArgument);
+                return RaiseValueError(kErrorInvalidArgument);
             item.SetString(text);
         } else if (element == VT_VARIANT) {
             if (FAILED(SafeArrayGetElement(array, &index, &item.Raw())))
-                return RaiseValueError(kInvalidArgument);
+                return RaiseValueError(kErrorInvalidArgument);
             if (!ChangeType(item, VT_BSTR))
                 return false;
         } else {
-            return RaiseValueError(kInvalidArgument);
+            return RaiseValueError(kErrorInvalidArgument);
         }
         entries.emplace_back(item.StringView());
     }
@@ -233,7 +225,7 @@ bool ListBoxArray(BuiltinArguments& arguments, BuiltinResult& result, bool state
         return false;
     if (!arguments.IsGiven(1)) {
         if (statement)
-            return RaiseValueError(kInvalidArgument);
+            return RaiseValueError(kErrorInvalidArgument);
         result.SetInteger(0);
         return true;
     }
@@ -243,7 +235,7 @@ bool ListBoxArray(BuiltinArguments& arguments, BuiltinResult& result, bool state
         return false;
     const int count = dialog->SetList(item, entries);
     if (count < 0)
-        return RaiseValueError(kInvalidArgument);
+        return RaiseValueError(kErrorInvalidArgument);
     result.SetInteger(static_cast<SHORT>(count));
     return true;
 }
@@ -268,7 +260,7 @@ bool DlgNumber(BuiltinArguments& arguments, BuiltinResult& result)
         return false;
     const int item = dialog->FindItem(name);
     if (item < 0)
-        return RaiseValueError(kItemOutOfRange);
+        return RaiseValueError(kErrorDialogItemOutOfRange);
     result.SetInteger(static_cast<SHORT>(item));
     return true;
 }
@@ -282,7 +274,7 @@ bool DlgSetPicture(BuiltinArguments& arguments, BuiltinResult&)
     if (!dialog || !ReadItem(arguments, 0, *dialog, item) || !arguments.String(1, fileName) ||
         !arguments.Integer(2, type))
         return false;
-    return dialog->SetPicture(item, fileName, type) || RaiseValueError(kInvalidArgument);
+    return dialog->SetPicture(item, fileName, type) || RaiseValueError(kErrorInvalidArgument);
 }
 
 bool Text(BuiltinArguments& arguments, BuiltinResult& result, bool statement)
@@ -302,7 +294,7 @@ bool Text(BuiltinArguments& arguments, BuiltinResult& result, bool statement)
         return statement || result.SetString(text);
     }
     if (statement)
-        return RaiseValueError(kInvalidArgument);
+        return RaiseValueError(kErrorInvalidArgument);
     return result.SetString(item == -1 ? dialog->Caption() : dialog->ItemText(item));
 }
 
@@ -329,15 +321,15 @@ bool Value(BuiltinArguments& arguments, BuiltinResult& result, bool statement)
         if (!arguments.Integer(1, value))
             return false;
         if (!dialog->SetItemValue(item, value))
-            return RaiseValueError(kInvalidArgument);
+            return RaiseValueError(kErrorInvalidArgument);
         result.SetInteger(value);
         return true;
     }
     if (statement)
-        return RaiseValueError(kInvalidArgument);
+        return RaiseValueError(kErrorInvalidArgument);
     int value = 0;
     if (!dialog->ItemValue(item, value))
-        return RaiseValueError(kInvalidArgument);
+        return RaiseValueError(kErrorInvalidArgument);
     result.SetInteger(static_cast<SHORT>(value));
     return true;
 }

@@ -1,7 +1,7 @@
 #pragma once
 // Run-time error numbers used by the interpreter and the texts of error numbers. The texts themselves
 // live in the string table (runtime_messages.rc); this file names the numbers code refers to, taking
-// those that the value layer and the library raise too from their table (values/ValueError.h).
+// the error numbers from the run-time table (values/ValueError.h); the rest are fixed texts.
 #include "values/ValueError.h"
 
 #include <string>
@@ -11,24 +11,24 @@ namespace brannoc {
 
 enum class ErrorId : long {
     None = 0,
-    Interrupted = 10000,
+    Interrupted = kErrorInterrupted,
     OutOfMemory = kErrorOutOfMemory,
-    SubOrFunctionMissing = 10018,
+    SubOrFunctionMissing = kErrorSubOrFunctionMissing,
     WrongParameterCount = kErrorWrongNumberOfParameters,
-    CantAllocateLargeArray = 10021,
+    CantAllocateLargeArray = kErrorCantAllocateLargeArray,
     ArrayNotDimensioned = kErrorArrayNotDimensioned,
     ArrayIndexOutOfRange = kErrorArrayIndexOutOfRange,
-    ArrayLowerBoundAboveUpper = 10024,
-    ArrayIndexCount = 10025,
+    ArrayLowerBoundAboveUpper = kErrorArrayLowerBoundAboveUpper,
+    ArrayIndexCount = kErrorArrayIndexCount,
     Overflow = kErrorOverflow,
-    ResumeOutsideHandler = 10071,
+    ResumeOutsideHandler = kErrorResumeOutsideHandler,
     TypeMismatch = kErrorTypeMismatch,
-    HaltedForGood = 10200,
-    BusyForService = 10201,
-    HostCallFailed = 10202,
-    FunctionTerminated = 10525,
-    InvalidInstruction = 10564,
-    ExpectingDynamicArray = 10618,
+    HaltedForGood = kErrorHaltedForGood,
+    BusyForService = kErrorBusyForService,
+    HostCallFailed = kErrorHostCallFailed,
+    FunctionTerminated = kErrorFunctionTerminated,
+    InvalidInstruction = kErrorInvalidInstruction,
+    ExpectingDynamicArray = kErrorExpectingDynamicArray,
     NotImplemented = kErrorNotImplemented,
     ApplicationSpecific = 11000,
     ExceptionPrefix = 11002,

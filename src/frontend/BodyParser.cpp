@@ -177,6 +177,7 @@ int BodyParser::AfterHere() const
     return LineAddress(CurrentIndex() + 1, 0);
 }
 
+// line: [label ":"] [statement {":" statement}] [comment]; an empty or comment line has no statement
 BodyParser::StatementPtr BodyParser::ParseLine()
 {
     Token word = m_lexer.Kind();
@@ -388,6 +389,9 @@ BodyParser::StatementPtr BodyParser::ParseInline(bool inSingleLineIf)
     return list;
 }
 
+// simple statement: a single-line If | GoTo | On Error | Resume | Exit | Debug.Print | a file statement |
+//     Call | RaiseEvent | End | ReDim | Mid | Erase | Stop | LSet | RSet | [Let | Set] assignment | call;
+//     none opens or closes a block or declares a name, so it may follow Then or Else
 BodyParser::StatementPtr BodyParser::ParseSimple()
 {
     StatementPtr statement;

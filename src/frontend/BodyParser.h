@@ -22,9 +22,6 @@ struct FileTarget;
 
 namespace brannoc::body {
 
-// The compiler shares the run-time message "Wrong number of parameters." for calls with too many arguments.
-constexpr CompileMessage kWrongNumberOfParameters = static_cast<CompileMessage>(10019);
-
 struct BinaryOperator {
     Token token;
     OperationId op;

@@ -213,7 +213,7 @@ bool BodyParser::ParseBuiltinArguments(const BuiltinRecord& record, bool parenth
             return false;
         }
         if (position >= count && !record.TakesAnyCount()) {
-            m_lexer.SignalError(kWrongNumberOfParameters);
+            m_lexer.SignalError(CompileMessage::WrongNumberOfParameters);
             return false;
         }
         if (static_cast<std::size_t>(position) >= arguments.size())
@@ -276,7 +276,7 @@ bool BodyParser::CheckBuiltinArgument(const BuiltinRecord& record, int index, co
     return true;
 }
 
-// Len and LenB of a record: the size of its type's record (the layout rule of RecordType).
+// Len "(" record ")" | LenB "(" record ")": the size of its type's record (the layout rule of RecordType).
 bool BodyParser::ParseRecordLength(const BuiltinRecord& record, const Expression& argument, Expression& out)
 {
     (void)record;

@@ -17,6 +17,7 @@
 
 namespace brannoc::body {
 
+// Call name [arguments] | Call name "(" arguments ")" | Call object "." member {"." member} [arguments]
 BodyParser::StatementPtr BodyParser::ParseCallStatement()
 {
     m_lexer.NextToken();
@@ -525,7 +526,7 @@ bool BodyParser::ParseArguments(Procedure& callee, ArgumentList list, std::size_
                     argument.ops.push_back(ExprOp{ExprOpCode::kMissing});
                 parsed.extra.push_back(std::move(argument));
             } else if (position >= count) {
-                m_lexer.SignalError(kWrongNumberOfParameters);
+                m_lexer.SignalError(CompileMessage::WrongNumberOfParameters);
                 return false;
             } else if (!empty) {
                 if (PassesReference(callee, callee.parameters[position]))

@@ -1,6 +1,9 @@
 #pragma once
 // Numbers of the compile-time messages. The texts live in the string table under the same numbers; the
-// run-time numbers that the '#Uses scan shares are listed at the end.
+// run-time numbers that the '#Uses scan and the compiler share are listed at the end. A number that is a
+// run-time error too is taken from the run-time table, so that each number is written once.
+#include "values/ValueError.h"
+
 #include <cstdint>
 
 namespace brannoc {
@@ -15,7 +18,7 @@ namespace brannoc {
     X(LowerBoundIsLargerThanUpperBound, 10506) \
     X(ArrayHasTooManyElements, 10507) \
     X(ExpectingComparison, 10508) \
-    X(AlreadyEvaluatingAnExpression, 10509) \
+    X(AlreadyEvaluatingAnExpression, kErrorAlreadyEvaluating) \
     X(NotAnObjectReference, 10510) \
     X(DefaultPropertyUsageIsInvalid, 10511) \
     X(ExpectingAParameterName, 10512) \
@@ -30,7 +33,7 @@ namespace brannoc {
     X(ExpectingAQuotedAliasName, 10521) \
     X(FunctionIsDefinedWithADifferentValueType, 10523) \
     X(MissingParameter, 10524) \
-    X(FunctionTerminatedDuringEvaluation, 10525) \
+    X(FunctionTerminatedDuringEvaluation, kErrorFunctionTerminated) \
     X(ValueTypeNotExpectedForASubroutine, 10526) \
     X(ExpectingAStringArrayVarWithOneIndex, 10527) \
     X(ExpectingAValidFieldIdentifier, 10528) \
@@ -69,7 +72,7 @@ namespace brannoc {
     X(ExpectingAUserDialogVar, 10561) \
     X(ExpectingAVarReference, 10562) \
     X(NotExpectingAnArrayVar, 10563) \
-    X(InvalidInstruction, 10564) \
+    X(InvalidInstruction, kErrorInvalidInstruction) \
     X(InvalidLetSyntax, 10565) \
     X(ExpectingAnObjectExpression, 10566) \
     X(CantChangeTheNumberOfIndexes, 10568) \
@@ -120,9 +123,9 @@ namespace brannoc {
     X(ExpectingAValidConstTypeEgInteger, 10615) \
     X(ArrayOfStringNOrUserDefinedTypeNotAllowed, 10616) \
     X(ExpectingALongInteger, 10617) \
-    X(ExpectingADynamicArrayVar, 10618) \
-    X(StringIndexMustBeGreaterThanOrEqualToOne, 10619) \
-    X(InvalidFunctionArgumentValue, 10620) \
+    X(ExpectingADynamicArrayVar, kErrorExpectingDynamicArray) \
+    X(StringIndexMustBeGreaterThanOrEqualToOne, kErrorStringIndex) \
+    X(InvalidFunctionArgumentValue, kErrorInvalidArgument) \
     X(ParamArrayParameterMustBeVariantArray, 10626) \
     X(ParameterRequiresAnExpression, 10627) \
     X(NoSuchNamedParameter, 10628) \
@@ -134,21 +137,22 @@ namespace brannoc {
     X(ExpectingAPrivateSub, 10634) \
     X(PublicConstDeclareTypeArrayOrFixedLengthStringsNotAllowed, 10635) \
     X(ErrorSInObjectHeader, 10636) \
-    X(CreationOfANewObjectModuleInstanceFailed, 10637) \
+    X(CreationOfANewObjectModuleInstanceFailed, kErrorObjectInstanceNotCreated) \
     X(UserDefinedTypeParameterResultNotAllowed, 10638) \
     X(DefaultPropertyHasAlreadyBeenDefined, 10639) \
     X(CantDefineADefaultPropertyInAMacroOrCodeModule, 10640) \
     X(InvalidDefaultPropertyAttribute, 10641) \
     X(TheReferenceCouldNotBeAdded, 10642) \
     X(TheBuiltInInstructionCantHaveAResult, 10900) \
-    X(BuiltinFunctionInstructionIsNotImplemented, 10902) \
-    X(OutOfMemory, 10001) \
+    X(BuiltinFunctionInstructionIsNotImplemented, kErrorNotImplemented) \
+    X(OutOfMemory, kErrorOutOfMemory) \
     X(InvalidUsesComment, 10008) \
     X(InvalidUsesDependency, 10009) \
-    X(ModuleDoesNotExist, 10013) \
-    X(DivideByZero, 10061) \
-    X(Overflow, 10062) \
-    X(TypeMismatch, 10080)
+    X(ModuleDoesNotExist, kErrorModuleMissing) \
+    X(DivideByZero, kErrorDivideByZero) \
+    X(Overflow, kErrorOverflow) \
+    X(TypeMismatch, kErrorTypeMismatch) \
+    X(WrongNumberOfParameters, kErrorWrongNumberOfParameters)
 
 enum class CompileMessage : std::uint16_t {
 #define BRANNOC_COMPILE_MESSAGE_ENUM(name, number) name = number,

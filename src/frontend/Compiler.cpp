@@ -133,6 +133,7 @@ void Compiler::TraceResult(ParseResult result)
     m_source.TraceCompile(line);
 }
 
+// module {module}: the named module, then those its '#Uses lines name, each read in the passes below.
 // Modules that earlier compiles loaded stay shared: a '#Uses name of a loaded code module reaches it
 // again. Initializing a mode 2 module (its storage and initializer) is the engine's, after a success.
 ParseResult Compiler::Parse(std::string_view name, int mode)
@@ -214,6 +215,8 @@ void Compiler::Definitions(Module& module, ParseResult& result)
     }
 }
 
+// module: header {"'#Reference" line} {declaration} {procedure}: the first pass reads the header and the
+// references, before the modules that '#Uses names are read
 void Compiler::ParseDeclarations1(Module& module, ParseResult& result)
 {
     m_lexer.SetText(module.Text().c_str(), module.Name());
@@ -222,6 +225,8 @@ void Compiler::ParseDeclarations1(Module& module, ParseResult& result)
     SetResultFromErrors(m_lexer, result);
 }
 
+// header: {comment line} VERSION [number] CLASS|word {Object line} [Begin ... End] {Attribute name = constant}
+//     in an object module's file; [Attribute VB_Name = "name"] in any other module
 void Compiler::ReadHeader(Module& module)
 {
     ParseState& state = *module.State();
@@ -313,7 +318,8 @@ void Compiler::ReadHeader(Module& module)
     }
 }
 
-// A run of "'#Reference" comment lines after the header goes to the reference manager as one block.
+// {"'#Reference" text line}: the run of reference lines after the header goes to the reference manager
+// as one block.
 void Compiler::ReadReferences(Module& module)
 {
     m_lexer.SeekLine(module.State()->resumeLine);
@@ -433,6 +439,8 @@ bool Compiler::ScanUses(Module& module, std::string_view keyword, ParseResult& r
     return true;
 }
 
+// {[Private | Public | Global | Friend] declaration}: the second pass, after the header and the references;
+// the procedures' bodies are skipped and the module's entry procedures are decided
 void Compiler::ParseDeclarations2(Module& module, ParseResult& result)
 {
     m_lexer.SetText(module.Text().c_str(), module.Name());
@@ -517,6 +525,7 @@ void Compiler::PrepareTypes(Module& module)
     reader.LayoutTypes();
 }
 
+// {procedure body}: the third pass compiles each procedure's body, from its first line to its End line
 void Compiler::ParseDefinitions(Module& module, ParseResult& result)
 {
     PrepareTypes(module);

@@ -317,6 +317,8 @@ BodyParser::StatementPtr BodyParser::ParseDebug()
     return statement;
 }
 
+// type: a type word | String * length | UserDialog | enum name | user-defined type | class | Object
+//     | Library.Type; an enumeration stands for Long
 bool BodyParser::ReadType(TypeCode& type, const Module** classModule, const UserType** userType)
 {
     const Token word = m_lexer.Kind();
@@ -429,6 +431,7 @@ bool BodyParser::ReadBounds(std::vector<std::pair<long, long>>& bounds)
     return m_lexer.ExpectToken(Token::RightParen);
 }
 
+// Dim name [suffix] ["(" bounds ")"] [As [New] type] {"," ...} | Static ...: local variables of the procedure
 BodyParser::StatementPtr BodyParser::ParseDim(bool isStatic)
 {
     m_lexer.NextToken();

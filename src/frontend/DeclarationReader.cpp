@@ -73,6 +73,8 @@ DeclarationReader::DeclarationReader(Lexer& lexer, Module& module, ModuleSource*
 {
 }
 
+// declaration: (after the visibility word, if any) Dim | Static | Const | Type | Enum | Declare | Sub |
+//     Function | Property | Option | Attribute | Event | Implements | DefXxx | name [As type] ...
 ReadResult DeclarationReader::ReadTopLevel(Visibility visibility, bool hasVisibilityWord)
 {
     const Token word = m_lexer.Kind();
@@ -633,6 +635,7 @@ ReadResult DeclarationReader::ReadDeclare(Visibility visibility)
     return ReadResult::Done;
 }
 
+// ["(" [parameter {"," parameter}] ")"]: a ParamArray parameter must be the last
 bool DeclarationReader::ReadParameters(Procedure& procedure, TypeContext context)
 {
     if (!m_lexer.Accept(Token::LeftParen))

@@ -200,7 +200,7 @@ bool BodyParser::CheckDialogFunction(const std::string& name, const char* positi
         return false;
     }
     if (found->parameters.size() != 3) {
-        m_lexer.SignalErrorAt(kWrongNumberOfParameters, {}, position);
+        m_lexer.SignalErrorAt(CompileMessage::WrongNumberOfParameters, {}, position);
         return false;
     }
     const TypeCode result = found->result.code;

@@ -178,7 +178,7 @@ bool BodyParser::ParseRaiseArguments(Expression& out)
                 m_lexer.SignalError(CompileMessage::Expecting, ":=");
                 return false;
             } else if (index >= kRaiseParameterCount) {
-                m_lexer.SignalError(kWrongNumberOfParameters);
+                m_lexer.SignalError(CompileMessage::WrongNumberOfParameters);
                 return false;
             }
             ++position;

@@ -542,6 +542,7 @@ void BodyParser::AppendModuleObject(Expression& out, ExprOpCode code, const Modu
     m_factorClass = &module;
 }
 
+// name [suffix] ["(" arguments ")"] {"." member}: a name's value and the members read from it
 bool BodyParser::ParseName(Expression& out, bool* simpleVariable)
 {
     const char* start = m_lexer.TokenStart();
@@ -553,6 +554,8 @@ bool BodyParser::ParseName(Expression& out, bool* simpleVariable)
     return ParseMemberChain(out, m_factorClass, start);
 }
 
+// name [suffix] ["(" arguments ")" {"(" index {"," index} ")"}]: a constant, a function call, an object
+// module's default instance, an extension's name, a built-in, a variable or an array element
 bool BodyParser::ParseNameValue(Expression& out, bool* simpleVariable)
 {
     const Token word = m_lexer.Kind();

@@ -20,6 +20,8 @@ bool BodyParser::AtExtensionName(const std::string& upperName, ExtensionName& fo
     return found.kind != ExtensionName::Kind::None;
 }
 
+// (after the name) constant | object | Library {"." name} | member [arguments] | member "(" arguments ")":
+// a name the host's extensions or the type-library references give
 bool BodyParser::ParseExtensionName(const std::string& name, const ExtensionName& found, MemberAccess access,
                                     Expression& out)
 {
@@ -90,6 +92,7 @@ bool BodyParser::ParseExtensionName(const std::string& name, const ExtensionName
     return true;
 }
 
+// (after New) class | Library.class: a creatable class of a referenced type library
 bool BodyParser::ParseNewLibraryClass(Expression& out)
 {
     const char* namePosition = m_lexer.TokenStart();

@@ -163,7 +163,7 @@ bool BodyParser::ParseMember(Expression& out, const Module*& classModule, Member
         // A public variable of the class, read or assigned like a property.
         const Variable& declared = *classModule->Variables()[static_cast<std::size_t>(variable)];
         if (m_lexer.Kind() == Token::LeftParen) {
-            m_lexer.SignalError(kWrongNumberOfParameters);
+            m_lexer.SignalError(CompileMessage::WrongNumberOfParameters);
             return false;
         }
         if (access == MemberAccess::Call) {
@@ -202,7 +202,7 @@ bool BodyParser::ParseMemberArguments(Procedure& member, MemberAccess access, Ex
     if (IsAssignment(access)) {
         // obj.Property[(indexes)] = value: the value is the Property Let's or Set's last parameter.
         if (total == 0) {
-            m_lexer.SignalError(kWrongNumberOfParameters);
+            m_lexer.SignalError(CompileMessage::WrongNumberOfParameters);
             return false;
         }
         const bool parenthesised = m_lexer.Accept(Token::LeftParen);

@@ -208,7 +208,7 @@ void Describe(EngineContext& context, EXCEPINFO* exception)
     const bool wasPassed = passed.number != 0;
     const long number = wasPassed ? passed.number : context.ErrorReport().number;
     const std::wstring& description = wasPassed ? passed.description : context.ErrorReport().description;
-    exception->wCode = static_cast<WORD>(number > 0 && number < 0x10000 ? number : 10090);
+    exception->wCode = static_cast<WORD>(number > 0 && number < 0x10000 ? number : kErrorAutomation);
     exception->bstrDescription = SysAllocString(description.c_str());
     exception->bstrSource = SysAllocString(context.Caption().c_str());
 }

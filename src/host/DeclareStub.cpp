@@ -9,6 +9,6 @@ extern "C" LONG __stdcall KZ_CallProcError(void)
     // Called from outside the engine (a Declare call or a host callback gave it up): the running macro
     // is this thread's again only once the engine is held.
     brannoc::EngineLockScope lock;
-    brannoc::Interpreter::RaiseOnCurrent(10160);
+    brannoc::Interpreter::RaiseOnCurrent(brannoc::kErrorDeclareNotImplemented);
     return 0;
 }

@@ -135,10 +135,10 @@ RunState EngineContext::Run(long depth)
     }
     if (StatementExecuting())
         return RunState::Busy;
-    int target = depth < 0 || depth == 10000 ? 0 : static_cast<int>(depth);
+    int target = depth < 0 || depth == kStartDepth ? 0 : static_cast<int>(depth);
     m_interpreter.SetRunLevel(depth == -1 ? 2 : 1);
     m_interpreter.PrepareRun(target);
-    if (depth == 10000)
+    if (depth == kStartDepth)
         m_interpreter.SetStepCounter(3);   // even the statement at which the run resumes may stop
     if (SchedulerRing* ring = SchedulerRing::OfThisThread(); ring && !ring->Owns(*this) && m_hostCallDepth == 0) {
         ring->Join(*this);

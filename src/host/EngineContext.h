@@ -5,7 +5,7 @@
 #include "exec/Interpreter.h"
 #include "frontend/BodyCompiler.h"
 #include "exec/InterpreterHost.h"
-#include "host/ComRef.h"
+#include "values/ComRef.h"
 #include "host/Debugger.h"
 #include "host/Evaluator.h"
 #include "host/ModuleManager.h"
@@ -48,6 +48,9 @@ class EngineContext final : public InterpreterHost, private automation::Extensio
 public:
     static constexpr int kKeywordCount = 340;
     static constexpr int kStepDepth = 9999;
+    // A run to this depth runs to the end, as depth 0 does, but may stop even at the statement at which
+    // it resumes (a handler started on an idle engine runs so).
+    static constexpr int kStartDepth = 10000;
     // The period of the timer that delivers an idle notification deferred at the end of a host call.
     static constexpr UINT kPendingNotificationPeriod = 100;
 

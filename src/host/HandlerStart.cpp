@@ -105,7 +105,7 @@ void Handler::RunStarted(RunState state)
     switch (state) {
     case RunState::Idle:
         (void)context.Control(EngineContext::kActionResume, 0);
-        (void)context.Control(EngineContext::kActionRun, 10000);
+        (void)context.Control(EngineContext::kActionRun, EngineContext::kStartDepth);
         break;
     case RunState::Stopped:
         (void)context.Control(EngineContext::kActionResume, 0);

@@ -37,19 +37,19 @@ bool CallSubForHost(EngineContext& context, const std::string& name, VARIANT* co
     Procedure* procedure = nullptr;
     ModuleInstance* instance = nullptr;
     if (!context.Modules().FindHostSub(name, procedure, instance)) {
-        ReportHostCallError(context, 10018, name);
+        ReportHostCallError(context, kErrorSubOrFunctionMissing, name);
         return false;
     }
     const auto& parameters = procedure->parameters;
     const bool paramArray = !parameters.empty() && parameters.back().paramArray;
     const std::size_t fixed = paramArray ? parameters.size() - 1 : parameters.size();
     if (!paramArray && static_cast<std::size_t>(count) > fixed) {
-        ReportHostCallError(context, 10019, name);
+        ReportHostCallError(context, kErrorWrongNumberOfParameters, name);
         return false;
     }
     for (std::size_t i = static_cast<std::size_t>(count); i < fixed; ++i) {
         if (!parameters[i].optional) {
-            ReportHostCallError(context, 10019, name);
+            ReportHostCallError(context, kErrorWrongNumberOfParameters, name);
             return false;
         }
     }

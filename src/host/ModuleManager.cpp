@@ -72,11 +72,11 @@ StatusMessage MessageForStatus(ModuleStatus status)
 {
     switch (status) {
     case ModuleStatus::Running:
-    case ModuleStatus::Paused: return {10010, L"Macro is already running."};
-    case ModuleStatus::Busy: return {10509, L"Already evaluating an expression."};
-    case ModuleStatus::AllocFailed: return {10011, L"Can't allocate memory to macro/module."};
-    case ModuleStatus::SyntaxErrors: return {10012, L"Macro/module has syntax errors."};
-    case ModuleStatus::NotFound: return {10013, L"Macro/module does not exist."};
+    case ModuleStatus::Paused: return {kErrorMacroAlreadyRunning, L"Macro is already running."};
+    case ModuleStatus::Busy: return {kErrorAlreadyEvaluating, L"Already evaluating an expression."};
+    case ModuleStatus::AllocFailed: return {kErrorCantAllocateModule, L"Can't allocate memory to macro/module."};
+    case ModuleStatus::SyntaxErrors: return {kErrorModuleHasSyntaxErrors, L"Macro/module has syntax errors."};
+    case ModuleStatus::NotFound: return {kErrorModuleMissing, L"Macro/module does not exist."};
     default: return {0, L""};
     }
 }
@@ -651,9 +651,9 @@ IDispatch* ModuleManager::NewObject(Module& module)
     if (module.IsHostForm() && !m_context.HostObjectForInstance(module.Name(), hostObject)) {
         // Running code gets the error where it can trap it; a host's request has it reported.
         if (m_context.Machine().ExecutionMarker() < 0)
-            (void)m_context.Machine().SignalError(10637);
+            (void)m_context.Machine().SignalError(kErrorObjectInstanceNotCreated);
         else
-            ReportError(10637, WideFromAnsi(module.Name()));
+            ReportError(kErrorObjectInstanceNotCreated, WideFromAnsi(module.Name()));
         return nullptr;
     }
     std::unique_ptr<ModuleInstance> instance = CreateInstance(module, hostObject.Get());
@@ -680,7 +680,7 @@ IDispatch* ModuleManager::DefaultObject(Module& module)
     }
     if (m_makingDefault == &module) {
         // Its own initializer names the default instance that it is making.
-        (void)m_context.Machine().SignalError(10637);
+        (void)m_context.Machine().SignalError(kErrorObjectInstanceNotCreated);
         return nullptr;
     }
     const Module* outer = std::exchange(m_makingDefault, &module);

@@ -4,18 +4,31 @@
 
 namespace brannoc {
 
-// The run-time error numbers that the value layer and the built-in library raise: each number is named
-// once, here (the interpreter's names in exec/ErrorMessages.h refer to these where they overlap; the
-// texts live in the string table).
+// The run-time error numbers that the value layer, the built-in library, the interpreter and the host
+// raise: each number is named once, here (the interpreter's names in exec/ErrorMessages.h and the
+// compiler's in frontend/CompileMessage.h refer to these where they share a number; the texts live in
+// the string table).
 enum RunTimeErrorNumber : long {
+    kErrorInterrupted = 10000,
     kErrorOutOfMemory = 10001,
+    // Macros and modules.
+    kErrorMacroAlreadyRunning = 10010,
+    kErrorCantAllocateModule = 10011,
+    kErrorModuleHasSyntaxErrors = 10012,
     kErrorModuleMissing = 10013,
     kErrorSubOrFunctionMissing = 10018,
     kErrorWrongNumberOfParameters = 10019,
     kErrorCantAllocateLargeArray = 10021,
     kErrorArrayNotDimensioned = 10022,
     kErrorArrayIndexOutOfRange = 10023,
+    kErrorArrayLowerBoundAboveUpper = 10024,
     kErrorArrayIndexCount = 10025,
+    // User dialogs.
+    kErrorUserDialogNotDefined = 10030,
+    kErrorUserPressedCancel = 10031,
+    kErrorDialogItemOutOfRange = 10032,
+    kErrorNoDialogDisplayed = 10033,
+    kErrorDialogInaccessible = 10034,
     kErrorWrongWith = 10035,
     kErrorModuleNotLoaded = 10040,
     kErrorFunctionNotFound = 10041,
@@ -37,6 +50,7 @@ enum RunTimeErrorNumber : long {
     kErrorDivideByZero = 10061,
     kErrorOverflow = 10062,
     kErrorUnderflow = 10063,
+    kErrorResumeOutsideHandler = 10071,
     kErrorNullUse = 10075,
     kErrorTypeMismatch = 10080,
     // Automation.
@@ -75,9 +89,19 @@ enum RunTimeErrorNumber : long {
     // Clipboard, Shell and arguments.
     kErrorClipboard = 10140,
     kErrorWindowStyle = 10150,
+    kErrorDeclareNotImplemented = 10160,
+    // The engine and its host.
+    kErrorHaltedForGood = 10200,
+    kErrorBusyForService = 10201,
+    kErrorHostCallFailed = 10202,
+    // Numbers of the compile-time range that running code raises too.
+    kErrorAlreadyEvaluating = 10509,
+    kErrorFunctionTerminated = 10525,
+    kErrorInvalidInstruction = 10564,
     kErrorExpectingDynamicArray = 10618,
     kErrorStringIndex = 10619,
     kErrorInvalidArgument = 10620,
+    kErrorObjectInstanceNotCreated = 10637,
     kErrorNotImplemented = 10902,
 };
 
