@@ -6,7 +6,7 @@
 #include "automation/DescribedType.h"
 #include "automation/ExportBoundary.h"
 #include "host/AnsiText.h"
-#include "host/ComRef.h"
+#include "values/ComRef.h"
 
 #include "brannoc.h"
 

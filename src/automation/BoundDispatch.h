@@ -2,7 +2,7 @@
 // A dispatch object that answers GetTypeInfo with a type of its own and forwards names and calls to a
 // held dispatch object. The type is given, or loaded on first need from the program's own type library
 // by its GUID text (OA_BindMFC).
-#include "host/ComRef.h"
+#include "values/ComRef.h"
 
 #include <oaidl.h>
 #include <string>

@@ -1,7 +1,7 @@
 #pragma once
 // Class objects for automation servers: CreateInstance calls the creation function with the type and
 // the user data and hands out the dispatch object it returns.
-#include "host/ComRef.h"
+#include "values/ComRef.h"
 
 #include <oaidl.h>
 

@@ -2,7 +2,7 @@
 // The dispatch object over an implementation object: late-bound calls are answered by its type
 // information, which calls the implementation's virtual functions (implementation object first).
 // The last Release calls the destroy function once with the implementation object and the user data.
-#include "host/ComRef.h"
+#include "values/ComRef.h"
 
 #include <oaidl.h>
 

@@ -3,7 +3,7 @@
 // platform (CreateDispTypeInfo) from the description's method records, with its own Invoke that checks
 // the call against the records and, for ANSI classes, hands String parameters over as ANSI text.
 #include "automation/ClassDescription.h"
-#include "host/ComRef.h"
+#include "values/ComRef.h"
 
 #include <oaidl.h>
 #include <string_view>

@@ -3,8 +3,8 @@
 #include "automation/OutsideCall.h"
 
 #include "exec/Interpreter.h"
-#include "host/ComRef.h"
 #include "host/EntryGuard.h"
+#include "values/ComRef.h"
 #include "values/ValueError.h"
 
 #include <memory>

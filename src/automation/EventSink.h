@@ -8,8 +8,8 @@
 // instance, which raises its events through it (RaiseEvent).
 #include "exec/EventConnection.h"
 #include "host/ArgumentMatching.h"
-#include "host/ComRef.h"
 #include "host/MacroCall.h"
+#include "values/ComRef.h"
 
 #include <ocidl.h>
 #include <string>

@@ -5,7 +5,7 @@
 #include "automation/ExtensionPrefix.h"
 #include "exec/EventConnection.h"
 #include "frontend/ModuleSource.h"
-#include "host/ComRef.h"
+#include "values/ComRef.h"
 
 #include <oaidl.h>
 

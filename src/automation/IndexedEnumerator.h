@@ -1,6 +1,6 @@
 #pragma once
 // IEnumVARIANT over an indexed source: a getter fills element i and answers false when there is none.
-#include "host/ComRef.h"
+#include "values/ComRef.h"
 
 #include <oaidl.h>
 

@@ -1,6 +1,6 @@
 #include "automation/MemberDescription.h"
 
-#include "host/ComRef.h"
+#include "values/ComRef.h"
 #include "values/Variant.h"
 
 #include <cstdio>

@@ -2,7 +2,7 @@
 // Objects that macros reach outside the engine: created from a class name (CreateObject), found
 // running or bound from a file name (GetObject), and walked with For Each through their enumerator.
 // Every failure is raised as one of the language's run-time errors (10090 to 10096, 10001).
-#include "host/ComRef.h"
+#include "values/ComRef.h"
 #include "values/Variant.h"
 
 #include <oaidl.h>

@@ -3,7 +3,7 @@
 #include "automation/ExportBoundary.h"
 #include "automation/LanguageState.h"
 #include "host/AnsiText.h"
-#include "host/ComRef.h"
+#include "values/ComRef.h"
 
 #include "brannoc.h"
 

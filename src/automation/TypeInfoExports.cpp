@@ -6,7 +6,7 @@
 #include "automation/ExportBoundary.h"
 #include "automation/MemberDescription.h"
 #include "host/AnsiText.h"
-#include "host/ComRef.h"
+#include "values/ComRef.h"
 #include "values/Variant.h"
 
 #include "brannoc.h"

@@ -2,12 +2,12 @@
 
 #include "automation/DispatchCall.h"
 #include "exec/Activation.h"
-#include "host/ComRef.h"
 #include "exec/HaltFlags.h"
 #include "exec/Interpreter.h"
 #include "exec/ModuleInstance.h"
 #include "frontend/CharClasses.h"
 #include "frontend/Module.h"
+#include "values/ComRef.h"
 #include "values/Conversion.h"
 #include "values/RecordType.h"
 #include "values/ValueError.h"

@@ -5,7 +5,7 @@
 #include "exec/HaltFlags.h"
 #include "exec/Interpreter.h"
 #include "exec/ModuleInstance.h"
-#include "host/ComRef.h"
+#include "values/ComRef.h"
 #include "values/ValueError.h"
 
 #include <algorithm>

@@ -2,8 +2,8 @@
 // The engine object: what a host holds. Implements the dual interface _CodeUnit; late-bound calls go
 // through the type information's dispatcher to the same table.
 #include "brannoc.h"
-#include "host/ComRef.h"
 #include "host/EngineContext.h"
+#include "values/ComRef.h"
 #include <memory>
 
 namespace brannoc {

@@ -2,8 +2,8 @@
 // type library.
 #include "brannoc.h"
 #include "host/CodeUnit.h"
-#include "host/ComRef.h"
 #include "host/ThisModule.h"
+#include "values/ComRef.h"
 
 using namespace brannoc;
 

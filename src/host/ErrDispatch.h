@@ -3,7 +3,7 @@
 // library's ErrObject interface) over an implementation bound to one engine context. Its members read
 // and write that engine's error record the way the language's Err does. Detached from the context
 // when the engine object goes, after which every member answers E_UNEXPECTED.
-#include "host/ComRef.h"
+#include "values/ComRef.h"
 
 #include <oaidl.h>
 

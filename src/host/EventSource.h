@@ -1,7 +1,7 @@
 #pragma once
 // The events of an event-source object: its default source interface (through its class information)
 // and, for each event, the declaration of the procedure that handles it.
-#include "host/ComRef.h"
+#include "values/ComRef.h"
 #include <oaidl.h>
 #include <string>
 #include <vector>

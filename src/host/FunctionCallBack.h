@@ -3,7 +3,7 @@
 // object whose virtual functions, in the order of the callback's description, call the host's
 // functions (user data last) or, where a pointer is null, forward to a fallback callback.
 #include "brannoc.h"
-#include "host/ComRef.h"
+#include "values/ComRef.h"
 
 namespace brannoc {
 

@@ -2,7 +2,7 @@
 // The handler collection CreateHandlers makes: one handler per event of an event-source object's
 // default source interface, each bound to the procedure named prefix + "_" + the event. A dispatch
 // object over the type library's _Handlers interface (Count, Item, _NewEnum).
-#include "host/ComRef.h"
+#include "values/ComRef.h"
 #include <oaidl.h>
 #include <string>
 #include <vector>

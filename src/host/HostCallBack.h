@@ -1,7 +1,7 @@
 #pragma once
 // Calls into the host's callback object. Members are looked up by name at each call; the engine lock
 // is given up for the duration of the call.
-#include "host/ComRef.h"
+#include "values/ComRef.h"
 
 #include <oaidl.h>
 #include <string>

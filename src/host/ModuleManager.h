@@ -3,7 +3,7 @@
 // name and answers their status. Texts come through the host callback's ReadMacro, or once from a text
 // given directly for a name.
 #include "frontend/Compiler.h"
-#include "host/ComRef.h"
+#include "values/ComRef.h"
 
 #include <oaidl.h>
 #include "frontend/ModuleSource.h"

@@ -4,7 +4,7 @@
 // message handling during a poll) does not start a nested run: it joins the running context's ring and
 // the request answers Active at once. When the ring's own context can no longer continue, the joined
 // contexts get time slices of 50 ticks in turn until each has finished or stopped.
-#include "host/ComRef.h"
+#include "values/ComRef.h"
 #include <oaidl.h>
 #include <vector>
 

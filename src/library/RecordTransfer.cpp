@@ -211,9 +211,7 @@ bool GetArray(Reader& in, SAFEARRAY*& array, bool header, const ElementKind& dec
             Bstr text;
             if (!(declared.fixedLength ? in.Text(declared.fixedLength, text) : in.CountedString(text)))
                 return false;
-            BSTR& slot = *reinterpret_cast<BSTR*>(element);
-            SysFreeString(slot);
-            slot = text.Detach();
+            ReplaceString(*reinterpret_cast<BSTR*>(element), std::move(text));
             break;
         }
         case VT_VARIANT:
@@ -273,13 +271,12 @@ bool GetVariant(Reader& in, VARIANT& value)
         element.tag = kind & VT_TYPEMASK;
         if (PayloadSize(element.tag) == 0 && element.tag != VT_BSTR && element.tag != VT_VARIANT)
             return RaiseValueError(kErrorTypeMismatch);
-        SAFEARRAY* array = nullptr;
-        if (!GetArray(in, array, true, element)) {
-            if (array)
-                DestroyArray(array);
+        SAFEARRAY* read = nullptr;
+        const bool complete = GetArray(in, read, true, element);
+        SafeArray array(read);
+        if (!complete)
             return false;
-        }
-        result.SetArray(array, element.tag);
+        result.SetArray(array.Detach(), element.tag);
     } else if (kind == VT_EMPTY) {
     } else if (kind == VT_NULL) {
         result.SetNull();
@@ -297,7 +294,10 @@ bool GetVariant(Reader& in, VARIANT& value)
             return false;
         raw.vt = kind;
     }
-    VariantClear(&value);
+    // The value read replaces the old one, which goes through the engine's own release (records and
+    // arrays of records included).
+    Variant old;
+    old.Attach(value);
     result.Detach(value);
     return true;
 }
@@ -350,9 +350,7 @@ bool GetRecord(Reader& in, void* record, const RecordType& type)
             Bstr text;
             if (!in.CountedString(text))
                 return false;
-            BSTR& slot = *reinterpret_cast<BSTR*>(at);
-            SysFreeString(slot);
-            slot = text.Detach();
+            ReplaceString(*reinterpret_cast<BSTR*>(at), std::move(text));
             break;
         }
         case FieldKind::FixedString: {
@@ -470,10 +468,11 @@ bool GetVariable(FileStream& stream, VARIANT& storage, TypeCode type)
             read = in.Text(value.vt == VT_BSTR && value.bstrVal ? SysStringLen(value.bstrVal) : 0, text);
         if (!read)
             return false;
-        if (value.vt == VT_BSTR)
-            SysFreeString(value.bstrVal);
-        value.vt = VT_BSTR;
-        value.bstrVal = text.Detach();
+        if (value.vt != VT_BSTR) {
+            value.vt = VT_BSTR;
+            value.bstrVal = nullptr;
+        }
+        ReplaceString(value.bstrVal, std::move(text));
         return true;
     }
     const std::size_t size = PayloadSize(value.vt);

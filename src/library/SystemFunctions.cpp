@@ -251,9 +251,7 @@ bool GetAllSettings(BuiltinArguments& arguments, BuiltinResult& result)
         for (LONG column = 0; column < 2; ++column) {
             const LONG indexes[2] = {static_cast<LONG>(row), column};
             auto* element = static_cast<BSTR*>(ElementAddress(array.Get(), indexes));
-            Bstr text(column == 0 ? settings[row].first : settings[row].second);
-            SysFreeString(*element);
-            *element = text.Detach();
+            ReplaceString(*element, Bstr(column == 0 ? settings[row].first : settings[row].second));
         }
     }
     result.Target().SetArray(array.Detach(), VT_BSTR);

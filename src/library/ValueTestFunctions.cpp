@@ -6,6 +6,7 @@
 #include "exec/ModuleInstance.h"
 #include "frontend/Module.h"
 #include "library/BuiltinArguments.h"
+#include "values/ComRef.h"
 #include "values/Conversion.h"
 #include "values/TextForm.h"
 #include "values/ValueError.h"
@@ -93,13 +94,10 @@ bool TypeName(BuiltinArguments& arguments, BuiltinResult& result)
     if (raw.vt & VT_ARRAY) {
         SAFEARRAY* array = byReference ? (raw.pparray ? *raw.pparray : nullptr) : raw.parray;
         if (tag == VT_RECORD) {
-            IRecordInfo* info = nullptr;
+            ComRef<IRecordInfo> info;
             if (array)
-                SafeArrayGetRecordInfo(array, &info);
-            const bool named = RecordName(info, name);
-            if (info)
-                info->Release();
-            if (!named)
+                SafeArrayGetRecordInfo(array, info.Out());
+            if (!RecordName(info.Get(), name))
                 return false;
         } else {
             name.assign(KindName(tag));

@@ -1,5 +1,6 @@
 #include "values/ArrayStorage.h"
 
+#include "values/ComRef.h"
 #include "values/Variant.h"
 #include "values/ValueError.h"
 
@@ -148,12 +149,10 @@ ElementKind ElementKindOf(SAFEARRAY* array) noexcept
     const USHORT features = array->fFeatures;
     if (features & FADF_RECORD) {
         kind.tag = VT_RECORD;
-        IRecordInfo* record = nullptr;
-        if (SUCCEEDED(SafeArrayGetRecordInfo(array, &record)) && record) {
-            // The array keeps its own reference for as long as it lives.
-            kind.record = record;
-            record->Release();
-        }
+        // The array keeps its own reference for as long as it lives: the kind borrows it.
+        ComRef<IRecordInfo> record;
+        if (SUCCEEDED(SafeArrayGetRecordInfo(array, record.Out())) && record)
+            kind.record = record.Get();
     } else if (features & FADF_VARIANT) {
         kind.tag = VT_VARIANT;
     } else if (features & FADF_BSTR) {

@@ -1,6 +1,8 @@
 #include "values/RecordType.h"
 
+#include "values/ComRef.h"
 #include "values/Conversion.h"
+#include "values/TaskMemory.h"
 #include "values/ValueCell.h"
 #include "values/ValueError.h"
 
@@ -586,14 +588,10 @@ BOOL __stdcall RecordType::IsMatchingType(IRecordInfo* other)
 
 PVOID __stdcall RecordType::RecordCreate()
 {
-    void* record = CoTaskMemAlloc(m_size > 0 ? m_size : 1);
-    if (!record)
+    TaskMemory record = TaskMemory::Allocate(m_size);
+    if (!record || FAILED(RecordInit(record.Get())))
         return nullptr;
-    if (FAILED(RecordInit(record))) {
-        CoTaskMemFree(record);
-        return nullptr;
-    }
-    return record;
+    return record.Detach();
 }
 
 HRESULT __stdcall RecordType::RecordCreateCopy(PVOID source, PVOID* target)
@@ -601,14 +599,10 @@ HRESULT __stdcall RecordType::RecordCreateCopy(PVOID source, PVOID* target)
     if (!source || !target)
         return E_INVALIDARG;
     *target = nullptr;
-    void* record = CoTaskMemAlloc(m_size > 0 ? m_size : 1);
-    if (!record)
+    TaskMemory record = TaskMemory::Allocate(m_size);
+    if (!record || FAILED(RecordCopy(source, record.Get())))
         return E_OUTOFMEMORY;
-    if (FAILED(RecordCopy(source, record))) {
-        CoTaskMemFree(record);
-        return E_OUTOFMEMORY;
-    }
-    *target = record;
+    *target = record.Detach();
     return S_OK;
 }
 
@@ -616,6 +610,7 @@ HRESULT __stdcall RecordType::RecordDestroy(PVOID record)
 {
     if (!record)
         return S_OK;
+    // The block that RecordCreate or RecordCreateCopy handed out comes back here to be freed.
     (void)RecordClear(record);
     CoTaskMemFree(record);
     return S_OK;
@@ -631,12 +626,11 @@ RecordType* AsRecordType(IRecordInfo* info) noexcept
 {
     if (!info)
         return nullptr;
-    void* found = nullptr;
-    if (FAILED(info->QueryInterface(kRecordTypeId, &found)) || !found)
+    // The answer is borrowed: info keeps the type alive, so the query's own reference goes at once.
+    ComRef<IRecordInfo> found;
+    if (FAILED(info->QueryInterface(kRecordTypeId, reinterpret_cast<void**>(found.Out()))) || !found)
         return nullptr;
-    auto* type = static_cast<RecordType*>(static_cast<IRecordInfo*>(found));
-    type->Release();
-    return type;
+    return static_cast<RecordType*>(found.Get());
 }
 
 } // namespace brannoc

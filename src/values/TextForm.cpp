@@ -1,6 +1,7 @@
 #include "values/TextForm.h"
 
 #include "host/ThisModule.h"
+#include "values/ComRef.h"
 #include "values/Conversion.h"
 #include "values/ValueError.h"
 
@@ -69,12 +70,10 @@ void AppendArray(std::wstring& out, SAFEARRAY* array, VARTYPE elementTag)
     }
     out += L") As ";
     if (elementTag == VT_RECORD) {
-        IRecordInfo* info = nullptr;
+        ComRef<IRecordInfo> info;
         if (array)
-            SafeArrayGetRecordInfo(array, &info);
-        out += RecordTypeName(info);
-        if (info)
-            info->Release();
+            SafeArrayGetRecordInfo(array, info.Out());
+        out += RecordTypeName(info.Get());
     } else {
         out += KindName(elementTag);
     }
@@ -265,11 +264,11 @@ std::wstring ObjectTypeName(IUnknown* object)
     if (s_objectNamer && s_objectNamer(object, name))
         return name;
     name = L"Object";
-    IDispatch* dispatch = nullptr;
-    if (FAILED(object->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(&dispatch))) || !dispatch)
+    ComRef<IDispatch> dispatch;
+    if (FAILED(object->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(dispatch.Out()))) || !dispatch)
         return name;
-    ITypeInfo* info = nullptr;
-    if (SUCCEEDED(dispatch->GetTypeInfo(0, EngineLocale(), &info)) && info) {
+    ComRef<ITypeInfo> info;
+    if (SUCCEEDED(dispatch->GetTypeInfo(0, EngineLocale(), info.Out())) && info) {
         Bstr text;
         if (SUCCEEDED(info->GetDocumentation(MEMBERID_NIL, text.Out(), nullptr, nullptr, nullptr)) && text.Length()) {
             std::wstring_view typeName = text.View();
@@ -277,9 +276,7 @@ std::wstring ObjectTypeName(IUnknown* object)
                 typeName.remove_prefix(1);
             name.assign(typeName);
         }
-        info->Release();
     }
-    dispatch->Release();
     return name;
 }
 

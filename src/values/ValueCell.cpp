@@ -3,6 +3,7 @@
 #include "values/Conversion.h"
 #include "values/Operators.h"
 #include "values/RecordType.h"
+#include "values/TaskMemory.h"
 #include "values/TextForm.h"
 #include "values/ValueError.h"
 
@@ -163,14 +164,13 @@ public:
                    RaiseValueError(kErrorOutOfMemory);
         }
         // The copy is made first: the source may live in something the old record owns.
-        void* copy = nullptr;
+        TaskMemory copy;
         ULONG size = 0;
-        if (FAILED(type->RecordCreateCopy(source.pvRecord, &copy)) || FAILED(type->GetSize(&size)))
+        if (FAILED(type->RecordCreateCopy(source.pvRecord, copy.Out())) || FAILED(type->GetSize(&size)))
             return RaiseValueError(kErrorOutOfMemory);
         (void)type->RecordClear(storage.pvRecord);
-        std::memcpy(storage.pvRecord, copy, size);
         // The copy's contents now belong to the variable; only its block goes.
-        CoTaskMemFree(copy);
+        std::memcpy(storage.pvRecord, copy.Get(), size);
         return true;
     }
     bool Convert(Variant& value, VARTYPE tag) const override

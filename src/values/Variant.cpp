@@ -118,6 +118,11 @@ void Bstr::Clear()
     m_text = nullptr;
 }
 
+void ReplaceString(BSTR& slot, Bstr&& text) noexcept
+{
+    SysFreeString(std::exchange(slot, text.Detach()));
+}
+
 BSTR* Bstr::Out()
 {
     Clear();

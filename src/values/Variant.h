@@ -40,6 +40,10 @@ private:
     BSTR m_text = nullptr;
 };
 
+// Stores text in a BSTR slot that owns its string (an array element, a record field): the string the
+// slot held is freed and the slot takes text's string.
+void ReplaceString(BSTR& slot, Bstr&& text) noexcept;
+
 // True for values that own nothing (numbers, dates, Booleans, error codes, Empty, Null, and every
 // by-reference value): clearing one only resets the tag and copying one copies its sixteen bytes, which
 // is what VariantClear and VariantCopy do for them. Tags the platform might refuse are left to it.

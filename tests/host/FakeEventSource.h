@@ -4,7 +4,7 @@
 // class Ledger whose default source it is; an object that gives that class as its class information; and
 // a Ledger object with a connection point that raises the events.
 #include "support/TestComObject.h"
-#include "host/ComRef.h"
+#include "values/ComRef.h"
 
 #include <ocidl.h>
 #include <olectl.h>
