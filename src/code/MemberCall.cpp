@@ -128,7 +128,7 @@ EvalStatus AccessVariable(const RunContext& context, const MemberSite& site, Mod
         if (count != 0)
             return Raise(context, kErrorWrongParameterCount);
         if (!values.At(first - 1).CopyIndirectFrom(storage))
-            return Raise(context, kErrorAutomation);
+            return Raise(context, CopyFailure(storage));
         return EvalStatus::kDone;
     }
     if (count != 1)
@@ -342,7 +342,7 @@ bool PushWithObject(const RunContext& context, int level)
         return context.interpreter->RaiseOutOfMemory();
     // Pushing may have moved the stack: the kept object is read after it.
     if (!values.Top().CopyFrom(values.At(position).Raw()))
-        return context.interpreter->SignalError(kErrorAutomation);
+        return context.interpreter->SignalError(CopyFailure(values.At(position).Raw()));
     return true;
 }
 
@@ -378,7 +378,7 @@ bool LoadAutoNew(const RunContext& context, const ExprOp& op)
     if (!slot)
         return context.interpreter->RaiseOutOfMemory();
     if (!slot->CopyFrom(*storage))
-        return context.interpreter->SignalError(kErrorAutomation);
+        return context.interpreter->SignalError(CopyFailure(*storage));
     return true;
 }
 

@@ -71,8 +71,9 @@ bool PackValues(ValueStack& values, int count)
         auto* elements = static_cast<VARIANT*>(lock.Data());
         for (int i = 0; i < count; ++i) {
             Variant copy;
-            if (!copy.CopyIndirectFrom(values.At(first + static_cast<std::size_t>(i)).Raw()))
-                return RaiseValueError(kErrorAutomation);
+            const VARIANT& value = values.At(first + static_cast<std::size_t>(i)).Raw();
+            if (!copy.CopyIndirectFrom(value))
+                return RaiseValueError(CopyFailure(value));
             copy.Detach(elements[i]);
         }
     }
@@ -294,7 +295,7 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             if (!slot)
                 return (void)context.interpreter->RaiseOutOfMemory(), EvalStatus::kFailed;
             if (!slot->CopyIndirectFrom(*storage))
-                return (void)context.interpreter->SignalError(kErrorAutomation), EvalStatus::kFailed;
+                return (void)context.interpreter->SignalError(CopyFailure(*storage)), EvalStatus::kFailed;
             break;
         }
         case ExprOpCode::kLoadRef: {
@@ -612,8 +613,10 @@ bool LoadElement(const void* element, VARTYPE tag, Variant& target, IRecordInfo*
         raw.vt = tag;
         return true;
     }
-    if (tag == VT_VARIANT)
-        return target.CopyIndirectFrom(*static_cast<const VARIANT*>(element)) || RaiseValueError(kErrorAutomation);
+    if (tag == VT_VARIANT) {
+        const VARIANT& value = *static_cast<const VARIANT*>(element);
+        return target.CopyIndirectFrom(value) || RaiseValueError(CopyFailure(value));
+    }
     VARIANT view;
     VariantInit(&view);
     if (tag == VT_DECIMAL)
@@ -957,7 +960,7 @@ bool CompiledProcedure::BindParameter(int index, void* frame, Variant& argument)
         return true;
     Variant value;
     if (!value.CopyIndirectFrom(argument.Raw()))
-        return RaiseValueError(kErrorAutomation);
+        return RaiseValueError(CopyFailure(argument.Raw()));
     return StorageCell(tag).Store(slot, value);
 }
 

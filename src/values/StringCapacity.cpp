@@ -125,7 +125,7 @@ bool AppendToStorage(VARIANT& storage, const Variant& right)
             return RaiseValueError(kErrorTypeMismatch);
         Variant value;
         if (!value.CopyFrom(*end))
-            return RaiseValueError(kErrorAutomation);
+            return RaiseValueError(CopyFailure(*end));
         if (!BinaryOperation(OperationId::kConcatenate, value, right))
             return false;
         Variant old;

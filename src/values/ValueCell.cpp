@@ -18,7 +18,7 @@ namespace brannoc {
 
 bool ValueCell::Load(const VARIANT& storage, Variant& target) const
 {
-    return target.CopyIndirectFrom(storage) || RaiseValueError(kErrorAutomation);
+    return target.CopyIndirectFrom(storage) || RaiseValueError(CopyFailure(storage));
 }
 
 bool ValueCell::Store(VARIANT& storage, const Variant& value) const
@@ -116,7 +116,7 @@ public:
         if (copy.BaseTag() != VT_DISPATCH && !Resolve(copy))
             return false;
         if (copy.IsByRef() && !copy.CopyIndirectFrom(copy.Raw()))
-            return RaiseValueError(kErrorAutomation);
+            return RaiseValueError(CopyFailure(copy.Raw()));
         Variant slot;
         slot.Attach(storage);
         slot = std::move(copy);
@@ -193,7 +193,7 @@ public:
             return RaiseValueError(kErrorTypeMismatch);
         Variant copy;
         if (!copy.CopyIndirectFrom(source))
-            return RaiseValueError(kErrorAutomation);
+            return RaiseValueError(CopyFailure(source));
         Variant slot;
         slot.Attach(storage);
         slot = std::move(copy);

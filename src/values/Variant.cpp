@@ -1,6 +1,7 @@
 #include "values/Variant.h"
 
 #include "values/ArrayStorage.h"
+#include "values/ValueError.h"
 
 namespace brannoc {
 
@@ -116,6 +117,13 @@ void Bstr::Clear()
 {
     SysFreeString(m_text);
     m_text = nullptr;
+}
+
+long CopyFailure(const VARIANT& source) noexcept
+{
+    const VARTYPE tag = FollowByRefChain(&source)->vt;
+    const VARTYPE kind = tag & VT_TYPEMASK;
+    return (tag & VT_ARRAY) || kind == VT_BSTR || kind == VT_RECORD ? kErrorOutOfMemory : kErrorAutomation;
 }
 
 void ReplaceString(BSTR& slot, Bstr&& text) noexcept

@@ -40,6 +40,11 @@ private:
     BSTR m_text = nullptr;
 };
 
+// The run-time error a failed copy of source raises: "Out of memory." (10001) for a string, an array
+// or a record, whose copies fail only when memory runs out (the engine goes on: it is an error the macro
+// can trap); "ActiveX Automation error." (10090) for a value that the platform refused to copy.
+long CopyFailure(const VARIANT& source) noexcept;
+
 // Stores text in a BSTR slot that owns its string (an array element, a record field): the string the
 // slot held is freed and the slot takes text's string.
 void ReplaceString(BSTR& slot, Bstr&& text) noexcept;

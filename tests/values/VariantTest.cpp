@@ -1,4 +1,6 @@
 #include "values/Variant.h"
+#include "values/TaskMemory.h"
+#include "values/ValueError.h"
 
 #include <gtest/gtest.h>
 
@@ -93,6 +95,58 @@ TEST(SafeArrayTest, LockGivesDataAndCopyIsDeep)
     ASSERT_TRUE(copy.CopyFrom(array.Get()));
     SafeArrayLock lock(copy.Get());
     EXPECT_EQ(static_cast<LONG*>(lock.Data())[2], 9);
+}
+
+TEST(VariantTest, ReplaceStringFreesTheOldStringAndTakesTheNew)
+{
+    BSTR slot = SysAllocString(L"old");
+    ReplaceString(slot, Bstr(std::wstring_view(L"new text")));
+    EXPECT_EQ(std::wstring_view(slot, SysStringLen(slot)), L"new text");
+    BSTR empty = nullptr;
+    ReplaceString(empty, Bstr());
+    EXPECT_EQ(empty, nullptr);
+    SysFreeString(slot);
+}
+
+// Copies of strings, arrays and records fail only when memory runs out: that is the error they give.
+TEST(VariantTest, CopyFailureOfOwnedValuesIsOutOfMemory)
+{
+    Variant text;
+    ASSERT_TRUE(text.SetString(std::wstring_view(L"x")));
+    EXPECT_EQ(CopyFailure(text.Raw()), kErrorOutOfMemory);
+    Variant reference;
+    reference.SetByRef(VT_VARIANT, &text.Raw());
+    EXPECT_EQ(CopyFailure(reference.Raw()), kErrorOutOfMemory);
+    VARIANT array;
+    VariantInit(&array);
+    array.vt = VT_ARRAY | VT_I4;
+    EXPECT_EQ(CopyFailure(array), kErrorOutOfMemory);
+    array.vt = VT_BYREF | VT_ARRAY | VT_VARIANT;
+    EXPECT_EQ(CopyFailure(array), kErrorOutOfMemory);
+    VARIANT record;
+    VariantInit(&record);
+    record.vt = VT_RECORD;
+    EXPECT_EQ(CopyFailure(record), kErrorOutOfMemory);
+    VARIANT other;
+    VariantInit(&other);
+    other.vt = VT_UNKNOWN;
+    EXPECT_EQ(CopyFailure(other), kErrorAutomation);
+}
+
+TEST(TaskMemoryTest, OwnsTheBlockUntilHandedOn)
+{
+    TaskMemory block = TaskMemory::Allocate(16);
+    ASSERT_TRUE(block);
+    static_cast<char*>(block.Get())[15] = 'x';
+    TaskMemory moved(std::move(block));
+    EXPECT_FALSE(block);
+    void* raw = moved.Detach();
+    EXPECT_FALSE(moved);
+    ASSERT_NE(raw, nullptr);
+    CoTaskMemFree(raw);
+    TaskMemory out;
+    *out.Out() = CoTaskMemAlloc(8);
+    EXPECT_TRUE(out);
 }
 
 } // namespace

@@ -5,12 +5,17 @@
 // goes on:
 //   - a crash (an exception the engine let through): the macro is written as crash.bas and the program
 //     ends with exit code 3;
-//   - a macro that takes longer than the slow limit: slow-N.bas; one still running at three times that
-//     limit (a hang inside one statement): hang.bas, and the program ends with exit code 4;
+//   - a macro still running at the slow limit is asked to end through the engine's own control action
+//     (the End a host asks for, taken between statements) and written as slow-N.bas: a note, not a
+//     finding; one still running at three times that limit did not end when asked (a hang inside one
+//     statement): hang.bas, and the program ends with exit code 4;
 //   - an error outside the system's numbers (a compile error outside 10000 to 10902 and 11000, or a
 //     run-time error without its message): number-N.bas;
 //   - a leak: the process's private memory grows past the leak margin over the run.
 // Usage: bbfuzz [--seed N] [--count N | --hours H] [--corpus DIR] [--findings DIR] [--budget STEPS]
+//               [--slow SECONDS] [--replay FILE] [--refuse-end 1]
+// --replay runs the one macro FILE without mutations (once, or count times), to reproduce a finding;
+// --refuse-end makes the host ignore requests to end, which tests that the watchdog reports a hang.
 // Exit code 0 when nothing was found, 1 with findings, 2 for bad arguments.
 #include "exec/Interpreter.h"
 #include "exec/InterpreterHost.h"
@@ -44,6 +49,9 @@ struct Options {
     int budget = 20000;
     double slowSeconds = 10;
     long long leakMargin = 256ll << 20;
+    std::string replay;
+    bool refuseEnd = false;
+    bool countGiven = false;
 };
 
 class MemorySource final : public ModuleSource {
@@ -64,6 +72,37 @@ public:
 DWORD s_ticks = 0;
 DWORD WINAPI CountingTick() { return ++s_ticks; }
 
+// The running interpreter, for the watchdog thread: it asks a slow macro to end through the same
+// control action that the budget uses. The lock keeps the interpreter alive while it is asked, and keeps
+// the two threads from making the request at the same time.
+class RunningMacro {
+public:
+    RunningMacro() { InitializeCriticalSection(&m_lock); }
+    void Set(Interpreter* interpreter)
+    {
+        EnterCriticalSection(&m_lock);
+        m_interpreter = interpreter;
+        LeaveCriticalSection(&m_lock);
+    }
+    // Requests the End action of the running macro; false when none runs.
+    bool AskToEnd()
+    {
+        EnterCriticalSection(&m_lock);
+        const bool running = m_interpreter != nullptr;
+        if (running)
+            (void)m_interpreter->RequestAction(InterpreterHost::kActionEnd, 0);
+        LeaveCriticalSection(&m_lock);
+        return running;
+    }
+
+private:
+    CRITICAL_SECTION m_lock;
+    Interpreter* m_interpreter = nullptr;
+};
+
+RunningMacro s_running;
+bool s_refuseEnd = false;
+
 // Debug.Print output is dropped; errors are counted; End and Stop end the run.
 class QuietHost final : public InterpreterHost {
 public:
@@ -74,7 +113,7 @@ public:
     void Notify(Notification) override {}
     void PerformControlAction(int action, long) override
     {
-        if (action == kActionEnd || action == kActionEndAll)
+        if ((action == kActionEnd || action == kActionEndAll) && !s_refuseEnd)
             interpreter->UnwindAll();
         else if (action == kActionStop && interpreter->RunLevel() > 0)
             interpreter->SetRunLevel(-interpreter->RunLevel());
@@ -83,7 +122,7 @@ public:
     {
         if (--yieldsLeft == 0) {
             budgetUsed = true;
-            (void)interpreter->RequestAction(kActionEnd, 0);
+            (void)s_running.AskToEnd();
         }
     }
     void ReportUntrappedError(const ErrorRecord& error) override { errors.push_back(error); }
@@ -125,8 +164,10 @@ Outcome RunMacro(const std::string& text, int budget)
     if (!interpreter.StartEntry(*module->Compiled()->entry->code, &instance))
         return outcome;
     interpreter.PrepareRun(0);
+    s_running.Set(&interpreter);
     for (int steps = 0; steps < budget && interpreter.RunStep(false) != 0; ++steps) {
     }
+    s_running.Set(nullptr);
     interpreter.UnwindAll();
     outcome.runErrors = host.errors;
     return outcome;
@@ -156,6 +197,14 @@ bool Usable(const std::string& text)
             return false;
     }
     return true;
+}
+
+std::string ReadText(const std::filesystem::path& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream buffer;
+    buffer << in.rdbuf();
+    return buffer.str();
 }
 
 std::vector<std::string> SplitLines(const std::string& text)
@@ -286,6 +335,7 @@ private:
 std::string s_current;
 std::string s_findings;
 volatile ULONGLONG s_macroStart = 0;
+double s_slowSeconds = 10;
 double s_hangSeconds = 30;
 
 void WriteFinding(const std::string& name, const std::string& text, const std::string& note)
@@ -305,14 +355,20 @@ LONG WINAPI OnCrash(EXCEPTION_POINTERS* exception)
     ExitProcess(3);
 }
 
-// A macro still running after the hang limit is a hang inside one statement (the statement budget ends
-// every other run): it is written as hang.bas and the program ends with exit code 4.
+// A macro still running at the slow limit (statements that each take long: the budget counts statements)
+// is asked to end, once. One still running at the hang limit did not end when asked, or hangs inside one
+// statement: it is written as hang.bas and the program ends with exit code 4.
 DWORD WINAPI WatchForHangs(void*)
 {
+    ULONGLONG asked = 0;
     for (;;) {
-        Sleep(500);
+        Sleep(250);
         const ULONGLONG started = s_macroStart;
-        if (started != 0 && GetTickCount64() - started > static_cast<ULONGLONG>(s_hangSeconds * 1000)) {
+        const ULONGLONG elapsed = started != 0 ? GetTickCount64() - started : 0;
+        if (started != 0 && started != asked && elapsed > static_cast<ULONGLONG>(s_slowSeconds * 1000) &&
+            s_running.AskToEnd())
+            asked = started;
+        if (started != 0 && elapsed > static_cast<ULONGLONG>(s_hangSeconds * 1000)) {
             WriteFinding("hang.bas", s_current, "still running after the hang limit");
             std::fprintf(stderr, "bbfuzz: hang; the macro is in %s\n", s_findings.c_str());
             std::fflush(stderr);
@@ -343,9 +399,10 @@ bool ParseOptions(int argc, char** argv, Options& options)
         const char* value = argv[++i];
         if (name == "--seed")
             options.seed = static_cast<unsigned>(std::strtoul(value, nullptr, 10));
-        else if (name == "--count")
+        else if (name == "--count") {
             options.count = std::strtoll(value, nullptr, 10);
-        else if (name == "--hours")
+            options.countGiven = true;
+        } else if (name == "--hours")
             options.hours = std::strtod(value, nullptr);
         else if (name == "--corpus")
             options.corpus = value;
@@ -353,6 +410,12 @@ bool ParseOptions(int argc, char** argv, Options& options)
             options.findings = value;
         else if (name == "--budget")
             options.budget = std::atoi(value);
+        else if (name == "--slow")
+            options.slowSeconds = std::strtod(value, nullptr);
+        else if (name == "--replay")
+            options.replay = value;
+        else if (name == "--refuse-end")
+            options.refuseEnd = std::atoi(value) != 0;
         else
             return false;
     }
@@ -366,26 +429,37 @@ int main(int argc, char** argv)
     Options options;
     if (!ParseOptions(argc, argv, options)) {
         std::fprintf(stderr, "usage: bbfuzz [--seed N] [--count N | --hours H] [--corpus DIR] [--findings DIR] "
-                             "[--budget STEPS]\n");
+                             "[--budget STEPS] [--slow SECONDS] [--replay FILE] [--refuse-end 1]\n");
         return 2;
     }
     s_findings = options.findings;
+    s_refuseEnd = options.refuseEnd;
     std::vector<std::string> corpus;
-    std::error_code error;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(options.corpus, error)) {
-        if (entry.path().extension() != ".bas")
-            continue;
-        std::ifstream in(entry.path(), std::ios::binary);
-        std::stringstream buffer;
-        buffer << in.rdbuf();
-        if (Usable(buffer.str()))
-            corpus.push_back(buffer.str());
+    if (!options.replay.empty()) {
+        std::string text = ReadText(options.replay);
+        if (text.empty()) {
+            std::fprintf(stderr, "bbfuzz: cannot read %s\n", options.replay.c_str());
+            return 2;
+        }
+        corpus.push_back(std::move(text));
+        if (!options.countGiven)
+            options.count = 1;
+    } else {
+        std::error_code error;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(options.corpus, error)) {
+            if (entry.path().extension() != ".bas")
+                continue;
+            std::string text = ReadText(entry.path());
+            if (Usable(text))
+                corpus.push_back(std::move(text));
+        }
     }
     if (corpus.empty()) {
         std::fprintf(stderr, "bbfuzz: no usable scripts under %s\n", options.corpus.c_str());
         return 2;
     }
     SetUnhandledExceptionFilter(&OnCrash);
+    s_slowSeconds = options.slowSeconds;
     s_hangSeconds = options.slowSeconds * 3;
     CloseHandle(CreateThread(nullptr, 0, &WatchForHangs, nullptr, 0, nullptr));
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
@@ -393,10 +467,10 @@ int main(int argc, char** argv)
     Mutator mutator(corpus, options.seed);
     const ULONGLONG start = GetTickCount64();
     const ULONGLONG end = options.hours > 0 ? start + static_cast<ULONGLONG>(options.hours * 3600000.0) : 0;
-    long long macros = 0, compiled = 0, runErrors = 0, findings = 0;
+    long long macros = 0, compiled = 0, runErrors = 0, findings = 0, slow = 0;
     long long baseline = 0;
     for (; options.hours > 0 ? GetTickCount64() < end : macros < options.count; ++macros) {
-        std::string next = mutator.Next();
+        std::string next = options.replay.empty() ? mutator.Next() : corpus.front();
         s_macroStart = 0;
         s_current.swap(next);
         const ULONGLONG before = GetTickCount64();
@@ -406,9 +480,10 @@ int main(int argc, char** argv)
         const double seconds = static_cast<double>(GetTickCount64() - before) / 1000.0;
         compiled += outcome.compiled ? 1 : 0;
         runErrors += static_cast<long long>(outcome.runErrors.size());
+        // A slow macro ended when asked: a note for the one who looks into speed, not a fault.
         if (seconds > options.slowSeconds)
-            WriteFinding("slow-" + std::to_string(++findings) + ".bas", s_current,
-                         "took " + std::to_string(seconds) + " s");
+            WriteFinding("slow-" + std::to_string(++slow) + ".bas", s_current,
+                         "took " + std::to_string(seconds) + " s; asked to end at the slow limit");
         for (unsigned number : outcome.compileErrors)
             if (!SystemCompileNumber(number))
                 WriteFinding("number-" + std::to_string(++findings) + ".bas", s_current,
@@ -426,9 +501,9 @@ int main(int argc, char** argv)
         ++findings;
         std::fprintf(stderr, "bbfuzz: private memory grew by %lld bytes after the first 200 macros\n", grown);
     }
-    std::printf("bbfuzz: seed %u, %lld macros (%lld compiled and run, %lld run-time errors), %lld findings, %.1f s, "
-                "memory growth %lld bytes\n",
-                options.seed, macros, compiled, runErrors, findings,
+    std::printf("bbfuzz: seed %u, %lld macros (%lld compiled and run, %lld run-time errors), %lld findings, "
+                "%lld slow, %.1f s, memory growth %lld bytes\n",
+                options.seed, macros, compiled, runErrors, findings, slow,
                 static_cast<double>(GetTickCount64() - start) / 1000.0, grown);
     return findings == 0 ? 0 : 1;
 }
