@@ -441,7 +441,8 @@ int main(int argc, char** argv)
             std::fprintf(stderr, "bbfuzz: cannot read %s\n", options.replay.c_str());
             return 2;
         }
-        corpus.push_back(std::move(text));
+        // Line ends become CR LF, as the mutations write them.
+        corpus.push_back(JoinLines(SplitLines(text)));
         if (!options.countGiven)
             options.count = 1;
     } else {
