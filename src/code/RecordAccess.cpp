@@ -1,5 +1,6 @@
 #include "code/RecordAccess.h"
 
+#include "code/FastExpression.h"
 #include "code/ProcedureBody.h"
 
 #include "exec/Activation.h"
@@ -397,6 +398,16 @@ bool RecordCopyStatement::Execute()
     // The same record on both sides copies onto itself.
     std::memmove(target->pvRecord, source->pvRecord, m_size);
     return true;
+}
+
+bool AssignPathStatement::Execute()
+{
+    if (m_direct == Direct::kUntried) {
+        m_direct = m_owner && m_text.Compile(m_code, m_path, *m_owner) ? Direct::kText : Direct::kNone;
+    }
+    if (m_direct == Direct::kText && DirectFormsEnabled() && m_text.Run(Context()))
+        return true;
+    return ExecuteFrom(0);
 }
 
 bool AssignPathStatement::Step(ExecEntry& entry)

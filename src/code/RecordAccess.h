@@ -2,6 +2,7 @@
 // Access to the elements of records: a path from a variable (a record or an array of records) through
 // array indexes and record fields to the place an expression such as a(i).inner.x names. The indexes
 // are on the value stack, in the order written; the path is walked each time it is used.
+#include "code/FieldTextStore.h"
 #include "code/ProcedureBody.h"
 
 #include <vector>
@@ -62,12 +63,17 @@ public:
         : m_code(std::move(code)), m_path(path), m_resolvesDefault(resolvesDefault)
     {
     }
+    // A string read in place into a string field goes the direct way (FieldTextStore).
+    [[nodiscard]] bool Execute() override;
     [[nodiscard]] bool Step(ExecEntry& entry) override;
 
 private:
     Expression m_code;
     int m_path;
     bool m_resolvesDefault;
+    enum class Direct : std::uint8_t { kUntried, kNone, kText };
+    Direct m_direct = Direct::kUntried;
+    FieldTextStore m_text;
 };
 
 // LSet target = source between records of plain data: the source's first `size` bytes are copied over

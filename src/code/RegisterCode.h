@@ -189,6 +189,10 @@ public:
     std::vector<std::uint8_t> givenUp;
     // 1 for the statements whose form was made while running.
     std::vector<std::uint8_t> observed;
+    // Per statement index: the first operations of the forms made while running, and how many of them
+    // have been tried in turn since the last new one (ObservedForms.h).
+    std::vector<std::vector<int>> formStarts;
+    std::vector<std::uint8_t> formTries;
     // Temporaries that forms made while running may use (from firstTemporary on).
     int temporaryLimit = 0;
 };

@@ -5,6 +5,7 @@
 
 #include "code/FastExpression.h"
 #include "code/NumericKinds.h"
+#include "code/ObservedForms.h"
 #include "code/ProcedureBody.h"
 #include "exec/Activation.h"
 #include "exec/HaltFlags.h"
@@ -57,10 +58,7 @@ void NoteGivingUp(RegisterProgram& program, int index)
     if (++count < kGivingUpBeforeNewForm)
         return;
     count = 0;
-    RegisterOp& entry = program.ops[static_cast<std::size_t>(program.entries[static_cast<std::size_t>(index)]) + 1];
-    entry.code = program.formsLeft[static_cast<std::size_t>(index)] > 0 ? RegisterCode::kObserve : RegisterCode::kGeneral;
-    entry.a = index;
-    program.observed[static_cast<std::size_t>(index)] = 0;
+    ChooseNextForm(program, index);
 }
 
 enum class CallStart { kGiveUp, kEnded, kWaiting, kFailed };
@@ -231,6 +229,7 @@ op_Observe: {
         if (FormObservedStatement(procedure, writable, index, frame, instance, start)) {
             writable.observed[static_cast<std::size_t>(index)] = 1;
             writable.givenUp[static_cast<std::size_t>(index)] = 0;
+            RecordObservedForm(writable, index, start);
             self.code = RegisterCode::kJump;
             self.a = start;
             pc = ops + start;
@@ -239,7 +238,7 @@ op_Observe: {
     }
     // No form for these kinds (a Variant holds something else): the object runs the statement.
     if (writable.formsLeft[static_cast<std::size_t>(index)] == 0)
-        self.code = RegisterCode::kGeneral;
+        ChooseNextForm(writable, index);
     if (!statements[index]->Execute() || HaltFlags::Any())
         return false;
     pc = resume();

@@ -28,6 +28,11 @@ bool TextOperand::Compile(const ExprOp* first, std::size_t count, const Compiled
         if (!m_slice.Compile(last.index, procedure))
             return false;
         m_kind = Kind::kSlice;
+    } else if (last.code == ExprOpCode::kLoadPath) {
+        if (!m_field.Compile(last.index, first, count - 1, procedure))
+            return false;
+        m_kind = Kind::kField;
+        return true;
     } else if (last.code == ExprOpCode::kElement && last.count == 1 && !last.type.IsArray() &&
                (last.type.IsVariant() || last.type.ValueTag() == VT_BSTR)) {
         // The op's type is the element's (a Variant for a Variant variable, which may hold an array).
@@ -62,6 +67,8 @@ bool TextOperand::Read(const RunContext& context, std::wstring_view& text) const
     }
     case Kind::kSlice:
         return m_slice.Evaluate(context, text);
+    case Kind::kField:
+        return m_field.Read(context, text);
     case Kind::kElement: {
         LONG position = 0;
         if (m_localPosition >= 0) {

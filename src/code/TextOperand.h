@@ -1,10 +1,11 @@
 #pragma once
 // Strings read where they are stored. A string constant, a String variable (or a Variant holding a
-// string), an element of a one-dimensional String array at a whole index, or a Mid over a string
-// variable is read as a view of the stored characters: comparing, copying or appending it makes no new
+// string), an element of a one-dimensional String array at a whole index, a string field of a record
+// (FieldText), or a Mid over a string variable is read as a view of the stored characters: comparing, copying or appending it makes no new
 // string. Like the numeric direct forms a read either gives exactly the text the general code would
 // push or gives up without any effect (the variable holds no string, an index lies outside the
 // bounds), and the statement then runs its general code.
+#include "code/FieldText.h"
 #include "code/StringForms.h"
 
 #include <string_view>
@@ -25,7 +26,7 @@ public:
     [[nodiscard]] bool Read(const RunContext& context, std::wstring_view& text) const;
 
 private:
-    enum class Kind : std::uint8_t { kNone, kConstant, kVariable, kElement, kSlice };
+    enum class Kind : std::uint8_t { kNone, kConstant, kVariable, kElement, kSlice, kField };
     Kind m_kind = Kind::kNone;
     StorageScope m_scope = StorageScope::Local;
     int m_index = 0;
@@ -35,6 +36,7 @@ private:
     TypedExpression m_position;
     int m_localPosition = -1;
     SliceForm m_slice;
+    FieldText m_field;
 };
 
 // The view of a stored string: a VT_BSTR value or a reference to one (null: empty); false for anything

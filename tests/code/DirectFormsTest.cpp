@@ -436,5 +436,79 @@ TEST(DirectForms, ElementStoresAppendsAndArguments)
     }));
 }
 
+// Strings read from and written into String, fixed-length String and Variant fields of records, of
+// records in arrays and of nested records, from every kind of source read in place (constants,
+// variables, array elements, other fields, Mid parts), with indexes inside and outside the bounds and
+// Variant fields holding values that are not strings.
+TEST(DirectForms, StringFieldsOfRecords)
+{
+    ExpectSameRuns(JoinLines({
+        "Type Inner",
+        "    Short As String * 3",
+        "    Extra As Variant",
+        "End Type",
+        "Type Item",
+        "    Text As String",
+        "    Fixed As String * 5",
+        "    Extra As Variant",
+        "    Nested As Inner",
+        "End Type",
+        "Sub Main",
+        "    On Error Resume Next",
+        "    Dim items(-1 To 3) As Item, one As Item, words(4) As String, s As String, v, i As Long, k As Integer",
+        "    words(0) = \"\": words(1) = \"a\": words(2) = \"abcde\": words(3) = \"abcdefghij\": words(4) = \"xy\"",
+        "    s = \"seed\"",
+        "    For i = -2 To 5",
+        "        k = (i + 5) Mod 5",
+        "        Select Case k",
+        "            Case 0: v = 12.5",
+        "            Case 1: v = Null",
+        "            Case 2: v = Empty",
+        "            Case Else: v = words(k)",
+        "        End Select",
+        "        Err.Clear: items(i).Text = words(k): Debug.Print Err.Number; \"[\"; items(i).Text; \"]\"",
+        "        Err.Clear: items(i).Fixed = items(i).Text: Debug.Print Err.Number; \"[\"; items(i).Fixed; \"]\"",
+        "        Err.Clear: items(i).Nested.Short = Mid(s, 2, k): Debug.Print Err.Number; \"[\"; items(i).Nested.Short; \"]\"",
+        "        Err.Clear: items(i).Extra = v: items(i).Nested.Extra = items(i).Fixed",
+        "        Err.Clear: s = items(i).Extra: Debug.Print Err.Number; \"[\"; s; \"]\"",
+        "        Err.Clear: one.Text = items(i).Nested.Extra: Debug.Print Err.Number; \"[\"; one.Text; \"]\"",
+        "        Err.Clear: one.Fixed = one.Fixed: one.Nested.Short = one.Text: Debug.Print \"[\"; one.Fixed; one.Nested.Short; \"]\"",
+        "        Err.Clear: one.Extra = items(i).Extra: Debug.Print Err.Number; TypeName(one.Extra)",
+        "        Err.Clear: If items(i).Text = \"abcde\" Then Debug.Print \"five\"; Err.Number Else Debug.Print \"not five\"; Err.Number",
+        "        Err.Clear: If items(i).Fixed < one.Text Then Debug.Print \"less\"; Err.Number Else Debug.Print \"not less\"; Err.Number",
+        "        Err.Clear: If items(i).Extra <> \"xy\" Then Debug.Print \"other\"; Err.Number Else Debug.Print \"xy\"; Err.Number",
+        "        s = s & k",
+        "    Next i",
+        "    Debug.Print \"end\"",
+        "End Sub",
+    }));
+}
+
+// Variants whose kinds go back and forth more often than a statement gets new forms: the forms made
+// earlier are taken up again and must compute exactly what the general code computes.
+TEST(DirectForms, VariantKindsGoingBackAndForth)
+{
+    ExpectSameRuns(JoinLines({
+        "Sub Main",
+        "    On Error Resume Next",
+        "    Dim i, n, big, q, r, total, k",
+        "    total = 0",
+        "    For i = 1 To 4000",
+        "        Select Case i Mod 400",
+        "            Case 1: n = 32750",
+        "            Case 101: n = 1.5",
+        "            Case 201: n = 2147483600",
+        "            Case 301: n = -32760",
+        "        End Select",
+        "        Err.Clear: n = n + 3: k = Err.Number",
+        "        q = n \\ 7: r = n Mod 11: big = n * 100000",
+        "        total = total + q - r + big / 100000 + n / 4",
+        "        If i Mod 97 = 0 Or k <> 0 Then Debug.Print i; n; TypeName(n); q; TypeName(q); r; big; TypeName(big); k",
+        "    Next i",
+        "    Debug.Print total; TypeName(total)",
+        "End Sub",
+    }));
+}
+
 } // namespace
 } // namespace brannoc

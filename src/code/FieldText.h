@@ -1,0 +1,46 @@
+#pragma once
+// String fields of records read and written where they are stored. A record path with at most one
+// index (rec.Name, people(k).City, rec.inner.Label, items(i).tag when tag is a Variant holding a
+// string) is walked without the value stack: the field's characters are read as a view, and a string
+// is written into the field's own block (a String field), over its characters (a fixed-length String
+// field: padded with spaces or cut to its length) or into a Variant field that holds a string or a
+// value owning nothing. Like the other direct forms it either does exactly what the general code does
+// or gives up without any effect (an index outside the bounds, an array without storage, a Variant
+// field holding another kind), and the statement then runs its general code.
+#include "code/TypedExpression.h"
+#include "values/RecordType.h"
+
+#include <string_view>
+
+namespace brannoc {
+
+struct RecordPath;
+
+class FieldText final {
+public:
+    // Compiles record path `path` of procedure whose index (when it has one) is computed by the ops
+    // [indexFirst, indexFirst + indexCount). False when the path is not of that shape.
+    bool Compile(int path, const ExprOp* indexFirst, std::size_t indexCount, const CompiledProcedure& procedure);
+    bool IsReady() const noexcept { return m_field != nullptr; }
+    // The field's text; false when it gave up.
+    [[nodiscard]] bool Read(const RunContext& context, std::wstring_view& text) const;
+    // Stores text into the field (text may lie inside the field itself). `stored` is false, with
+    // nothing changed, when it gave up; the answer is false after raising (out of memory).
+    [[nodiscard]] bool Assign(const RunContext& context, std::wstring_view text, bool& stored) const;
+
+private:
+    // The record holding the field; null when the walk gave up.
+    char* FindRecord(const RunContext& context) const;
+    [[nodiscard]] bool ReadPosition(const RunContext& context, LONG& position) const;
+
+    const RecordPath* m_path = nullptr;
+    const RecordField* m_field = nullptr;
+    // The step that is the index (-1: none), and the size of the records that array holds.
+    int m_indexStep = -1;
+    ULONG m_elementSize = 0;
+    // The index: a local whole variable read in place (-1: none), or its typed form.
+    int m_localPosition = -1;
+    TypedExpression m_position;
+};
+
+} // namespace brannoc

@@ -1,0 +1,51 @@
+#include "code/ObservedForms.h"
+
+namespace brannoc {
+
+namespace {
+
+RegisterOp& EntryOperation(RegisterProgram& program, int index)
+{
+    return program.ops[static_cast<std::size_t>(program.entries[static_cast<std::size_t>(index)]) + 1];
+}
+
+} // namespace
+
+void RecordObservedForm(RegisterProgram& program, int index, int start)
+{
+    const auto at = static_cast<std::size_t>(index);
+    if (program.formStarts.size() <= at) {
+        program.formStarts.resize(program.entries.size());
+        program.formTries.resize(program.entries.size(), 0);
+    }
+    program.formStarts[at].push_back(start);
+    program.formTries[at] = 0;
+}
+
+void ChooseNextForm(RegisterProgram& program, int index)
+{
+    const auto at = static_cast<std::size_t>(index);
+    RegisterOp& entry = EntryOperation(program, index);
+    const std::vector<int>* forms = at < program.formStarts.size() ? &program.formStarts[at] : nullptr;
+    const std::size_t count = forms ? forms->size() : 0;
+    const bool mayMakeNew = program.formsLeft[at] > 0;
+    // The others are tried in turn (each until it too has given up often enough) before a new form is
+    // made; with none left to make, the statement goes round the ones it has.
+    if ((count >= 2 && static_cast<std::size_t>(program.formTries[at]) + 1 < count) || (count >= 1 && !mayMakeNew)) {
+        std::size_t current = 0;
+        while (current < count && (*forms)[current] != entry.a)
+            ++current;
+        const std::size_t next = current + 1 < count ? current + 1 : 0;
+        if (program.formTries[at] < 255)
+            ++program.formTries[at];
+        entry.code = RegisterCode::kJump;
+        entry.a = (*forms)[next];
+        program.observed[at] = 1;
+        return;
+    }
+    entry.code = mayMakeNew ? RegisterCode::kObserve : RegisterCode::kGeneral;
+    entry.a = index;
+    program.observed[at] = 0;
+}
+
+} // namespace brannoc

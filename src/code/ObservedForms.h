@@ -1,0 +1,20 @@
+#pragma once
+// The forms a statement over Variants has been given (RegisterProgram::formsLeft and observed) and the
+// choice of the next one when the current form keeps giving up. Loops change the kinds of their
+// Variants back and forth (a counter reset to an Integer that grows past the Integer range, a product
+// that passes the Long range and comes back): a form made earlier for the kinds the Variants hold again
+// is taken up before a new one is made, and once no new form may be made the statement keeps going
+// round its forms instead of running as its object from then on.
+#include "code/RegisterCode.h"
+
+namespace brannoc {
+
+// Notes that statement `index` was given the form starting at operation `start`.
+void RecordObservedForm(RegisterProgram& program, int index, int start);
+
+// The current form of statement `index` has given up often enough: its entry operation (the one after
+// its marker) is pointed at another form made earlier, at a new form (kObserve) or, with neither, at
+// the statement object (kGeneral).
+void ChooseNextForm(RegisterProgram& program, int index);
+
+} // namespace brannoc
