@@ -6,9 +6,12 @@
 #include "frontend/Module.h"
 #include "frontend/Symbols.h"
 #include "host/AnsiText.h"
+#include "host/CodeUnit.h"
 #include "host/EngineContext.h"
 #include "host/EntryGuard.h"
 #include "host/EventSource.h"
+#include "host/HandlerPrototype.h"
+#include "host/HostCallBack.h"
 #include "host/LibraryLifetime.h"
 #include "host/MemoryReserve.h"
 #include "host/ModuleManager.h"
@@ -18,6 +21,7 @@
 #include <cstdint>
 #include <cwchar>
 #include <new>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -53,6 +57,28 @@ Procedure* EventProcedure(const Module& module, const std::string& name)
 HostCallMode ModeFor(EngineContext& context, Interpreter::ErrorExit errorExit)
 {
     return errorExit == Interpreter::ErrorExit::kToCaller ? HostCallMode::kPlain : DebuggableCallMode(context, false);
+}
+
+// The name of the first function of a source interface that is not restricted (the IUnknown and
+// IDispatch methods of a dispatch interface are).
+std::wstring FirstEventName(ITypeInfo* source)
+{
+    TYPEATTR* attr = nullptr;
+    if (FAILED(source->GetTypeAttr(&attr)))
+        return {};
+    const UINT count = attr->cFuncs;
+    source->ReleaseTypeAttr(attr);
+    for (UINT i = 0; i < count; ++i) {
+        FUNCDESC* function = nullptr;
+        if (FAILED(source->GetFuncDesc(i, &function)))
+            continue;
+        const bool restricted = (function->wFuncFlags & FUNCFLAG_FRESTRICTED) != 0;
+        const MEMBERID id = function->memid;
+        source->ReleaseFuncDesc(function);
+        if (!restricted)
+            return MemberNameOf(source, id);
+    }
+    return {};
 }
 
 } // namespace
@@ -101,52 +127,6 @@ int EventSink::DisconnectAll(EngineContext& context)
     return connected;
 }
 
-HRESULT __stdcall EventSink::QueryInterface(REFIID id, void** object)
-{
-    if (!object)
-        return E_POINTER;
-    if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch) ||
-        (!IsEqualIID(m_sourceId, GUID_NULL) && IsEqualIID(id, m_sourceId))) {
-        *object = static_cast<IDispatch*>(this);
-        AddRef();
-        return S_OK;
-    }
-    *object = nullptr;
-    return E_NOINTERFACE;
-}
-
-ULONG __stdcall EventSink::AddRef() { return static_cast<ULONG>(InterlockedIncrement(&m_references)); }
-
-ULONG __stdcall EventSink::Release()
-{
-    const LONG remaining = InterlockedDecrement(&m_references);
-    if (remaining == 0) {
-        EngineLock::Acquire();
-        delete this;
-        EngineLock::Release();
-    }
-    return static_cast<ULONG>(remaining);
-}
-
-HRESULT __stdcall EventSink::GetTypeInfoCount(UINT* count)
-{
-    if (!count)
-        return E_POINTER;
-    *count = m_source ? 1 : 0;
-    return S_OK;
-}
-
-HRESULT __stdcall EventSink::GetTypeInfo(UINT index, LCID, ITypeInfo** info)
-{
-    if (!info)
-        return E_POINTER;
-    *info = nullptr;
-    if (index != 0 || !m_source)
-        return DISP_E_BADINDEX;
-    *info = ComRef<ITypeInfo>::Share(m_source.Get()).Detach();
-    return S_OK;
-}
-
 HRESULT __stdcall EventSink::GetIDsOfNames(REFIID id, LPOLESTR* names, UINT count, LCID, DISPID* ids)
 {
     if (!IsEqualIID(id, IID_NULL))
@@ -173,8 +153,37 @@ HRESULT __stdcall EventSink::Invoke(DISPID member, REFIID id, LCID, WORD flags, 
     if (event.empty())
         return S_OK;
     static DISPPARAMS none{nullptr, nullptr, 0, 0};
-    return Deliver(event, GivenArguments::FromDispParams(parameters ? *parameters : none), result, exception,
-                   argumentError, Interpreter::ErrorExit::kReport);
+    GivenArguments given = GivenArguments::FromDispParams(parameters ? *parameters : none);
+    Variant positions[2];
+    ConvertPositionArguments(m_connected.Get(), PositionsOf(member), given, positions);
+    return Deliver(event, given, result, exception, argumentError, Interpreter::ErrorExit::kReport, member);
+}
+
+PositionParameters EventSink::PositionsOf(DISPID event) const
+{
+    PositionParameters positions;
+    const std::optional<EventPrototype> prototype = EventPrototypeOf(m_source.Get(), event, m_prefix);
+    if (!prototype)
+        return positions;
+    if (const std::optional<HandlerPrototype> parsed = ParseHandlerPrototype(prototype->declaration)) {
+        positions.x = parsed->xParameter;
+        positions.pixels = parsed->xInPixels;
+    }
+    return positions;
+}
+
+// An event of an extension's source that no procedure handles, arriving while the engine is idle, is
+// offered to the host, which may write the procedure. A variable's module is always loaded while its
+// sink listens, so its events are never offered.
+void EventSink::OfferEventCode(const std::wstring& event, DISPID member)
+{
+    if (m_receiver || (m_filter != kAllEvents && member != m_filter) ||
+        m_context->Control(EngineContext::kActionQuietQuery, 0) != RunState::Idle)
+        return;
+    // A sink for one event names it by the source interface's first function.
+    const std::wstring name = m_filter == kAllEvents ? event : FirstEventName(m_source.Get());
+    (void)HostCallBack::EditEventCode(m_context->CallBack(), m_context->Owner().AsDispatch(),
+                                      WideFromAnsi(m_prefix) + L"_" + name, m_filter != kAllEvents);
 }
 
 bool EventSink::FindProcedure(const std::wstring& event, MacroCallTarget& target)
@@ -192,7 +201,7 @@ bool EventSink::FindProcedure(const std::wstring& event, MacroCallTarget& target
 
 // The event's procedure runs to its end inside the call; an event without a procedure changes nothing.
 HRESULT EventSink::Deliver(const std::wstring& event, const GivenArguments& given, VARIANT* result,
-                           EXCEPINFO* exception, UINT* argumentError, Interpreter::ErrorExit errorExit)
+                           EXCEPINFO* exception, UINT* argumentError, Interpreter::ErrorExit errorExit, DISPID member)
 {
     if (argumentError)
         *argumentError = static_cast<UINT>(-1);
@@ -208,6 +217,8 @@ HRESULT EventSink::Deliver(const std::wstring& event, const GivenArguments& give
         if (IsHaltedForGood()) {
             outcome = ExceptionForError(ToNumber(ErrorId::HaltedForGood), exception);
         } else if (!FindProcedure(event, target)) {
+            if (member != DISPID_UNKNOWN)
+                OfferEventCode(event, member);
             outcome = S_OK;
         } else {
             if (context.ApiTraceOn()) {

@@ -3,6 +3,7 @@
 
 #include "automation/ExtensionTypeArray.h"
 #include "exec/ErrorMessages.h"
+#include "frontend/CharClasses.h"
 #include "frontend/Lexer.h"
 #include "frontend/Module.h"
 #include "host/AnsiText.h"
@@ -1054,8 +1055,32 @@ HRESULT __stdcall CodeUnit::get_Fire(VARIANT_BOOL debugging, IDispatch** result)
     return *result ? S_OK : E_OUTOFMEMORY;
 }
 
-// A handler for the prototype; null (with a trace line) when the prototype does not parse or names a
-// module that exists already.
+namespace {
+
+// While the host makes its object for a new instance (NewMacroInstance), only handlers specific to that
+// instance's module may be made; at any other time a handler specific to a module that is already
+// loaded is refused. Each refusal is a trace line.
+bool ModuleSpecificHandlerAllowed(EngineContext& context, const HandlerModule& owner, const wchar_t* onlyCurrent,
+                                  const wchar_t* alreadyExists)
+{
+    if (const std::string* creating = context.InstanceModuleBeingCreated()) {
+        if (owner.module.empty() || !SameName(context.MapModuleName(owner.module), *creating)) {
+            context.Trace(TraceKind::Detail, onlyCurrent);
+            return false;
+        }
+        return true;
+    }
+    if (!owner.module.empty() && context.Modules().FindLoadedModule(owner.module)) {
+        context.Trace(TraceKind::Detail, alreadyExists);
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+// A handler for the prototype; null (with a trace line) when the prototype does not parse or its module
+// part is not allowed now.
 HRESULT __stdcall CodeUnit::CreateHandler(BSTR prototype, IDispatch** result)
 {
     if (!result)
@@ -1067,10 +1092,10 @@ HRESULT __stdcall CodeUnit::CreateHandler(BSTR prototype, IDispatch** result)
         std::optional<HandlerPrototype> parsed = ParseHandlerPrototype(AnsiFromWide(Text(prototype)));
         TraceEntry(L"CreateHandler", parsed ? WideFromAnsi(parsed->module) : std::wstring());
         m_context->Trace(TraceKind::Detail, Text(prototype));
-        if (parsed && !parsed->module.empty() && m_context->Modules().FindLoadedModule(parsed->module)) {
-            m_context->Trace(TraceKind::Detail, L"Module specific handler not allowed for a module that already exists.");
+        if (parsed && !ModuleSpecificHandlerAllowed(*m_context, HandlerModule{parsed->project, parsed->module},
+                                                    L"Only a module specific handler for the current NewInstance is allowed.",
+                                                    L"Module specific handler not allowed for a module that already exists."))
             parsed.reset();
-        }
         if (parsed)
             *result = Handler::Create(*this, std::move(*parsed));
         wchar_t address[32];
@@ -1106,8 +1131,17 @@ HRESULT __stdcall CodeUnit::CreateHandlers(BSTR prefix, IDispatch* eventObject, 
     return Entered([&] {
         if (m_context->IsCompiling())
             return E_FAIL;
-        const std::wstring prefixText = Text(prefix);
-        TraceEntry(L"CreateHandlers", prefixText);
+        const std::optional<HandlerModule> split = SplitHandlerModule(AnsiFromWide(Text(prefix)));
+        const HandlerModule owner = split.value_or(HandlerModule{});
+        TraceEntry(L"CreateHandlers", WideFromAnsi(owner.module));
+        m_context->Trace(TraceKind::Detail, Text(prefix));
+        if (!split || !ModuleSpecificHandlerAllowed(*m_context, owner,
+                                          L"Only module specific handlers for the current NewInstance are allowed.",
+                                          L"Module specific handlers not allowed for a module that already exists.")) {
+            m_context->Trace(TraceKind::Result, L"Result=0x0");
+            m_context->Trace(TraceKind::Exit, L"");
+            return S_OK;
+        }
         ComRef<ITypeInfo> source;
         const SourceLookup lookup = FindDefaultSource(eventObject, source);
         if (lookup == SourceLookup::NoTypeInfo) {
@@ -1126,8 +1160,9 @@ HRESULT __stdcall CodeUnit::CreateHandlers(BSTR prefix, IDispatch* eventObject, 
             // An event whose declaration the language cannot take (more than 31 parameters) gets no handler.
             std::vector<HandlerCollection::Entry> handlers;
             bool madeAll = true;
-            for (EventPrototype& event : EventPrototypes(source.Get(), AnsiFromWide(prefixText))) {
-                std::optional<HandlerPrototype> parsed = ParseHandlerPrototype(event.declaration);
+            // The module part of the prefix makes every handler specific to that module.
+            for (EventPrototype& event : EventPrototypes(source.Get(), owner.rest)) {
+                std::optional<HandlerPrototype> parsed = ParseHandlerPrototype(owner.Qualify(event.declaration));
                 if (!parsed)
                     continue;
                 Handler* handler = Handler::Create(*this, std::move(*parsed));

@@ -163,19 +163,22 @@ public:
     {
         return m_debugger.IsSteppingExcluded(procedure) || m_evaluator.IsEvaluationCode(procedure);
     }
+    // The name a module is loaded under ("<project>" part and the host's mapping applied).
+    std::string MapModuleName(const std::string& name) override { return m_modules.MapName(name); }
+    // The module whose new instance the host is making its object for (NewMacroInstance), or null:
+    // meanwhile only that module's extensions and handlers may be added.
+    const std::string* InstanceModuleBeingCreated() const override
+    {
+        return m_instanceModules.empty() ? nullptr : &m_instanceModules.back();
+    }
 
 private:
     // ExtensionHost
     void TraceExtension(short kind, const std::wstring& text) override { Trace(static_cast<TraceKind>(kind), text); }
     void ExtensionsChanged() override { SendNotification(kNotifyExtensionsChanged); }
-    std::string MapModuleName(const std::string& name) override { return m_modules.MapName(name); }
     bool ModuleExists(const std::string& name) override { return m_modules.FindLoadedModule(name) != nullptr; }
     bool ProjectExists(const std::string& name) const override { return m_modules.HasProject(name); }
     bool ParsingModuleProperties() const override { return m_parsingProperties; }
-    const std::string* InstanceModuleBeingCreated() const override
-    {
-        return m_instanceModules.empty() ? nullptr : &m_instanceModules.back();
-    }
     EventConnection* ConnectEvents(const std::string& prefix, IDispatch* object) override;
     int DisconnectEvents() override;
     // The detail lines that name an event source interface, or say that there is none.

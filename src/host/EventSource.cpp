@@ -4,6 +4,7 @@
 #include "values/Variant.h"
 
 #include <ocidl.h>
+#include <optional>
 
 namespace brannoc {
 namespace {
@@ -181,6 +182,39 @@ std::wstring MemberNameOf(ITypeInfo* type, MEMBERID id)
     return std::wstring(name.View());
 }
 
+namespace {
+
+// The declaration of the event procedure for the function at index; nothing for a restricted function,
+// a property, or one whose names cannot be read.
+std::optional<EventPrototype> PrototypeAt(ITypeInfo* source, UINT index, const std::string& prefix)
+{
+    FuncDesc function(source, index);
+    if (!function || (function->wFuncFlags & FUNCFLAG_FRESTRICTED) || function->invkind != INVOKE_FUNC)
+        return std::nullopt;
+    BSTR names[33] = {};
+    UINT count = 0;
+    if (FAILED(source->GetNames(function->memid, names, 33, &count)) || count == 0)
+        return std::nullopt;
+    const std::wstring event(names[0], SysStringLen(names[0]));
+    const bool returnsValue = function->elemdescFunc.tdesc.vt != VT_VOID && function->elemdescFunc.tdesc.vt != VT_HRESULT;
+    std::string declaration = std::string(returnsValue ? "Function " : "Sub ") + prefix + "_" + AnsiFromWide(event) + "(";
+    for (SHORT p = 0; p < function->cParams; ++p) {
+        const std::wstring name = static_cast<UINT>(p + 1) < count && names[p + 1]
+                                      ? std::wstring(names[p + 1], SysStringLen(names[p + 1]))
+                                      : L"Arg" + std::to_wstring(p + 1);
+        const bool paramArray = function->cParamsOpt == -1 && p == function->cParams - 1;
+        declaration += (p ? ", " : "") + ParameterText(source, function->lprgelemdescParam[p], name, paramArray);
+    }
+    declaration += ")";
+    if (returnsValue)
+        declaration += " As " + TypeName(source, function->elemdescFunc.tdesc);
+    for (UINT n = 0; n < count; ++n)
+        SysFreeString(names[n]);
+    return EventPrototype{event, std::move(declaration)};
+}
+
+} // namespace
+
 std::vector<EventPrototype> EventPrototypes(ITypeInfo* source, const std::string& prefix)
 {
     std::vector<EventPrototype> events;
@@ -188,31 +222,23 @@ std::vector<EventPrototype> EventPrototypes(ITypeInfo* source, const std::string
     if (!attr)
         return events;
     for (UINT i = 0; i < attr->cFuncs; ++i) {
-        FuncDesc function(source, i);
-        if (!function || (function->wFuncFlags & FUNCFLAG_FRESTRICTED) || function->invkind != INVOKE_FUNC)
-            continue;
-        BSTR names[33] = {};
-        UINT count = 0;
-        if (FAILED(source->GetNames(function->memid, names, 33, &count)) || count == 0)
-            continue;
-        const std::wstring event(names[0], SysStringLen(names[0]));
-        const bool returnsValue = function->elemdescFunc.tdesc.vt != VT_VOID && function->elemdescFunc.tdesc.vt != VT_HRESULT;
-        std::string declaration = std::string(returnsValue ? "Function " : "Sub ") + prefix + "_" + AnsiFromWide(event) + "(";
-        for (SHORT p = 0; p < function->cParams; ++p) {
-            const std::wstring name = static_cast<UINT>(p + 1) < count && names[p + 1]
-                                          ? std::wstring(names[p + 1], SysStringLen(names[p + 1]))
-                                          : L"Arg" + std::to_wstring(p + 1);
-            const bool paramArray = function->cParamsOpt == -1 && p == function->cParams - 1;
-            declaration += (p ? ", " : "") + ParameterText(source, function->lprgelemdescParam[p], name, paramArray);
-        }
-        declaration += ")";
-        if (returnsValue)
-            declaration += " As " + TypeName(source, function->elemdescFunc.tdesc);
-        for (UINT n = 0; n < count; ++n)
-            SysFreeString(names[n]);
-        events.push_back(EventPrototype{event, std::move(declaration)});
+        if (std::optional<EventPrototype> event = PrototypeAt(source, i, prefix))
+            events.push_back(std::move(*event));
     }
     return events;
+}
+
+std::optional<EventPrototype> EventPrototypeOf(ITypeInfo* source, MEMBERID event, const std::string& prefix)
+{
+    TypeAttr attr(source);
+    if (!attr)
+        return std::nullopt;
+    for (UINT i = 0; i < attr->cFuncs; ++i) {
+        FuncDesc function(source, i);
+        if (function && function->memid == event)
+            return PrototypeAt(source, i, prefix);
+    }
+    return std::nullopt;
 }
 
 } // namespace brannoc

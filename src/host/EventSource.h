@@ -3,6 +3,7 @@
 // and, for each event, the declaration of the procedure that handles it.
 #include "values/ComRef.h"
 #include <oaidl.h>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,8 @@ struct EventPrototype {
 
 // One declaration per event of the source interface that is not restricted, in interface order.
 std::vector<EventPrototype> EventPrototypes(ITypeInfo* source, const std::string& prefix);
+// The declaration for the one event of that member id; nothing when the source has no such event.
+std::optional<EventPrototype> EventPrototypeOf(ITypeInfo* source, MEMBERID event, const std::string& prefix);
 
 // The name of a type library type (ITypeInfo::GetDocumentation).
 std::wstring TypeInfoName(ITypeInfo* type);

@@ -32,50 +32,7 @@ HandlerCollection::~HandlerCollection()
         entry.handler->Release();
 }
 
-HRESULT __stdcall HandlerCollection::QueryInterface(REFIID id, void** object)
-{
-    if (!object)
-        return E_POINTER;
-    if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch) || IsEqualIID(id, IID__Handlers)) {
-        *object = static_cast<IDispatch*>(this);
-        AddRef();
-        return S_OK;
-    }
-    *object = nullptr;
-    return E_NOINTERFACE;
-}
-
-ULONG __stdcall HandlerCollection::AddRef() { return static_cast<ULONG>(InterlockedIncrement(&m_references)); }
-
-ULONG __stdcall HandlerCollection::Release()
-{
-    const LONG remaining = InterlockedDecrement(&m_references);
-    if (remaining == 0) {
-        EngineLock::Acquire();
-        delete this;
-        EngineLock::Release();
-    }
-    return static_cast<ULONG>(remaining);
-}
-
-HRESULT __stdcall HandlerCollection::GetTypeInfoCount(UINT* count)
-{
-    if (!count)
-        return E_POINTER;
-    *count = 1;
-    return S_OK;
-}
-
-HRESULT __stdcall HandlerCollection::GetTypeInfo(UINT index, LCID, ITypeInfo** info)
-{
-    if (!info)
-        return E_POINTER;
-    *info = nullptr;
-    if (index != 0)
-        return DISP_E_BADINDEX;
-    *info = ComRef<ITypeInfo>::Share(m_interfaceType.Get()).Detach();
-    return S_OK;
-}
+bool HandlerCollection::AnswersAlso(REFIID id) const { return IsEqualIID(id, IID__Handlers) != FALSE; }
 
 HRESULT __stdcall HandlerCollection::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids)
 {

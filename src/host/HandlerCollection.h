@@ -2,6 +2,7 @@
 // The handler collection CreateHandlers makes: one handler per event of an event-source object's
 // default source interface, each bound to the procedure named prefix + "_" + the event. A dispatch
 // object over the type library's _Handlers interface (Count, Item, _NewEnum).
+#include "host/LateBoundObject.h"
 #include "values/ComRef.h"
 #include <oaidl.h>
 #include <string>
@@ -11,7 +12,7 @@ namespace brannoc {
 
 class Handler;
 
-class HandlerCollection final : public IDispatch {
+class HandlerCollection final : public LateBoundObject<HandlerCollection> {
 public:
     struct Entry {
         std::wstring event;
@@ -22,11 +23,6 @@ public:
     static HandlerCollection* Create(ITypeInfo* interfaceType, IDispatch* eventObject, ITypeInfo* source,
                                      std::vector<Entry> handlers);
 
-    HRESULT __stdcall QueryInterface(REFIID id, void** object) override;
-    ULONG __stdcall AddRef() override;
-    ULONG __stdcall Release() override;
-    HRESULT __stdcall GetTypeInfoCount(UINT* count) override;
-    HRESULT __stdcall GetTypeInfo(UINT index, LCID lcid, ITypeInfo** info) override;
     HRESULT __stdcall GetIDsOfNames(REFIID id, LPOLESTR* names, UINT count, LCID lcid, DISPID* ids) override;
     HRESULT __stdcall Invoke(DISPID member, REFIID id, LCID lcid, WORD flags, DISPPARAMS* parameters,
                              VARIANT* result, EXCEPINFO* exception, UINT* argumentError) override;
@@ -36,11 +32,16 @@ public:
     virtual HRESULT __stdcall get__NewEnum(IUnknown** result);
 
 private:
+    friend class LateBoundObject<HandlerCollection>;
+    // Answers as _Handlers too, described by its interface type.
+    static constexpr bool kDescribed = true;
+    bool AnswersAlso(REFIID id) const;
+    ITypeInfo* DescribingType() const { return m_interfaceType.Get(); }
+
     HandlerCollection(ITypeInfo* interfaceType, IDispatch* eventObject, ITypeInfo* source, std::vector<Entry> handlers);
     ~HandlerCollection();
     static BOOL __stdcall Element(IUnknown* data, LONG index, VARIANT* element);
 
-    volatile LONG m_references = 1;
     ComRef<ITypeInfo> m_interfaceType;
     ComRef<IDispatch> m_eventObject;
     ComRef<ITypeInfo> m_source;

@@ -181,9 +181,17 @@ bool ReadParameter(PrototypeReader& reader, HandlerPrototype& prototype, int ind
 
 } // namespace
 
-std::optional<HandlerPrototype> ParseHandlerPrototype(const std::string& text)
+std::string HandlerModule::Qualify(const std::string& text) const
 {
-    HandlerPrototype prototype;
+    std::string qualified = project.empty() ? std::string() : "<" + project + ">";
+    if (!module.empty())
+        qualified += module + "|";
+    return qualified + text;
+}
+
+std::optional<HandlerModule> SplitHandlerModule(const std::string& text)
+{
+    HandlerModule parts;
     std::string_view rest(text);
     const std::size_t firstNonBlank = rest.find_first_not_of(" \t");
     rest.remove_prefix(firstNonBlank == std::string_view::npos ? rest.size() : firstNonBlank);
@@ -191,7 +199,7 @@ std::optional<HandlerPrototype> ParseHandlerPrototype(const std::string& text)
         const std::size_t close = rest.find('>');
         if (close == std::string_view::npos)
             return std::nullopt;
-        prototype.project = std::string(rest.substr(1, close - 1));
+        parts.project = std::string(rest.substr(1, close - 1));
         rest.remove_prefix(close + 1);
     }
     if (const std::size_t bar = rest.find('|'); bar != std::string_view::npos) {
@@ -202,9 +210,22 @@ std::optional<HandlerPrototype> ParseHandlerPrototype(const std::string& text)
             module.remove_prefix(1);
         if (module.empty())
             return std::nullopt;
-        prototype.module = std::string(module);
+        parts.module = std::string(module);
         rest.remove_prefix(bar + 1);
     }
+    parts.rest = std::string(rest);
+    return parts;
+}
+
+std::optional<HandlerPrototype> ParseHandlerPrototype(const std::string& text)
+{
+    const std::optional<HandlerModule> parts = SplitHandlerModule(text);
+    if (!parts)
+        return std::nullopt;
+    HandlerPrototype prototype;
+    prototype.project = parts->project;
+    prototype.module = parts->module;
+    const std::string_view rest(parts->rest);
     PrototypeReader reader(rest);
     if (reader.Word("Function"))
         prototype.isFunction = true;

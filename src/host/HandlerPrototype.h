@@ -7,6 +7,18 @@
 
 namespace brannoc {
 
+// The "<project>" and "module|" parts that may stand in front of a prototype or a CreateHandlers prefix.
+struct HandlerModule {
+    std::string project;
+    std::string module; // empty: not specific to a module
+    std::string rest;   // what follows the two parts
+    // text with the same project and module parts in front.
+    std::string Qualify(const std::string& text) const;
+};
+
+// The parts split off text; nothing when a "<" is not closed or the module part is empty.
+std::optional<HandlerModule> SplitHandlerModule(const std::string& text);
+
 struct HandlerPrototype {
     std::string project;
     std::string module;    // empty: not specific to a module

@@ -79,6 +79,23 @@ bool HostCallBack::DoEvents(IDispatch* callBack, IDispatch* engine)
     return InvokeByName(callBack, L"DoEvents", arguments, 1, nullptr);
 }
 
+bool HostCallBack::PostMacroRun(IDispatch* callBack, IDispatch* engine)
+{
+    VARIANT arguments[1] = {EngineArgument(engine)};
+    return InvokeByName(callBack, L"PostMacroRun", arguments, 1, nullptr);
+}
+
+bool HostCallBack::EditEventCode(IDispatch* callBack, IDispatch* engine, const std::wstring& handlerName, bool oneEvent)
+{
+    Bstr nameArgument(handlerName);
+    VARIANT arguments[3] = {EngineArgument(engine), {}, {}};
+    arguments[1].vt = VT_BSTR;
+    arguments[1].bstrVal = nameArgument.Get();
+    arguments[2].vt = VT_BOOL;
+    arguments[2].boolVal = oneEvent ? VARIANT_TRUE : VARIANT_FALSE;
+    return InvokeByName(callBack, L"EditEventCode", arguments, 3, nullptr);
+}
+
 namespace {
 
 // Takes the text out of a call's result; false when it is not a string.

@@ -17,6 +17,11 @@ public:
     static bool DebugTrace(IDispatch* callBack, IDispatch* engine, short kind, const std::wstring& text);
     static bool Notify(IDispatch* callBack, IDispatch* engine, short code);
     static bool DoEvents(IDispatch* callBack, IDispatch* engine);
+    // After a host call into a macro that the call itself left running: the engine stops the run next.
+    static bool PostMacroRun(IDispatch* callBack, IDispatch* engine);
+    // Offers the host to write the event procedure handlerName (an event arrived without one); oneEvent
+    // tells a sink that takes a single event of its source from one that takes them all.
+    static bool EditEventCode(IDispatch* callBack, IDispatch* engine, const std::wstring& handlerName, bool oneEvent);
     // The text of the named macro; false when the member is missing or answers no text.
     static bool ReadMacro(IDispatch* callBack, IDispatch* engine, const std::wstring& name, std::wstring& text);
     // The host's name for a macro name (base: the name it is relative to); false when the member is

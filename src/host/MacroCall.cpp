@@ -5,7 +5,9 @@
 #include "exec/HaltFlags.h"
 #include "exec/ProcedureCode.h"
 #include "frontend/Symbols.h"
+#include "host/CodeUnit.h"
 #include "host/EngineContext.h"
+#include "host/HostCallBack.h"
 #include "host/HostArgument.h"
 #include "values/Variant.h"
 
@@ -82,8 +84,9 @@ void CarryOutDeferredHalt(EngineContext& context)
 }
 
 // The run stopped inside a debuggable call: unless an error or a halt ended it, the engine reports
-// stopped and the caller waits while the host looks at the call and goes on with it.
-void WaitWhileStopped(EngineContext& context, std::size_t mark, unsigned long errorsBefore)
+// stopped and the caller waits while the host looks at the call and goes on with it. ranOn tells
+// whether the host then ran the call to its end as a run without a target depth.
+void WaitWhileStopped(EngineContext& context, std::size_t mark, unsigned long errorsBefore, bool& ranOn)
 {
     const auto noNewError = [&] { return context.UntrappedErrorCount() == errorsBefore; };
     if (!noNewError() || context.HaltDeferred())
@@ -94,6 +97,7 @@ void WaitWhileStopped(EngineContext& context, std::size_t mark, unsigned long er
     if (machine.RunLevel() > 0)
         (void)context.Control(EngineContext::kActionStop, 0);
     context.WaitForHostCall(mark, noNewError);
+    ranOn = machine.RunLevel() > 0 && machine.RunDepth() == 0;
 }
 
 // Runs a nested call as the mode asks; plain calls keep the run around them from stopping in them.
@@ -120,11 +124,16 @@ bool RunInMode(EngineContext& context, const MacroCallTarget& target, const Modu
     Interpreter::DebuggedCall debugged;
     debugged.lineTracing = level != 0 && level % 2 == 0;
     debugged.runDepth = used == RunState::Stopped ? EngineContext::kStepDepth : 0;
-    debugged.whileStopped = [&](std::size_t mark) { WaitWhileStopped(context, mark, errorsBefore); };
+    bool ranOn = false;
+    debugged.whileStopped = [&](std::size_t mark) { WaitWhileStopped(context, mark, errorsBefore, ranOn); };
     const bool finished = modules.RunNested(*target.procedure->code, *target.instance, push, &returned,
                                             errorExit, &debugged);
-    // A call made into a stopped engine (or a busy one) leaves it stopped where it was.
+    // A call made into a stopped engine (or a busy one) leaves it stopped where it was. When the call
+    // ended as a run without a target depth (the host ran it on, or it never stopped), the host hears
+    // of it before that stop.
     if (used == RunState::Busy || (used == RunState::Stopped && !statementExecuting)) {
+        if (finished && (ranOn || (machine.RunLevel() > 0 && machine.RunDepth() == 0)))
+            (void)HostCallBack::PostMacroRun(context.CallBack(), context.Owner().AsDispatch());
         if (machine.RunLevel() < 0)
             machine.SetRunLevel(-machine.RunLevel());
         (void)context.Control(EngineContext::kActionStop, 0);

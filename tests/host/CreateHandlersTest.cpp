@@ -120,3 +120,41 @@ TEST_F(CreateHandlersTest, WithoutASourceTheAnswerIsNullAndWithoutTypeInformatio
     FakeCallBack noTypes;
     EXPECT_EQ(nullptr, CreateHandlers(L"App", &noTypes, E_NOINTERFACE));
 }
+
+TEST_F(CreateHandlersTest, AModulePartInThePrefixMakesEveryHandlerSpecificToThatModule)
+{
+    ASSERT_TRUE(ledgerClass);
+    FakeEventSource ledger(ledgerClass.Get());
+    IDispatch* handlers = CreateHandlers(L"lib|Ledger", &ledger);
+    ASSERT_NE(nullptr, handlers);
+    IDispatch* clicked = CU_HandlersItem(handlers, "Clicked");
+    ASSERT_NE(nullptr, clicked);
+    EXPECT_EQ(L"Private Sub Ledger_Clicked(Cancel As Boolean)", Prototype(clicked));
+    LateCall name;
+    ASSERT_EQ(S_OK, name.Invoke(clicked, 9, DISPATCH_PROPERTYGET));
+    EXPECT_EQ(L"lib|Ledger_Clicked", std::wstring(name.result.Raw().bstrVal));
+
+    // Bound to that module's procedure once it is loaded.
+    ASSERT_TRUE(engine.Load(L"lib", kMacro));
+    VARIANT_BOOL cancel = VARIANT_FALSE;
+    Variant reference;
+    reference.Raw().vt = VT_BYREF | VT_BOOL;
+    reference.Raw().pboolVal = &cancel;
+    LateCall call;
+    ASSERT_EQ(S_OK, call.Add(std::move(reference)).Invoke(clicked, 1, DISPATCH_METHOD, false));
+    EXPECT_EQ(VARIANT_TRUE, cancel);
+    clicked->Release();
+    KZ_HandlersDestroy(handlers, nullptr);
+
+    // Now that the module exists, no more handlers specific to it.
+    engine.callBack.offerTrace = true;
+    VARIANT_BOOL ignored;
+    engine.unit->Run(static_cast<short>(0x8040), &ignored);
+    EXPECT_EQ(nullptr, CreateHandlers(L"lib|Ledger", &ledger));
+    const auto& traces = engine.callBack.traces;
+    EXPECT_NE(traces.end(), std::find(traces.begin(), traces.end(),
+                                      L"2:Module specific handlers not allowed for a module that already exists."));
+    IDispatch* general = CreateHandlers(L"Ledger", &ledger);
+    EXPECT_NE(nullptr, general);
+    KZ_HandlersDestroy(general, nullptr);
+}

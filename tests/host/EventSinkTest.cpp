@@ -1,11 +1,19 @@
 // WithEvents variables and "{WithEvents}" extensions: a Ledger object with a connection point (over a
 // type library made in memory) raises events that run the macro's procedures.
 #include "brannoc.h"
+#include "automation/EventSink.h"
+#include "host/CodeUnit.h"
+#include "host/EventSource.h"
 #include "host/FakeEventSource.h"
+#include <ocidl.h>
+#include <olectl.h>
 #include "host/MacroEngine.h"
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
+#include <string>
+#include <vector>
 
 using namespace brannoc;
 using namespace brannoc::testing;
@@ -46,6 +54,33 @@ const wchar_t kExtensionMacro[] = L"Sub Main\r\n"
                                   L"    Cancel = True\r\n"
                                   L"End Sub\r\n";
 
+const wchar_t kPositionMacro[] = L"Sub Main\r\n"
+                                 L"End Sub\r\n"
+                                 L"Sub Pad_Dropped(ByVal x, ByVal y)\r\n"
+                                 L"    Debug.Print \"dropped \" & TypeName(x) & \" \" & x & \" \" & TypeName(y) & \" \" & y\r\n"
+                                 L"End Sub\r\n"
+                                 L"Sub Pad_Moved(ByVal x, ByVal y)\r\n"
+                                 L"    Debug.Print \"moved \" & TypeName(x) & \" \" & CLng(x) & \" \" & TypeName(y) & \" \" & CLng(y)\r\n"
+                                 L"End Sub\r\n";
+
+VARIANT Long(LONG number)
+{
+    VARIANT value;
+    VariantInit(&value);
+    value.vt = VT_I4;
+    value.lVal = number;
+    return value;
+}
+
+VARIANT Single(FLOAT number)
+{
+    VARIANT value;
+    VariantInit(&value);
+    value.vt = VT_R4;
+    value.fltVal = number;
+    return value;
+}
+
 VARIANT Text(BSTR text)
 {
     VARIANT value;
@@ -63,6 +98,97 @@ VARIANT BoolReference(VARIANT_BOOL* target)
     value.pboolVal = target;
     return value;
 }
+
+// A control site that turns HIMETRIC positions into container units: x * 2 + 0.5, y * 3.
+class FakeControlSite final : public IOleClientSite, public IOleControlSite {
+public:
+    HRESULT __stdcall QueryInterface(REFIID id, void** object) override
+    {
+        if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IOleClientSite))
+            *object = static_cast<IOleClientSite*>(this);
+        else if (IsEqualIID(id, IID_IOleControlSite))
+            *object = static_cast<IOleControlSite*>(this);
+        else
+            return *object = nullptr, E_NOINTERFACE;
+        AddRef();
+        return S_OK;
+    }
+    ULONG __stdcall AddRef() override { return 2; }
+    ULONG __stdcall Release() override { return 1; }
+    // IOleClientSite
+    HRESULT __stdcall SaveObject() override { return E_NOTIMPL; }
+    HRESULT __stdcall GetMoniker(DWORD, DWORD, IMoniker**) override { return E_NOTIMPL; }
+    HRESULT __stdcall GetContainer(IOleContainer**) override { return E_NOTIMPL; }
+    HRESULT __stdcall ShowObject() override { return E_NOTIMPL; }
+    HRESULT __stdcall OnShowWindow(BOOL) override { return E_NOTIMPL; }
+    HRESULT __stdcall RequestNewObjectLayout() override { return E_NOTIMPL; }
+    // IOleControlSite
+    HRESULT __stdcall OnControlInfoChanged() override { return E_NOTIMPL; }
+    HRESULT __stdcall LockInPlaceActive(BOOL) override { return E_NOTIMPL; }
+    HRESULT __stdcall GetExtendedControl(IDispatch**) override { return E_NOTIMPL; }
+    HRESULT __stdcall TransformCoords(POINTL* himetric, POINTF* container, DWORD flags) override
+    {
+        if (flags != (XFORMCOORDS_POSITION | XFORMCOORDS_HIMETRICTOCONTAINER))
+            return E_INVALIDARG;
+        container->x = static_cast<FLOAT>(himetric->x) * 2 + 0.5f;
+        container->y = static_cast<FLOAT>(himetric->y) * 3;
+        return S_OK;
+    }
+    HRESULT __stdcall TranslateAccelerator(MSG*, DWORD) override { return E_NOTIMPL; }
+    HRESULT __stdcall OnFocus(BOOL) override { return E_NOTIMPL; }
+    HRESULT __stdcall ShowPropertyFrame() override { return E_NOTIMPL; }
+};
+
+// The embedded object of a source that sits in a control site: only its client site is asked for.
+class FakeOleObject final : public TestComObject<IOleObject> {
+public:
+    explicit FakeOleObject(IOleClientSite* site) : m_site(site) {}
+    HRESULT __stdcall SetClientSite(IOleClientSite*) override { return E_NOTIMPL; }
+    HRESULT __stdcall GetClientSite(IOleClientSite** site) override
+    {
+        m_site->AddRef();
+        *site = m_site;
+        return S_OK;
+    }
+    HRESULT __stdcall SetHostNames(LPCOLESTR, LPCOLESTR) override { return E_NOTIMPL; }
+    HRESULT __stdcall Close(DWORD) override { return E_NOTIMPL; }
+    HRESULT __stdcall SetMoniker(DWORD, IMoniker*) override { return E_NOTIMPL; }
+    HRESULT __stdcall GetMoniker(DWORD, DWORD, IMoniker**) override { return E_NOTIMPL; }
+    HRESULT __stdcall InitFromData(IDataObject*, BOOL, DWORD) override { return E_NOTIMPL; }
+    HRESULT __stdcall GetClipboardData(DWORD, IDataObject**) override { return E_NOTIMPL; }
+    HRESULT __stdcall DoVerb(LONG, LPMSG, IOleClientSite*, LONG, HWND, LPCRECT) override { return E_NOTIMPL; }
+    HRESULT __stdcall EnumVerbs(IEnumOLEVERB**) override { return E_NOTIMPL; }
+    HRESULT __stdcall Update() override { return E_NOTIMPL; }
+    HRESULT __stdcall IsUpToDate() override { return E_NOTIMPL; }
+    HRESULT __stdcall GetUserClassID(CLSID*) override { return E_NOTIMPL; }
+    HRESULT __stdcall GetUserType(DWORD, LPOLESTR*) override { return E_NOTIMPL; }
+    HRESULT __stdcall SetExtent(DWORD, SIZEL*) override { return E_NOTIMPL; }
+    HRESULT __stdcall GetExtent(DWORD, SIZEL*) override { return E_NOTIMPL; }
+    HRESULT __stdcall Advise(IAdviseSink*, DWORD*) override { return E_NOTIMPL; }
+    HRESULT __stdcall Unadvise(DWORD) override { return E_NOTIMPL; }
+    HRESULT __stdcall EnumAdvise(IEnumSTATDATA**) override { return E_NOTIMPL; }
+    HRESULT __stdcall GetMiscStatus(DWORD, DWORD*) override { return E_NOTIMPL; }
+    HRESULT __stdcall SetColorScheme(LOGPALETTE*) override { return E_NOTIMPL; }
+
+private:
+    IOleClientSite* m_site;
+};
+
+// A Ledger source that answers IOleObject, sitting in the fake control site.
+class SitedLedgerSource final : public LedgerSource {
+public:
+    explicit SitedLedgerSource(ITypeInfo* classType) : LedgerSource(classType) {}
+    HRESULT __stdcall QueryInterface(REFIID id, void** object) override
+    {
+        if (IsEqualIID(id, IID_IOleObject))
+            return m_object.QueryInterface(id, object);
+        return LedgerSource::QueryInterface(id, object);
+    }
+
+private:
+    FakeControlSite m_site;
+    FakeOleObject m_object{&m_site};
+};
 
 class EventSinkTest : public ::testing::Test {
 protected:
@@ -117,6 +243,10 @@ protected:
     LedgerSource ledger{ledgerClass.Get()};
     LedgerSource second{ledgerClass.Get()};
     LedgerSource app{ledgerClass.Get()};
+    // Sources of events with position parameters: one without a client site, one in a control site.
+    ComRef<ITypeInfo> padClass = MakeLedgerClass(true);
+    LedgerSource pad{padClass.Get()};
+    SitedLedgerSource sitedPad{padClass.Get()};
     MacroEngine engine;
 };
 
@@ -253,4 +383,108 @@ TEST_F(EventSinkTest, AWithEventsExtensionRoutesTheHostObjectsEventsUntilDisconn
     cancel = VARIANT_FALSE;
     EXPECT_EQ(S_OK, Click(app, cancel));
     EXPECT_EQ(VARIANT_FALSE, cancel);
+}
+
+TEST_F(EventSinkTest, PositionArgumentsReachTheProcedureAsSingles)
+{
+    ASSERT_TRUE(padClass);
+    ASSERT_TRUE(AddExtension(L"{WithEvents}Pad_", &pad));
+    ASSERT_EQ(1u, pad.SinkCount());
+    ASSERT_TRUE(engine.Load(L"lib", kPositionMacro));
+
+    // A source without a client site: the integers it passed, as Singles.
+    EXPECT_EQ(S_OK, pad.Raise(kDropped, {Long(120), Long(-30)}));
+    // Pixels are turned into HIMETRIC units by the screen's resolution.
+    EXPECT_EQ(S_OK, pad.Raise(kMoved, {Long(96), Long(48)}));
+    // A Single given already leaves both as they are.
+    EXPECT_EQ(S_OK, pad.Raise(kMoved, {Single(1.5f), Long(48)}));
+
+    HDC screen = GetDC(nullptr);
+    const int perInchX = GetDeviceCaps(screen, LOGPIXELSX);
+    const int perInchY = GetDeviceCaps(screen, LOGPIXELSY);
+    ReleaseDC(nullptr, screen);
+    ASSERT_GT(perInchX, 0);
+    const long x = std::lround(96.0f * 2540 / perInchX);
+    const long y = std::lround(48.0f * 2540 / perInchY);
+    const std::vector<std::wstring> expected = {
+        L"\"dropped Single 120 Single -30\"\r\n",
+        L"\"moved Single " + std::to_wstring(x) + L" Single " + std::to_wstring(y) + L"\"\r\n",
+        L"\"moved Single 2 Long 48\"\r\n",
+    };
+    EXPECT_EQ(expected, engine.callBack.printed);
+}
+
+TEST_F(EventSinkTest, AnExtensionsEventWithoutAProcedureIsOfferedToTheHostWhileTheEngineIsIdle)
+{
+    engine.callBack.offerEditEventCode = true;
+    ASSERT_TRUE(AddExtension(L"{WithEvents}App_", &app));
+    ASSERT_TRUE(engine.Load(L"lib", kExtensionMacro));
+    BSTR text = SysAllocString(L"x");
+    EXPECT_EQ(S_OK, app.Raise(kChanged, {Text(text)}));
+    const std::vector<std::wstring> offered = {L"App_Changed|False"};
+    EXPECT_EQ(offered, engine.callBack.editEventCodes);
+    VARIANT_BOOL cancel = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, Click(app, cancel));
+    EXPECT_EQ(offered, engine.callBack.editEventCodes) << "an event with a procedure runs it";
+
+    // A WithEvents variable's module is loaded while it listens: its events are not offered.
+    ASSERT_TRUE(engine.Load(L"var", kMacro));
+    ASSERT_EQ(S_OK, CallWith(L"Hook", &ledger));
+    EXPECT_EQ(S_OK, ledger.Raise(kChanged, {Text(text)}));
+    EXPECT_EQ(offered, engine.callBack.editEventCodes);
+
+    // Nor while a macro is active.
+    BSTR name = SysAllocString(L"lib");
+    VARIANT_BOOL started = VARIANT_FALSE;
+    ASSERT_EQ(S_OK, engine.unit->Start(name, &started));
+    SysFreeString(name);
+    ASSERT_EQ(VARIANT_TRUE, started);
+    EXPECT_EQ(S_OK, app.Raise(kChanged, {Text(text)}));
+    EXPECT_EQ(offered, engine.callBack.editEventCodes);
+    SysFreeString(text);
+    EXPECT_EQ(0, engine.callBack.badCalls);
+}
+
+TEST_F(EventSinkTest, ASinkForOneEventOffersOnlyThatEventUnderTheSourcesFirstName)
+{
+    engine.callBack.offerEditEventCode = true;
+    ComRef<ITypeInfo> source;
+    ASSERT_EQ(SourceLookup::Found, DefaultSourceOfClass(ledgerClass.Get(), source));
+    EngineContext& context = static_cast<CodeUnit*>(engine.unit)->Context();
+    automation::EventSink* sink = automation::EventSink::ForExtension(context, "Doc", source.Get());
+    ASSERT_NE(nullptr, sink);
+    sink->RestrictTo(kChanged);
+    sink->Assign(static_cast<IDispatch*>(&app));
+    ASSERT_EQ(1u, app.SinkCount());
+    VARIANT_BOOL cancel = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, Click(app, cancel));
+    EXPECT_TRUE(engine.callBack.editEventCodes.empty()) << "outside the filter";
+    BSTR text = SysAllocString(L"x");
+    EXPECT_EQ(S_OK, app.Raise(kChanged, {Text(text)}));
+    SysFreeString(text);
+    EXPECT_EQ((std::vector<std::wstring>{L"Doc_Clicked|True"}), engine.callBack.editEventCodes);
+    sink->Close();
+    EXPECT_EQ(0u, app.SinkCount());
+}
+
+TEST_F(EventSinkTest, PositionsOfASourceInAControlSiteAreTransformedIntoTheContainersUnits)
+{
+    ASSERT_TRUE(padClass);
+    ASSERT_TRUE(AddExtension(L"{WithEvents}Pad_", static_cast<IDispatch*>(&sitedPad)));
+    ASSERT_TRUE(engine.Load(L"lib", kPositionMacro));
+    EXPECT_EQ(S_OK, sitedPad.Raise(kDropped, {Long(10), Long(20)}));
+    EXPECT_EQ(S_OK, sitedPad.Raise(kMoved, {Long(96), Long(48)}));
+
+    HDC screen = GetDC(nullptr);
+    const int perInchX = GetDeviceCaps(screen, LOGPIXELSX);
+    const int perInchY = GetDeviceCaps(screen, LOGPIXELSY);
+    ReleaseDC(nullptr, screen);
+    ASSERT_GT(perInchX, 0);
+    const long x = std::lround((96.0f * 2 + 0.5f) * 2540 / perInchX);
+    const long y = std::lround(48.0f * 3 * 2540 / perInchY);
+    const std::vector<std::wstring> expected = {
+        L"\"dropped Single 20.5 Single 60\"\r\n",
+        L"\"moved Single " + std::to_wstring(x) + L" Single " + std::to_wstring(y) + L"\"\r\n",
+    };
+    EXPECT_EQ(expected, engine.callBack.printed);
 }

@@ -17,7 +17,16 @@ namespace brannoc::testing {
 // call: the engine object first, then the member's own arguments.
 class FakeCallBack final : public TestDispatch {
 public:
-    enum Member : DISPID { kDebugPrint = 1, kNotify, kReadMacro, kMapMacroName, kDebugTrace, kDoEvents };
+    enum Member : DISPID {
+        kDebugPrint = 1,
+        kNotify,
+        kReadMacro,
+        kMapMacroName,
+        kDebugTrace,
+        kDoEvents,
+        kPostMacroRun,
+        kEditEventCode
+    };
 
     // MapMacroName is offered only when a prefix is set; it answers the prefix and the name.
     std::wstring mapPrefix;
@@ -29,6 +38,13 @@ public:
     bool offerDoEvents = false;
     int doEventsCalls = 0;
     std::function<void(IDispatch* engine)> onDoEvents;
+    // PostMacroRun is offered only when set; each call is counted and then calls onPostMacroRun.
+    bool offerPostMacroRun = false;
+    int postMacroRunCalls = 0;
+    std::function<void(IDispatch* engine)> onPostMacroRun;
+    // EditEventCode is offered only when set; each offer is recorded as the handler name, "|" and the flag.
+    bool offerEditEventCode = false;
+    std::vector<std::wstring> editEventCodes;
 
     std::map<std::wstring, std::wstring> macros;
     std::vector<std::wstring> printed;
@@ -51,6 +67,8 @@ public:
                : name == L"MapMacroName" && !mapPrefix.empty() ? kMapMacroName
                : name == L"DebugTrace" && offerTrace ? kDebugTrace
                : name == L"DoEvents" && offerDoEvents ? static_cast<DISPID>(kDoEvents)
+               : name == L"PostMacroRun" && offerPostMacroRun ? static_cast<DISPID>(kPostMacroRun)
+               : name == L"EditEventCode" && offerEditEventCode ? static_cast<DISPID>(kEditEventCode)
                                        : DISPID_UNKNOWN;
         return ids[0] == DISPID_UNKNOWN ? DISP_E_UNKNOWNNAME : S_OK;
     }
@@ -73,6 +91,26 @@ public:
         if (member == kDebugTrace && parameters->cArgs == 3) {
             traces.push_back(std::to_wstring(parameters->rgvarg[1].iVal) + L":" +
                              std::wstring(parameters->rgvarg[0].bstrVal, SysStringLen(parameters->rgvarg[0].bstrVal)));
+            return S_OK;
+        }
+        if (member == kPostMacroRun) {
+            if (flags != DISPATCH_METHOD || parameters->cArgs != 1 || parameters->rgvarg[0].vt != VT_DISPATCH) {
+                ++badCalls;
+                return E_INVALIDARG;
+            }
+            ++postMacroRunCalls;
+            if (onPostMacroRun)
+                onPostMacroRun(parameters->rgvarg[0].pdispVal);
+            return S_OK;
+        }
+        if (member == kEditEventCode) {
+            if (flags != DISPATCH_METHOD || parameters->cArgs != 3 || parameters->rgvarg[2].vt != VT_DISPATCH ||
+                parameters->rgvarg[1].vt != VT_BSTR || parameters->rgvarg[0].vt != VT_BOOL) {
+                ++badCalls;
+                return E_INVALIDARG;
+            }
+            editEventCodes.push_back(std::wstring(parameters->rgvarg[1].bstrVal, SysStringLen(parameters->rgvarg[1].bstrVal)) +
+                                     (parameters->rgvarg[0].boolVal ? L"|True" : L"|False"));
             return S_OK;
         }
         if (member == kDoEvents) {

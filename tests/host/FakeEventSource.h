@@ -1,6 +1,8 @@
 #pragma once
 // An event source for tests: a type library made in memory (ICreateTypeLib2) with the dispatch
-// interface LedgerEvents (Clicked(ByRef Cancel As Boolean), Changed(ByVal Text As String)) and the
+// interface LedgerEvents (Clicked(ByRef Cancel As Boolean), Changed(ByVal Text As String), and on request
+// Moved(ByVal X As OLE_XPOS_PIXELS, ByVal Y As OLE_YPOS_PIXELS) and Dropped(ByVal X As
+// OLE_XPOS_HIMETRIC, ByVal Y As OLE_YPOS_HIMETRIC), the position types being aliases of Long) and the
 // class Ledger whose default source it is; an object that gives that class as its class information; and
 // a Ledger object with a connection point that raises the events.
 #include "support/TestComObject.h"
@@ -16,10 +18,58 @@
 
 namespace brannoc::testing {
 
-enum LedgerEvent : DISPID { kClicked = 1, kChanged = 2 };
+enum LedgerEvent : DISPID { kClicked = 1, kChanged = 2, kMoved = 3, kDropped = 4 };
 
 // The class type of Ledger; null (with a test failure) when the library could not be made.
-inline ComRef<ITypeInfo> MakeLedgerClass()
+// An alias of Long named name in library, referenced from events; its type description for a parameter.
+inline TYPEDESC PositionType(ICreateTypeLib2* library, ICreateTypeInfo* events, const wchar_t* name)
+{
+    TYPEDESC type{};
+    type.vt = VT_I4;
+    ComRef<ICreateTypeInfo> alias;
+    if (FAILED(library->CreateTypeInfo(const_cast<LPOLESTR>(name), TKIND_ALIAS, alias.Out()))) {
+        ADD_FAILURE() << "alias";
+        return type;
+    }
+    TYPEDESC longType{};
+    longType.vt = VT_I4;
+    alias->SetTypeDescAlias(&longType);
+    alias->LayOut();
+    ComRef<ITypeInfo> aliasType;
+    HREFTYPE reference = 0;
+    if (FAILED(alias->QueryInterface(IID_ITypeInfo, reinterpret_cast<void**>(aliasType.Out()))) ||
+        FAILED(events->AddRefTypeInfo(aliasType.Get(), &reference))) {
+        ADD_FAILURE() << "alias reference";
+        return type;
+    }
+    type.vt = VT_USERDEFINED;
+    type.hreftype = reference;
+    return type;
+}
+
+// Adds the event id with two by-value parameters X and Y of the given types at index.
+inline void AddPositionEvent(ICreateTypeInfo* events, UINT index, DISPID id, const wchar_t* name, const TYPEDESC& x,
+                             const TYPEDESC& y)
+{
+    ELEMDESC parameters[2] = {};
+    parameters[0].tdesc = x;
+    parameters[0].paramdesc.wParamFlags = PARAMFLAG_FIN;
+    parameters[1].tdesc = y;
+    parameters[1].paramdesc.wParamFlags = PARAMFLAG_FIN;
+    FUNCDESC function{};
+    function.funckind = FUNC_DISPATCH;
+    function.invkind = INVOKE_FUNC;
+    function.callconv = CC_STDCALL;
+    function.elemdescFunc.tdesc.vt = VT_VOID;
+    function.cParams = 2;
+    function.memid = id;
+    function.lprgelemdescParam = parameters;
+    events->AddFuncDesc(index, &function);
+    LPOLESTR names[] = {const_cast<LPOLESTR>(name), const_cast<LPOLESTR>(L"X"), const_cast<LPOLESTR>(L"Y")};
+    events->SetFuncAndParamNames(index, names, 3);
+}
+
+inline ComRef<ITypeInfo> MakeLedgerClass(bool withPositionEvents = false)
 {
     ComRef<ICreateTypeLib2> library;
     if (FAILED(CreateTypeLib2(SYS_WIN32, L"ledger.tlb", library.Out()))) {
@@ -69,6 +119,13 @@ inline ComRef<ITypeInfo> MakeLedgerClass()
     events->AddFuncDesc(1, &function);
     LPOLESTR changedNames[] = {const_cast<LPOLESTR>(L"Changed"), const_cast<LPOLESTR>(L"Text")};
     events->SetFuncAndParamNames(1, changedNames, 2);
+    if (withPositionEvents) {
+        AddPositionEvent(events.Get(), 2, kMoved, L"Moved", PositionType(library.Get(), events.Get(), L"OLE_XPOS_PIXELS"),
+                         PositionType(library.Get(), events.Get(), L"OLE_YPOS_PIXELS"));
+        AddPositionEvent(events.Get(), 3, kDropped, L"Dropped",
+                         PositionType(library.Get(), events.Get(), L"OLE_XPOS_HIMETRIC"),
+                         PositionType(library.Get(), events.Get(), L"OLE_YPOS_HIMETRIC"));
+    }
     events->LayOut();
 
     ComRef<ICreateTypeInfo> coclass;

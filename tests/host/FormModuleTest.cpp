@@ -5,12 +5,15 @@
 #include "brannoc.h"
 #include "host/CodeUnit.h"
 #include "host/FakeCallBack.h"
+#include "host/FakeEventSource.h"
 #include <gtest/gtest.h>
+#include <algorithm>
 #include <string>
 #include <vector>
 
 using namespace brannoc;
 using brannoc::testing::FakeCallBack;
+using brannoc::testing::FakeEventSource;
 using brannoc::testing::TestDispatch;
 
 namespace {
@@ -58,6 +61,7 @@ public:
     // Called inside NewMacroInstance with the engine object.
     void (*duringNewInstance)(FormHost&, _CodeUnit*) = nullptr;
     std::vector<bool> extensionAnswers;
+    IDispatch* eventSource = nullptr;
 
     HRESULT __stdcall GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID locale, DISPID* ids) override
     {
@@ -130,6 +134,24 @@ protected:
     FormHost host;
     FakeCallBack& callBack = host.base;
 };
+
+IDispatch* CreateHandler(_CodeUnit* engine, const wchar_t* prototype)
+{
+    BSTR text = SysAllocString(prototype);
+    IDispatch* handler = nullptr;
+    EXPECT_EQ(S_OK, engine->CreateHandler(text, &handler));
+    SysFreeString(text);
+    return handler;
+}
+
+IDispatch* CreateHandlers(_CodeUnit* engine, const wchar_t* prefix, IDispatch* source)
+{
+    BSTR text = SysAllocString(prefix);
+    IDispatch* handlers = nullptr;
+    EXPECT_EQ(S_OK, engine->CreateHandlers(text, source, &handlers));
+    SysFreeString(text);
+    return handlers;
+}
 
 long ReadMember(IDispatch* object, const wchar_t* member)
 {
@@ -226,4 +248,47 @@ TEST_F(FormModuleTest, StarNewInstanceNamesALiveInstanceByItsNumber)
         same->Release();
     made->Release();
     EXPECT_EQ(nullptr, MacroObject(L"*NewInstance1", false)) << "a released instance is gone";
+}
+
+TEST_F(FormModuleTest, DuringNewInstanceOnlyThatModulesHandlersMayBeMade)
+{
+    ComRef<ITypeInfo> ledgerClass = brannoc::testing::MakeLedgerClass();
+    ASSERT_TRUE(ledgerClass);
+    FakeEventSource ledger(ledgerClass.Get());
+    host.eventSource = &ledger;
+    callBack.offerTrace = true;
+    VARIANT_BOOL ignored;
+    unit->Run(static_cast<short>(0x8040), &ignored);
+    host.duringNewInstance = [](FormHost& self, _CodeUnit* engine) {
+        const auto made = [&](IDispatch* handler) {
+            self.extensionAnswers.push_back(handler != nullptr);
+            if (handler)
+                handler->Release();
+        };
+        made(CreateHandler(engine, L"Panel|Sub Pnl_Click()"));
+        made(CreateHandler(engine, L"Sub Pnl_Click()"));
+        made(CreateHandler(engine, L"other|Sub Pnl_Click()"));
+        made(CreateHandlers(engine, L"panel|Ledger", self.eventSource));
+        made(CreateHandlers(engine, L"Ledger", self.eventSource));
+    };
+    IDispatch* object = MacroObject(L"panel", true);
+    ASSERT_NE(nullptr, object);
+    EXPECT_EQ((std::vector<bool>{true, false, false, true, false}), host.extensionAnswers);
+    const auto traced = [&](const std::wstring& line) {
+        return std::count(callBack.traces.begin(), callBack.traces.end(), L"2:" + line);
+    };
+    EXPECT_EQ(2, traced(L"Only a module specific handler for the current NewInstance is allowed."));
+    EXPECT_EQ(1, traced(L"Only module specific handlers for the current NewInstance are allowed."));
+
+    // Once the instance is made, the module exists: handlers specific to it are refused.
+    host.duringNewInstance = nullptr;
+    EXPECT_EQ(nullptr, CreateHandler(unit, L"panel|Sub Pnl_Click()"));
+    EXPECT_EQ(1, traced(L"Module specific handler not allowed for a module that already exists."));
+    EXPECT_EQ(nullptr, CreateHandlers(unit, L"panel|Ledger", &ledger));
+    EXPECT_EQ(1, traced(L"Module specific handlers not allowed for a module that already exists."));
+    IDispatch* general = CreateHandler(unit, L"Sub Pnl_Click()");
+    EXPECT_NE(nullptr, general);
+    if (general)
+        general->Release();
+    object->Release();
 }

@@ -23,24 +23,9 @@ const wchar_t kMacro[] = L"Sub Main\r\n"
 
 class HandlerStartTest : public ::testing::Test {
 protected:
-    ~HandlerStartTest() override
-    {
-        for (IDispatch* handler : made)
-            handler->Release();
-    }
-    IDispatch* Create(const wchar_t* prototype)
-    {
-        BSTR text = SysAllocString(prototype);
-        IDispatch* handler = nullptr;
-        EXPECT_EQ(S_OK, engine.unit->CreateHandler(text, &handler));
-        SysFreeString(text);
-        if (handler)
-            made.push_back(handler);
-        return handler;
-    }
+    IDispatch* Create(const wchar_t* prototype) { return engine.CreateHandler(prototype); }
 
     MacroEngine engine;
-    std::vector<IDispatch*> made;
 };
 
 } // namespace

@@ -38,16 +38,7 @@ const wchar_t kMacro[] = L"Sub Main\r\n"
 
 class HandlerTest : public ::testing::Test {
 protected:
-    IDispatch* Create(const wchar_t* prototype)
-    {
-        BSTR text = SysAllocString(prototype);
-        IDispatch* handler = nullptr;
-        EXPECT_EQ(S_OK, engine.unit->CreateHandler(text, &handler));
-        SysFreeString(text);
-        if (handler)
-            made.push_back(handler);
-        return handler;
-    }
+    IDispatch* Create(const wchar_t* prototype) { return engine.CreateHandler(prototype); }
     bool ReadBool(IDispatch* handler, DISPID member)
     {
         LateCall call;
@@ -60,14 +51,8 @@ protected:
         EXPECT_EQ(S_OK, call.Invoke(handler, member, DISPATCH_PROPERTYGET));
         return call.result.Tag() == VT_BSTR ? std::wstring(call.result.Raw().bstrVal) : L"<not text>";
     }
-    void TearDown() override
-    {
-        for (IDispatch* handler : made)
-            handler->Release();
-    }
 
     MacroEngine engine;
-    std::vector<IDispatch*> made;
 };
 
 } // namespace
@@ -209,7 +194,7 @@ TEST_F(HandlerTest, TheCuHandlerFunctionsCallTheMembers)
     // CU_CreateHandler makes the same handler from ANSI text.
     IDispatch* throughExport = CU_CreateHandler(engine.unit, "Function Total(a As Long, Optional b As Long) As Long");
     ASSERT_NE(nullptr, throughExport);
-    made.push_back(throughExport);
+    engine.Keep(throughExport);
     EXPECT_EQ(-1, CU_HandlerExists(throughExport));
     EXPECT_EQ(L"lib|Total", ReadText(throughExport, 9));
     BSTR prototype = CU_HandlerPrototype(total);

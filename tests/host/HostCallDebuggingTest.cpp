@@ -69,29 +69,12 @@ protected:
             engine.unit->HaltAll(&ignored);
         };
     }
-    void TearDown() override
-    {
-        for (IDispatch* object : made)
-            object->Release();
-    }
-
-    IDispatch* Handler(const wchar_t* prototype)
-    {
-        BSTR text = SysAllocString(prototype);
-        IDispatch* handler = nullptr;
-        EXPECT_EQ(S_OK, engine.unit->CreateHandler(text, &handler));
-        SysFreeString(text);
-        if (handler)
-            made.push_back(handler);
-        return handler;
-    }
+    IDispatch* Handler(const wchar_t* prototype) { return engine.CreateHandler(prototype); }
     IDispatch* Fire(bool debugging)
     {
         IDispatch* fire = nullptr;
         EXPECT_EQ(S_OK, engine.unit->get_Fire(debugging ? VARIANT_TRUE : VARIANT_FALSE, &fire));
-        if (fire)
-            made.push_back(fire);
-        return fire;
+        return engine.Keep(fire);
     }
 
     bool Flag(HRESULT (__stdcall _CodeUnit::*member)(VARIANT_BOOL*))
@@ -168,7 +151,6 @@ protected:
     int Count(short code) const { return engine.callBack.Count(code); }
 
     MacroEngine engine;
-    std::vector<IDispatch*> made;
     std::vector<std::function<void()>> script;
     std::size_t next = 0;
     bool ranOut = false;
@@ -464,4 +446,48 @@ TEST_F(HostCallDebuggingTest, ADebuggingFireFromAnotherThreadDoesNotBreakIntoARu
     EXPECT_EQ(S_OK, plainOutcome);
     EXPECT_EQ((Texts{L"\"job\"\r\n", L"\"first\"\r\n", L"\"second\"\r\n", L"\"job end\"\r\n"}), Printed());
     EXPECT_TRUE(IsIdle());
+}
+
+TEST_F(HostCallDebuggingTest, ACallRunOnToItsEndTellsTheHostPostMacroRunBeforeTheEngineStopsAgain)
+{
+    StopTheJob();
+    IDispatch* twice = Handler(L"Sub Twice()");
+    engine.callBack.offerPostMacroRun = true;
+    std::size_t printedThen = 0;
+    int stopsThen = -1;
+    engine.callBack.onPostMacroRun = [&](IDispatch*) {
+        printedThen = Printed().size();
+        stopsThen = Count(3);
+    };
+    // Stopped at the procedure's first line, the host runs it on without a target depth.
+    script = {[&] {
+        EXPECT_TRUE(Continue());
+        Run(0);
+    }};
+    LateCall call;
+    ASSERT_EQ(S_OK, call.Invoke(twice, 1, DISPATCH_METHOD, false));
+    EXPECT_EQ(1, engine.callBack.postMacroRunCalls);
+    EXPECT_EQ(2u, printedThen) << "after the procedure's end";
+    EXPECT_EQ(1, stopsThen) << "before the stop where the macro was";
+    EXPECT_EQ(2, Count(3));
+    EXPECT_TRUE(IsStopped());
+    EXPECT_EQ(0, engine.callBack.badCalls);
+
+    // A call into an idle engine ends its run with it: nothing to tell.
+    HaltAll();
+    ASSERT_TRUE(IsIdle());
+    Variant on;
+    on.SetBoolean(true);
+    LateCall put;
+    ASSERT_EQ(S_OK, put.Add(std::move(on)).Invoke(twice, 4, DISPATCH_PROPERTYPUT, false));
+    script.push_back([&] {
+        EXPECT_TRUE(Continue());
+        Run(0);
+    });
+    LateCall again;
+    ASSERT_EQ(S_OK, again.Invoke(twice, 1, DISPATCH_METHOD, false));
+    EXPECT_EQ(4u, Printed().size());
+    EXPECT_EQ(1, engine.callBack.postMacroRunCalls);
+    EXPECT_TRUE(IsIdle());
+    EXPECT_FALSE(ranOut);
 }

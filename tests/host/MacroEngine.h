@@ -4,6 +4,7 @@
 #include "brannoc.h"
 #include "host/FakeCallBack.h"
 #include "values/Variant.h"
+#include <gtest/gtest.h>
 
 #include <initializer_list>
 #include <string>
@@ -16,6 +17,8 @@ public:
     MacroEngine() : unit(static_cast<_CodeUnit*>(KZ_CreateCodeUnit())) { unit->SetCallBack(&callBack); }
     ~MacroEngine()
     {
+        for (IDispatch* object : kept)
+            object->Release();
         VARIANT_BOOL ignored;
         unit->HaltAll(&ignored);
         unit->SetCallBack(nullptr);
@@ -32,6 +35,22 @@ public:
         unit->Load(held, &loaded);
         SysFreeString(held);
         return loaded == VARIANT_TRUE;
+    }
+    // A handler for the prototype (null when refused), released with the engine.
+    IDispatch* CreateHandler(const wchar_t* prototype)
+    {
+        BSTR text = SysAllocString(prototype);
+        IDispatch* handler = nullptr;
+        EXPECT_EQ(S_OK, unit->CreateHandler(text, &handler));
+        SysFreeString(text);
+        return Keep(handler);
+    }
+    // Releases the object (a handler, a fire object) with the engine, before the engine goes.
+    IDispatch* Keep(IDispatch* object)
+    {
+        if (object)
+            kept.push_back(object);
+        return object;
     }
     bool IsIdle()
     {
@@ -55,6 +74,7 @@ public:
 
     _CodeUnit* unit;
     FakeCallBack callBack;
+    std::vector<IDispatch*> kept;
 };
 
 // One late-bound call: the arguments first to last (IDispatch wants them last to first), named ones
