@@ -1,6 +1,6 @@
 #include "automation/EventPositions.h"
 
-#include "host/ComRef.h"
+#include "values/ComRef.h"
 
 #include <ocidl.h>
 #include <olectl.h>
