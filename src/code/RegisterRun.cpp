@@ -61,13 +61,15 @@ void NoteGivingUp(RegisterProgram& program, int index)
     ChooseNextForm(program, index);
 }
 
-enum class CallStart { kGiveUp, kEnded, kWaiting, kFailed };
+enum class CallStart { kGiveUp, kEnded, kWaiting, kFailed, kEntered };
 
-// Begins and runs the call of operation `op` (a Call or MemberCall) in instance `target`: the arguments
-// bound from the caller's frame, the result into its temporary. kGiveUp (nothing happened) when a
-// reference argument's variable does not hold its kind or the callee has no frame layout.
+// Begins the call of operation `op` (a Call or MemberCall) in instance `target`: the arguments bound from
+// the caller's frame, the result into its temporary. A callee that has a register form runs in the
+// caller's loop (kEntered: `callee` is its activation, on the execution stack); any other runs at once
+// or goes the scheduled way. kGiveUp (nothing happened) when a reference argument's variable does not
+// hold its kind or the callee has no frame layout.
 CallStart BeginRegisterCall(Interpreter& interpreter, const RegisterOp& op, char* frame, VARIANT* moduleSlots,
-                            std::int32_t moduleCount, ModuleInstance* target)
+                            std::int32_t moduleCount, ModuleInstance* target, Activation*& callee)
 {
     const auto& call = *static_cast<const RegisterCall*>(op.constant.pointer);
     ProcedureCode& procedure = *call.procedure;
@@ -97,7 +99,7 @@ CallStart BeginRegisterCall(Interpreter& interpreter, const RegisterOp& op, char
     }
     if (!procedure.Layout().image)
         return CallStart::kGiveUp;
-    Activation* callee = interpreter.BeginFramedCall(procedure, target);
+    callee = interpreter.BeginFramedCall(procedure, target);
     if (!callee)
         return CallStart::kFailed;
     auto* slots = static_cast<VARIANT*>(callee->Locals());
@@ -124,6 +126,8 @@ CallStart BeginRegisterCall(Interpreter& interpreter, const RegisterOp& op, char
     }
     if (op.a >= 0)
         callee->SetResultTarget(reinterpret_cast<VARIANT*>(frame + op.a - 8));
+    if (procedure.Table().runner == &RunRegisterProgram && interpreter.EnterCallInLoop(*callee))
+        return CallStart::kEntered;
     switch (interpreter.RunBegunCall(*callee)) {
     case Interpreter::CallOutcome::kEnded: return CallStart::kEnded;
     case Interpreter::CallOutcome::kWaiting: return CallStart::kWaiting;
@@ -133,10 +137,10 @@ CallStart BeginRegisterCall(Interpreter& interpreter, const RegisterOp& op, char
 
 } // namespace
 
-bool RunRegisterProgram(Activation& activation, ExecEntry& entry, const void* data)
+bool RunRegisterProgram(Activation& base, ExecEntry& entry, const void* data)
 {
     if (!DirectFormsEnabled())
-        return activation.RunStatements(entry);
+        return base.RunStatements(entry);
 
     static const void* const kLabels[] = {
 #define BRANNOC_REGISTER_LABEL(name) &&op_##name,
@@ -145,23 +149,41 @@ bool RunRegisterProgram(Activation& activation, ExecEntry& entry, const void* da
     };
     static_assert(sizeof(kLabels) / sizeof(kLabels[0]) == static_cast<std::size_t>(RegisterCode::kCount));
 
-    const RegisterProgram& program = *static_cast<const RegisterProgram*>(data);
-    // Forms made while running change the program (appended operations, patched entries).
-    RegisterProgram& writable = const_cast<RegisterProgram&>(program);
-    auto& procedure = static_cast<CompiledProcedure&>(activation.OwnProcedure());
     Interpreter& interpreter = *Interpreter::Current();
-    Node* const* statements = activation.OwnProcedure().Table().statements;
-    const RegisterOp* const ops = program.ops.data();
-    const int* const entries = program.entries.data();
-    const int endIndex = static_cast<int>(program.entries.size()) - 1;
-    char* const frame = static_cast<char*>(activation.Locals());
-    ModuleInstance* const instance = activation.Instance();
-    VARIANT* const moduleSlots = instance && instance->VariableCount() > 0 ? &instance->Slot(0) : nullptr;
-    const auto moduleCount = static_cast<std::int32_t>(instance ? instance->VariableCount() : 0);
+    // The activation whose statements run: the base, or a callee that the loop runs itself (a call of the
+    // register form, entered at a Call operation and left at its End), with its program and frame.
+    Activation* activation = nullptr;
+    // Forms made while running change the program (appended operations, patched entries).
+    RegisterProgram* program = nullptr;
+    CompiledProcedure* procedure = nullptr;
+    Node* const* statements = nullptr;
+    const RegisterOp* ops = nullptr;
+    const int* entries = nullptr;
+    int endIndex = 0;
+    char* frame = nullptr;
+    ModuleInstance* instance = nullptr;
+    VARIANT* moduleSlots = nullptr;
+    std::int32_t moduleCount = 0;
+    const auto enter = [&](Activation& which, const void* programData) {
+        activation = &which;
+        program = const_cast<RegisterProgram*>(static_cast<const RegisterProgram*>(programData));
+        procedure = static_cast<CompiledProcedure*>(&which.OwnProcedure());
+        statements = procedure->Table().statements;
+        ops = program->ops.data();
+        entries = program->entries.data();
+        endIndex = static_cast<int>(program->entries.size()) - 1;
+        frame = static_cast<char*>(which.Locals());
+        instance = which.Instance();
+        moduleCount = static_cast<std::int32_t>(instance ? instance->VariableCount() : 0);
+        moduleSlots = moduleCount > 0 ? &instance->Slot(0) : nullptr;
+    };
+    enter(base, data);
+    // A callee that a Call operation begins in this loop.
+    Activation* entering = nullptr;
 
     // Where the statement loop goes on: the entry of the activation's next statement.
     const auto resume = [&]() {
-        const int next = activation.NextIndex();
+        const int next = activation->NextIndex();
         return ops + entries[next < 0 ? 0 : next > endIndex ? endIndex : next];
     };
 
@@ -179,26 +201,26 @@ bool RunRegisterProgram(Activation& activation, ExecEntry& entry, const void* da
     ((index) < moduleCount && moduleSlots[(index)].vt == (kind) ? &moduleSlots[(index)] : nullptr)
 
     // A statement that stopped at a call goes on after it; else the next statement runs.
-    const int resumeOperation = activation.TakeResumeOperation();
+    const int resumeOperation = activation->TakeResumeOperation();
     const RegisterOp* pc = resumeOperation >= 0 ? ops + resumeOperation : resume();
     BRANNOC_DISPATCH();
 
     // ---- Statements and control ----
 op_Statement:
-    if (HaltFlags::Any() || interpreter.StatementCheckStops(activation, pc->a)) {
+    if (HaltFlags::Any() || interpreter.StatementCheckStops(*activation, pc->a)) {
         // The statement has not run: it is tried again on a later step.
-        activation.HoldAt(pc->a);
+        activation->HoldAt(pc->a);
         return false;
     }
-    activation.EnterStatement(pc->a);
+    activation->EnterStatement(pc->a);
     BRANNOC_NEXT();
 op_Replaced:
     // A break point stands in the statement's place: its object runs instead of the statement's form.
-    if (HaltFlags::Any() || interpreter.StatementCheckStops(activation, pc->a)) {
-        activation.HoldAt(pc->a);
+    if (HaltFlags::Any() || interpreter.StatementCheckStops(*activation, pc->a)) {
+        activation->HoldAt(pc->a);
         return false;
     }
-    activation.EnterStatement(pc->a);
+    activation->EnterStatement(pc->a);
     if (!statements[pc->a]->Execute() || HaltFlags::Any())
         return false;
     pc = resume();
@@ -212,9 +234,9 @@ op_General:
 give_up: {
     // The current statement's register form gave up before changing anything: its object runs it. A
     // form made for the kinds some Variants held is made again when it keeps giving up.
-    const int index = activation.CurrentIndex();
-    if (program.observed[static_cast<std::size_t>(index)])
-        NoteGivingUp(writable, index);
+    const int index = activation->CurrentIndex();
+    if (program->observed[static_cast<std::size_t>(index)])
+        NoteGivingUp(*program, index);
     if (!statements[index]->Execute() || HaltFlags::Any())
         return false;
     pc = resume();
@@ -222,14 +244,14 @@ give_up: {
 }
 op_Observe: {
     const int index = pc->a;
-    RegisterOp& self = writable.ops[static_cast<std::size_t>(pc - ops)];
+    RegisterOp& self = program->ops[static_cast<std::size_t>(pc - ops)];
     int start = 0;
-    if (writable.formsLeft[static_cast<std::size_t>(index)] > 0) {
-        --writable.formsLeft[static_cast<std::size_t>(index)];
-        if (FormObservedStatement(procedure, writable, index, frame, instance, start)) {
-            writable.observed[static_cast<std::size_t>(index)] = 1;
-            writable.givenUp[static_cast<std::size_t>(index)] = 0;
-            RecordObservedForm(writable, index, start);
+    if (program->formsLeft[static_cast<std::size_t>(index)] > 0) {
+        --program->formsLeft[static_cast<std::size_t>(index)];
+        if (FormObservedStatement(*procedure, *program, index, frame, instance, start)) {
+            program->observed[static_cast<std::size_t>(index)] = 1;
+            program->givenUp[static_cast<std::size_t>(index)] = 0;
+            RecordObservedForm(*program, index, start);
             self.code = RegisterCode::kJump;
             self.a = start;
             pc = ops + start;
@@ -237,16 +259,35 @@ op_Observe: {
         }
     }
     // No form for these kinds (a Variant holds something else): the object runs the statement.
-    if (writable.formsLeft[static_cast<std::size_t>(index)] == 0)
-        ChooseNextForm(writable, index);
+    if (program->formsLeft[static_cast<std::size_t>(index)] == 0)
+        ChooseNextForm(*program, index);
     if (!statements[index]->Execute() || HaltFlags::Any())
         return false;
     pc = resume();
     BRANNOC_DISPATCH();
 }
 op_End:
-    entry.state = ExecEntry::kFinished;
-    return !HaltFlags::Any();
+    if (activation == &base) {
+        entry.state = ExecEntry::kFinished;
+        return !HaltFlags::Any();
+    }
+    {
+        // A callee the loop entered itself has ended. A request or error recorded by its last statement
+        // is seen to by the step loop first, which then ends the call as it ends a scheduled one.
+        if (HaltFlags::Any()) {
+            interpreter.FinishCallInLoop();
+            return false;
+        }
+        Activation* caller = activation->Caller();
+        interpreter.LeaveCallInLoop(*activation);
+        enter(*caller, caller->OwnProcedure().Table().runnerData);
+        // Whatever the call's end ran (a terminator) left a request: the calling statement goes on
+        // after the call on a later step.
+        if (HaltFlags::Any())
+            return false;
+        pc = ops + activation->TakeResumeOperation();
+        BRANNOC_DISPATCH();
+    }
 op_Jump:
     pc = ops + pc->a;
     BRANNOC_DISPATCH();
@@ -685,12 +726,13 @@ op_SelectRanges: {
 op_Call: {
     const auto& call = *static_cast<const RegisterCall*>(pc->constant.pointer);
     ModuleInstance* target = call.module && instance ? instance->Find(*call.module) : instance;
-    switch (BeginRegisterCall(BRANNOC_CALL_ARGUMENTS(target))) {
+    switch (BeginRegisterCall(BRANNOC_CALL_ARGUMENTS(target), entering)) {
     case CallStart::kGiveUp: goto give_up;
     case CallStart::kEnded: BRANNOC_NEXT();
+    case CallStart::kEntered: goto entered;
     case CallStart::kWaiting:
         // The statement goes on after the call once the callee has ended.
-        activation.SetResumeOperation(static_cast<int>(pc - ops) + 1);
+        activation->SetResumeOperation(static_cast<int>(pc - ops) + 1);
         return false;
     case CallStart::kFailed: return false;
     }
@@ -710,15 +752,25 @@ op_MemberCall: {
     ModuleInstance* target = interpreter.Host().InstanceOf(holder->punkVal);
     if (!target || &target->OwnModule() != call.classModule)
         goto give_up;
-    switch (BeginRegisterCall(BRANNOC_CALL_ARGUMENTS(target))) {
+    switch (BeginRegisterCall(BRANNOC_CALL_ARGUMENTS(target), entering)) {
     case CallStart::kGiveUp: goto give_up;
     case CallStart::kEnded: BRANNOC_NEXT();
+    case CallStart::kEntered: goto entered;
     case CallStart::kWaiting:
-        activation.SetResumeOperation(static_cast<int>(pc - ops) + 1);
+        activation->SetResumeOperation(static_cast<int>(pc - ops) + 1);
         return false;
     case CallStart::kFailed: return false;
     }
     return false;
+}
+
+entered: {
+    // The calling statement goes on after the call once the callee has ended, here or, when something
+    // stops the loop inside the callee, on a later step.
+    activation->SetResumeOperation(static_cast<int>(pc - ops) + 1);
+    enter(*entering, entering->OwnProcedure().Table().runnerData);
+    pc = ops + entries[0];
+    BRANNOC_DISPATCH();
 }
 
 #undef BRANNOC_CALL_ARGUMENTS

@@ -279,7 +279,8 @@ bool Interpreter::ProvideFrame(Activation& activation, std::size_t frameSize)
     return activation.m_locals != nullptr;
 }
 
-Activation* Interpreter::BeginFramedCall(ProcedureCode& procedure, ModuleInstance* instance)
+// Every call of the register form starts here: the activation's set-up is inlined into it.
+__attribute__((flatten)) Activation* Interpreter::BeginFramedCall(ProcedureCode& procedure, ModuleInstance* instance)
 {
     Activation* activation = StartActivation(procedure, ActivationKind::Call, instance, false);
     if (!activation)
@@ -315,10 +316,15 @@ Interpreter::CallOutcome Interpreter::RunBegunCall(Activation& begun)
         (void)m_exec.Pop();
         return QueueFromCode(*activation);
     }
+    const std::size_t height = m_exec.Size();
     ++m_inlineDepth;
     ExecEntry entry{activation, 1};
     const bool done = activation->RunFromStart(entry);
     --m_inlineDepth;
+    // Calls that the callee's statement loop ran itself and that have not ended stand above it: they
+    // wait on the pending stack too, above it and below whatever the innermost of them scheduled.
+    while (m_exec.Size() > height)
+        (void)PushPending(m_exec.Pop());
     // Nested runs inside the callee leave the stack as they found it: the callee and its marker are on top.
     (void)m_exec.Pop();
     (void)m_exec.Pop();
@@ -335,6 +341,32 @@ Interpreter::CallOutcome Interpreter::RunBegunCall(Activation& begun)
     if (!PushPending(entry) || !PushPending(ExecEntry{&CallEndMarker::Instance(), 1}))
         return CallOutcome::kFailed;
     return CallOutcome::kWaiting;
+}
+
+__attribute__((flatten)) void Interpreter::LeaveCallInLoop(Activation& callee)
+{
+    (void)m_exec.Pop();
+    (void)m_exec.Pop();
+    // Activation::Release's work for a call that BeginFramedCall began (variant B, its arguments in its
+    // frame), without the calls that such a call does not need.
+    m_values.CutBack(callee.m_valueStackBase);
+    if (callee.m_locals) {
+        if (callee.m_procedure->Layout().image)
+            callee.EndFrame(*this);
+        else
+            callee.m_procedure->ClearLocals(callee.m_locals);
+        callee.m_locals = nullptr;
+    }
+    if (callee.m_auxiliary)
+        callee.SetAuxiliary(nullptr);
+    if (m_current == &callee)
+        m_current = callee.m_caller;
+    if (ModuleInstance* instance = callee.m_instance) {
+        callee.m_instance = nullptr;
+        instance->EndUse();
+    }
+    FreeActivation(callee);
+    EndCall();
 }
 
 Interpreter::CallOutcome Interpreter::QueueFromCode(Activation& activation)

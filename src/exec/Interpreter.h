@@ -3,6 +3,7 @@
 // activations, yielding, halting and the end of a run. The engine object owns one and drives it through
 // RunStep; everything it needs back from the engine object goes through InterpreterHost.
 #include "exec/Activation.h"
+#include "exec/CallEndMarker.h"
 #include "exec/ElementReferences.h"
 #include "exec/ErrorMessages.h"
 #include "exec/ErrorRecord.h"
@@ -98,6 +99,27 @@ public:
     [[nodiscard]] Activation* BeginFramedCall(ProcedureCode& procedure, ModuleInstance* instance);
     // Runs a begun call as CallFromCode does.
     [[nodiscard]] CallOutcome RunBegunCall(Activation& activation);
+    // A begun call that the caller's statement loop runs itself, on the same native stack frame (the
+    // register form): the callee and its call-end marker go on the execution stack as for a scheduled
+    // call, so that a break, a yield or an error inside it leaves the stacks exactly as the scheduled way
+    // would. False, and nothing pushed, when the call must go the scheduled way (RunBegunCall).
+    [[nodiscard]] bool EnterCallInLoop(Activation& callee)
+    {
+        if (m_callDepth >= kMaxCallDepth || HaltFlags::Any() || m_stepCounter < 1 || m_runLevel < 1)
+            return false;
+        if (!m_exec.Push(ExecEntry{&CallEndMarker::Instance(), 1}))
+            return false;
+        if (!m_exec.Push(ExecEntry{&callee, 1})) {
+            (void)m_exec.Pop();
+            return false;
+        }
+        return true;
+    }
+    // The callee entered that way has ended: it and its marker leave the execution stack, the call ends.
+    void LeaveCallInLoop(Activation& callee);
+    // The callee entered that way has run its last statement but a request or error stops the loop: the
+    // step loop finds it finished and ends it.
+    void FinishCallInLoop() noexcept { m_exec.Top().state = ExecEntry::kFinished; }
 
     // Schedules a module's entry procedure (variant A) onto the execution stack; no statement runs.
     // With popArguments its arguments are on the value stack and go when it ends. False when an error

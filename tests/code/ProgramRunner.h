@@ -34,6 +34,8 @@ public:
     std::vector<ErrorRecord> errors;
     // Called with each printed text (when set), while the statement that printed it runs.
     std::function<void(const std::wstring&)> printed;
+    // Called at each yield (when set), between two steps of the run.
+    std::function<void()> pumped;
 
     void Notify(Notification) override {}
     void PerformControlAction(int action, long) override
@@ -43,7 +45,11 @@ public:
         else if (action == kActionStop && interpreter->RunLevel() > 0)
             interpreter->SetRunLevel(-interpreter->RunLevel());
     }
-    void PumpMessages() override {}
+    void PumpMessages() override
+    {
+        if (pumped)
+            pumped();
+    }
     void ReportUntrappedError(const ErrorRecord& error) override { errors.push_back(error); }
     void DebugPrint(const std::wstring& text) override
     {

@@ -520,4 +520,67 @@ TEST_F(DebuggerTest, AStoppedRunAnswersEveryOtherMember)
     EXPECT_EQ(0, LineNum());
 }
 
+// Calls of numeric Functions run inside their caller's statement loop: a stop deep inside them sees
+// every frame, and the run goes on from there to the same result.
+std::wstring DeepMacro(const wchar_t* bottom)
+{
+    return Lines({
+        L"Function Down(ByVal n As Long) As Long", // 1
+        L"    If n = 0 Then",                     // 2
+        bottom,                                   // 3
+        L"    Else",                              // 4
+        L"        Down = Down(n - 1) + 1",        // 5
+        L"    End If",                            // 6
+        L"End Function",                          // 7
+        L"",                                      // 8
+        L"Sub Main",                              // 9
+        L"    Dim r As Long",                     // 10
+        L"    r = Down(40)",                      // 11
+        L"    Debug.Print r",                     // 12
+        L"End Sub",                               // 13
+    });
+}
+
+TEST_F(DebuggerTest, ABreakPointDeepInNumericCallsSeesEveryFrame)
+{
+    callBack.macros[L"deep"] = DeepMacro(L"        Down = 100");
+    ASSERT_TRUE(Start(L"deep"));
+    EXPECT_TRUE(Toggle(L"deep", 3));
+    EXPECT_FALSE(Run(0));
+    ASSERT_TRUE(IsStopped());
+    EXPECT_EQ(42, StackDepth()) << "Main and 41 calls of Down";
+    EXPECT_EQ(L"[deep|Down#  3] Down = 100", CallersLine(0));
+    EXPECT_EQ(L"[deep|Down#  5] Down = Down(n - 1) + 1", CallersLine(1));
+    EXPECT_EQ(L"[deep|Down#  5] Down = Down(n - 1) + 1", CallersLine(40));
+    EXPECT_EQ(L"[deep|Main# 11] r = Down(40)", CallersLine(41));
+    EXPECT_EQ(L"", CallersLine(42));
+    EXPECT_FALSE(ContinueAndRun());
+    EXPECT_TRUE(IsIdle());
+    EXPECT_EQ((Texts{L"140&\r\n"}), Printed());
+}
+
+TEST_F(DebuggerTest, AStopDeepInNumericCallsSeesEveryFrameAndStepsOutOfThem)
+{
+    callBack.macros[L"deep"] = DeepMacro(L"        Stop");
+    ASSERT_TRUE(Start(L"deep"));
+    EXPECT_FALSE(Run(0));
+    ASSERT_TRUE(IsStopped());
+    EXPECT_EQ(42, StackDepth());
+    EXPECT_EQ(L"[deep|Down#  3] Stop", CallersLine(0));
+    EXPECT_EQ(L"[deep|Down#  5] Down = Down(n - 1) + 1", CallersLine(1));
+    EXPECT_EQ(L"[deep|Main# 11] r = Down(40)", CallersLine(41));
+    // Running until the depth falls below the stopped frame's stops in one of its callers.
+    EXPECT_TRUE(Continue());
+    EXPECT_FALSE(Run(StackDepth()));
+    ASSERT_TRUE(IsStopped());
+    const short depth = StackDepth();
+    EXPECT_LT(depth, 42);
+    EXPECT_GE(depth, 1);
+    EXPECT_EQ(0u, CallersLine(static_cast<short>(depth - 1)).find(L"[deep|Main#")) << "the outermost frame is Main's";
+    EXPECT_EQ(L"", CallersLine(depth));
+    EXPECT_FALSE(ContinueAndRun());
+    EXPECT_TRUE(IsIdle());
+    EXPECT_EQ((Texts{L"40&\r\n"}), Printed());
+}
+
 } // namespace
