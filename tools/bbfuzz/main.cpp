@@ -13,8 +13,10 @@
 //     run-time error without its message): number-N.bas;
 //   - a leak: the process's private memory grows past the leak margin over the run.
 // Usage: bbfuzz [--seed N] [--count N | --hours H] [--corpus DIR] [--findings DIR] [--budget STEPS]
-//               [--slow SECONDS] [--replay FILE] [--refuse-end 1]
+//               [--slow SECONDS] [--replay FILE] [--refuse-end 1] [--skip N]
 // --replay runs the one macro FILE without mutations (once, or count times), to reproduce a finding;
+// --skip N makes (without running) the seed's first N macros, so that the macros before a crash's
+// macro number (written in crash.bas) can be run again;
 // --refuse-end makes the host ignore requests to end, which tests that the watchdog reports a hang.
 // Exit code 0 when nothing was found, 1 with findings, 2 for bad arguments.
 #include "exec/Interpreter.h"
@@ -50,6 +52,7 @@ struct Options {
     double slowSeconds = 10;
     long long leakMargin = 256ll << 20;
     std::string replay;
+    long long skip = 0;
     bool refuseEnd = false;
     bool countGiven = false;
 };
@@ -333,6 +336,10 @@ private:
 
 // The macro being run and when it started, for the crash handler and the hang watch.
 std::string s_current;
+// The number of the macro being run (counted from 0 for the seed), and the macro run before it: a crash
+// that the macro alone does not repeat is looked for with the macros before it.
+volatile long long s_currentNumber = 0;
+std::string s_previous;
 std::string s_findings;
 volatile ULONGLONG s_macroStart = 0;
 double s_slowSeconds = 10;
@@ -347,8 +354,19 @@ void WriteFinding(const std::string& name, const std::string& text, const std::s
 
 LONG WINAPI OnCrash(EXCEPTION_POINTERS* exception)
 {
-    char note[64];
-    std::snprintf(note, sizeof note, "exception 0x%08lx", exception->ExceptionRecord->ExceptionCode);
+    // Where it happened, as module and offset, so that a crash seen once can be looked up in the map.
+    void* address = exception->ExceptionRecord->ExceptionAddress;
+    HMODULE module = nullptr;
+    char moduleName[MAX_PATH] = "?";
+    if (GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                           static_cast<LPCSTR>(address), &module))
+        GetModuleFileNameA(module, moduleName, sizeof moduleName);
+    char note[MAX_PATH + 128];
+    std::snprintf(note, sizeof note, "exception 0x%08lx at %s+0x%lx, macro number %lld",
+                  exception->ExceptionRecord->ExceptionCode, moduleName,
+                  static_cast<unsigned long>(reinterpret_cast<char*>(address) - reinterpret_cast<char*>(module)),
+                  static_cast<long long>(s_currentNumber));
+    WriteFinding("crash-previous.bas", s_previous, "the macro run before the crash");
     WriteFinding("crash.bas", s_current, note);
     std::fprintf(stderr, "bbfuzz: crash (%s); the macro is in %s\n", note, s_findings.c_str());
     std::fflush(stderr);
@@ -412,6 +430,8 @@ bool ParseOptions(int argc, char** argv, Options& options)
             options.budget = std::atoi(value);
         else if (name == "--slow")
             options.slowSeconds = std::strtod(value, nullptr);
+        else if (name == "--skip")
+            options.skip = std::strtoll(value, nullptr, 10);
         else if (name == "--replay")
             options.replay = value;
         else if (name == "--refuse-end")
@@ -429,7 +449,7 @@ int main(int argc, char** argv)
     Options options;
     if (!ParseOptions(argc, argv, options)) {
         std::fprintf(stderr, "usage: bbfuzz [--seed N] [--count N | --hours H] [--corpus DIR] [--findings DIR] "
-                             "[--budget STEPS] [--slow SECONDS] [--replay FILE] [--refuse-end 1]\n");
+                             "[--budget STEPS] [--slow SECONDS] [--replay FILE] [--refuse-end 1] [--skip N]\n");
         return 2;
     }
     s_findings = options.findings;
@@ -466,6 +486,8 @@ int main(int argc, char** argv)
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
 
     Mutator mutator(corpus, options.seed);
+    for (long long skipped = 0; skipped < options.skip; ++skipped)
+        (void)mutator.Next();
     const ULONGLONG start = GetTickCount64();
     const ULONGLONG end = options.hours > 0 ? start + static_cast<ULONGLONG>(options.hours * 3600000.0) : 0;
     long long macros = 0, compiled = 0, runErrors = 0, findings = 0, slow = 0;
@@ -473,7 +495,9 @@ int main(int argc, char** argv)
     for (; options.hours > 0 ? GetTickCount64() < end : macros < options.count; ++macros) {
         std::string next = options.replay.empty() ? mutator.Next() : corpus.front();
         s_macroStart = 0;
+        s_previous.swap(s_current);
         s_current.swap(next);
+        s_currentNumber = options.skip + macros;
         const ULONGLONG before = GetTickCount64();
         s_macroStart = before;
         const Outcome outcome = RunMacro(s_current, options.budget);
