@@ -1151,7 +1151,10 @@ HRESULT __stdcall CodeUnit::CreateHandlers(BSTR prefix, IDispatch* eventObject, 
         if (lookup == SourceLookup::NoSource)
             m_context->Trace(TraceKind::Detail, L"No source type info.");
         if (source) {
+            wchar_t guid[64] = {};
+            StringFromGUID2(TypeGuidOf(source.Get()), guid, 64);
             m_context->Trace(TraceKind::Detail, L"Source.TypeInfo.Name=" + TypeInfoName(source.Get()));
+            m_context->Trace(TraceKind::Detail, L"Source.TypeInfo.UUID=" + std::wstring(guid));
             if (lookup == SourceLookup::NotDispatch)
                 m_context->Trace(TraceKind::Detail, L"Unknown or invalid type.");
         }

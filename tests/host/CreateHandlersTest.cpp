@@ -106,6 +106,24 @@ TEST_F(CreateHandlersTest, MakesOneHandlerPerEventOfTheDefaultSource)
     KZ_HandlersDestroy(nullptr, nullptr);
 }
 
+TEST_F(CreateHandlersTest, TheTraceNamesTheSourceInterfaceAndItsUuid)
+{
+    ASSERT_TRUE(ledgerClass);
+    engine.callBack.offerTrace = true;
+    VARIANT_BOOL ignored;
+    engine.unit->Run(static_cast<short>(0x8040), &ignored);
+    FakeEventSource ledger(ledgerClass.Get());
+    IDispatch* handlers = CreateHandlers(L"Ledger", &ledger);
+    ASSERT_NE(nullptr, handlers);
+    const auto& traces = engine.callBack.traces;
+    const auto name = std::find(traces.begin(), traces.end(), L"2:Source.TypeInfo.Name=LedgerEvents");
+    ASSERT_NE(traces.end(), name);
+    ASSERT_NE(traces.end(), name + 1);
+    EXPECT_EQ(0u, (name + 1)->rfind(L"2:Source.TypeInfo.UUID={", 0)) << "the UUID follows the name";
+    EXPECT_EQ(L'}', (name + 1)->back());
+    KZ_HandlersDestroy(handlers, nullptr);
+}
+
 TEST_F(CreateHandlersTest, WithoutASourceTheAnswerIsNullAndWithoutTypeInformationAnError)
 {
     ASSERT_TRUE(ledgerClass);
