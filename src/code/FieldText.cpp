@@ -70,18 +70,23 @@ bool FieldText::Compile(int path, const ExprOp* indexFirst, std::size_t indexCou
     return true;
 }
 
+bool ReadWholeLocal(const RunContext& context, int slot, LONG& value)
+{
+    const VARIANT* cell = FollowByRefChain(static_cast<VARIANT*>(context.activation->Locals()) + slot);
+    if (cell->vt == VT_I4)
+        value = cell->lVal;
+    else if (cell->vt == VT_I2)
+        value = cell->iVal;
+    else
+        return false;
+    return true;
+}
+
 bool FieldText::ReadPosition(const RunContext& context, LONG& position) const
 {
     if (m_localPosition < 0)
         return m_position.EvaluateWhole(context, position);
-    const VARIANT* cell = FollowByRefChain(static_cast<VARIANT*>(context.activation->Locals()) + m_localPosition);
-    if (cell->vt == VT_I4)
-        position = cell->lVal;
-    else if (cell->vt == VT_I2)
-        position = cell->iVal;
-    else
-        return false;
-    return true;
+    return ReadWholeLocal(context, m_localPosition, position);
 }
 
 char* FieldText::FindRecord(const RunContext& context) const

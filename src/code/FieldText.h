@@ -16,6 +16,10 @@ namespace brannoc {
 
 struct RecordPath;
 
+// The whole number (Integer or Long) in local slot `slot` of the running frame, following by-reference
+// cells; false when the slot holds another kind.
+[[nodiscard]] bool ReadWholeLocal(const RunContext& context, int slot, LONG& value);
+
 class FieldText final {
 public:
     // Compiles record path `path` of procedure whose index (when it has one) is computed by the ops

@@ -72,12 +72,7 @@ bool TextOperand::Read(const RunContext& context, std::wstring_view& text) const
     case Kind::kElement: {
         LONG position = 0;
         if (m_localPosition >= 0) {
-            const VARIANT* cell = FollowByRefChain(static_cast<VARIANT*>(context.activation->Locals()) + m_localPosition);
-            if (cell->vt == VT_I4)
-                position = cell->lVal;
-            else if (cell->vt == VT_I2)
-                position = cell->iVal;
-            else
+            if (!ReadWholeLocal(context, m_localPosition, position))
                 return false;
         } else if (!m_position.EvaluateWhole(context, position)) {
             return false;

@@ -35,6 +35,18 @@ protected:
         return call.result.Tag() == VT_BSTR ? std::wstring(call.result.Raw().bstrVal) : L"<none>";
     }
 
+    // Calls `handler` with a by-reference Boolean Cancel (False) and gives what the procedure left in it.
+    VARIANT_BOOL CallWithCancel(IDispatch* handler)
+    {
+        VARIANT_BOOL cancel = VARIANT_FALSE;
+        Variant reference;
+        reference.Raw().vt = VT_BYREF | VT_BOOL;
+        reference.Raw().pboolVal = &cancel;
+        LateCall call;
+        EXPECT_EQ(S_OK, call.Add(std::move(reference)).Invoke(handler, 1, DISPATCH_METHOD, false));
+        return cancel;
+    }
+
     MacroEngine engine;
     ComRef<ITypeInfo> ledgerClass = MakeLedgerClass();
 };
@@ -74,13 +86,7 @@ TEST_F(CreateHandlersTest, MakesOneHandlerPerEventOfTheDefaultSource)
 
     // The handler calls the macro's procedure; its by-reference Cancel comes back.
     ASSERT_TRUE(engine.Load(L"lib", kMacro));
-    VARIANT_BOOL cancel = VARIANT_FALSE;
-    Variant reference;
-    reference.Raw().vt = VT_BYREF | VT_BOOL;
-    reference.Raw().pboolVal = &cancel;
-    LateCall call;
-    ASSERT_EQ(S_OK, call.Add(std::move(reference)).Invoke(clicked, 1, DISPATCH_METHOD, false));
-    EXPECT_EQ(VARIANT_TRUE, cancel);
+    EXPECT_EQ(VARIANT_TRUE, CallWithCancel(clicked));
     LateCall noProcedure;
     EXPECT_EQ(DISP_E_UNKNOWNNAME, noProcedure.Text(L"x").Invoke(changed, 1, DISPATCH_METHOD, false));
 
@@ -154,13 +160,7 @@ TEST_F(CreateHandlersTest, AModulePartInThePrefixMakesEveryHandlerSpecificToThat
 
     // Bound to that module's procedure once it is loaded.
     ASSERT_TRUE(engine.Load(L"lib", kMacro));
-    VARIANT_BOOL cancel = VARIANT_FALSE;
-    Variant reference;
-    reference.Raw().vt = VT_BYREF | VT_BOOL;
-    reference.Raw().pboolVal = &cancel;
-    LateCall call;
-    ASSERT_EQ(S_OK, call.Add(std::move(reference)).Invoke(clicked, 1, DISPATCH_METHOD, false));
-    EXPECT_EQ(VARIANT_TRUE, cancel);
+    EXPECT_EQ(VARIANT_TRUE, CallWithCancel(clicked));
     clicked->Release();
     KZ_HandlersDestroy(handlers, nullptr);
 
