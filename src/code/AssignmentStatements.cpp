@@ -364,7 +364,7 @@ bool AlignStatement::Step(ExecEntry& entry)
         return Fail(context, entry);
     }
     // The destination's characters are rewritten in place: its length never changes.
-    const UINT length = target->bstrVal ? SysStringLen(target->bstrVal) : 0;
+    const UINT length = TextLength(target->bstrVal);
     const std::wstring_view text = source.StringView();
     const UINT copied = static_cast<UINT>(text.size() < length ? text.size() : length);
     const UINT start = m_right ? length - copied : 0;
@@ -403,7 +403,7 @@ bool MidStatement::Step(ExecEntry& entry)
         (void)context.interpreter->SignalError(kErrorTypeMismatch);
         return Fail(context, entry);
     }
-    const LONG size = target->bstrVal ? static_cast<LONG>(SysStringLen(target->bstrVal)) : 0;
+    const LONG size = static_cast<LONG>(TextLength(target->bstrVal));
     const LONG position = start.Long();
     if (position < 1 || position > size) {
         (void)context.interpreter->SignalError(position < 1 ? kErrorStringIndex : kErrorInvalidArgument);

@@ -220,6 +220,13 @@ bool BranchStatement::MatchesText(const DirectBranch& branch, std::wstring_view 
     const CaseTest* test = m_caseTests.data() + branch.firstTest;
     const CaseTest* end = test + branch.testCount;
     for (; test != end; ++test) {
+        // The usual Case "text": lengths first, then the code units.
+        if (!test->range && test->op == OperationId::kEqual) {
+            if (selector.size() == test->lowText.size() &&
+                (selector.empty() || std::wmemcmp(selector.data(), test->lowText.data(), selector.size()) == 0))
+                return true;
+            continue;
+        }
         const bool holds = test->range ? TextOrderHolds(OperationId::kGreaterEqual, selector, test->lowText) &&
                                              TextOrderHolds(OperationId::kLessEqual, selector, test->highText)
                                        : TextOrderHolds(test->op, selector, test->lowText);
@@ -397,19 +404,25 @@ bool BranchStatement::ExecuteDirect(const RunContext& context)
     });
 }
 
-bool BranchStatement::ExecuteTextCases(const RunContext& context)
+int BranchStatement::TextCasePart(const RunContext& context) const
 {
     std::wstring_view selector;
     if (!m_textSelector.Read(context, selector))
-        return ExecuteFrom(0);
+        return 0;
     const int count = static_cast<int>(m_directBranches.size());
     for (int part = 1; part <= count; ++part) {
-        if (MatchesText(m_directBranches[static_cast<std::size_t>(part - 1)], selector)) {
-            Enter(context, part);
-            return true;
-        }
+        if (MatchesText(m_directBranches[static_cast<std::size_t>(part - 1)], selector))
+            return part;
     }
-    Enter(context, count + 1);
+    return count + 1;
+}
+
+bool BranchStatement::ExecuteTextCases(const RunContext& context)
+{
+    const int part = TextCasePart(context);
+    if (part == 0)
+        return ExecuteFrom(0);
+    Enter(context, part);
     return true;
 }
 

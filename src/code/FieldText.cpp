@@ -148,7 +148,7 @@ bool FieldText::Read(const RunContext& context, std::wstring_view& text) const
     switch (m_field->kind) {
     case FieldKind::String: {
         const BSTR string = *reinterpret_cast<const BSTR*>(at);
-        text = string ? std::wstring_view(string, SysStringLen(string)) : std::wstring_view();
+        text = string ? std::wstring_view(string, TextLength(string)) : std::wstring_view();
         return true;
     }
     case FieldKind::FixedString:

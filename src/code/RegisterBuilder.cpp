@@ -472,6 +472,9 @@ bool RegisterBuilder::TakeArguments(int count, CompiledProcedure& code, std::vec
     }
     for (int i = 0; i < count; ++i)
         Release(bound[i]);
+    for (const RegisterArgument& argument : call.arguments)
+        call.referencesMayFail = call.referencesMayFail || argument.mode == ArgumentMode::kParameterReference ||
+                                 argument.mode == ArgumentMode::kModuleReference;
     stack.resize(first);
     return true;
 }
@@ -568,9 +571,13 @@ bool RegisterBuilder::MemberCall(const ExprOp& op, std::vector<Operand>& stack)
 
 bool RegisterBuilder::Condition(const Expression& code, Operand& truth)
 {
+    const std::size_t mark = m_program.ops.size();
     Operand value;
-    if (!Value(code, value))
-        return false;
+    if (!Value(code, value)) {
+        m_program.ops.resize(mark);
+        m_lastResultOp = ~std::size_t{0};
+        return TextCondition(code, truth);
+    }
     if (value.IsReal()) {
         // A Double condition holds when it is not zero.
         Operand materialized = Materialize(value);
@@ -582,6 +589,18 @@ bool RegisterBuilder::Condition(const Expression& code, Operand& truth)
     }
     UseAsLong(value);
     truth = Materialize(value);
+    return true;
+}
+
+bool RegisterBuilder::TextCondition(const Expression& code, Operand& truth)
+{
+    auto comparison = std::make_unique<TextComparison>();
+    if (!comparison->Compile(code, m_procedure))
+        return false;
+    truth = NewTemporary(VT_I4);
+    RegisterOp& op = Emit(RegisterCode::kCompareText, truth.offset);
+    op.constant.pointer = comparison.get();
+    m_program.textComparisons.push_back(std::move(comparison));
     return true;
 }
 
@@ -1110,9 +1129,26 @@ bool RegisterBuilder::SelectRanges(const Operand& selectorIn, int keptSlot, cons
     }
     m_fixups.push_back(Fixup{0, AddressIndex(elseAddress), 2, table, entries.size()});
     entries.push_back(SelectRange{LONG_MIN, LONG_MAX, 0});
-    RegisterOp& op = Emit(RegisterCode::kSelectRanges, SlotOffset(keptSlot), selector.offset, static_cast<int>(table));
+    // Offset 0 (no slot starts there): the selector is not kept.
+    RegisterOp& op = Emit(RegisterCode::kSelectRanges, keptSlot >= 0 ? SlotOffset(keptSlot) : 0, selector.offset,
+                          static_cast<int>(table));
     op.kind = selector.kind;
     return true;
+}
+
+bool RegisterBuilder::SelectText(const BranchStatement& statement, int partCount, const std::vector<int>& targets,
+                                 int elseAddress)
+{
+    const Operand part = NewTemporary(VT_I4);
+    RegisterOp& op = Emit(RegisterCode::kSelectText, part.offset);
+    op.constant.pointer = &statement;
+    std::vector<Range> ranges;
+    for (int i = 1; i <= partCount; ++i)
+        ranges.push_back(Range{i, i, i});
+    // The string selector is not kept: nothing after the Select line reads it.
+    const bool made = SelectRanges(part, -1, ranges, targets, elseAddress);
+    Release(part);
+    return made;
 }
 
 } // namespace brannoc

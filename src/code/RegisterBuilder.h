@@ -11,6 +11,8 @@
 
 namespace brannoc {
 
+class BranchStatement;
+
 class RegisterBuilder final {
 public:
     // Where a value of the register form is: a constant, or a cell of the frame (a variable's payload or
@@ -57,6 +59,9 @@ public:
     bool Effect(const Expression& code);
     // The same for a condition: `truth` is a whole operand that is non-zero when the condition holds.
     bool Condition(const Expression& code, Operand& truth);
+    // A condition comparing two strings that are read in place (a String variable, element, field or
+    // constant): one operation compares them where they are stored.
+    bool TextCondition(const Expression& code, Operand& truth);
     // Stores value into a variable as an assignment of that type does without conversions; false when
     // the combination needs the general store. When value is the result of the operation just emitted,
     // that operation writes the variable itself.
@@ -83,6 +88,10 @@ public:
     };
     bool SelectRanges(const Operand& selector, int keptSlot, const std::vector<Range>& ranges,
                       const std::vector<int>& targets, int elseAddress);
+    // Select Case over a string compared in place with the string constants of its partCount Case lines
+    // (BranchStatement::TextCasePart): part i enters targets[i - 1], the part after them elseAddress.
+    bool SelectText(const BranchStatement& statement, int partCount, const std::vector<int>& targets,
+                    int elseAddress);
     // Frees a temporary operand (after its last use).
     void Release(const Operand& operand);
 

@@ -13,6 +13,7 @@
 // exact result leaves the fast kinds (an overflow, a zero divisor, an array index outside the bounds, a
 // variable that does not hold its kind) gives up: the statement object runs instead, from its start, and
 // computes, promotes or raises as the general code does.
+#include "code/TextOperand.h"
 #include "exec/ProcedureCode.h"
 
 #include <cstdint>
@@ -105,7 +106,9 @@ class Module;
     X(NextVariant)       /* the same for a Variant counter holding whole numbers */                            \
     X(SelectRanges)      /* b: whole selector; a: kept slot offset; pointer: the range table */          \
     X(Call)              /* pointer: the RegisterCall; a: the result's slot offset, or -1 */            \
-    X(MemberCall)        /* the same for a member of a class instance held by a variable */
+    X(MemberCall)        /* the same for a member of a class instance held by a variable */                  \
+    X(CompareText)       /* pointer: a TextComparison; a: whole slot set to -1 when it holds, else 0 */     \
+    X(SelectText)        /* pointer: a BranchStatement over a string; a: whole slot set to the part it enters */
 
 enum class RegisterCode : std::uint16_t {
 #define BRANNOC_REGISTER_ENUM(name) k##name,
@@ -158,6 +161,9 @@ struct RegisterCall {
     // The module whose instance runs the callee when it is another than the caller's.
     const Module* module = nullptr;
     std::vector<RegisterArgument> arguments;
+    // Some argument is a reference to a parameter's or module variable's cell, which must hold its kind
+    // when the call begins (else the call gives up); references to the caller's own locals always do.
+    bool referencesMayFail = false;
     // Member calls: the class module whose member the procedure is, and the variable holding the object
     // (a frame offset, or a module variable index).
     const Module* classModule = nullptr;
@@ -176,6 +182,8 @@ public:
     // empty); operations point into them.
     std::vector<std::vector<SelectRange>> rangeTables;
     std::vector<std::unique_ptr<RegisterCall>> calls;
+    // Conditions comparing two strings read in place (CompareText).
+    std::vector<std::unique_ptr<TextComparison>> textComparisons;
     // Temporaries: frame slots from firstTemporary on.
     int firstTemporary = 0;
     int temporaryCount = 0;

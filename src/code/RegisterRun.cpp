@@ -7,6 +7,7 @@
 #include "code/NumericKinds.h"
 #include "code/ObservedForms.h"
 #include "code/ProcedureBody.h"
+#include "code/Statements.h"
 #include "exec/Activation.h"
 #include "exec/HaltFlags.h"
 #include "exec/Interpreter.h"
@@ -73,10 +74,10 @@ CallStart BeginRegisterCall(Interpreter& interpreter, const RegisterOp& op, char
 {
     const auto& call = *static_cast<const RegisterCall*>(op.constant.pointer);
     ProcedureCode& procedure = *call.procedure;
-    // References are found before the call begins.
+    // References that may not hold their kind are found before the call begins.
     VARIANT* cells[kMostRegisterArguments];
     const std::size_t count = call.arguments.size();
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; call.referencesMayFail && i < count; ++i) {
         const RegisterArgument& argument = call.arguments[i];
         switch (argument.mode) {
         case ArgumentMode::kLocalReference:
@@ -99,8 +100,11 @@ CallStart BeginRegisterCall(Interpreter& interpreter, const RegisterOp& op, char
     }
     if (!procedure.Layout().image)
         return CallStart::kGiveUp;
-    callee = interpreter.BeginFramedCall(procedure, target);
-    if (!callee)
+    // A callee of the register form usually goes straight onto the execution stack, already entered.
+    const bool inLoop = procedure.Table().runner == &RunRegisterProgram;
+    callee = inLoop ? interpreter.TryEnterFramedCall(procedure, target) : nullptr;
+    const bool entered = callee != nullptr;
+    if (!entered && !(callee = interpreter.BeginFramedCall(procedure, target)))
         return CallStart::kFailed;
     auto* slots = static_cast<VARIANT*>(callee->Locals());
     for (std::size_t i = 0; i < count; ++i) {
@@ -120,13 +124,14 @@ CallStart BeginRegisterCall(Interpreter& interpreter, const RegisterOp& op, char
             break;
         default:
             slot.vt = VT_BYREF | VT_VARIANT;
-            slot.pvarVal = cells[i];
+            slot.pvarVal = call.referencesMayFail ? cells[i]
+                                                  : reinterpret_cast<VARIANT*>(frame + argument.location - 8);
             break;
         }
     }
     if (op.a >= 0)
         callee->SetResultTarget(reinterpret_cast<VARIANT*>(frame + op.a - 8));
-    if (procedure.Table().runner == &RunRegisterProgram && interpreter.EnterCallInLoop(*callee))
+    if (entered || (inLoop && interpreter.EnterCallInLoop(*callee)))
         return CallStart::kEntered;
     switch (interpreter.RunBegunCall(*callee)) {
     case Interpreter::CallOutcome::kEnded: return CallStart::kEnded;
@@ -164,18 +169,25 @@ bool RunRegisterProgram(Activation& base, ExecEntry& entry, const void* data)
     ModuleInstance* instance = nullptr;
     VARIANT* moduleSlots = nullptr;
     std::int32_t moduleCount = 0;
+    // A call within the same procedure (recursion) or the same module instance keeps what it shares with
+    // the caller: a program's operations never move once it runs (forms made while running use room
+    // reserved when it was built), and a module instance's variables stay where they are while it runs.
     const auto enter = [&](Activation& which, const void* programData) {
         activation = &which;
-        program = const_cast<RegisterProgram*>(static_cast<const RegisterProgram*>(programData));
-        procedure = static_cast<CompiledProcedure*>(&which.OwnProcedure());
-        statements = procedure->Table().statements;
-        ops = program->ops.data();
-        entries = program->entries.data();
-        endIndex = static_cast<int>(program->entries.size()) - 1;
         frame = static_cast<char*>(which.Locals());
-        instance = which.Instance();
-        moduleCount = static_cast<std::int32_t>(instance ? instance->VariableCount() : 0);
-        moduleSlots = moduleCount > 0 ? &instance->Slot(0) : nullptr;
+        if (programData != program) {
+            program = const_cast<RegisterProgram*>(static_cast<const RegisterProgram*>(programData));
+            procedure = static_cast<CompiledProcedure*>(&which.OwnProcedure());
+            statements = procedure->Table().statements;
+            ops = program->ops.data();
+            entries = program->entries.data();
+            endIndex = static_cast<int>(program->entries.size()) - 1;
+        }
+        if (which.Instance() != instance) {
+            instance = which.Instance();
+            moduleCount = static_cast<std::int32_t>(instance ? instance->VariableCount() : 0);
+            moduleSlots = moduleCount > 0 ? &instance->Slot(0) : nullptr;
+        }
     };
     enter(base, data);
     // A callee that a Call operation begins in this loop.
@@ -705,15 +717,17 @@ op_NextVariant: {
 }
 op_SelectRanges: {
     const LONG selector = BRANNOC_WHOLE(pc->b);
-    // Kept in its slot as the general code keeps it.
-    auto* kept = reinterpret_cast<VARIANT*>(frame + pc->a - 8);
-    if (!OwnsNothing(kept->vt))
-        goto give_up;
-    kept->vt = static_cast<VARTYPE>(pc->kind);
-    if (pc->kind == VT_I4)
-        kept->lVal = selector;
-    else
-        kept->iVal = static_cast<SHORT>(selector);
+    // Kept in its slot as the general code keeps it (offset 0: not kept).
+    if (pc->a != 0) {
+        auto* kept = reinterpret_cast<VARIANT*>(frame + pc->a - 8);
+        if (!OwnsNothing(kept->vt))
+            goto give_up;
+        kept->vt = static_cast<VARTYPE>(pc->kind);
+        if (pc->kind == VT_I4)
+            kept->lVal = selector;
+        else
+            kept->iVal = static_cast<SHORT>(selector);
+    }
     // The table ends with a range that takes every selector (the Else part).
     const auto* range = static_cast<const SelectRange*>(pc->constant.pointer);
     while (selector < range->low || selector > range->high)
@@ -762,6 +776,25 @@ op_MemberCall: {
     case CallStart::kFailed: return false;
     }
     return false;
+}
+
+op_CompareText: {
+    // Gives up, before anything changed, when an operand is not where and what it was compiled for.
+    bool truth = false;
+    const RunContext context{&interpreter, activation, procedure};
+    if (!static_cast<const TextComparison*>(pc->constant.pointer)->EvaluateCondition(context, truth))
+        goto give_up;
+    BRANNOC_WHOLE(pc->a) = truth ? -1 : 0;
+    BRANNOC_NEXT();
+}
+
+op_SelectText: {
+    const RunContext context{&interpreter, activation, procedure};
+    const int part = static_cast<const BranchStatement*>(pc->constant.pointer)->TextCasePart(context);
+    if (part == 0)
+        goto give_up;
+    BRANNOC_WHOLE(pc->a) = part;
+    BRANNOC_NEXT();
 }
 
 entered: {

@@ -296,6 +296,10 @@ public:
     void SetMarkSlot(int slot) { m_markSlot = slot; }
     void MarkLastBranch() { m_marks.back() = 1; }
     std::size_t BranchCount() const { return m_conditions.size(); }
+    // A Select Case over a string read in place whose Case lines hold string constants: the part its
+    // selector enters (1 + branch index, or one past the branches for the Else part); 0 when the selector
+    // cannot be read in place (nothing happened).
+    [[nodiscard]] int TextCasePart(const RunContext& context) const;
     // Selector and conditions with a direct form are evaluated directly, the rest through Step.
     [[nodiscard]] bool Execute() override;
     [[nodiscard]] bool Step(ExecEntry& entry) override;

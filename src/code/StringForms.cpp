@@ -9,7 +9,7 @@ namespace brannoc {
 
 namespace {
 
-std::wstring_view TextOf(BSTR text) { return {text ? text : L"", text ? SysStringLen(text) : 0u}; }
+std::wstring_view TextOf(BSTR text) { return {text ? text : L"", TextLength(text)}; }
 
 } // namespace
 

@@ -15,7 +15,7 @@ bool TextOperand::Compile(const ExprOp* first, std::size_t count, const Compiled
         const VARIANT& constant = procedure.ConstantAt(last.index).Raw();
         if (constant.vt != VT_BSTR)
             return false;
-        m_constant = constant.bstrVal ? std::wstring_view(constant.bstrVal, SysStringLen(constant.bstrVal))
+        m_constant = constant.bstrVal ? std::wstring_view(constant.bstrVal, TextLength(constant.bstrVal))
                                       : std::wstring_view();
         m_kind = Kind::kConstant;
         return true;
@@ -55,7 +55,7 @@ bool TextOperand::Compile(const ExprOp* first, std::size_t count, const Compiled
     return true;
 }
 
-bool TextOperand::Read(const RunContext& context, std::wstring_view& text) const
+bool TextOperand::ReadElsewhere(const RunContext& context, std::wstring_view& text) const
 {
     switch (m_kind) {
     case Kind::kConstant:
@@ -82,7 +82,7 @@ bool TextOperand::Read(const RunContext& context, std::wstring_view& text) const
             return false;
         if (const char* element = ElementOfVector(storage, VT_BSTR, position)) {
             const BSTR string = *reinterpret_cast<const BSTR*>(element);
-            text = string ? std::wstring_view(string, SysStringLen(string)) : std::wstring_view();
+            text = string ? std::wstring_view(string, TextLength(string)) : std::wstring_view();
             return true;
         }
         const char* element = ElementOfVector(storage, VT_VARIANT, position);

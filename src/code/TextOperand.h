@@ -8,6 +8,7 @@
 #include "code/FieldText.h"
 #include "code/StringForms.h"
 
+#include <cwchar>
 #include <string_view>
 
 namespace brannoc {
@@ -22,10 +23,13 @@ public:
     {
         return (m_kind == Kind::kVariable || m_kind == Kind::kSlice) && m_scope == scope && m_index == index;
     }
-    // The text; false when it gave up.
-    [[nodiscard]] bool Read(const RunContext& context, std::wstring_view& text) const;
+    // The text; false when it gave up. A constant and a local String are read here, in line.
+    [[nodiscard]] inline bool Read(const RunContext& context, std::wstring_view& text) const;
 
 private:
+    // The other kinds of text.
+    [[nodiscard]] bool ReadElsewhere(const RunContext& context, std::wstring_view& text) const;
+
     enum class Kind : std::uint8_t { kNone, kConstant, kVariable, kElement, kSlice, kField };
     Kind m_kind = Kind::kNone;
     StorageScope m_scope = StorageScope::Local;
@@ -50,8 +54,19 @@ private:
         string = *value.pbstrVal;
     else
         return false;
-    text = string ? std::wstring_view(string, SysStringLen(string)) : std::wstring_view();
+    text = string ? std::wstring_view(string, TextLength(string)) : std::wstring_view();
     return true;
+}
+
+bool TextOperand::Read(const RunContext& context, std::wstring_view& text) const
+{
+    if (m_kind == Kind::kConstant) {
+        text = m_constant;
+        return true;
+    }
+    if (m_kind == Kind::kVariable && m_scope == StorageScope::Local)
+        return StoredText(*StorageOf(context, StorageScope::Local, m_index), text);
+    return ReadElsewhere(context, text);
 }
 
 // Code units compared from the first, the shorter of two texts less when it is the other's start: the

@@ -58,7 +58,7 @@ BRANNOC_NODE_CALL bool LengthOfText(const TypedNode& node, const RunContext& con
         text = *cell->pbstrVal;
     else
         return false;
-    out = static_cast<LONG>(SysStringLen(text));
+    out = static_cast<LONG>(TextLength(text));
     return true;
 }
 

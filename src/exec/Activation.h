@@ -124,6 +124,26 @@ private:
     friend class Interpreter;
     Activation() = default;
 
+    // Everything of a previous call that setting up a new one does not set anew.
+    void ResetForCall() noexcept
+    {
+        m_nextFree = nullptr;
+        m_currentIndex = 0;
+        m_nextIndex = 0;
+        m_entryPosition = 0;
+        m_resumeOperation = -1;
+        m_resultTarget = nullptr;
+        m_resumeIndex = kNoResume;
+        m_resumePosition = 0;
+        m_positionLine = -1;
+        m_positionAfter = 0;
+        m_withDepth = 0;
+        m_hostCallBoundary = false;
+        m_passesErrorsOut = false;
+        m_activeHandler = nullptr;
+        m_localSize = 0;
+        m_nextEntry = nullptr;
+    }
     // Ends the call: cuts the value stack back, frees the locals, makes the caller current.
     void End();
     // Ends a frame laid out for the quick call path: a Function's result moves to the register form's

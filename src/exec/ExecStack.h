@@ -22,6 +22,18 @@ public:
         m_entries[m_size++] = entry;
         return true;
     }
+    // Room for count more entries without growing; false when the array could not grow.
+    [[nodiscard]] bool Reserve(std::size_t count)
+    {
+        while (m_capacity - m_size < count)
+            if (!Grow())
+                return false;
+        return true;
+    }
+    // Pushes onto a stack that has room (see Reserve).
+    void PushInRoom(const ExecEntry& entry) noexcept { m_entries[m_size++] = entry; }
+    // Removes the top count entries.
+    void Drop(std::size_t count) noexcept { m_size -= count; }
     // Removes and returns the top entry; the stack must not be empty.
     ExecEntry Pop() noexcept { return m_entries[--m_size]; }
 

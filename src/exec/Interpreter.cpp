@@ -119,8 +119,10 @@ void Interpreter::PopAndRelease()
 
 bool Interpreter::TimeSliceOver()
 {
-    // At most this many tests pass between two reads while the counter stands still.
-    constexpr int kLongestReadInterval = 16;
+    // At most this many tests pass between two reads while the counter stands still. The interval
+    // doubles only while the counter did not move over the last one, so a slice overruns by at most
+    // about two ticks however long statements take.
+    constexpr int kLongestReadInterval = 1024;
     const DWORD tick = m_tick();
     if (tick == m_lastTickRead)
         m_tickReadInterval = m_tickReadInterval < kLongestReadInterval ? m_tickReadInterval * 2 : kLongestReadInterval;
@@ -253,16 +255,7 @@ Activation* Interpreter::StartActivation(ProcedureCode& procedure, ActivationKin
         (void)RaiseOutOfMemory();
         return nullptr;
     }
-    ++m_callDepth;
-    activation->m_procedure = &procedure;
-    activation->m_caller = m_current;
-    activation->m_instance = instance;
-    if (instance)
-        instance->AddUse();
-    activation->m_kind = kind;
-    activation->m_popArguments = popArguments;
-    activation->m_valueStackBase = m_values.Size();
-    m_current = activation;
+    SetUpActivation(*activation, procedure, kind, instance, popArguments);
     return activation;
 }
 
@@ -341,32 +334,6 @@ Interpreter::CallOutcome Interpreter::RunBegunCall(Activation& begun)
     if (!PushPending(entry) || !PushPending(ExecEntry{&CallEndMarker::Instance(), 1}))
         return CallOutcome::kFailed;
     return CallOutcome::kWaiting;
-}
-
-__attribute__((flatten)) void Interpreter::LeaveCallInLoop(Activation& callee)
-{
-    (void)m_exec.Pop();
-    (void)m_exec.Pop();
-    // Activation::Release's work for a call that BeginFramedCall began (variant B, its arguments in its
-    // frame), without the calls that such a call does not need.
-    m_values.CutBack(callee.m_valueStackBase);
-    if (callee.m_locals) {
-        if (callee.m_procedure->Layout().image)
-            callee.EndFrame(*this);
-        else
-            callee.m_procedure->ClearLocals(callee.m_locals);
-        callee.m_locals = nullptr;
-    }
-    if (callee.m_auxiliary)
-        callee.SetAuxiliary(nullptr);
-    if (m_current == &callee)
-        m_current = callee.m_caller;
-    if (ModuleInstance* instance = callee.m_instance) {
-        callee.m_instance = nullptr;
-        instance->EndUse();
-    }
-    FreeActivation(callee);
-    EndCall();
 }
 
 Interpreter::CallOutcome Interpreter::QueueFromCode(Activation& activation)
@@ -578,44 +545,8 @@ Activation* Interpreter::NewActivation()
             return nullptr;
         activation->m_interpreter = this;
     }
-    // Everything of the previous call that BeginCall does not set anew.
-    activation->m_nextFree = nullptr;
-    activation->m_currentIndex = 0;
-    activation->m_nextIndex = 0;
-    activation->m_entryPosition = 0;
-    activation->m_resumeOperation = -1;
-    activation->m_resultTarget = nullptr;
-    activation->m_resumeIndex = Activation::kNoResume;
-    activation->m_resumePosition = 0;
-    activation->m_positionLine = -1;
-    activation->m_positionAfter = 0;
-    activation->m_withDepth = 0;
-    activation->m_hostCallBoundary = false;
-    activation->m_passesErrorsOut = false;
-    activation->m_activeHandler = nullptr;
-    activation->m_localSize = 0;
-    activation->m_nextEntry = nullptr;
+    activation->ResetForCall();
     return activation;
-}
-
-void Interpreter::FreeActivation(Activation& activation) noexcept
-{
-    activation.m_procedure = nullptr;
-    activation.m_caller = nullptr;
-    activation.m_instance = nullptr;
-    // A free activation keeps its frame block for the next call, up to a number of them; the others go
-    // back to the pool, which bounds what it keeps.
-    if (activation.m_frameBlock) {
-        if (m_idleFrames < kMaxIdleFrames) {
-            ++m_idleFrames;
-        } else {
-            m_frames.Free(activation.m_frameBlock);
-            activation.m_frameBlock = nullptr;
-            activation.m_frameCapacity = 0;
-        }
-    }
-    activation.m_nextFree = m_freeActivations;
-    m_freeActivations = &activation;
 }
 
 void Interpreter::UnlinkEntry(Activation& activation) noexcept

@@ -11,6 +11,7 @@
 #include "exec/FramePool.h"
 #include "exec/HaltFlags.h"
 #include "exec/InterpreterHost.h"
+#include "exec/ModuleInstance.h"
 #include "exec/ValueStack.h"
 
 #include <windows.h>
@@ -105,16 +106,16 @@ public:
     // would. False, and nothing pushed, when the call must go the scheduled way (RunBegunCall).
     [[nodiscard]] bool EnterCallInLoop(Activation& callee)
     {
-        if (m_callDepth >= kMaxCallDepth || HaltFlags::Any() || m_stepCounter < 1 || m_runLevel < 1)
+        if (!MayEnterCallInLoop() || !m_exec.Reserve(2))
             return false;
-        if (!m_exec.Push(ExecEntry{&CallEndMarker::Instance(), 1}))
-            return false;
-        if (!m_exec.Push(ExecEntry{&callee, 1})) {
-            (void)m_exec.Pop();
-            return false;
-        }
+        PushCallInLoop(callee);
         return true;
     }
+    // BeginFramedCall and EnterCallInLoop in one, for the common case: nothing pending, room on the
+    // execution stack, and a free activation whose kept frame is large enough. Null, with nothing done,
+    // otherwise (the caller goes the general way). The parameter slots hold nothing yet, as after
+    // BeginFramedCall.
+    [[nodiscard]] Activation* TryEnterFramedCall(ProcedureCode& procedure, ModuleInstance* instance);
     // The callee entered that way has ended: it and its marker leave the execution stack, the call ends.
     void LeaveCallInLoop(Activation& callee);
     // The callee entered that way has run its last statement but a request or error stops the loop: the
@@ -364,7 +365,51 @@ private:
     // runs out.
     [[nodiscard]] bool ProvideFrame(Activation& activation, std::size_t frameSize);
     [[nodiscard]] Activation* NewActivation();
-    void FreeActivation(Activation& activation) noexcept;
+    // Makes a new activation the current one, the call of procedure (one level deeper).
+    void SetUpActivation(Activation& activation, ProcedureCode& procedure, ActivationKind kind,
+                         ModuleInstance* instance, bool popArguments) noexcept
+    {
+        ++m_callDepth;
+        activation.m_procedure = &procedure;
+        activation.m_caller = m_current;
+        activation.m_instance = instance;
+        if (instance)
+            instance->AddUse();
+        activation.m_kind = kind;
+        activation.m_popArguments = popArguments;
+        activation.m_valueStackBase = m_values.Size();
+        m_current = &activation;
+    }
+    // Nothing stops a call from running inside its caller's statement loop.
+    bool MayEnterCallInLoop() const noexcept
+    {
+        return m_callDepth < kMaxCallDepth && !HaltFlags::Any() && m_stepCounter >= 1 && m_runLevel >= 1;
+    }
+    // The callee and its call-end marker go on the execution stack, which has room for both.
+    void PushCallInLoop(Activation& callee) noexcept
+    {
+        m_exec.PushInRoom(ExecEntry{&CallEndMarker::Instance(), 1});
+        m_exec.PushInRoom(ExecEntry{&callee, 1});
+    }
+    void FreeActivation(Activation& activation) noexcept
+    {
+        activation.m_procedure = nullptr;
+        activation.m_caller = nullptr;
+        activation.m_instance = nullptr;
+        // A free activation keeps its frame block for the next call, up to a number of them; the others
+        // go back to the pool, which bounds what it keeps.
+        if (activation.m_frameBlock) {
+            if (m_idleFrames < kMaxIdleFrames) {
+                ++m_idleFrames;
+            } else {
+                m_frames.Free(activation.m_frameBlock);
+                activation.m_frameBlock = nullptr;
+                activation.m_frameCapacity = 0;
+            }
+        }
+        activation.m_nextFree = m_freeActivations;
+        m_freeActivations = &activation;
+    }
     void UnlinkEntry(Activation& activation) noexcept;
 
     static inline Interpreter* s_current = nullptr;

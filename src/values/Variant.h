@@ -9,6 +9,13 @@
 
 namespace brannoc {
 
+// The length of a BSTR in characters, read from the byte count that precedes its text as the platform's
+// own SysStringLen reads it, without a call (null: 0).
+inline UINT TextLength(BSTR text) noexcept
+{
+    return text ? reinterpret_cast<const UINT*>(text)[-1] / static_cast<UINT>(sizeof(OLECHAR)) : 0;
+}
+
 // Owns one BSTR. The length is the BSTR's own length prefix, so embedded NUL characters are kept.
 class Bstr final {
 public:
@@ -30,7 +37,7 @@ public:
     BSTR Get() const noexcept { return m_text; }
     // Address for an out parameter: the current string is freed first.
     BSTR* Out();
-    UINT Length() const noexcept { return m_text ? SysStringLen(m_text) : 0; }
+    UINT Length() const noexcept { return TextLength(m_text); }
     bool IsEmpty() const noexcept { return Length() == 0; }
     std::wstring_view View() const noexcept { return {m_text ? m_text : L"", Length()}; }
     // False only when allocation failed.
@@ -169,7 +176,7 @@ public:
     BSTR String() const noexcept { return m_value.bstrVal; }
     std::wstring_view StringView() const noexcept
     {
-        return {m_value.bstrVal ? m_value.bstrVal : L"", m_value.bstrVal ? SysStringLen(m_value.bstrVal) : 0u};
+        return {m_value.bstrVal ? m_value.bstrVal : L"", TextLength(m_value.bstrVal)};
     }
     IDispatch* Object() const noexcept { return m_value.pdispVal; }
     SAFEARRAY* Array() const noexcept { return m_value.parray; }

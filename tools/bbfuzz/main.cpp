@@ -520,6 +520,13 @@ int main(int argc, char** argv)
         // The memory level once the first macros have warmed the caches.
         if (macros == 200)
             baseline = PrivateBytes();
+        // A long run reports as it goes, so a run cut short still says how far it got.
+        if ((macros + 1) % 50000 == 0) {
+            std::fprintf(stderr, "bbfuzz: %lld macros, %lld findings, %lld slow, %.0f s, memory growth %lld bytes\n",
+                         macros + 1, findings, slow, static_cast<double>(GetTickCount64() - start) / 1000.0,
+                         baseline > 0 ? PrivateBytes() - baseline : 0);
+            std::fflush(stderr);
+        }
     }
     const long long grown = baseline > 0 ? PrivateBytes() - baseline : 0;
     if (grown > options.leakMargin) {
@@ -530,5 +537,6 @@ int main(int argc, char** argv)
                 "%lld slow, %.1f s, memory growth %lld bytes\n",
                 options.seed, macros, compiled, runErrors, findings, slow,
                 static_cast<double>(GetTickCount64() - start) / 1000.0, grown);
+    std::fflush(stdout);
     return findings == 0 ? 0 : 1;
 }
