@@ -11,7 +11,9 @@
 //     statement): hang.bas, and the program ends with exit code 4;
 //   - an error outside the system's numbers (a compile error outside 10000 to 10902 and 11000, or a
 //     run-time error without its message): number-N.bas;
-//   - a leak: the process's private memory grows past the leak margin over the run.
+//   - a leak: the process's private memory grows past the leak margin over the run;
+//   - a process that dies without a word (no stack left for the crash handler): running.bas, kept in
+//     the findings folder while each macro runs and removed when the run ends, holds its macro.
 // Usage: bbfuzz [--seed N] [--count N | --hours H] [--corpus DIR] [--findings DIR] [--budget STEPS]
 //               [--slow SECONDS] [--replay FILE] [--refuse-end 1] [--skip N]
 // --replay runs the one macro FILE without mutations (once, or count times), to reproduce a finding;
@@ -24,6 +26,7 @@
 #include "exec/ModuleInstance.h"
 #include "frontend/BodyCompiler.h"
 #include "frontend/Compiler.h"
+#include "Journal.h"
 
 #include <windows.h>
 #include <psapi.h>
@@ -485,6 +488,11 @@ int main(int argc, char** argv)
     CloseHandle(CreateThread(nullptr, 0, &WatchForHangs, nullptr, 0, nullptr));
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
 
+    // The macro that is running, in a file that outlives a process that dies without a word.
+    std::filesystem::create_directories(options.findings);
+    Journal journal;
+    if (!journal.Open((std::filesystem::path(options.findings) / "running.bas").string()))
+        std::fprintf(stderr, "bbfuzz: no journal of the running macro in %s\n", options.findings.c_str());
     Mutator mutator(corpus, options.seed);
     for (long long skipped = 0; skipped < options.skip; ++skipped)
         (void)mutator.Next();
@@ -498,6 +506,7 @@ int main(int argc, char** argv)
         s_previous.swap(s_current);
         s_current.swap(next);
         s_currentNumber = options.skip + macros;
+        journal.Record(s_currentNumber, s_current);
         const ULONGLONG before = GetTickCount64();
         s_macroStart = before;
         const Outcome outcome = RunMacro(s_current, options.budget);
@@ -538,5 +547,6 @@ int main(int argc, char** argv)
                 options.seed, macros, compiled, runErrors, findings, slow,
                 static_cast<double>(GetTickCount64() - start) / 1000.0, grown);
     std::fflush(stdout);
+    journal.Close(true);
     return findings == 0 ? 0 : 1;
 }
