@@ -7,6 +7,7 @@
 // value owning nothing. Like the other direct forms it either does exactly what the general code does
 // or gives up without any effect (an index outside the bounds, an array without storage, a Variant
 // field holding another kind), and the statement then runs its general code.
+#include "code/FieldWalk.h"
 #include "code/TypedExpression.h"
 #include "values/RecordType.h"
 
@@ -25,7 +26,7 @@ public:
     // Compiles record path `path` of procedure whose index (when it has one) is computed by the ops
     // [indexFirst, indexFirst + indexCount). False when the path is not of that shape.
     bool Compile(int path, const ExprOp* indexFirst, std::size_t indexCount, const CompiledProcedure& procedure);
-    bool IsReady() const noexcept { return m_field != nullptr; }
+    bool IsReady() const noexcept { return m_walk.IsReady(); }
     // The field's text; false when it gave up.
     [[nodiscard]] bool Read(const RunContext& context, std::wstring_view& text) const;
     // Stores text into the field (text may lie inside the field itself). `stored` is false, with
@@ -33,15 +34,11 @@ public:
     [[nodiscard]] bool Assign(const RunContext& context, std::wstring_view text, bool& stored) const;
 
 private:
-    // The record holding the field; null when the walk gave up.
-    char* FindRecord(const RunContext& context) const;
+    // The field's storage; null when the walk gave up.
+    char* FindField(const RunContext& context) const;
     [[nodiscard]] bool ReadPosition(const RunContext& context, LONG& position) const;
 
-    const RecordPath* m_path = nullptr;
-    const RecordField* m_field = nullptr;
-    // The step that is the index (-1: none), and the size of the records that array holds.
-    int m_indexStep = -1;
-    ULONG m_elementSize = 0;
+    FieldWalk m_walk;
     // The index: a local whole variable read in place (-1: none), or its typed form.
     int m_localPosition = -1;
     TypedExpression m_position;

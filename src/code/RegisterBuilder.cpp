@@ -1,5 +1,9 @@
 #include "code/RegisterBuilder.h"
 
+#include "code/BuiltinCall.h"
+#include "frontend/Token.h"
+#include "library/BuiltinTable.h"
+
 #include "code/Statements.h"
 #include "exec/ModuleInstance.h"
 #include "frontend/Symbols.h"
@@ -179,7 +183,9 @@ void RegisterBuilder::BuildStatement(int index, Statement* statement)
     m_temporaryInUse.assign(m_temporaryInUse.size(), false);
     m_lastResultOp = ~std::size_t{0};
     m_variantSeen = false;
-    if (statement && statement->EmitRegisters(*this)) {
+    m_callEmitted = false;
+    m_givesUpAfterCall = false;
+    if (statement && statement->EmitRegisters(*this) && !m_givesUpAfterCall) {
         ++m_program.registerStatements;
         return;
     }
@@ -197,8 +203,50 @@ void RegisterBuilder::BuildStatement(int index, Statement* statement)
     Emit(RegisterCode::kGeneral, index);
 }
 
+namespace {
+
+// Operations that never give up once a call of the same statement has run: those that cannot give up,
+// and the Long arithmetic whose only reasons to give up are overflow and division by zero, which it
+// raises itself after a call (the general code would raise the same errors). A call is judged where it
+// is emitted.
+bool SafeAfterCall(RegisterCode code)
+{
+    switch (code) {
+    case RegisterCode::kJump: case RegisterCode::kJumpIfTrue: case RegisterCode::kJumpIfFalse:
+    case RegisterCode::kConstantWhole: case RegisterCode::kConstantReal: case RegisterCode::kMoveWhole:
+    case RegisterCode::kMoveReal: case RegisterCode::kWholeToReal: case RegisterCode::kLoadNarrow:
+    case RegisterCode::kStoreNarrow: case RegisterCode::kCall:
+    case RegisterCode::kAddLong: case RegisterCode::kAddLongK: case RegisterCode::kSubtractLong:
+    case RegisterCode::kSubtractLongK: case RegisterCode::kMultiplyLong: case RegisterCode::kMultiplyLongK:
+    case RegisterCode::kDivideLong: case RegisterCode::kDivideLongK: case RegisterCode::kModuloLong:
+    case RegisterCode::kModuloLongK:
+    case RegisterCode::kAnd: case RegisterCode::kAndK: case RegisterCode::kOr: case RegisterCode::kOrK:
+    case RegisterCode::kXor: case RegisterCode::kXorK: case RegisterCode::kEqv: case RegisterCode::kEqvK:
+    case RegisterCode::kImp: case RegisterCode::kImpK:
+    case RegisterCode::kEqual: case RegisterCode::kEqualK: case RegisterCode::kNotEqual:
+    case RegisterCode::kNotEqualK: case RegisterCode::kLess: case RegisterCode::kLessK:
+    case RegisterCode::kLessEqual: case RegisterCode::kLessEqualK: case RegisterCode::kGreater:
+    case RegisterCode::kGreaterK: case RegisterCode::kGreaterEqual: case RegisterCode::kGreaterEqualK:
+    case RegisterCode::kEqualReal: case RegisterCode::kEqualRealK: case RegisterCode::kNotEqualReal:
+    case RegisterCode::kNotEqualRealK: case RegisterCode::kLessReal: case RegisterCode::kLessRealK:
+    case RegisterCode::kLessEqualReal: case RegisterCode::kLessEqualRealK: case RegisterCode::kGreaterReal:
+    case RegisterCode::kGreaterRealK: case RegisterCode::kGreaterEqualReal: case RegisterCode::kGreaterEqualRealK:
+    case RegisterCode::kNot: case RegisterCode::kNegateReal: case RegisterCode::kAbsReal:
+    case RegisterCode::kFixReal: case RegisterCode::kIntReal:
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
 RegisterOp& RegisterBuilder::Emit(RegisterCode code, int a, int b, int c)
 {
+    if (m_callEmitted && !SafeAfterCall(code))
+        m_givesUpAfterCall = true;
+    if (code == RegisterCode::kCall || code == RegisterCode::kMemberCall)
+        m_callEmitted = true;
     if (m_observing && m_program.ops.size() == m_program.ops.capacity()) {
         // Appending now would move the operations that running loops point into.
         m_outOfRoom = true;
@@ -356,6 +404,8 @@ bool RegisterBuilder::Translate(const Expression& code, std::size_t first, std::
             break;
         }
         case ExprOpCode::kCall: done = Call(op, stack); break;
+        case ExprOpCode::kLoadPath: done = LoadField(op, stack); break;
+        case ExprOpCode::kBuiltin: done = Length(op, stack); break;
         case ExprOpCode::kMemberCall: done = MemberCall(op, stack); break;
         // A register member call left its result where the general code's end of the call leaves it.
         case ExprOpCode::kMemberEnd: done = memberEnds; break;
@@ -500,6 +550,9 @@ bool RegisterBuilder::EmitCall(RegisterCode code, std::unique_ptr<RegisterCall> 
         cell = NewTemporary(kind);
         result = cell.offset;
     }
+    // A second call whose references may not hold their kind would give up after the first one ran.
+    if (m_callEmitted && (code == RegisterCode::kMemberCall || call->referencesMayFail))
+        m_givesUpAfterCall = true;
     RegisterOp& emitted = Emit(code, result);
     emitted.constant.pointer = call.get();
     m_program.calls.push_back(std::move(call));
@@ -695,6 +748,54 @@ bool RegisterBuilder::Element(const ExprOp& op, std::vector<Operand>& stack)
     if (module)
         code = static_cast<RegisterCode>(static_cast<int>(code) + 3);
     Emit(code, cell.offset, location, index.offset).kind = kind;
+    stack.push_back(cell);
+    return true;
+}
+
+bool RegisterBuilder::LoadField(const ExprOp& op, std::vector<Operand>& stack)
+{
+    auto walk = std::make_unique<FieldWalk>();
+    if (!walk->Compile(op.index, m_procedure))
+        return false;
+    const RecordField& field = walk->Field();
+    if (field.kind != FieldKind::Plain || (field.tag != VT_I4 && field.tag != VT_R8 && !IsNarrow(field.tag)))
+        return false;
+    int position = 0;
+    if (walk->HasIndex()) {
+        if (stack.empty() || stack.back().special != Operand::Special::kNone || !IsWhole(stack.back().kind))
+            return false;
+        UseAsLong(stack.back());
+        const Operand index = Materialize(stack.back());
+        stack.pop_back();
+        Release(index);
+        position = index.offset;
+    }
+    const Operand cell = NewTemporary(field.tag);
+    RegisterOp& emitted = Emit(ByWidth(field.tag, RegisterCode::kLoadFieldWhole, RegisterCode::kLoadFieldNarrow,
+                                       RegisterCode::kLoadFieldReal),
+                               cell.offset, position);
+    emitted.constant.pointer = walk.get();
+    m_program.fieldWalks.push_back(std::move(walk));
+    stack.push_back(cell);
+    return true;
+}
+
+bool RegisterBuilder::Length(const ExprOp& op, std::vector<Operand>& stack)
+{
+    const BuiltinCall& call = m_procedure.BuiltinCallAt(op.index);
+    if (!call.record || call.record->keyword != Token::Len || call.arguments.size() != 1 || call.stackedCount != 0 ||
+        call.deferredLength != 0 || call.arguments[0].mode != BuiltinArgumentCode::Mode::kLazy)
+        return false;
+    // The compiler hands a variable over by reference (kLoadRef) so that reading it copies nothing.
+    Expression code = call.arguments[0].code;
+    if (code.ops.size() == 1 && code.ops[0].code == ExprOpCode::kLoadRef)
+        code.ops[0].code = ExprOpCode::kLoad;
+    auto text = std::make_unique<TextOperand>();
+    if (code.ops.empty() || !text->Compile(code.ops.data(), code.ops.size(), m_procedure))
+        return false;
+    const Operand cell = NewTemporary(VT_I4);
+    Emit(RegisterCode::kTextLength, cell.offset).constant.pointer = text.get();
+    m_program.textOperands.push_back(std::move(text));
     stack.push_back(cell);
     return true;
 }
@@ -1079,7 +1180,9 @@ bool RegisterBuilder::BuildObserved(int index, char* frame, ModuleInstance* inst
     m_lastResultOp = ~std::size_t{0};
     const std::size_t mark = m_program.ops.size();
     const std::size_t tableMark = m_program.rangeTables.size();
-    bool made = statement->EmitRegisters(*this);
+    m_callEmitted = false;
+    m_givesUpAfterCall = false;
+    bool made = statement->EmitRegisters(*this) && !m_givesUpAfterCall;
     // The form ends where the statement's own operations end: at the entry of the next statement.
     if (made)
         m_fixups.push_back(Fixup{m_program.ops.size(), index + 1, 0});

@@ -118,6 +118,11 @@ private:
     bool Translate(const Expression& code, std::size_t first, std::size_t last, std::vector<Operand>& stack);
     // Postfix translation steps.
     bool Call(const ExprOp& op, std::vector<Operand>& stack);
+    // A Long, Integer, Boolean or Double field of a record path with at most one index (whole, on the
+    // stack), read where it is stored.
+    bool LoadField(const ExprOp& op, std::vector<Operand>& stack);
+    // Len of a string read in place (a String variable, element, field, constant or Mid part).
+    bool Length(const ExprOp& op, std::vector<Operand>& stack);
     bool MemberCall(const ExprOp& op, std::vector<Operand>& stack);
     // Binds the `count` arguments on top of stack into call's parameters of code and takes them off.
     bool TakeArguments(int count, CompiledProcedure& code, std::vector<Operand>& stack, RegisterCall& call);
@@ -170,6 +175,11 @@ private:
     bool m_variantSeen = false;
     // A form made while running ran out of room (operations or temporaries).
     bool m_outOfRoom = false;
+    // A call operation has been emitted in the statement, and after it an operation that may give up
+    // for a reason other than an error it can raise itself. A statement that gives up is run again by its
+    // object from its start, which would make the call twice: such a statement gets no form.
+    bool m_callEmitted = false;
+    bool m_givesUpAfterCall = false;
     RegisterOp m_spare;
     // A member call was just translated; its end op after it has nothing left to do.
     bool m_memberEnds = false;

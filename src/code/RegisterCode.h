@@ -108,7 +108,11 @@ class Module;
     X(Call)              /* pointer: the RegisterCall; a: the result's slot offset, or -1 */            \
     X(MemberCall)        /* the same for a member of a class instance held by a variable */                  \
     X(CompareText)       /* pointer: a TextComparison; a: whole slot set to -1 when it holds, else 0 */     \
-    X(SelectText)        /* pointer: a BranchStatement over a string; a: whole slot set to the part it enters */
+    X(SelectText)        /* pointer: a BranchStatement over a string; a: whole slot set to the part it enters */ \
+    X(LoadFieldWhole)    /* pointer: a FieldWalk; a: result; b: the index operand (0: none); a Long field */   \
+    X(LoadFieldNarrow)   /* the same for an Integer or Boolean field */                                       \
+    X(LoadFieldReal)     /* the same for a Double field */                                                    \
+    X(TextLength)        /* pointer: a TextOperand; a: whole slot set to the length of its text (Len) */
 
 enum class RegisterCode : std::uint16_t {
 #define BRANNOC_REGISTER_ENUM(name) k##name,
@@ -184,6 +188,10 @@ public:
     std::vector<std::unique_ptr<RegisterCall>> calls;
     // Conditions comparing two strings read in place (CompareText).
     std::vector<std::unique_ptr<TextComparison>> textComparisons;
+    // The walks to numeric record fields (LoadField...).
+    std::vector<std::unique_ptr<FieldWalk>> fieldWalks;
+    // Strings read in place whose length Len takes (TextLength).
+    std::vector<std::unique_ptr<TextOperand>> textOperands;
     // Temporaries: frame slots from firstTemporary on.
     int firstTemporary = 0;
     int temporaryCount = 0;

@@ -12,6 +12,7 @@
 #include "exec/HaltFlags.h"
 #include "exec/Interpreter.h"
 #include "exec/ModuleInstance.h"
+#include "values/ValueError.h"
 
 #include <cfloat>
 #include <climits>
@@ -214,6 +215,10 @@ bool RunRegisterProgram(Activation& base, ExecEntry& entry, const void* data)
 
     // A statement that stopped at a call goes on after it; else the next statement runs.
     const int resumeOperation = activation->TakeResumeOperation();
+    // A call of the running statement has run: the statement can no longer give up (its object would
+    // run the call again), and the Long arithmetic after it raises its own errors (`arithmetic_fault`).
+    bool called = resumeOperation >= 0;
+    long fault = 0;
     const RegisterOp* pc = resumeOperation >= 0 ? ops + resumeOperation : resume();
     BRANNOC_DISPATCH();
 
@@ -225,6 +230,7 @@ op_Statement:
         return false;
     }
     activation->EnterStatement(pc->a);
+    called = false;
     BRANNOC_NEXT();
 op_Replaced:
     // A break point stands in the statement's place: its object runs instead of the statement's form.
@@ -233,6 +239,7 @@ op_Replaced:
         return false;
     }
     activation->EnterStatement(pc->a);
+    called = false;
     if (!statements[pc->a]->Execute() || HaltFlags::Any())
         return false;
     pc = resume();
@@ -243,6 +250,14 @@ op_General:
         return false;
     pc = resume();
     BRANNOC_DISPATCH();
+arithmetic_fault:
+    // Overflow or division by zero in Long arithmetic: before a call of the statement ran, its object
+    // runs it and raises the error; after one, the error is raised here.
+    if (called) {
+        (void)interpreter.SignalError(fault);
+        return false;
+    }
+    goto give_up;
 give_up: {
     // The current statement's register form gave up before changing anything: its object runs it. A
     // form made for the kinds some Variants held is made again when it keeps giving up.
@@ -298,6 +313,7 @@ op_End:
         if (HaltFlags::Any())
             return false;
         pc = ops + activation->TakeResumeOperation();
+        called = true;
         BRANNOC_DISPATCH();
     }
 op_Jump:
@@ -506,8 +522,10 @@ op_StoreModuleNarrowChecked: {
 #define BRANNOC_CHECKED(label, builtin, konstant, integer)                                                     \
     label : {                                                                                                   \
         LONG result;                                                                                            \
-        if (builtin(BRANNOC_WHOLE(pc->b), BRANNOC_RIGHT_WHOLE(konstant), &result) || (integer && !FitsInteger(result))) \
-            goto give_up;                                                                                       \
+        if (builtin(BRANNOC_WHOLE(pc->b), BRANNOC_RIGHT_WHOLE(konstant), &result) || (integer && !FitsInteger(result))) { \
+            fault = kErrorOverflow;                                                                             \
+            goto arithmetic_fault;                                                                              \
+        }                                                                                                       \
         BRANNOC_WHOLE(pc->a) = result;                                                                          \
         BRANNOC_NEXT();                                                                                         \
     }
@@ -528,8 +546,10 @@ op_StoreModuleNarrowChecked: {
     label : {                                                                                                   \
         const LONG left = BRANNOC_WHOLE(pc->b);                                                                 \
         const LONG right = BRANNOC_RIGHT_WHOLE(konstant);                                                       \
-        if (right == 0 || (right == -1 && left == (smallest)))                                                  \
-            goto give_up;                                                                                       \
+        if (right == 0 || (right == -1 && left == (smallest))) {                                                \
+            fault = right == 0 ? kErrorDivideByZero : kErrorOverflow;                                           \
+            goto arithmetic_fault;                                                                              \
+        }                                                                                                       \
         BRANNOC_WHOLE(pc->a) = left / right;                                                                    \
         BRANNOC_NEXT();                                                                                         \
     }
@@ -541,8 +561,10 @@ op_StoreModuleNarrowChecked: {
 #define BRANNOC_MODULO(label, konstant)                                                                         \
     label : {                                                                                                   \
         const LONG right = BRANNOC_RIGHT_WHOLE(konstant);                                                       \
-        if (right == 0)                                                                                         \
-            goto give_up;                                                                                       \
+        if (right == 0) {                                                                                       \
+            fault = kErrorDivideByZero;                                                                         \
+            goto arithmetic_fault;                                                                              \
+        }                                                                                                       \
         BRANNOC_WHOLE(pc->a) = right == -1 ? 0 : BRANNOC_WHOLE(pc->b) % right;                                  \
         BRANNOC_NEXT();                                                                                         \
     }
@@ -742,7 +764,9 @@ op_Call: {
     ModuleInstance* target = call.module && instance ? instance->Find(*call.module) : instance;
     switch (BeginRegisterCall(BRANNOC_CALL_ARGUMENTS(target), entering)) {
     case CallStart::kGiveUp: goto give_up;
-    case CallStart::kEnded: BRANNOC_NEXT();
+    case CallStart::kEnded:
+        called = true;
+        BRANNOC_NEXT();
     case CallStart::kEntered: goto entered;
     case CallStart::kWaiting:
         // The statement goes on after the call once the callee has ended.
@@ -768,7 +792,9 @@ op_MemberCall: {
         goto give_up;
     switch (BeginRegisterCall(BRANNOC_CALL_ARGUMENTS(target), entering)) {
     case CallStart::kGiveUp: goto give_up;
-    case CallStart::kEnded: BRANNOC_NEXT();
+    case CallStart::kEnded:
+        called = true;
+        BRANNOC_NEXT();
     case CallStart::kEntered: goto entered;
     case CallStart::kWaiting:
         activation->SetResumeOperation(static_cast<int>(pc - ops) + 1);
@@ -794,6 +820,30 @@ op_SelectText: {
     if (part == 0)
         goto give_up;
     BRANNOC_WHOLE(pc->a) = part;
+    BRANNOC_NEXT();
+}
+
+#define BRANNOC_FIELD_LOAD(label, storage, target)                                                             \
+    label : {                                                                                                   \
+        const RunContext context{&interpreter, activation, procedure};                                          \
+        const char* field = static_cast<const FieldWalk*>(pc->constant.pointer)                                 \
+                                ->FindField(context, pc->b != 0 ? BRANNOC_WHOLE(pc->b) : 0);                    \
+        if (!field)                                                                                             \
+            goto give_up;                                                                                       \
+        target(pc->a) = *reinterpret_cast<const storage*>(field);                                               \
+        BRANNOC_NEXT();                                                                                         \
+    }
+    BRANNOC_FIELD_LOAD(op_LoadFieldWhole, LONG, BRANNOC_WHOLE)
+    BRANNOC_FIELD_LOAD(op_LoadFieldNarrow, SHORT, BRANNOC_WHOLE)
+    BRANNOC_FIELD_LOAD(op_LoadFieldReal, double, BRANNOC_REAL)
+#undef BRANNOC_FIELD_LOAD
+
+op_TextLength: {
+    std::wstring_view text;
+    const RunContext context{&interpreter, activation, procedure};
+    if (!static_cast<const TextOperand*>(pc->constant.pointer)->Read(context, text))
+        goto give_up;
+    BRANNOC_WHOLE(pc->a) = static_cast<LONG>(text.size());
     BRANNOC_NEXT();
 }
 

@@ -214,8 +214,11 @@ BodyParser::StatementPtr BodyParser::ParseLine()
     bool separated = false;
     for (;;) {
         StatementPtr statement = ParseSegment();
-        if (m_lexer.ErrorCount() != errorsBefore)
-            return nullptr;
+        if (m_lexer.ErrorCount() != errorsBefore) {
+            Discard(std::move(statement));
+            Discard(std::move(single));
+            return Discard(std::move(list));
+        }
         if (statement) {
             statement->SetOwner(m_code);
             if (!single && !list) {
@@ -358,8 +361,10 @@ BodyParser::StatementPtr BodyParser::ParseInline(bool inSingleLineIf)
             return nullptr;
         }
         StatementPtr statement = ParseSimple();
-        if (!statement)
-            return nullptr;
+        if (!statement) {
+            Discard(std::move(single));
+            return Discard(std::move(list));
+        }
         ++count;
         if (count == 1) {
             single = std::move(statement);
@@ -375,7 +380,8 @@ BodyParser::StatementPtr BodyParser::ParseInline(bool inSingleLineIf)
     if (!(word == Token::EndOfLine || word == Token::Apostrophe || word == Token::Rem ||
           (inSingleLineIf && word == Token::Else))) {
         m_lexer.SignalError(CompileMessage::UnexpectedText, m_lexer.Text());
-        return nullptr;
+        Discard(std::move(single));
+        return Discard(std::move(list));
     }
     if (inSingleLineIf) {
         if (single)

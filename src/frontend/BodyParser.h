@@ -462,6 +462,17 @@ private:
     const std::vector<LocalName>* m_outerLocals = nullptr;
     std::unordered_map<std::string, Label> m_labels;
     std::vector<PendingGoTo> m_gotos;
+    // Statements of a line that failed to parse. The parser keeps pointers to some statements until the
+    // procedure ends (the GoTos waiting for their labels, the exits and openers of open blocks), so a
+    // statement it made is never destroyed before then, even when its line is dropped.
+    std::vector<StatementPtr> m_discarded;
+    // Keeps statement (when there is one) until the procedure ends; answers null, for `return`.
+    StatementPtr Discard(StatementPtr statement)
+    {
+        if (statement)
+            m_discarded.push_back(std::move(statement));
+        return nullptr;
+    }
     std::vector<Block> m_blocks;
     int m_exitIndex = 0;
     // The procedure's user dialog: the record type of its variables, the hidden slot that holds the

@@ -48,7 +48,7 @@ BodyParser::StatementPtr BodyParser::ParseIf(bool lineStart)
     if (m_lexer.Accept(Token::Else)) {
         auto parsed = ParseInline(true);
         if (!parsed)
-            return nullptr;
+            return Discard(std::move(thenPart));
         elsePart.reset(static_cast<StatementList*>(parsed.release()));
     }
     auto statement = std::make_unique<SingleLineIfStatement>(

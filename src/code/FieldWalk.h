@@ -1,0 +1,40 @@
+#pragma once
+// The walk to a field of a record along a record path with at most one index (rec.Name, people(k).Age,
+// rec.inner.Label, items(i).tag), without the value stack: from the path's root variable or With
+// object through nested records and at most one array of records to the record that holds the field.
+// It gives up without any effect (null) where the general code might do something else: an index
+// outside the bounds, an array without storage or of other records, a root that holds no record.
+#include "code/ProcedureBody.h"
+#include "values/RecordType.h"
+
+namespace brannoc {
+
+struct RecordPath;
+
+class FieldWalk final {
+public:
+    // Compiles the walk of path `path` of procedure. False when the path is not of that shape (the
+    // index, when there is one, is the caller's to compute).
+    bool Compile(int path, const CompiledProcedure& procedure);
+    bool IsReady() const noexcept { return m_field != nullptr; }
+    bool HasIndex() const noexcept { return m_indexStep >= 0; }
+    const RecordField& Field() const noexcept { return *m_field; }
+    // The record holding the field, `position` being the path's index (unused without one); null when
+    // the walk gave up.
+    [[nodiscard]] char* FindRecord(const RunContext& context, LONG position) const;
+    // The field itself, or null.
+    [[nodiscard]] char* FindField(const RunContext& context, LONG position) const
+    {
+        char* record = FindRecord(context, position);
+        return record ? record + m_field->offset : nullptr;
+    }
+
+private:
+    const RecordPath* m_path = nullptr;
+    const RecordField* m_field = nullptr;
+    // The step that is the index (-1: none), and the size of the records that array holds.
+    int m_indexStep = -1;
+    ULONG m_elementSize = 0;
+};
+
+} // namespace brannoc
