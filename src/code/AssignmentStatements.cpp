@@ -3,6 +3,7 @@
 #include "code/StatementSupport.h"
 #include "automation/ObjectCreation.h"
 
+#include "code/BuiltinCall.h"
 #include "code/MemberCall.h"
 #include "code/NumericKinds.h"
 #include "code/ObjectStatements.h"
@@ -15,7 +16,10 @@
 #include "values/StringCapacity.h"
 #include "values/TextForm.h"
 #include "values/ValueCell.h"
+#include "frontend/Token.h"
+#include "library/BuiltinTable.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 
@@ -194,27 +198,106 @@ bool AssignStatement::Step(ExecEntry& entry)
     return Finish(entry);
 }
 
+bool AppendStatement::CompileParts()
+{
+    // The tail's code is p1 [p2 & [p3 & ...]]: a part at 0 and at every odd position, & at the others.
+    const std::vector<ExprOp>& ops = m_tail.ops;
+    if (ops.empty() || ops.size() % 2 == 0)
+        return false;
+    for (std::size_t i = 0; i < ops.size(); ++i) {
+        if (i >= 2 && i % 2 == 0) {
+            if (ops[i].code != ExprOpCode::kBinary || ops[i].op != OperationId::kConcatenate)
+                return false;
+            continue;
+        }
+        auto part = std::make_unique<TailPart>();
+        ExprOp op = ops[i];
+        if (op.code == ExprOpCode::kBuiltin) {
+            const BuiltinCall& call = m_owner->BuiltinCallAt(op.index);
+            if (call.record && call.record->keyword == Token::CStr && call.arguments.size() == 1 &&
+                call.stackedCount == 0 && call.deferredLength == 0 &&
+                call.arguments[0].mode == BuiltinArgumentCode::Mode::kLazy &&
+                CompileWholeForm(call.arguments[0].code, *m_owner, part->number)) {
+                part->isNumber = true;
+                m_parts.push_back(std::move(part));
+                continue;
+            }
+        }
+        // A variable handed over by reference is read as its value.
+        if (op.code == ExprOpCode::kLoadRef)
+            op.code = ExprOpCode::kLoad;
+        if (!part->text.Compile(&op, 1, *m_owner))
+            return false;
+        m_parts.push_back(std::move(part));
+    }
+    return true;
+}
+
+bool AppendStatement::AppendParts(const RunContext& context, bool& answer)
+{
+    // The parts are copied together first: a part may read the target itself, and nothing is appended
+    // unless every part could be read. A single text part is appended from where it is stored.
+    constexpr std::size_t kMostJoined = 256;
+    wchar_t joined[kMostJoined];
+    std::wstring_view text;
+    if (m_parts.size() == 1 && !m_parts[0]->isNumber) {
+        if (!m_parts[0]->text.Read(context, text))
+            return false;
+    } else {
+        std::size_t used = 0;
+        for (const auto& part : m_parts) {
+            std::wstring_view piece;
+            wchar_t digits[16];
+            if (part->isNumber) {
+                LONG value = 0;
+                if (!part->number.EvaluateWhole(context, value))
+                    return false;
+                // The decimal digits, a minus sign before them for a negative number, as CStr writes them.
+                unsigned long magnitude = value < 0 ? 0ul - static_cast<unsigned long>(value) : static_cast<unsigned long>(value);
+                std::size_t start = sizeof digits / sizeof digits[0];
+                do {
+                    digits[--start] = static_cast<wchar_t>(L'0' + magnitude % 10);
+                    magnitude /= 10;
+                } while (magnitude != 0);
+                if (value < 0)
+                    digits[--start] = L'-';
+                piece = std::wstring_view(digits + start, sizeof digits / sizeof digits[0] - start);
+            } else if (!part->text.Read(context, piece)) {
+                return false;
+            }
+            if (piece.size() > kMostJoined - used)
+                return false;
+            std::copy(piece.begin(), piece.end(), joined + used);
+            used += piece.size();
+        }
+        text = std::wstring_view(joined, used);
+    }
+    VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
+    bool appended = false;
+    if (!storage || !AppendPartToStorage(*storage, text, appended))
+        return false;
+    if (appended) {
+        answer = true;
+    } else {
+        ExecEntry entry{this, 0};
+        answer = Fail(context, entry);
+    }
+    return true;
+}
+
 bool AppendStatement::Execute()
 {
     if (m_direct == Direct::kUntried) {
         m_direct = Direct::kNone;
-        if (m_owner && m_tail.ops.size() == 1 && m_tail.ops[0].code == ExprOpCode::kBuiltin &&
-            m_slice.Compile(m_tail.ops[0].index, *m_owner))
+        if (m_owner && CompileParts())
             m_direct = Direct::kReady;
+        else
+            m_parts.clear();
     }
     if (m_direct == Direct::kReady && DirectFormsEnabled()) {
-        const RunContext context = Context();
-        std::wstring_view part;
-        VARIANT* storage = nullptr;
-        bool appended = false;
-        if (m_slice.Evaluate(context, part) &&
-            (storage = StorageOf(context, m_target.scope, m_target.index, m_target.module)) != nullptr &&
-            AppendPartToStorage(*storage, part, appended)) {
-            if (appended)
-                return true;
-            ExecEntry entry{this, 0};
-            return Fail(context, entry);
-        }
+        bool answer = false;
+        if (AppendParts(Context(), answer))
+            return answer;
     }
     return ExecuteFrom(0);
 }

@@ -77,16 +77,28 @@ private:
 class AppendStatement final : public Statement {
 public:
     AppendStatement(Expression tail, VariableRef target) : m_tail(std::move(tail)), m_target(target) {}
-    // A tail that is a Mid over a string variable is appended from where it is stored.
+    // A tail of parts joined by & (buf = buf & CStr(n) & ","), each a string read in place (a variable,
+    // a constant, a Mid part) or CStr of a whole number, is appended without the value stack.
     [[nodiscard]] bool Execute() override;
     [[nodiscard]] bool Step(ExecEntry& entry) override;
 
 private:
+    struct TailPart {
+        TextOperand text;
+        // CStr of a whole number (the text is unused).
+        TypedExpression number;
+        bool isNumber = false;
+    };
+    // Reads m_tail into m_parts; false when some part is not of those kinds.
+    bool CompileParts();
+    // Appends the parts' texts: false (nothing done) when a part gave up; else as Execute answers.
+    [[nodiscard]] bool AppendParts(const RunContext& context, bool& answer);
+
     Expression m_tail;
     VariableRef m_target;
     enum class Direct : std::uint8_t { kUntried, kNone, kReady };
     Direct m_direct = Direct::kUntried;
-    SliceForm m_slice;
+    std::vector<std::unique_ptr<TailPart>> m_parts;
 };
 
 // a(i, ...) = value: the code leaves the indexes and then the value (its code from valueStart) on the
