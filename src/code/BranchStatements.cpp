@@ -215,7 +215,9 @@ bool BranchStatement::MatchesCase(const DirectBranch& branch, bool isWhole, LONG
     return false;
 }
 
-bool BranchStatement::MatchesText(const DirectBranch& branch, std::wstring_view selector) const
+// In line: a Select over a string tries each Case line through it.
+__attribute__((always_inline)) inline bool BranchStatement::MatchesText(const DirectBranch& branch,
+                                                                        std::wstring_view selector) const
 {
     const CaseTest* test = m_caseTests.data() + branch.firstTest;
     const CaseTest* end = test + branch.testCount;
