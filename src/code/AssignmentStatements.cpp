@@ -198,6 +198,27 @@ bool AssignStatement::Step(ExecEntry& entry)
     return Finish(entry);
 }
 
+namespace {
+
+constexpr std::size_t kWholeDigits = 12;
+
+// The decimal digits of value, a minus sign before them for a negative number, as CStr writes a whole
+// number; written at the end of digits.
+std::wstring_view WholeDigits(LONG value, wchar_t (&digits)[kWholeDigits])
+{
+    unsigned long magnitude = value < 0 ? 0ul - static_cast<unsigned long>(value) : static_cast<unsigned long>(value);
+    std::size_t start = kWholeDigits;
+    do {
+        digits[--start] = static_cast<wchar_t>(L'0' + magnitude % 10);
+        magnitude /= 10;
+    } while (magnitude != 0);
+    if (value < 0)
+        digits[--start] = L'-';
+    return std::wstring_view(digits + start, kWholeDigits - start);
+}
+
+} // namespace
+
 bool AppendStatement::CompileParts()
 {
     // The tail's code is p1 [p2 & [p3 & ...]]: a part at 0 and at every odd position, & at the others.
@@ -211,21 +232,15 @@ bool AppendStatement::CompileParts()
             continue;
         }
         auto part = std::make_unique<TailPart>();
-        ExprOp op = ops[i];
+        const ExprOp& op = ops[i];
         if (op.code == ExprOpCode::kBuiltin) {
             const BuiltinCall& call = m_owner->BuiltinCallAt(op.index);
-            if (call.record && call.record->keyword == Token::CStr && call.arguments.size() == 1 &&
-                call.stackedCount == 0 && call.deferredLength == 0 &&
-                call.arguments[0].mode == BuiltinArgumentCode::Mode::kLazy &&
-                CompileWholeForm(call.arguments[0].code, *m_owner, part->number)) {
+            if (IsLazyBuiltinCall(call, Token::CStr, 1) && CompileWholeForm(call.arguments[0].code, *m_owner, part->number)) {
                 part->isNumber = true;
                 m_parts.push_back(std::move(part));
                 continue;
             }
         }
-        // A variable handed over by reference is read as its value.
-        if (op.code == ExprOpCode::kLoadRef)
-            op.code = ExprOpCode::kLoad;
         if (!part->text.Compile(&op, 1, *m_owner))
             return false;
         m_parts.push_back(std::move(part));
@@ -247,21 +262,12 @@ bool AppendStatement::AppendParts(const RunContext& context, bool& answer)
         std::size_t used = 0;
         for (const auto& part : m_parts) {
             std::wstring_view piece;
-            wchar_t digits[16];
+            wchar_t digits[kWholeDigits];
+            LONG value = 0;
             if (part->isNumber) {
-                LONG value = 0;
                 if (!part->number.EvaluateWhole(context, value))
                     return false;
-                // The decimal digits, a minus sign before them for a negative number, as CStr writes them.
-                unsigned long magnitude = value < 0 ? 0ul - static_cast<unsigned long>(value) : static_cast<unsigned long>(value);
-                std::size_t start = sizeof digits / sizeof digits[0];
-                do {
-                    digits[--start] = static_cast<wchar_t>(L'0' + magnitude % 10);
-                    magnitude /= 10;
-                } while (magnitude != 0);
-                if (value < 0)
-                    digits[--start] = L'-';
-                piece = std::wstring_view(digits + start, sizeof digits / sizeof digits[0] - start);
+                piece = WholeDigits(value, digits);
             } else if (!part->text.Read(context, piece)) {
                 return false;
             }

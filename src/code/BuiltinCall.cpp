@@ -5,12 +5,25 @@
 #include "exec/HaltFlags.h"
 #include "exec/Interpreter.h"
 #include "library/BuiltinArguments.h"
+#include "library/BuiltinTable.h"
 #include "values/ValueError.h"
 
 #include <new>
 #include <vector>
 
 namespace brannoc {
+
+bool IsLazyBuiltinCall(const BuiltinCall& call, Token keyword, std::size_t count)
+{
+    if (!call.record || call.record->keyword != keyword || call.arguments.size() != count || call.stackedCount != 0 ||
+        call.deferredLength != 0)
+        return false;
+    for (const BuiltinArgumentCode& argument : call.arguments) {
+        if (argument.mode != BuiltinArgumentCode::Mode::kLazy)
+            return false;
+    }
+    return true;
+}
 
 namespace {
 

@@ -5,6 +5,7 @@
 // only the chosen one runs. Every other argument stays code that the implementation evaluates when it
 // asks for it.
 #include "code/ProcedureBody.h"
+#include "frontend/Token.h"
 
 #include <vector>
 
@@ -34,6 +35,11 @@ struct BuiltinCall {
     // Written with the "$" suffix: the result must be a String (a Null result raises 10075).
     bool stringResult = false;
 };
+
+// A call of the built-in `keyword` with `count` arguments that are all code the implementation evaluates
+// when it asks for them (none computed before the call, none deferred): the shape the typed and register
+// forms read their arguments from.
+bool IsLazyBuiltinCall(const BuiltinCall& call, Token keyword, std::size_t count);
 
 // Runs the call whose kBuiltin op was just read; pc is the position after that op and moves past the
 // deferred code, or to the chosen argument's code. False after raising.

@@ -783,13 +783,9 @@ bool RegisterBuilder::LoadField(const ExprOp& op, std::vector<Operand>& stack)
 bool RegisterBuilder::Length(const ExprOp& op, std::vector<Operand>& stack)
 {
     const BuiltinCall& call = m_procedure.BuiltinCallAt(op.index);
-    if (!call.record || call.record->keyword != Token::Len || call.arguments.size() != 1 || call.stackedCount != 0 ||
-        call.deferredLength != 0 || call.arguments[0].mode != BuiltinArgumentCode::Mode::kLazy)
+    if (!IsLazyBuiltinCall(call, Token::Len, 1))
         return false;
-    // The compiler hands a variable over by reference (kLoadRef) so that reading it copies nothing.
-    Expression code = call.arguments[0].code;
-    if (code.ops.size() == 1 && code.ops[0].code == ExprOpCode::kLoadRef)
-        code.ops[0].code = ExprOpCode::kLoad;
+    const Expression& code = call.arguments[0].code;
     auto text = std::make_unique<TextOperand>();
     if (code.ops.empty() || !text->Compile(code.ops.data(), code.ops.size(), m_procedure))
         return false;

@@ -34,12 +34,8 @@ bool SliceForm::Compile(int call, const CompiledProcedure& procedure)
 {
     m_ready = false;
     const BuiltinCall& built = procedure.BuiltinCallAt(call);
-    if (!built.record || built.record->keyword != Token::Mid || built.arguments.size() != 3)
+    if (!IsLazyBuiltinCall(built, Token::Mid, 3))
         return false;
-    for (const BuiltinArgumentCode& argument : built.arguments) {
-        if (argument.mode != BuiltinArgumentCode::Mode::kLazy)
-            return false;
-    }
     const Expression& text = built.arguments[0].code;
     // The compiler hands a variable over by reference (kLoadRef) so that reading it copies nothing.
     if (text.ops.size() != 1 || (text.ops[0].code != ExprOpCode::kLoad && text.ops[0].code != ExprOpCode::kLoadRef))

@@ -133,11 +133,10 @@ bool TreeBuilder::Load(const ExprOp& source, std::size_t position)
 bool TreeBuilder::Length(const ExprOp& source)
 {
     const BuiltinCall& call = m_procedure.BuiltinCallAt(source.index);
-    if (!call.record || call.record->keyword != Token::Len || call.arguments.size() != 1 || call.stackedCount != 0 ||
-        call.deferredLength != 0 || m_depth == TypedExpression::kMaxDepth)
+    if (!IsLazyBuiltinCall(call, Token::Len, 1) || m_depth == TypedExpression::kMaxDepth)
         return false;
     const BuiltinArgumentCode& argument = call.arguments[0];
-    if (argument.mode != BuiltinArgumentCode::Mode::kLazy || argument.code.ops.size() != 1)
+    if (argument.code.ops.size() != 1)
         return false;
     const ExprOp& text = argument.code.ops[0];
     if ((text.code != ExprOpCode::kLoad && text.code != ExprOpCode::kLoadRef) || text.type.IsArray() ||
