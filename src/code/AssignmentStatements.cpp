@@ -147,6 +147,25 @@ bool AssignStatement::StoreText(const AssignStatement& self, const RunContext& c
     return stored;
 }
 
+bool AssignStatement::PrepareTextStore(bool mayReadVariant)
+{
+    if (m_directStore == DirectStore::kText)
+        return true;
+    if (m_directStore != DirectStore::kUntried || !m_owner || !m_fastTarget.IsUsable() || m_target.type.IsArray() ||
+        !(m_target.type.IsString() || m_target.type.IsVariant()) || m_value.ops.empty())
+        return false;
+    // The register form takes only values that are Strings by their declaration: a Variant would give up
+    // whenever it holds something else.
+    const TypeCode valueType = m_value.ops.back().type;
+    if (!mayReadVariant && (!valueType.IsString() || valueType.IsArray()))
+        return false;
+    if (!m_text.Compile(m_value.ops.data(), m_value.ops.size(), *m_owner))
+        return false;
+    m_directStore = DirectStore::kText;
+    m_run = &StoreText;
+    return true;
+}
+
 bool AssignStatement::Execute()
 {
     if (m_run && DirectFormsEnabled()) {
@@ -170,15 +189,9 @@ bool AssignStatement::ExecuteOther()
             return true;
     } else if (m_directStore == DirectStore::kUntried) {
         // A String or Variant variable assigned a string read in place (s = names(i), s = t).
+        if (PrepareTextStore(true) && DirectFormsEnabled())
+            return StoreText(*this, context) || ExecuteFrom(0);
         m_directStore = DirectStore::kNone;
-        if (m_owner && m_fastTarget.IsUsable() && !m_target.type.IsArray() &&
-            (m_target.type.IsString() || m_target.type.IsVariant()) &&
-            m_text.Compile(m_value.ops.data(), m_value.ops.size(), *m_owner)) {
-            m_directStore = DirectStore::kText;
-            m_run = &StoreText;
-            if (DirectFormsEnabled())
-                return StoreText(*this, context) || ExecuteFrom(0);
-        }
     }
     return ExecuteFrom(0);
 }

@@ -1235,6 +1235,12 @@ bool RegisterBuilder::SelectRanges(const Operand& selectorIn, int keptSlot, cons
     return true;
 }
 
+bool RegisterBuilder::StoreText(const AssignStatement& statement)
+{
+    Emit(RegisterCode::kStoreText).constant.pointer = &statement;
+    return true;
+}
+
 bool RegisterBuilder::SelectText(const BranchStatement& statement, int partCount, const std::vector<int>& targets,
                                  int elseAddress)
 {

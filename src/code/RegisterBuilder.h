@@ -11,6 +11,7 @@
 
 namespace brannoc {
 
+class AssignStatement;
 class BranchStatement;
 
 class RegisterBuilder final {
@@ -90,6 +91,8 @@ public:
                       const std::vector<int>& targets, int elseAddress);
     // Select Case over a string compared in place with the string constants of its partCount Case lines
     // (BranchStatement::TextCasePart): part i enters targets[i - 1], the part after them elseAddress.
+    // A String or Variant variable assigned a string read in place, by the statement's own store.
+    bool StoreText(const AssignStatement& statement);
     bool SelectText(const BranchStatement& statement, int partCount, const std::vector<int>& targets,
                     int elseAddress);
     // Frees a temporary operand (after its last use).

@@ -112,7 +112,8 @@ class Module;
     X(LoadFieldWhole)    /* pointer: a FieldWalk; a: result; b: the index operand (0: none); a Long field */   \
     X(LoadFieldNarrow)   /* the same for an Integer or Boolean field */                                       \
     X(LoadFieldReal)     /* the same for a Double field */                                                    \
-    X(TextLength)        /* pointer: a TextOperand; a: whole slot set to the length of its text (Len) */
+    X(TextLength)        /* pointer: a TextOperand; a: whole slot set to the length of its text (Len) */    \
+    X(StoreText)         /* pointer: an AssignStatement that stores a string read in place into its variable */
 
 enum class RegisterCode : std::uint16_t {
 #define BRANNOC_REGISTER_ENUM(name) k##name,

@@ -191,6 +191,8 @@ bool RunRegisterProgram(Activation& base, ExecEntry& entry, const void* data)
         }
     };
     enter(base, data);
+    // The activation at the bottom of this loop: the base, or a caller the loop went on into.
+    Activation* bottom = &base;
     // A callee that a Call operation begins in this loop.
     Activation* entering = nullptr;
 
@@ -294,7 +296,27 @@ op_Observe: {
     BRANNOC_DISPATCH();
 }
 op_End:
-    if (activation == &base) {
+    if (activation == bottom) {
+        // The activation the step loop gave this loop has ended. When its caller waits right below it for
+        // this call, the loop ends the call and goes on in the caller, as it does for calls it entered
+        // itself (after a yield inside a deep recursion, each level's return stays in one loop).
+        if (interpreter.MayReturnIntoCaller(*bottom, entry, &RunRegisterProgram)) {
+            Activation* caller = bottom->Caller();
+            interpreter.LeaveCallInLoop(*bottom);
+            Interpreter::LeaveSteppedEntry(entry);
+            bottom = caller;
+            enter(*caller, caller->OwnProcedure().Table().runnerData);
+            if (HaltFlags::Any())
+                return false;
+            pc = ops + activation->TakeResumeOperation();
+            called = true;
+            BRANNOC_DISPATCH();
+        }
+        if (bottom != &base) {
+            // The step loop's entry is gone: the caller's own entry is the one on top now.
+            interpreter.FinishCallInLoop();
+            return false;
+        }
         entry.state = ExecEntry::kFinished;
         return !HaltFlags::Any();
     }
@@ -844,6 +866,16 @@ op_TextLength: {
     if (!static_cast<const TextOperand*>(pc->constant.pointer)->Read(context, text))
         goto give_up;
     BRANNOC_WHOLE(pc->a) = static_cast<LONG>(text.size());
+    BRANNOC_NEXT();
+}
+
+op_StoreText: {
+    const RunContext context{&interpreter, activation, procedure};
+    if (!static_cast<const AssignStatement*>(pc->constant.pointer)->StoreTextInPlace(context))
+        goto give_up;
+    // Out of memory for the new text: the error was raised.
+    if (HaltFlags::Any())
+        return false;
     BRANNOC_NEXT();
 }
 

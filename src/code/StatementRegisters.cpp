@@ -11,8 +11,12 @@ bool NoOperationStatement::EmitRegisters(RegisterBuilder&) { return true; }
 
 bool AssignStatement::EmitRegisters(RegisterBuilder& builder)
 {
+    if (m_target.type.IsArray())
+        return false;
+    if (PrepareTextStore())
+        return builder.StoreText(*this);
     Operand value;
-    return !m_target.type.IsArray() && builder.Value(m_value, value) && builder.Store(m_target, value);
+    return builder.Value(m_value, value) && builder.Store(m_target, value);
 }
 
 bool AssignElementStatement::EmitRegisters(RegisterBuilder& builder)

@@ -41,6 +41,9 @@ public:
     [[nodiscard]] bool Execute() override;
     [[nodiscard]] bool Step(ExecEntry& entry) override;
     bool EmitRegisters(RegisterBuilder& builder) override;
+    // The register form's store of a string read in place (StoreText): false, with nothing changed,
+    // when it gives up; true when it stored or raised an error (the halt bit tells).
+    [[nodiscard]] bool StoreTextInPlace(const RunContext& context) const { return StoreText(*this, context); }
 
 private:
     // How a typed value reaches a variable of a fixed kind without a VARIANT in between: the same kind,
@@ -59,6 +62,11 @@ private:
     [[nodiscard]] static bool StoreText(const AssignStatement& self, const RunContext& context);
     // The first run and every statement without a direct store.
     [[nodiscard, gnu::noinline]] bool ExecuteOther();
+    // Chooses the store of a string read in place when the value is one (a String variable, element,
+    // field, constant or Mid part) and the target a String or Variant variable; true when it is chosen.
+    // mayReadVariant: a value that is a Variant variable counts too (it may hold no string, and then the
+    // statement goes the general way).
+    bool PrepareTextStore(bool mayReadVariant = false);
 
     Expression m_value;
     VariableRef m_target;

@@ -1,6 +1,7 @@
 // Calls that the register form's statement loop runs itself, on its own native frame: the quick way in
 // (an activation from the free list, its kept frame filled from the procedure's image) and the way out.
 #include "exec/Interpreter.h"
+#include "exec/CallEndMarker.h"
 #include "exec/ModuleInstance.h"
 #include "exec/ProcedureCode.h"
 
@@ -16,7 +17,7 @@ Activation* Interpreter::TryEnterFramedCall(ProcedureCode& procedure, ModuleInst
         return nullptr;
     // A free activation that keeps a frame block counts as idle until it is used again.
     m_freeActivations = activation->m_nextFree;
-    --m_idleFrames;
+    m_idleFrameBytes -= activation->m_frameCapacity;
     activation->ResetForCall();
     SetUpActivation(*activation, procedure, ActivationKind::Call, instance, false);
     activation->m_locals = activation->m_frameBlock;
@@ -25,6 +26,21 @@ Activation* Interpreter::TryEnterFramedCall(ProcedureCode& procedure, ModuleInst
                    layout.initializedCount);
     PushCallInLoop(*activation);
     return activation;
+}
+
+bool Interpreter::MayReturnIntoCaller(const Activation& callee, const ExecEntry& entry,
+                                      StatementRunner runner) const noexcept
+{
+    const Activation* caller = callee.m_caller;
+    if (&entry != m_steppedEntry || callee.m_kind != ActivationKind::Call || callee.m_popArguments || !caller ||
+        caller->m_resumeOperation < 0 || caller->m_procedure->Table().runner != runner || HaltFlags::Any() ||
+        m_stepCounter < 1 || m_runLevel < 1)
+        return false;
+    // The stack's top: the caller, the callee's call-end marker, the callee; the caller inside this run.
+    const std::size_t size = m_exec.Size();
+    return size >= 3 && size - 3 >= m_runFloor && m_exec.At(size - 1).executor == &callee &&
+           m_exec.At(size - 2).executor == &CallEndMarker::Instance() && m_exec.At(size - 3).executor == caller &&
+           m_exec.At(size - 3).state != ExecEntry::kFinished;
 }
 
 __attribute__((flatten)) void Interpreter::LeaveCallInLoop(Activation& callee)

@@ -59,11 +59,16 @@ inline int Interpreter::StepOnce(bool single)
     const std::size_t pendingBase = m_pending.Size();
     const std::size_t index = m_exec.Size() - 1;
     ExecEntry entry = m_exec.At(index);
+    const ExecEntry* const outerEntry = std::exchange(m_steppedEntry, &entry);
     const bool done = entry.state == ExecEntry::kFinished || entry.executor->Step(entry);
-    if (index < m_exec.Size())
-        m_exec.At(index).state = entry.state;
-    if (done && m_exec.Size() == index + 1)
-        PopAndRelease();
+    m_steppedEntry = outerEntry;
+    // A statement loop that went on into the entry's callers left the stack as it should stand.
+    if (entry.executor) {
+        if (index < m_exec.Size())
+            m_exec.At(index).state = entry.state;
+        if (done && m_exec.Size() == index + 1)
+            PopAndRelease();
+    }
     if (m_pending.Size() > pendingBase)
         MovePending(pendingBase);
 
@@ -538,7 +543,7 @@ Activation* Interpreter::NewActivation()
     if (activation) {
         m_freeActivations = activation->m_nextFree;
         if (activation->m_frameBlock)
-            --m_idleFrames;
+            m_idleFrameBytes -= activation->m_frameCapacity;
     } else {
         activation = new (std::nothrow) Activation();
         if (!activation)

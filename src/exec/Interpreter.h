@@ -121,6 +121,16 @@ public:
     // The callee entered that way has run its last statement but a request or error stops the loop: the
     // step loop finds it finished and ends it.
     void FinishCallInLoop() noexcept { m_exec.Top().state = ExecEntry::kFinished; }
+    // Whether a statement loop that the step loop entered for callee (`entry` is the step loop's copy of
+    // its entry) may, at the callee's end, leave it and go on with its caller itself: the caller is of
+    // the same statement loop (`runner`), waits on the execution stack right below the callee's marker
+    // for this call to end, and belongs to the run in progress. The scheduled way would end the callee
+    // and step the caller next; going on in the loop leaves the stacks exactly as that would.
+    [[nodiscard]] bool MayReturnIntoCaller(const Activation& callee, const ExecEntry& entry,
+                                           StatementRunner runner) const noexcept;
+    // The statement loop went on into the callers of the entry the step loop gave it: the step loop
+    // leaves the execution stack as the loop left it.
+    static void LeaveSteppedEntry(ExecEntry& entry) noexcept { entry.executor = nullptr; }
 
     // Schedules a module's entry procedure (variant A) onto the execution stack; no statement runs.
     // With popArguments its arguments are on the value stack and go when it ends. False when an error
@@ -399,8 +409,8 @@ private:
         // A free activation keeps its frame block for the next call, up to a number of them; the others
         // go back to the pool, which bounds what it keeps.
         if (activation.m_frameBlock) {
-            if (m_idleFrames < kMaxIdleFrames) {
-                ++m_idleFrames;
+            if (m_idleFrameBytes + activation.m_frameCapacity <= kMostIdleFrameBytes) {
+                m_idleFrameBytes += activation.m_frameCapacity;
             } else {
                 m_frames.Free(activation.m_frameBlock);
                 activation.m_frameBlock = nullptr;
@@ -429,6 +439,8 @@ private:
     int m_callDepth = 0;
     // Calls running nested on the native stack (CallFromCode).
     int m_inlineDepth = 0;
+    // The step loop's copy of the entry it steps now (null between steps).
+    const ExecEntry* m_steppedEntry = nullptr;
     Activation* m_current = nullptr;
     ExecStack m_exec;
     ExecStack m_pending;
@@ -439,9 +451,10 @@ private:
     ElementReferences m_references;
     FramePool m_frames;
     Activation* m_freeActivations = nullptr;
-    // Free activations that keep a frame block, and how many may.
-    std::size_t m_idleFrames = 0;
-    static constexpr std::size_t kMaxIdleFrames = 256;
+    // Bytes of the frame blocks that free activations keep: enough for a recursion some thousands of
+    // levels deep to run again without allocating, bounded so that one deep run does not hold memory.
+    std::size_t m_idleFrameBytes = 0;
+    static constexpr std::size_t kMostIdleFrameBytes = 1024 * 1024;
     ErrorRecord m_error;
     bool m_evaluating = false;
     int m_hostCallDepth = 0;

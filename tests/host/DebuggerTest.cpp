@@ -583,4 +583,56 @@ TEST_F(DebuggerTest, AStopDeepInNumericCallsSeesEveryFrameAndStepsOutOfThem)
     EXPECT_EQ((Texts{L"40&\r\n"}), Printed());
 }
 
+// After a stop deep in calls, the run goes on in one statement loop from the stopped frame up through
+// its callers: frames that own strings hand their results up, by-reference arguments reach the
+// caller's variable, and an error raised after the returns is trapped by the handler of the outermost
+// caller. Running the macro again (with the activations and frames the first run freed) gives the same.
+TEST_F(DebuggerTest, ContinuingFromDeepInCallsReturnsThroughEveryCaller)
+{
+    callBack.macros[L"up"] = Lines({
+        L"Function Count(ByVal n As Long, ByRef total As Long) As Long", // 1
+        L"    total = total + n",                                       // 2
+        L"    If n = 0 Then",                                           // 3
+        L"        Count = 0",                                           // 4
+        L"    Else",                                                    // 5
+        L"        Count = Count(n - 1, total) + 1",                     // 6
+        L"    End If",                                                  // 7
+        L"End Function",                                                // 8
+        L"",                                                            // 9
+        L"Function Label(ByVal n As Long) As String",                   // 10
+        L"    If n = 0 Then",                                           // 11
+        L"        Label = \"<\" & Count(30, 0) & \">\"",                // 12
+        L"    Else",                                                    // 13
+        L"        Label = Label(n - 1) & n Mod 10",                     // 14
+        L"    End If",                                                  // 15
+        L"End Function",                                                // 16
+        L"",                                                            // 17
+        L"Sub Main",                                                    // 18
+        L"    Dim total As Long, q As Long",                            // 19
+        L"    On Error GoTo Failed",                                    // 20
+        L"    Debug.Print Count(40, total); total; Label(12)",         // 21
+        L"    q = total \\ (Count(5, total) - 5)",                       // 22
+        L"    Exit Sub",                                                // 23
+        L"Failed:",                                                     // 24
+        L"    Debug.Print \"trapped\"; Err.Number; total",              // 25
+        L"End Sub",                                                     // 26
+    });
+    for (int round = 0; round < 2; ++round) {
+        callBack.printed.clear();
+        ASSERT_TRUE(Start(L"up"));
+        EXPECT_TRUE(Toggle(L"up", 4));
+        EXPECT_FALSE(Run(0));
+        ASSERT_TRUE(IsStopped());
+        EXPECT_EQ(42, StackDepth()) << "Main and 41 calls of Count";
+        EXPECT_FALSE(ContinueAndRun()) << "the second stop: in the Count that Label calls";
+        ASSERT_TRUE(IsStopped());
+        EXPECT_EQ(45, StackDepth()) << "Main, 13 calls of Label and 31 of Count";
+        EXPECT_FALSE(ContinueAndRun()) << "the third stop: in the Count of line 22";
+        ASSERT_TRUE(IsStopped());
+        EXPECT_FALSE(ContinueAndRun());
+        EXPECT_TRUE(IsIdle());
+        EXPECT_EQ((Texts{L"40&820&\"<30>123456789012\"\r\n", L"\"trapped\"10061&835&\r\n"}), Printed());
+    }
+}
+
 } // namespace
