@@ -1104,6 +1104,95 @@ std::size_t RegisterBuilder::JumpForward(const Operand* truthIn, bool when)
 
 void RegisterBuilder::LandHere(std::size_t jump) { m_program.ops[jump].a = static_cast<int>(m_program.ops.size()); }
 
+namespace {
+
+// Whether code reads the variable (the general For sets the counter before it computes the end and step,
+// which then see the new value).
+bool ReadsVariable(const Expression& code, const VariableRef& variable)
+{
+    for (const ExprOp& op : code.ops) {
+        if ((op.code == ExprOpCode::kLoad || op.code == ExprOpCode::kLoadRef) && op.scope == variable.scope &&
+            op.index == variable.index)
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+bool RegisterBuilder::WholeBound(const Expression& code, Operand& value)
+{
+    if (!Value(code, value) || value.special != Operand::Special::kNone || !IsWhole(value.kind))
+        return false;
+    UseAsLong(value);
+    return true;
+}
+
+bool RegisterBuilder::ForLong(const VariableRef& counter, const Expression& start, const Expression& end,
+                              const Expression* step, int endSlot, int stepSlot, int exitAddress)
+{
+    if (AddressPosition(exitAddress) != 0 || counter.scope != StorageScope::Local ||
+        IsByReferenceParameter(counter.index) || FixedKind(counter.type) != VT_I4 || ReadsVariable(end, counter) ||
+        (step && ReadsVariable(*step, counter)))
+        return false;
+    Operand first;
+    Operand last;
+    Operand by;
+    by.constant = true;
+    by.kind = VT_I4;
+    by.whole = 1;
+    if (!WholeBound(start, first) || !WholeBound(end, last) || (step && !WholeBound(*step, by)))
+        return false;
+    // The counter first, then the end and step in their slots as Longs (the counter's kind), as the
+    // general For keeps them.
+    const int counterOffset = SlotOffset(counter.index);
+    if (first.constant)
+        Emit(RegisterCode::kConstantWhole, counterOffset).constant.whole = first.whole;
+    else
+        Emit(RegisterCode::kMoveWhole, counterOffset, first.offset);
+    Release(first);
+    const Operand lastCell = Materialize(last);
+    Emit(RegisterCode::kStoreVariantWhole, SlotOffset(endSlot), lastCell.offset).kind = VT_I4;
+    Release(lastCell);
+    const Operand byCell = Materialize(by);
+    Emit(RegisterCode::kStoreVariantWhole, SlotOffset(stepSlot), byCell.offset).kind = VT_I4;
+    Release(byCell);
+    // The first test reads the kept payloads: past the end for a step of 0 or more when the counter is
+    // greater, for a negative step when it is less.
+    Operand counterValue;
+    counterValue.kind = VT_I4;
+    counterValue.offset = counterOffset;
+    Operand endValue = counterValue;
+    endValue.offset = SlotOffset(endSlot);
+    Operand stepValue = counterValue;
+    stepValue.offset = SlotOffset(stepSlot);
+    const auto leaveWhenPast = [&](OperationId test) {
+        Operand past;
+        if (!EmitWhole(test, VT_I4, counterValue, endValue, past) || !JumpIf(past, true, exitAddress))
+            return false;
+        Release(past);
+        return true;
+    };
+    if (by.constant)
+        return leaveWhenPast(by.whole < 0 ? OperationId::kLess : OperationId::kGreater);
+    Operand zero;
+    zero.constant = true;
+    zero.kind = VT_I4;
+    Operand negative;
+    if (!EmitWhole(OperationId::kLess, VT_I4, stepValue, zero, negative))
+        return false;
+    const std::size_t toNegative = JumpForward(&negative, true);
+    Release(negative);
+    if (!leaveWhenPast(OperationId::kGreater))
+        return false;
+    const std::size_t toEnd = JumpForward(nullptr, false);
+    LandHere(toNegative);
+    if (!leaveWhenPast(OperationId::kLess))
+        return false;
+    LandHere(toEnd);
+    return true;
+}
+
 bool RegisterBuilder::NextLong(const VariableRef& counter, int stepSlot, int endSlot, int address)
 {
     if (AddressPosition(address) != 0 || counter.scope != StorageScope::Local || IsByReferenceParameter(counter.index) ||

@@ -76,6 +76,11 @@ public:
     // later; answers the jump's operation.
     std::size_t JumpForward(const Operand* truth, bool when);
     void LandHere(std::size_t jump);
+    // For of a Long counter local: whole start, end and step (null: 1), the end and step kept in their
+    // slots as Next reads them, and the first test, which leaves the loop for exitAddress when the
+    // counter is already past the end. Nothing gives up once the counter is set.
+    bool ForLong(const VariableRef& counter, const Expression& start, const Expression& end, const Expression* step,
+                 int endSlot, int stepSlot, int exitAddress);
     // Next of a Long counter local with its step and end slots, looping back to address.
     bool NextLong(const VariableRef& counter, int stepSlot, int endSlot, int address);
     // The same for a Variant counter local that holds whole numbers.
@@ -145,6 +150,8 @@ private:
     bool EmitReal(OperationId op, const Operand& left, const Operand& right, Operand& result);
     // The operand is used where a Long would do as well: its Integer operation drops the range check.
     void UseAsLong(const Operand& operand);
+    // A For bound: a whole value of pure numeric code, used as a Long.
+    bool WholeBound(const Expression& code, Operand& value);
     // A whole operand as a Double (a constant converted, a cell through WholeToReal).
     Operand AsReal(const Operand& operand);
     bool IsByReferenceParameter(int slot) const;

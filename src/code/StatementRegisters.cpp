@@ -76,6 +76,12 @@ bool BranchStatement::EmitRegisters(RegisterBuilder& builder)
     return builder.SelectRanges(selector, m_selectorSlot, ranges, m_targets, m_elseTarget);
 }
 
+bool ForStatement::EmitRegisters(RegisterBuilder& builder)
+{
+    return builder.ForLong(m_counter, m_start, m_end, m_step.IsEmpty() ? nullptr : &m_step, m_endSlot, m_stepSlot,
+                           m_exitTarget);
+}
+
 bool NextStatement::EmitRegisters(RegisterBuilder& builder)
 {
     if (m_counterKind == VT_VARIANT)

@@ -441,6 +441,7 @@ public:
     {
     }
     [[nodiscard]] bool Step(ExecEntry& entry) override;
+    bool EmitRegisters(RegisterBuilder& builder) override;
     void SetExitTarget(int index) { m_exitTarget = index; }
     const VariableRef& Counter() const { return m_counter; }
     int EndSlot() const { return m_endSlot; }
