@@ -32,7 +32,9 @@ bool Interpreter::MayReturnIntoCaller(const Activation& callee, const ExecEntry&
                                       StatementRunner runner) const noexcept
 {
     const Activation* caller = callee.m_caller;
+    // A call from the host (or one whose errors go back to a host call) ends where the host sees it.
     if (&entry != m_steppedEntry || callee.m_kind != ActivationKind::Call || callee.m_popArguments || !caller ||
+        callee.m_hostCallBoundary || callee.m_passesErrorsOut ||
         caller->m_resumeOperation < 0 || caller->m_procedure->Table().runner != runner || HaltFlags::Any() ||
         m_stepCounter < 1 || m_runLevel < 1)
         return false;
