@@ -224,8 +224,10 @@ __attribute__((always_inline)) inline bool BranchStatement::MatchesText(const Di
     for (; test != end; ++test) {
         // The usual Case "text": lengths first, then the code units.
         if (!test->range && test->op == OperationId::kEqual) {
+            // The first code units in line: most items that differ differ there, without a call.
             if (selector.size() == test->lowText.size() &&
-                (selector.empty() || std::wmemcmp(selector.data(), test->lowText.data(), selector.size()) == 0))
+                (selector.empty() || (selector[0] == test->lowText[0] &&
+                                      std::wmemcmp(selector.data(), test->lowText.data(), selector.size()) == 0)))
                 return true;
             continue;
         }

@@ -110,14 +110,4 @@ bool TextComparison::Compile(const Expression& code, const CompiledProcedure& pr
     return false;
 }
 
-bool TextComparison::EvaluateCondition(const RunContext& context, bool& truth) const
-{
-    std::wstring_view left;
-    std::wstring_view right;
-    if (!m_left.Read(context, left) || !m_right.Read(context, right))
-        return false;
-    truth = TextOrderHolds(m_op, left, right);
-    return true;
-}
-
 } // namespace brannoc

@@ -74,8 +74,10 @@ bool TextOperand::Read(const RunContext& context, std::wstring_view& text) const
 [[nodiscard]] inline bool TextOrderHolds(OperationId op, std::wstring_view left, std::wstring_view right)
 {
     if (op == OperationId::kEqual || op == OperationId::kNotEqual) {
+        // The first code units in line: most texts that differ differ there, without a call.
         const bool equal = left.size() == right.size() &&
-                           (left.empty() || std::wmemcmp(left.data(), right.data(), left.size()) == 0);
+                           (left.empty() || (left[0] == right[0] &&
+                                             std::wmemcmp(left.data(), right.data(), left.size()) == 0));
         return equal == (op == OperationId::kEqual);
     }
     return OrderHolds(op, left.compare(right));
@@ -88,7 +90,16 @@ public:
     // Compiles a condition's code: left operand, right operand, comparison.
     bool Compile(const Expression& code, const CompiledProcedure& procedure);
     bool IsReady() const noexcept { return m_left.IsReady(); }
-    [[nodiscard]] bool EvaluateCondition(const RunContext& context, bool& truth) const;
+    // In line: constants and local Strings, the usual operands, are read without a call.
+    [[nodiscard, gnu::always_inline]] inline bool EvaluateCondition(const RunContext& context, bool& truth) const
+    {
+        std::wstring_view left;
+        std::wstring_view right;
+        if (!m_left.Read(context, left) || !m_right.Read(context, right))
+            return false;
+        truth = TextOrderHolds(m_op, left, right);
+        return true;
+    }
 
 private:
     TextOperand m_left;

@@ -44,7 +44,7 @@ UINT StringCapacity(BSTR text) noexcept
 {
     if (!text)
         return 0;
-    UINT length = SysStringLen(text);
+    UINT length = TextLength(text);
     IMalloc* allocator = TaskAllocator();
     if (!allocator)
         return length;
@@ -58,7 +58,7 @@ UINT StringCapacity(BSTR text) noexcept
 bool AppendToString(Variant& target, std::wstring_view tail)
 {
     BSTR text = target.String();
-    UINT length = SysStringLen(text);
+    UINT length = TextLength(text);
     if (tail.empty())
         return true;
     if (tail.size() > kMaxStringLength - length)
@@ -94,7 +94,7 @@ bool AssignText(VARIANT& storage, std::wstring_view text, bool& stored)
         return RaiseValueError(kErrorOutOfMemory);
     const auto length = static_cast<UINT>(text.size());
     BSTR old = slot ? *slot : nullptr;
-    if (old && (length <= SysStringLen(old) || length <= StringCapacity(old))) {
+    if (old && (length <= TextLength(old) || length <= StringCapacity(old))) {
         // The text may be part of the stored string: the ranges may overlap.
         if (length)
             std::wmemmove(old, text.data(), length);
