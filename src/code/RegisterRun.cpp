@@ -300,33 +300,24 @@ op_End:
         // The activation the step loop gave this loop has ended. When its caller waits right below it for
         // this call, the loop ends the call and goes on in the caller, as it does for calls it entered
         // itself (after a yield inside a deep recursion, each level's return stays in one loop).
-        if (interpreter.MayReturnIntoCaller(*bottom, entry, &RunRegisterProgram)) {
-            Activation* caller = bottom->Caller();
-            interpreter.LeaveCallInLoop(*bottom);
-            Interpreter::LeaveSteppedEntry(entry);
-            bottom = caller;
-            enter(*caller, caller->OwnProcedure().Table().runnerData);
-            if (HaltFlags::Any())
+        if (!interpreter.MayReturnIntoCaller(*bottom, entry, &RunRegisterProgram)) {
+            if (bottom != &base) {
+                // The step loop's entry is gone: the caller's own entry is the one on top now.
+                interpreter.FinishCallInLoop();
                 return false;
-            pc = ops + activation->TakeResumeOperation();
-            called = true;
-            BRANNOC_DISPATCH();
+            }
+            entry.state = ExecEntry::kFinished;
+            return !HaltFlags::Any();
         }
-        if (bottom != &base) {
-            // The step loop's entry is gone: the caller's own entry is the one on top now.
-            interpreter.FinishCallInLoop();
-            return false;
-        }
-        entry.state = ExecEntry::kFinished;
-        return !HaltFlags::Any();
+        Interpreter::LeaveSteppedEntry(entry);
+        bottom = bottom->Caller();
+    } else if (HaltFlags::Any()) {
+        // A callee the loop entered itself has ended, but a request or error recorded by its last
+        // statement is seen to by the step loop first, which then ends the call as it ends a scheduled one.
+        interpreter.FinishCallInLoop();
+        return false;
     }
     {
-        // A callee the loop entered itself has ended. A request or error recorded by its last statement
-        // is seen to by the step loop first, which then ends the call as it ends a scheduled one.
-        if (HaltFlags::Any()) {
-            interpreter.FinishCallInLoop();
-            return false;
-        }
         Activation* caller = activation->Caller();
         interpreter.LeaveCallInLoop(*activation);
         enter(*caller, caller->OwnProcedure().Table().runnerData);
