@@ -6,6 +6,8 @@
 #include "frontend/Lexer.h"
 #include "frontend/ModuleSource.h"
 
+#include <algorithm>
+
 namespace brannoc {
 namespace {
 
@@ -439,6 +441,7 @@ ReadResult DeclarationReader::ReadType(Visibility visibility)
             continue;
         }
         element.name.assign(m_lexer.Text());
+        const char* const namePosition = m_lexer.TokenStart();
         m_lexer.NextToken();
         const bool hasSuffix = ReadTypeSuffix(element.type);
         bool isArray = false;
@@ -458,6 +461,17 @@ ReadResult DeclarationReader::ReadType(Visibility visibility)
         if (isArray)
             element.type.code = element.type.code.WithRank(
                 dynamic ? TypeCode::kDynamicRank : static_cast<int>(element.bounds.size()));
+        // One element a line; a second element of the same name would leave its uses unclear.
+        if (!IsEndOfStatement(m_lexer.Kind()) && m_lexer.Kind() != Token::Rem) {
+            m_lexer.SignalError(CompileMessage::UnexpectedText);
+            continue;
+        }
+        const std::string upperName = UpperName(element.name);
+        if (std::any_of(userType->elements.begin(), userType->elements.end(),
+                        [&](const UserTypeElement& other) { return UpperName(other.name) == upperName; })) {
+            m_lexer.SignalErrorAt(CompileMessage::IdentifierIsAlreadyInUse, element.name, namePosition);
+            continue;
+        }
         const std::uint32_t elementSize = StorageSizeOf(element.type, isArray);
         if (elementSize > kMaxStorageSize) {
             m_lexer.SignalError(CompileMessage::ElementIsTooBig);
