@@ -189,9 +189,10 @@ bool AssignStatement::ExecuteOther()
             return true;
     } else if (m_directStore == DirectStore::kUntried) {
         // A String or Variant variable assigned a string read in place (s = names(i), s = t).
-        if (PrepareTextStore(true) && DirectFormsEnabled())
+        if (!PrepareTextStore(true))
+            m_directStore = DirectStore::kNone;
+        else if (DirectFormsEnabled())
             return StoreText(*this, context) || ExecuteFrom(0);
-        m_directStore = DirectStore::kNone;
     }
     return ExecuteFrom(0);
 }

@@ -222,12 +222,9 @@ __attribute__((always_inline)) inline bool BranchStatement::MatchesText(const Di
     const CaseTest* test = m_caseTests.data() + branch.firstTest;
     const CaseTest* end = test + branch.testCount;
     for (; test != end; ++test) {
-        // The usual Case "text": lengths first, then the code units.
+        // The usual Case "text".
         if (!test->range && test->op == OperationId::kEqual) {
-            // The first code units in line: most items that differ differ there, without a call.
-            if (selector.size() == test->lowText.size() &&
-                (selector.empty() || (selector[0] == test->lowText[0] &&
-                                      std::wmemcmp(selector.data(), test->lowText.data(), selector.size()) == 0)))
+            if (SameText(selector, test->lowText))
                 return true;
             continue;
         }

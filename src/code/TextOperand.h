@@ -69,17 +69,20 @@ bool TextOperand::Read(const RunContext& context, std::wstring_view& text) const
     return ReadElsewhere(context, text);
 }
 
+// Whether two texts are equal code unit by code unit: lengths first, then the first code units in line
+// (most texts that differ differ there), then the rest by a call.
+[[nodiscard]] inline bool SameText(std::wstring_view left, std::wstring_view right)
+{
+    return left.size() == right.size() &&
+           (left.empty() || (left[0] == right[0] && std::wmemcmp(left.data(), right.data(), left.size()) == 0));
+}
+
 // Code units compared from the first, the shorter of two texts less when it is the other's start: the
 // order of two Strings (negative, 0 or positive). Equality tests lengths first.
 [[nodiscard]] inline bool TextOrderHolds(OperationId op, std::wstring_view left, std::wstring_view right)
 {
-    if (op == OperationId::kEqual || op == OperationId::kNotEqual) {
-        // The first code units in line: most texts that differ differ there, without a call.
-        const bool equal = left.size() == right.size() &&
-                           (left.empty() || (left[0] == right[0] &&
-                                             std::wmemcmp(left.data(), right.data(), left.size()) == 0));
-        return equal == (op == OperationId::kEqual);
-    }
+    if (op == OperationId::kEqual || op == OperationId::kNotEqual)
+        return SameText(left, right) == (op == OperationId::kEqual);
     return OrderHolds(op, left.compare(right));
 }
 

@@ -406,8 +406,8 @@ private:
         activation.m_procedure = nullptr;
         activation.m_caller = nullptr;
         activation.m_instance = nullptr;
-        // A free activation keeps its frame block for the next call, up to a number of them; the others
-        // go back to the pool, which bounds what it keeps.
+        // A free activation keeps its frame block for the next call while the kept blocks stay within
+        // their byte budget; the others go back to the pool, which bounds what it keeps.
         if (activation.m_frameBlock) {
             if (m_idleFrameBytes + activation.m_frameCapacity <= kMostIdleFrameBytes) {
                 m_idleFrameBytes += activation.m_frameCapacity;

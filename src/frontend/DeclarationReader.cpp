@@ -461,7 +461,7 @@ ReadResult DeclarationReader::ReadType(Visibility visibility)
         if (isArray)
             element.type.code = element.type.code.WithRank(
                 dynamic ? TypeCode::kDynamicRank : static_cast<int>(element.bounds.size()));
-        // One element a line; a second element of the same name would leave its uses unclear.
+        // One element a line, and each name once (a second element of a name would leave its uses unclear).
         if (!IsEndOfStatement(m_lexer.Kind()) && m_lexer.Kind() != Token::Rem) {
             m_lexer.SignalError(CompileMessage::UnexpectedText);
             continue;
