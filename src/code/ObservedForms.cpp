@@ -4,12 +4,39 @@ namespace brannoc {
 
 namespace {
 
+RegisterOp& MarkerOperation(RegisterProgram& program, int index)
+{
+    return program.ops[static_cast<std::size_t>(program.entries[static_cast<std::size_t>(index)])];
+}
+
 RegisterOp& EntryOperation(RegisterProgram& program, int index)
 {
     return program.ops[static_cast<std::size_t>(program.entries[static_cast<std::size_t>(index)]) + 1];
 }
 
 } // namespace
+
+void MatchMarkerToEntry(RegisterProgram& program, int index)
+{
+    RegisterOp& marker = MarkerOperation(program, index);
+    if (marker.code != RegisterCode::kStatement && marker.code != RegisterCode::kStatementJump)
+        return;
+    const RegisterOp& entry = EntryOperation(program, index);
+    if (entry.code == RegisterCode::kJump) {
+        marker.code = RegisterCode::kStatementJump;
+        marker.b = entry.a;
+    } else {
+        marker.code = RegisterCode::kStatement;
+    }
+}
+
+void EnterFormAt(RegisterProgram& program, int index, int start)
+{
+    RegisterOp& entry = EntryOperation(program, index);
+    entry.code = RegisterCode::kJump;
+    entry.a = start;
+    MatchMarkerToEntry(program, index);
+}
 
 void RecordObservedForm(RegisterProgram& program, int index, int start)
 {
@@ -38,14 +65,14 @@ void ChooseNextForm(RegisterProgram& program, int index)
         const std::size_t next = current + 1 < count ? current + 1 : 0;
         if (program.formTries[at] < 255)
             ++program.formTries[at];
-        entry.code = RegisterCode::kJump;
-        entry.a = (*forms)[next];
+        EnterFormAt(program, index, (*forms)[next]);
         program.observed[at] = 1;
         return;
     }
     entry.code = mayMakeNew ? RegisterCode::kObserve : RegisterCode::kGeneral;
     entry.a = index;
     program.observed[at] = 0;
+    MatchMarkerToEntry(program, index);
 }
 
 } // namespace brannoc

@@ -9,6 +9,14 @@
 
 namespace brannoc {
 
+// Points statement `index` at the form starting at operation `start`: its entry operation jumps there,
+// and its marker, while it is a plain marker, goes there itself (one dispatch fewer for each run).
+void EnterFormAt(RegisterProgram& program, int index, int start);
+
+// Makes statement `index`'s marker a plain one or one that goes straight to its form, as its entry
+// operation stands now; a marker in another role (a replaced statement) is left as it is.
+void MatchMarkerToEntry(RegisterProgram& program, int index);
+
 // Notes that statement `index` was given the form starting at operation `start`.
 void RecordObservedForm(RegisterProgram& program, int index, int start);
 

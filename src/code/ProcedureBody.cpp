@@ -10,6 +10,7 @@
 #include "code/RecordAccess.h"
 #include "code/RegisterBuilder.h"
 #include "code/MemberCall.h"
+#include "code/ObservedForms.h"
 #include "values/Operators.h"
 #include "exec/Activation.h"
 #include "exec/HaltFlags.h"
@@ -745,8 +746,11 @@ Node* CompiledProcedure::ReplaceStatement(int index, Node* statement)
         const auto at = static_cast<std::size_t>(index);
         if (at < m_registers->entries.size()) {
             RegisterOp& marker = m_registers->ops[static_cast<std::size_t>(m_registers->entries[at])];
-            if (marker.code == RegisterCode::kStatement || marker.code == RegisterCode::kReplaced)
+            if (marker.code == RegisterCode::kStatement || marker.code == RegisterCode::kStatementJump ||
+                marker.code == RegisterCode::kReplaced) {
                 marker.code = statement == m_statementObjects[at] ? RegisterCode::kStatement : RegisterCode::kReplaced;
+                MatchMarkerToEntry(*m_registers, index);
+            }
         }
     }
     return previous;

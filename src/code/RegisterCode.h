@@ -31,6 +31,7 @@ class Module;
 // from the operation's constant.
 #define BRANNOC_REGISTER_OPERATIONS(X)                                                                          \
     X(Statement)         /* a: statement index; enters it */                                                  \
+    X(StatementJump)     /* a: statement index; enters it and goes on at operation b (its current form) */      \
     X(Replaced)          /* a: statement index; enters it and runs the object that stands in its place */      \
     X(General)           /* a: statement index; runs the statement object */                                   \
     X(Observe)           /* a: statement index; makes the statement's form for the kinds its Variants hold */  \

@@ -23,10 +23,15 @@ namespace brannoc {
 namespace {
 
 // A double result that the register form may keep: a normal number, or a zero that is exact.
+// Compared on each side of zero rather than through the magnitude: the compiler computes fabs on the
+// x87 stack here, a round trip through memory on the path of every Double operation.
 inline bool IsKeptReal(double value, bool exactZero)
 {
-    const double magnitude = std::fabs(value);
-    return (magnitude >= DBL_MIN && magnitude <= DBL_MAX) || (value == 0 && exactZero);
+    if (value >= DBL_MIN)
+        return value <= DBL_MAX;
+    if (value <= -DBL_MIN)
+        return value >= -DBL_MAX;
+    return value == 0 && exactZero;
 }
 
 inline bool FitsInteger(LONG value) { return value >= SHRT_MIN && value <= SHRT_MAX; }
@@ -234,6 +239,16 @@ op_Statement:
     activation->EnterStatement(pc->a);
     called = false;
     BRANNOC_NEXT();
+op_StatementJump:
+    // A statement over Variants whose form was made: the marker goes straight to it.
+    if (HaltFlags::Any() || interpreter.StatementCheckStops(*activation, pc->a)) {
+        activation->HoldAt(pc->a);
+        return false;
+    }
+    activation->EnterStatement(pc->a);
+    called = false;
+    pc = ops + pc->b;
+    BRANNOC_DISPATCH();
 op_Replaced:
     // A break point stands in the statement's place: its object runs instead of the statement's form.
     if (HaltFlags::Any() || interpreter.StatementCheckStops(*activation, pc->a)) {
@@ -273,7 +288,6 @@ give_up: {
 }
 op_Observe: {
     const int index = pc->a;
-    RegisterOp& self = program->ops[static_cast<std::size_t>(pc - ops)];
     int start = 0;
     if (program->formsLeft[static_cast<std::size_t>(index)] > 0) {
         --program->formsLeft[static_cast<std::size_t>(index)];
@@ -281,8 +295,7 @@ op_Observe: {
             program->observed[static_cast<std::size_t>(index)] = 1;
             program->givenUp[static_cast<std::size_t>(index)] = 0;
             RecordObservedForm(*program, index, start);
-            self.code = RegisterCode::kJump;
-            self.a = start;
+            EnterFormAt(*program, index, start);
             pc = ops + start;
             BRANNOC_DISPATCH();
         }

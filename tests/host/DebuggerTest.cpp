@@ -165,6 +165,35 @@ TEST_F(DebuggerTest, ABreakPointInALoopStopsEachTime)
     EXPECT_EQ((Texts{L"6&\r\n"}), Printed());
 }
 
+// A statement over Variants runs in the form made for the kinds they held; a break point set on it in
+// the middle of the loop still stops there, and once cleared the loop goes on in that form.
+TEST_F(DebuggerTest, ABreakPointOnAStatementOverVariantsStopsAfterItsFormWasMade)
+{
+    callBack.macros[L"kinds"] = Lines({
+        L"Sub Main",                          // 1
+        L"    Dim i, total",                  // 2
+        L"    total = 0",                     // 3
+        L"    For i = 1 To 100",              // 4
+        L"        total = total + i * 2",     // 5
+        L"        If i = 50 Then Stop",       // 6
+        L"    Next i",                        // 7
+        L"    Debug.Print total; i",          // 8
+        L"End Sub",                           // 9
+    });
+    ASSERT_TRUE(Start(L"kinds"));
+    EXPECT_FALSE(Run(0));
+    ASSERT_TRUE(IsStopped());
+    EXPECT_EQ(L"[kinds|Main#  6] If i = 50 Then Stop", CurrentLine());
+    EXPECT_TRUE(Toggle(L"kinds", 5));
+    EXPECT_FALSE(ContinueAndRun());
+    ASSERT_TRUE(IsStopped());
+    EXPECT_EQ(L"[kinds|Main#  5] total = total + i * 2", CurrentLine());
+    EXPECT_TRUE(Toggle(L"kinds", 5));
+    EXPECT_FALSE(ContinueAndRun());
+    EXPECT_FALSE(IsStopped());
+    EXPECT_EQ((Texts{L"10100%101%\r\n"}), Printed());
+}
+
 TEST_F(DebuggerTest, TheStopStatementStopsAndContinuingDoesNotStopOnItAgain)
 {
     callBack.macros[L"stops"] = Lines({
