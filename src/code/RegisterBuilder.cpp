@@ -677,11 +677,15 @@ bool RegisterBuilder::Load(const ExprOp& op, std::vector<Operand>& stack)
         if (held == VT_EMPTY)
             return false;
         Operand cell = NewTemporary(held);
-        const RegisterCode code = op.scope == StorageScope::Local
-                                      ? ByWidth(held, RegisterCode::kLoadRefWhole, RegisterCode::kLoadRefNarrow,
-                                                RegisterCode::kLoadRefReal)
-                                      : ByWidth(held, RegisterCode::kLoadModuleWhole, RegisterCode::kLoadModuleNarrow,
-                                                RegisterCode::kLoadModuleReal);
+        // A Variant local holds its value in its own cell; a by-reference parameter may refer to another.
+        const RegisterCode code =
+            op.scope != StorageScope::Local
+                ? ByWidth(held, RegisterCode::kLoadModuleWhole, RegisterCode::kLoadModuleNarrow,
+                          RegisterCode::kLoadModuleReal)
+            : IsByReferenceParameter(op.index)
+                ? ByWidth(held, RegisterCode::kLoadRefWhole, RegisterCode::kLoadRefNarrow, RegisterCode::kLoadRefReal)
+                : ByWidth(held, RegisterCode::kLoadVariantWhole, RegisterCode::kLoadVariantNarrow,
+                          RegisterCode::kLoadVariantReal);
         Emit(code, cell.offset, op.scope == StorageScope::Local ? SlotOffset(op.index) : op.index).kind = held;
         stack.push_back(cell);
         return true;
@@ -959,6 +963,7 @@ bool RegisterBuilder::Store(const VariableRef& target, const Operand& valueIn)
             (target.scope != StorageScope::Local && (target.scope != StorageScope::Module || target.module)))
             return false;
         const bool local = target.scope == StorageScope::Local;
+        const bool own = local && !IsByReferenceParameter(target.index);
         // Integer and Long +, - and * computed just before: the result climbs to the next kind instead
         // of giving up when it leaves its own (a counter growing past the Integer range, a product past
         // the Long range), and the Variant takes the kind the result has.
@@ -969,17 +974,21 @@ bool RegisterBuilder::Store(const VariableRef& target, const Operand& valueIn)
             if (promoting != RegisterCode::kCount) {
                 producer.kind = producer.code >= RegisterCode::kAddInteger ? VT_I2 : VT_I4;
                 producer.code = promoting;
-                Emit(local ? RegisterCode::kStoreVariantTagged : RegisterCode::kStoreModuleVariantTagged,
+                Emit(own     ? RegisterCode::kStoreOwnVariantTagged
+                     : local ? RegisterCode::kStoreVariantTagged
+                             : RegisterCode::kStoreModuleVariantTagged,
                      local ? SlotOffset(target.index) : target.index, valueIn.offset);
                 return true;
             }
         }
         const Operand value = Materialize(valueIn);
-        const RegisterCode code = local ? ByWidth(value.kind, RegisterCode::kStoreVariantWhole,
-                                                  RegisterCode::kStoreVariantNarrow, RegisterCode::kStoreVariantReal)
-                                        : ByWidth(value.kind, RegisterCode::kStoreModuleVariantWhole,
-                                                  RegisterCode::kStoreModuleVariantNarrow,
-                                                  RegisterCode::kStoreModuleVariantReal);
+        const RegisterCode code = own ? ByWidth(value.kind, RegisterCode::kStoreOwnVariantWhole,
+                                                RegisterCode::kStoreOwnVariantNarrow, RegisterCode::kStoreOwnVariantReal)
+                                  : local ? ByWidth(value.kind, RegisterCode::kStoreVariantWhole,
+                                                    RegisterCode::kStoreVariantNarrow, RegisterCode::kStoreVariantReal)
+                                          : ByWidth(value.kind, RegisterCode::kStoreModuleVariantWhole,
+                                                    RegisterCode::kStoreModuleVariantNarrow,
+                                                    RegisterCode::kStoreModuleVariantReal);
         Emit(code, local ? SlotOffset(target.index) : target.index, value.offset).kind = value.kind;
         return true;
     }

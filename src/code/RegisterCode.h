@@ -67,6 +67,13 @@ class Module;
     X(StoreModuleVariantNarrow)                                                                                 \
     X(StoreModuleVariantReal)                                                                                   \
     X(StoreVariantTagged) /* the Variant in slot offset a takes the kind and payload of temporary b */        \
+    X(LoadVariantWhole)  /* a = payload of the Variant local in slot offset b (its own cell) holding `kind` */ \
+    X(LoadVariantNarrow)                                                                                        \
+    X(LoadVariantReal)                                                                                          \
+    X(StoreOwnVariantWhole) /* the StoreVariant forms for a Variant local's own cell (never a reference) */    \
+    X(StoreOwnVariantNarrow)                                                                                    \
+    X(StoreOwnVariantReal)                                                                                      \
+    X(StoreOwnVariantTagged)                                                                                    \
     X(StoreModuleVariantTagged)                                                                                 \
     X(PromoteAdd)        /* temporary a = b + c with its kind: `kind` (Integer or Long) or the next wider */   \
     X(PromoteAddK)                                                                                              \

@@ -56,6 +56,22 @@ inline VARIANT* PlainVariant(VARIANT* cell)
     return (cell->vt & VT_BYREF) == 0 && OwnsNothing(cell->vt) ? cell : nullptr;
 }
 
+// The cell of a Variant local that is not a by-reference parameter: it holds its value itself, so no
+// reference is followed. Null when it does not hold kind.
+inline VARIANT* OwnVariant(char* frame, int offset, VARTYPE kind)
+{
+    auto* cell = reinterpret_cast<VARIANT*>(frame + offset - 8);
+    return cell->vt == kind ? cell : nullptr;
+}
+
+// The same cell when a store may overwrite it (it holds a value that owns nothing); else null. A cell
+// that holds anything else, a reference included, leaves the store to the general code.
+inline VARIANT* OwnPlainVariant(char* frame, int offset)
+{
+    auto* cell = reinterpret_cast<VARIANT*>(frame + offset - 8);
+    return (cell->vt & VT_BYREF) == 0 && OwnsNothing(cell->vt) ? cell : nullptr;
+}
+
 // A form made for the kinds some Variants held gave up: after a few times it is made again for the
 // kinds they hold then (or, with no forms left, the statement runs as its object from now on).
 void NoteGivingUp(RegisterProgram& program, int index)
@@ -447,6 +463,7 @@ op_StoreNarrowChecked: {
     }
     BRANNOC_TAGGED_STORE(op_StoreVariantTagged, BRANNOC_VARIANT_CELL_AT(pc->a))
     BRANNOC_TAGGED_STORE(op_StoreModuleVariantTagged, BRANNOC_MODULE_VARIANT_CELL_AT(pc->a))
+    BRANNOC_TAGGED_STORE(op_StoreOwnVariantTagged, OwnPlainVariant(frame, pc->a))
     BRANNOC_PROMOTING(op_PromoteAdd, false, +)
     BRANNOC_PROMOTING(op_PromoteAddK, true, +)
     BRANNOC_PROMOTING(op_PromoteSubtract, false, -)
@@ -483,6 +500,12 @@ op_StoreNarrowChecked: {
     BRANNOC_CELL_STORE(op_StoreVariantWhole, BRANNOC_VARIANT_CELL(pc->a), VT_I4, lVal, LONG, BRANNOC_WHOLE)
     BRANNOC_CELL_STORE(op_StoreVariantNarrow, BRANNOC_VARIANT_CELL(pc->a), pc->kind, iVal, SHORT, BRANNOC_WHOLE)
     BRANNOC_CELL_STORE(op_StoreVariantReal, BRANNOC_VARIANT_CELL(pc->a), VT_R8, dblVal, double, BRANNOC_REAL)
+    BRANNOC_CELL_LOAD(op_LoadVariantWhole, OwnVariant(frame, pc->b, VT_I4), lVal, BRANNOC_WHOLE)
+    BRANNOC_CELL_LOAD(op_LoadVariantNarrow, OwnVariant(frame, pc->b, static_cast<VARTYPE>(pc->kind)), iVal, BRANNOC_WHOLE)
+    BRANNOC_CELL_LOAD(op_LoadVariantReal, OwnVariant(frame, pc->b, VT_R8), dblVal, BRANNOC_REAL)
+    BRANNOC_CELL_STORE(op_StoreOwnVariantWhole, OwnPlainVariant(frame, pc->a), VT_I4, lVal, LONG, BRANNOC_WHOLE)
+    BRANNOC_CELL_STORE(op_StoreOwnVariantNarrow, OwnPlainVariant(frame, pc->a), pc->kind, iVal, SHORT, BRANNOC_WHOLE)
+    BRANNOC_CELL_STORE(op_StoreOwnVariantReal, OwnPlainVariant(frame, pc->a), VT_R8, dblVal, double, BRANNOC_REAL)
     BRANNOC_CELL_STORE(op_StoreModuleVariantWhole, BRANNOC_MODULE_VARIANT_CELL(pc->a), VT_I4, lVal, LONG, BRANNOC_WHOLE)
     BRANNOC_CELL_STORE(op_StoreModuleVariantNarrow, BRANNOC_MODULE_VARIANT_CELL(pc->a), pc->kind, iVal, SHORT, BRANNOC_WHOLE)
     BRANNOC_CELL_STORE(op_StoreModuleVariantReal, BRANNOC_MODULE_VARIANT_CELL(pc->a), VT_R8, dblVal, double, BRANNOC_REAL)
