@@ -42,12 +42,23 @@ bool FieldWalk::Compile(int path, const CompiledProcedure& procedure)
     }
     m_path = &walk;
     m_field = last.field;
+    m_elementOfRoot = walk.withLevel < 0 && walk.steps.size() == 2 && m_indexStep == 0;
     return true;
 }
 
 char* FieldWalk::FindRecord(const RunContext& context, LONG position) const
 {
     const RecordPath& path = *m_path;
+    if (m_elementOfRoot) {
+        const VARIANT* root = StorageOf(context, path.root.scope, path.root.index, path.root.module);
+        if (root && root->vt == (VT_ARRAY | VT_RECORD)) {
+            SAFEARRAY* array = root->parray;
+            return array && (array->fFeatures & FADF_RECORD) && array->cbElements == m_elementSize
+                       ? ElementOfVector(array, position)
+                       : nullptr;
+        }
+        // A root held by reference, or one that holds something else: the walk below sees to it.
+    }
     VARIANT* storage = nullptr;
     if (path.withLevel >= 0) {
         const Activation& activation = *context.activation;

@@ -35,6 +35,9 @@ private:
     // The step that is the index (-1: none), and the size of the records that array holds.
     int m_indexStep = -1;
     ULONG m_elementSize = 0;
+    // The path is a variable's array of records, its index and the field (people(k).Name): the record
+    // is the element, found without walking the steps.
+    bool m_elementOfRoot = false;
 };
 
 } // namespace brannoc
