@@ -25,7 +25,7 @@ void MatchMarkerToEntry(RegisterProgram& program, int index)
     if (entry.code == RegisterCode::kJump) {
         marker.code = RegisterCode::kStatementJump;
         marker.b = entry.a;
-    } else {
+    } else if (marker.code == RegisterCode::kStatementJump) {
         marker.code = RegisterCode::kStatement;
     }
 }

@@ -167,10 +167,24 @@ void RegisterBuilder::Build()
     }
     m_program.temporaryLimit = m_program.temporaryCount;
     ResolveJumpTargets();
+    PairEmptyStatements();
     // Range tables are complete: the operations point at them.
     for (RegisterOp& op : m_program.ops) {
         if (op.code == RegisterCode::kSelectRanges)
             op.constant.pointer = m_program.rangeTables[static_cast<std::size_t>(op.c)].data();
+    }
+}
+
+void RegisterBuilder::PairEmptyStatements()
+{
+    // A statement with no operations of its own (End If, Else, a Case line) is entered together with
+    // the statement after it when that one's marker follows at once.
+    std::vector<RegisterOp>& ops = m_program.ops;
+    for (std::size_t i = 0; i + 1 < ops.size(); ++i) {
+        if (ops[i].code == RegisterCode::kStatement && ops[i + 1].code == RegisterCode::kStatement) {
+            ops[i].code = RegisterCode::kStatementPair;
+            ops[i].c = kPairedMarker;
+        }
     }
 }
 

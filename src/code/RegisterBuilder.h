@@ -116,6 +116,8 @@ private:
     };
 
     // One statement: its operations, or a General operation when it has none (or has been replaced).
+    // Markers of empty statements followed at once by another marker become kStatementPair.
+    void PairEmptyStatements();
     void BuildStatement(int index, Statement* statement);
 
     int SlotOffset(int slot) const noexcept { return slot * static_cast<int>(sizeof(VARIANT)) + 8; }

@@ -32,6 +32,7 @@ class Module;
 #define BRANNOC_REGISTER_OPERATIONS(X)                                                                          \
     X(Statement)         /* a: statement index; enters it */                                                  \
     X(StatementJump)     /* a: statement index; enters it and goes on at operation b (its current form) */      \
+    X(StatementPair)     /* a: an empty statement whose next statement's plain marker follows; enters both */  \
     X(Replaced)          /* a: statement index; enters it and runs the object that stands in its place */      \
     X(General)           /* a: statement index; runs the statement object */                                   \
     X(Observe)           /* a: statement index; makes the statement's form for the kinds its Variants hold */  \
@@ -129,6 +130,11 @@ enum class RegisterCode : std::uint16_t {
 #undef BRANNOC_REGISTER_ENUM
         kCount
 };
+
+// Operand c of a statement marker that may enter its statement together with the next one (an empty
+// statement followed at once by the next statement's marker): it goes back to kStatementPair, not to
+// kStatement, when a break point leaves its place.
+constexpr std::int32_t kPairedMarker = 1;
 
 struct RegisterOp {
     RegisterCode code = RegisterCode::kEnd;

@@ -265,6 +265,15 @@ op_StatementJump:
     called = false;
     pc = ops + pc->b;
     BRANNOC_DISPATCH();
+op_StatementPair:
+    // An empty statement and the next one, whose plain marker follows: when no test can stop at either,
+    // both are entered at once (nothing runs in between); else each marker runs in turn.
+    if ((pc + 1)->code != RegisterCode::kStatement || HaltFlags::Any() || !interpreter.TakeStatementTests(2))
+        goto op_Statement;
+    ++pc;
+    activation->EnterStatement(pc->a);
+    called = false;
+    BRANNOC_NEXT();
 op_Replaced:
     // A break point stands in the statement's place: its object runs instead of the statement's form.
     if (HaltFlags::Any() || interpreter.StatementCheckStops(*activation, pc->a)) {

@@ -237,6 +237,16 @@ public:
         return --m_testsUntilTickRead <= 0 && StatementCheckSlowAt(activation, index);
     }
 
+    // The same tests for `count` statements in a row that nothing runs between: true, and each counted,
+    // when none of them would make the full checks; false (nothing counted) otherwise.
+    [[nodiscard]] bool TakeStatementTests(int count) noexcept
+    {
+        if (m_testsUntilTickRead <= count)
+            return false;
+        m_testsUntilTickRead -= count;
+        return true;
+    }
+
     // Pushes an entry on the pending stack (Node::Execute's default). False after raising out of memory.
     [[nodiscard]] bool PushPending(const ExecEntry& entry)
     {

@@ -435,6 +435,53 @@ TEST_F(DebuggerTest, LineTracingPrintsEachLineAsItRuns)
               Printed());
 }
 
+// Lines that do nothing themselves (Else, End If, End Select, Case) are traced and stopped at like
+// any other, in a loop that has run in its fast form long before the trace is turned on.
+TEST_F(DebuggerTest, LineTracingAndBreakPointsSeeTheLinesThatDoNothing)
+{
+    callBack.macros[L"blocks"] = Lines({
+        L"Sub Main",                          // 1
+        L"    Dim i As Long, n As Long",      // 2
+        L"    For i = 1 To 1003",             // 3
+        L"        If i Mod 2 = 0 Then",       // 4
+        L"            n = n + i",             // 5
+        L"        Else",                      // 6
+        L"            n = n - 1",             // 7
+        L"        End If",                    // 8
+        L"        Select Case i",             // 9
+        L"        Case 1000",                 // 10
+        L"            Stop",                  // 11
+        L"        Case Else",                 // 12
+        L"        End Select",                // 13
+        L"    Next i",                        // 14
+        L"    Debug.Print n",                 // 15
+        L"End Sub",                           // 16
+    });
+    ASSERT_TRUE(Start(L"blocks"));
+    EXPECT_FALSE(Run(0));
+    ASSERT_TRUE(IsStopped());
+    EXPECT_TRUE(Toggle(L"blocks", 8));
+    EXPECT_TRUE(Continue());
+    EXPECT_FALSE(Run(0));
+    ASSERT_TRUE(IsStopped());
+    EXPECT_EQ(L"[blocks|Main#  8] End If", CurrentLine());
+    EXPECT_TRUE(Toggle(L"blocks", 8));
+    callBack.printed.clear();
+    EXPECT_TRUE(Continue());
+    EXPECT_FALSE(Run(-1));
+    // From the break at pass 1001 on: pass 1002 takes the Then part and leaves it through its Else.
+    EXPECT_EQ((Texts{L"[blocks|Main#  9] Select Case i\r\n", L"[blocks|Main# 13] End Select\r\n",
+                     L"[blocks|Main# 14] Next i\r\n", L"[blocks|Main#  4] If i Mod 2 = 0 Then\r\n",
+                     L"[blocks|Main#  5] n = n + i\r\n", L"[blocks|Main#  6] Else\r\n",
+                     L"[blocks|Main#  9] Select Case i\r\n", L"[blocks|Main# 13] End Select\r\n",
+                     L"[blocks|Main# 14] Next i\r\n", L"[blocks|Main#  4] If i Mod 2 = 0 Then\r\n",
+                     L"[blocks|Main#  7] n = n - 1\r\n", L"[blocks|Main#  8] End If\r\n",
+                     L"[blocks|Main#  9] Select Case i\r\n", L"[blocks|Main# 13] End Select\r\n",
+                     L"[blocks|Main# 14] Next i\r\n", L"[blocks|Main# 15] Debug.Print n\r\n", L"251000&\r\n",
+                     L"[blocks|Main# 16] End Sub\r\n"}),
+              Printed());
+}
+
 TEST_F(DebuggerTest, LineTracingSkipsTheLineAtWhichTheRunResumes)
 {
     ASSERT_TRUE(Start());
