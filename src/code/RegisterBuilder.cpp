@@ -241,6 +241,11 @@ bool SafeAfterCall(RegisterCode code)
     case RegisterCode::kNotEqualK: case RegisterCode::kLess: case RegisterCode::kLessK:
     case RegisterCode::kLessEqual: case RegisterCode::kLessEqualK: case RegisterCode::kGreater:
     case RegisterCode::kGreaterK: case RegisterCode::kGreaterEqual: case RegisterCode::kGreaterEqualK:
+    case RegisterCode::kBranchEqual: case RegisterCode::kBranchEqualK: case RegisterCode::kBranchNotEqual:
+    case RegisterCode::kBranchNotEqualK: case RegisterCode::kBranchLess: case RegisterCode::kBranchLessK:
+    case RegisterCode::kBranchLessEqual: case RegisterCode::kBranchLessEqualK: case RegisterCode::kBranchGreater:
+    case RegisterCode::kBranchGreaterK: case RegisterCode::kBranchGreaterEqual:
+    case RegisterCode::kBranchGreaterEqualK:
     case RegisterCode::kEqualReal: case RegisterCode::kEqualRealK: case RegisterCode::kNotEqualReal:
     case RegisterCode::kNotEqualRealK: case RegisterCode::kLessReal: case RegisterCode::kLessRealK:
     case RegisterCode::kLessEqualReal: case RegisterCode::kLessEqualRealK: case RegisterCode::kGreaterReal:
@@ -250,6 +255,29 @@ bool SafeAfterCall(RegisterCode code)
         return true;
     default:
         return false;
+    }
+}
+
+// The jump taken when whole comparison `compare` holds (`when` true) or fails (false); kCount when
+// compare is not a comparison of whole numbers. Whole numbers are ordered, so a comparison that fails
+// is its complement holding.
+RegisterCode BranchCode(RegisterCode compare, bool when)
+{
+    using Code = RegisterCode;
+    switch (compare) {
+    case Code::kEqual: return when ? Code::kBranchEqual : Code::kBranchNotEqual;
+    case Code::kEqualK: return when ? Code::kBranchEqualK : Code::kBranchNotEqualK;
+    case Code::kNotEqual: return when ? Code::kBranchNotEqual : Code::kBranchEqual;
+    case Code::kNotEqualK: return when ? Code::kBranchNotEqualK : Code::kBranchEqualK;
+    case Code::kLess: return when ? Code::kBranchLess : Code::kBranchGreaterEqual;
+    case Code::kLessK: return when ? Code::kBranchLessK : Code::kBranchGreaterEqualK;
+    case Code::kLessEqual: return when ? Code::kBranchLessEqual : Code::kBranchGreater;
+    case Code::kLessEqualK: return when ? Code::kBranchLessEqualK : Code::kBranchGreaterK;
+    case Code::kGreater: return when ? Code::kBranchGreater : Code::kBranchLessEqual;
+    case Code::kGreaterK: return when ? Code::kBranchGreaterK : Code::kBranchLessEqualK;
+    case Code::kGreaterEqual: return when ? Code::kBranchGreaterEqual : Code::kBranchLess;
+    case Code::kGreaterEqualK: return when ? Code::kBranchGreaterEqualK : Code::kBranchLessK;
+    default: return Code::kCount;
     }
 }
 
@@ -1102,10 +1130,30 @@ bool RegisterBuilder::Jump(int address)
     return true;
 }
 
+bool RegisterBuilder::FuseComparison(const Operand& truth, bool when)
+{
+    if (truth.constant || truth.temporary < 0 || truth.temporary != m_lastResultTemporary ||
+        m_program.ops.empty() || m_lastResultOp != m_program.ops.size() - 1)
+        return false;
+    RegisterOp& compare = m_program.ops[m_lastResultOp];
+    const RegisterCode branch = BranchCode(compare.code, when);
+    if (branch == RegisterCode::kCount)
+        return false;
+    // Operands b and c (or the constant) stay; a becomes the target.
+    compare.code = branch;
+    compare.a = 0;
+    m_lastResultOp = ~std::size_t{0};
+    return true;
+}
+
 bool RegisterBuilder::JumpIf(const Operand& truthIn, bool when, int address)
 {
     if (AddressPosition(address) != 0)
         return false;
+    if (FuseComparison(truthIn, when)) {
+        m_fixups.push_back(Fixup{m_program.ops.size() - 1, AddressIndex(address), 0});
+        return true;
+    }
     const Operand truth = Materialize(truthIn);
     m_fixups.push_back(Fixup{m_program.ops.size(), AddressIndex(address), 0});
     Emit(when ? RegisterCode::kJumpIfTrue : RegisterCode::kJumpIfFalse, 0, truth.offset);
@@ -1119,6 +1167,8 @@ std::size_t RegisterBuilder::JumpForward(const Operand* truthIn, bool when)
         Emit(RegisterCode::kJump);
         return at;
     }
+    if (FuseComparison(*truthIn, when))
+        return m_program.ops.size() - 1;
     const Operand truth = Materialize(*truthIn);
     const std::size_t jump = m_program.ops.size();
     Emit(when ? RegisterCode::kJumpIfTrue : RegisterCode::kJumpIfFalse, 0, truth.offset);

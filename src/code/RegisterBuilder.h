@@ -71,6 +71,9 @@ public:
     bool StoreElement(const VariableRef& array, const Operand& index, const Operand& value);
     // A jump to a statement address (index and position; only position 0 has a register form).
     bool Jump(int address);
+    // Turns the comparison of whole numbers just emitted, whose result is `truth` and serves only this
+    // jump, into a jump on the comparison; false (nothing changed) otherwise.
+    bool FuseComparison(const Operand& truth, bool when);
     bool JumpIf(const Operand& truth, bool when, int address);
     // A jump forward inside the statement (unconditional when truth is null) whose target LandHere sets
     // later; answers the jump's operation.

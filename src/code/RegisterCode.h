@@ -104,6 +104,9 @@ class Module;
     X(And) X(AndK) X(Or) X(OrK) X(Xor) X(XorK) X(Eqv) X(EqvK) X(Imp) X(ImpK)                                    \
     X(Equal) X(EqualK) X(NotEqual) X(NotEqualK) X(Less) X(LessK) X(LessEqual) X(LessEqualK)                     \
     X(Greater) X(GreaterK) X(GreaterEqual) X(GreaterEqualK)                                                     \
+    X(BranchEqual)       /* jump to operation a when whole b = c (K: the constant); a comparison and its jump */ \
+    X(BranchEqualK) X(BranchNotEqual) X(BranchNotEqualK) X(BranchLess) X(BranchLessK) X(BranchLessEqual)        \
+    X(BranchLessEqualK) X(BranchGreater) X(BranchGreaterK) X(BranchGreaterEqual) X(BranchGreaterEqualK)         \
     X(AddReal) X(AddRealK) X(SubtractReal) X(SubtractRealK) X(MultiplyReal) X(MultiplyRealK)                   \
     X(DivideReal) X(DivideRealK)                                                                                \
     X(EqualReal) X(EqualRealK) X(NotEqualReal) X(NotEqualRealK) X(LessReal) X(LessRealK)                       \

@@ -659,6 +659,26 @@ op_StoreModuleNarrowChecked: {
     BRANNOC_PLAIN(op_GreaterEqual, false, x >= y ? -1 : 0)
     BRANNOC_PLAIN(op_GreaterEqualK, true, x >= y ? -1 : 0)
 #undef BRANNOC_PLAIN
+#define BRANNOC_BRANCH(label, konstant, symbol)                                                                 \
+    label:                                                                                                      \
+    if (BRANNOC_WHOLE(pc->b) symbol BRANNOC_RIGHT_WHOLE(konstant)) {                                            \
+        pc = ops + pc->a;                                                                                       \
+        BRANNOC_DISPATCH();                                                                                     \
+    }                                                                                                           \
+    BRANNOC_NEXT();
+    BRANNOC_BRANCH(op_BranchEqual, false, ==)
+    BRANNOC_BRANCH(op_BranchEqualK, true, ==)
+    BRANNOC_BRANCH(op_BranchNotEqual, false, !=)
+    BRANNOC_BRANCH(op_BranchNotEqualK, true, !=)
+    BRANNOC_BRANCH(op_BranchLess, false, <)
+    BRANNOC_BRANCH(op_BranchLessK, true, <)
+    BRANNOC_BRANCH(op_BranchLessEqual, false, <=)
+    BRANNOC_BRANCH(op_BranchLessEqualK, true, <=)
+    BRANNOC_BRANCH(op_BranchGreater, false, >)
+    BRANNOC_BRANCH(op_BranchGreaterK, true, >)
+    BRANNOC_BRANCH(op_BranchGreaterEqual, false, >=)
+    BRANNOC_BRANCH(op_BranchGreaterEqualK, true, >=)
+#undef BRANNOC_BRANCH
 #undef BRANNOC_RIGHT_WHOLE
 
     // ---- Double arithmetic and comparisons ----
