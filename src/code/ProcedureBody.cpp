@@ -747,9 +747,11 @@ Node* CompiledProcedure::ReplaceStatement(int index, Node* statement)
         if (at < m_registers->entries.size()) {
             RegisterOp& marker = m_registers->ops[static_cast<std::size_t>(m_registers->entries[at])];
             if (marker.code == RegisterCode::kStatement || marker.code == RegisterCode::kStatementJump ||
-                marker.code == RegisterCode::kStatementPair || marker.code == RegisterCode::kReplaced) {
-                const RegisterCode plain =
-                    marker.c == kPairedMarker ? RegisterCode::kStatementPair : RegisterCode::kStatement;
+                marker.code == RegisterCode::kStatementPair || marker.code == RegisterCode::kStatementEnd ||
+                marker.code == RegisterCode::kReplaced) {
+                const RegisterCode plain = marker.c == kPairedMarker   ? RegisterCode::kStatementPair
+                                           : marker.c == kEndingMarker ? RegisterCode::kStatementEnd
+                                                                       : RegisterCode::kStatement;
                 marker.code = statement == m_statementObjects[at] ? plain : RegisterCode::kReplaced;
                 MatchMarkerToEntry(*m_registers, index);
             }

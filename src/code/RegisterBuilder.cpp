@@ -178,12 +178,18 @@ void RegisterBuilder::Build()
 void RegisterBuilder::PairEmptyStatements()
 {
     // A statement with no operations of its own (End If, Else, a Case line) is entered together with
-    // the statement after it when that one's marker follows at once.
+    // the statement after it when that one's marker follows at once, or ends the procedure when its
+    // End follows.
     std::vector<RegisterOp>& ops = m_program.ops;
     for (std::size_t i = 0; i + 1 < ops.size(); ++i) {
-        if (ops[i].code == RegisterCode::kStatement && ops[i + 1].code == RegisterCode::kStatement) {
+        if (ops[i].code != RegisterCode::kStatement)
+            continue;
+        if (ops[i + 1].code == RegisterCode::kStatement) {
             ops[i].code = RegisterCode::kStatementPair;
             ops[i].c = kPairedMarker;
+        } else if (ops[i + 1].code == RegisterCode::kEnd) {
+            ops[i].code = RegisterCode::kStatementEnd;
+            ops[i].c = kEndingMarker;
         }
     }
 }

@@ -33,6 +33,7 @@ class Module;
     X(Statement)         /* a: statement index; enters it */                                                  \
     X(StatementJump)     /* a: statement index; enters it and goes on at operation b (its current form) */      \
     X(StatementPair)     /* a: an empty statement whose next statement's plain marker follows; enters both */  \
+    X(StatementEnd)      /* a: an empty statement that the procedure's End follows; tests it and ends */      \
     X(Replaced)          /* a: statement index; enters it and runs the object that stands in its place */      \
     X(General)           /* a: statement index; runs the statement object */                                   \
     X(Observe)           /* a: statement index; makes the statement's form for the kinds its Variants hold */  \
@@ -135,9 +136,10 @@ enum class RegisterCode : std::uint16_t {
 };
 
 // Operand c of a statement marker that may enter its statement together with the next one (an empty
-// statement followed at once by the next statement's marker): it goes back to kStatementPair, not to
-// kStatement, when a break point leaves its place.
+// statement followed at once by the next statement's marker), or with the procedure's end: it goes back
+// to kStatementPair (kStatementEnd), not to kStatement, when a break point leaves its place.
 constexpr std::int32_t kPairedMarker = 1;
+constexpr std::int32_t kEndingMarker = 2;
 
 struct RegisterOp {
     RegisterCode code = RegisterCode::kEnd;

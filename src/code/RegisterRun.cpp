@@ -274,6 +274,12 @@ op_StatementPair:
     activation->EnterStatement(pc->a);
     called = false;
     BRANNOC_NEXT();
+op_StatementEnd:
+    // An empty statement before the procedure's end: when no test stops at it, the procedure ends.
+    if (HaltFlags::Any() || !interpreter.TakeStatementTests(1))
+        goto op_Statement;
+    ++pc;
+    goto op_End;
 op_Replaced:
     // A break point stands in the statement's place: its object runs instead of the statement's form.
     if (HaltFlags::Any() || interpreter.StatementCheckStops(*activation, pc->a)) {
