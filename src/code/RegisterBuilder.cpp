@@ -1022,9 +1022,20 @@ bool RegisterBuilder::Store(const VariableRef& target, const Operand& valueIn)
             if (promoting != RegisterCode::kCount) {
                 producer.kind = producer.code >= RegisterCode::kAddInteger ? VT_I2 : VT_I4;
                 producer.code = promoting;
-                Emit(own     ? RegisterCode::kStoreOwnVariantTagged
-                     : local ? RegisterCode::kStoreVariantTagged
-                             : RegisterCode::kStoreModuleVariantTagged,
+                if (own) {
+                    // A Variant local takes the result in its own cell, with no temporary between (the
+                    // Into forms follow in the order of the Promote forms).
+                    static_assert(static_cast<int>(RegisterCode::kPromoteMultiplyKInto) -
+                                      static_cast<int>(RegisterCode::kPromoteAddInto) ==
+                                  static_cast<int>(RegisterCode::kPromoteMultiplyK) -
+                                      static_cast<int>(RegisterCode::kPromoteAdd));
+                    producer.code = static_cast<RegisterCode>(static_cast<int>(promoting) -
+                                                              static_cast<int>(RegisterCode::kPromoteAdd) +
+                                                              static_cast<int>(RegisterCode::kPromoteAddInto));
+                    producer.a = SlotOffset(target.index);
+                    return true;
+                }
+                Emit(local ? RegisterCode::kStoreVariantTagged : RegisterCode::kStoreModuleVariantTagged,
                      local ? SlotOffset(target.index) : target.index, valueIn.offset);
                 return true;
             }

@@ -75,7 +75,6 @@ class Module;
     X(StoreOwnVariantWhole) /* the StoreVariant forms for a Variant local's own cell (never a reference) */    \
     X(StoreOwnVariantNarrow)                                                                                    \
     X(StoreOwnVariantReal)                                                                                      \
-    X(StoreOwnVariantTagged)                                                                                    \
     X(StoreModuleVariantTagged)                                                                                 \
     X(PromoteAdd)        /* temporary a = b + c with its kind: `kind` (Integer or Long) or the next wider */   \
     X(PromoteAddK)                                                                                              \
@@ -83,6 +82,9 @@ class Module;
     X(PromoteSubtractK)                                                                                         \
     X(PromoteMultiply)                                                                                          \
     X(PromoteMultiplyK)                                                                                         \
+    X(PromoteAddInto)    /* the Promote forms with a: a Variant local's own cell, which takes the result */    \
+    X(PromoteAddKInto) X(PromoteSubtractInto) X(PromoteSubtractKInto) X(PromoteMultiplyInto)                    \
+    X(PromoteMultiplyKInto)                                                                                     \
     X(LoadStaticWhole)   /* a = *pointer */                                                                    \
     X(LoadStaticNarrow)                                                                                         \
     X(LoadStaticReal)                                                                                           \

@@ -457,11 +457,13 @@ op_StoreNarrowChecked: {
 // Integer and Long arithmetic whose result goes to a Variant: an exact result outside the kind climbs to
 // the next kind (Integer to Long, Long to Double) as the general code recomputes it there. The result
 // and its kind go into the temporary's cell.
-#define BRANNOC_PROMOTING(label, konstant, symbol)                                                              \
+#define BRANNOC_PROMOTING(label, konstant, symbol, destination)                                                 \
     label : {                                                                                                   \
         const long long exact = static_cast<long long>(BRANNOC_WHOLE(pc->b))                                    \
             symbol static_cast<long long>((konstant) ? pc->constant.whole : BRANNOC_WHOLE(pc->c));             \
-        auto* cell = reinterpret_cast<VARIANT*>(frame + pc->a - 8);                                             \
+        VARIANT* cell = (destination);                                                                          \
+        if (!cell)                                                                                              \
+            goto give_up;                                                                                       \
         if (pc->kind == VT_I2 && exact >= SHRT_MIN && exact <= SHRT_MAX) {                                      \
             cell->vt = VT_I2;                                                                                   \
             cell->llVal = 0;                                                                                    \
@@ -478,13 +480,21 @@ op_StoreNarrowChecked: {
     }
     BRANNOC_TAGGED_STORE(op_StoreVariantTagged, BRANNOC_VARIANT_CELL_AT(pc->a))
     BRANNOC_TAGGED_STORE(op_StoreModuleVariantTagged, BRANNOC_MODULE_VARIANT_CELL_AT(pc->a))
-    BRANNOC_TAGGED_STORE(op_StoreOwnVariantTagged, OwnPlainVariant(frame, pc->a))
-    BRANNOC_PROMOTING(op_PromoteAdd, false, +)
-    BRANNOC_PROMOTING(op_PromoteAddK, true, +)
-    BRANNOC_PROMOTING(op_PromoteSubtract, false, -)
-    BRANNOC_PROMOTING(op_PromoteSubtractK, true, -)
-    BRANNOC_PROMOTING(op_PromoteMultiply, false, *)
-    BRANNOC_PROMOTING(op_PromoteMultiplyK, true, *)
+#define BRANNOC_TEMPORARY_CELL reinterpret_cast<VARIANT*>(frame + pc->a - 8)
+    BRANNOC_PROMOTING(op_PromoteAdd, false, +, BRANNOC_TEMPORARY_CELL)
+    BRANNOC_PROMOTING(op_PromoteAddK, true, +, BRANNOC_TEMPORARY_CELL)
+    BRANNOC_PROMOTING(op_PromoteSubtract, false, -, BRANNOC_TEMPORARY_CELL)
+    BRANNOC_PROMOTING(op_PromoteSubtractK, true, -, BRANNOC_TEMPORARY_CELL)
+    BRANNOC_PROMOTING(op_PromoteMultiply, false, *, BRANNOC_TEMPORARY_CELL)
+    BRANNOC_PROMOTING(op_PromoteMultiplyK, true, *, BRANNOC_TEMPORARY_CELL)
+#undef BRANNOC_TEMPORARY_CELL
+    // The same computed straight into a Variant local's own cell, when it may be overwritten.
+    BRANNOC_PROMOTING(op_PromoteAddInto, false, +, OwnPlainVariant(frame, pc->a))
+    BRANNOC_PROMOTING(op_PromoteAddKInto, true, +, OwnPlainVariant(frame, pc->a))
+    BRANNOC_PROMOTING(op_PromoteSubtractInto, false, -, OwnPlainVariant(frame, pc->a))
+    BRANNOC_PROMOTING(op_PromoteSubtractKInto, true, -, OwnPlainVariant(frame, pc->a))
+    BRANNOC_PROMOTING(op_PromoteMultiplyInto, false, *, OwnPlainVariant(frame, pc->a))
+    BRANNOC_PROMOTING(op_PromoteMultiplyKInto, true, *, OwnPlainVariant(frame, pc->a))
 #undef BRANNOC_TAGGED_STORE
 #undef BRANNOC_PROMOTING
 #undef BRANNOC_VARIANT_CELL_AT
