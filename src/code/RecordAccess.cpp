@@ -2,6 +2,7 @@
 
 #include "code/FastExpression.h"
 #include "code/ProcedureBody.h"
+#include "code/RegisterBuilder.h"
 
 #include "exec/Activation.h"
 #include "exec/ErrorMessages.h"
@@ -400,14 +401,23 @@ bool RecordCopyStatement::Execute()
     return true;
 }
 
+bool AssignPathStatement::DirectTextReady()
+{
+    if (m_direct == Direct::kUntried)
+        m_direct = m_owner && m_text.Compile(m_code, m_path, *m_owner) ? Direct::kText : Direct::kNone;
+    return m_direct == Direct::kText;
+}
+
 bool AssignPathStatement::Execute()
 {
-    if (m_direct == Direct::kUntried) {
-        m_direct = m_owner && m_text.Compile(m_code, m_path, *m_owner) ? Direct::kText : Direct::kNone;
-    }
-    if (m_direct == Direct::kText && DirectFormsEnabled() && m_text.Run(Context()))
+    if (DirectTextReady() && DirectFormsEnabled() && m_text.Run(Context()))
         return true;
     return ExecuteFrom(0);
+}
+
+bool AssignPathStatement::EmitRegisters(RegisterBuilder& builder)
+{
+    return DirectTextReady() && builder.StoreFieldText(*this);
 }
 
 bool AssignPathStatement::Step(ExecEntry& entry)

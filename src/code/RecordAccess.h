@@ -66,6 +66,11 @@ public:
     // A string read in place into a string field goes the direct way (FieldTextStore).
     [[nodiscard]] bool Execute() override;
     [[nodiscard]] bool Step(ExecEntry& entry) override;
+    // Such a store is an operation of the register form (StoreFieldText).
+    bool EmitRegisters(RegisterBuilder& builder) override;
+    // The register form's store: false, with nothing changed, when it gives up; true as well after
+    // raising (out of memory), with the halt bit set.
+    [[nodiscard]] bool StoreTextInPlace(const RunContext& context) const { return m_text.Run(context); }
 
 private:
     Expression m_code;
@@ -74,6 +79,9 @@ private:
     enum class Direct : std::uint8_t { kUntried, kNone, kText };
     Direct m_direct = Direct::kUntried;
     FieldTextStore m_text;
+
+    // Compiles the direct store the first time it is needed.
+    bool DirectTextReady();
 };
 
 // LSet target = source between records of plain data: the source's first `size` bytes are copied over

@@ -1420,6 +1420,12 @@ bool RegisterBuilder::StoreText(const AssignStatement& statement)
     return true;
 }
 
+bool RegisterBuilder::StoreFieldText(const AssignPathStatement& statement)
+{
+    Emit(RegisterCode::kStoreFieldText).constant.pointer = &statement;
+    return true;
+}
+
 bool RegisterBuilder::SelectText(const BranchStatement& statement, int partCount, const std::vector<int>& targets,
                                  int elseAddress)
 {

@@ -11,6 +11,7 @@
 
 namespace brannoc {
 
+class AssignPathStatement;
 class AssignStatement;
 class BranchStatement;
 
@@ -101,6 +102,7 @@ public:
     // (BranchStatement::TextCasePart): part i enters targets[i - 1], the part after them elseAddress.
     // A String or Variant variable assigned a string read in place, by the statement's own store.
     bool StoreText(const AssignStatement& statement);
+    bool StoreFieldText(const AssignPathStatement& statement);
     bool SelectText(const BranchStatement& statement, int partCount, const std::vector<int>& targets,
                     int elseAddress);
     // Frees a temporary operand (after its last use).

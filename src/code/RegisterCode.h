@@ -128,7 +128,8 @@ class Module;
     X(LoadFieldNarrow)   /* the same for an Integer or Boolean field */                                       \
     X(LoadFieldReal)     /* the same for a Double field */                                                    \
     X(TextLength)        /* pointer: a TextOperand; a: whole slot set to the length of its text (Len) */    \
-    X(StoreText)         /* pointer: an AssignStatement that stores a string read in place into its variable */
+    X(StoreText)         /* pointer: an AssignStatement that stores a string read in place into its variable */ \
+    X(StoreFieldText)    /* pointer: an AssignPathStatement that stores a string read in place into a field */
 
 enum class RegisterCode : std::uint16_t {
 #define BRANNOC_REGISTER_ENUM(name) k##name,

@@ -7,6 +7,7 @@
 #include "code/NumericKinds.h"
 #include "code/ObservedForms.h"
 #include "code/ProcedureBody.h"
+#include "code/RecordAccess.h"
 #include "code/Statements.h"
 #include "exec/Activation.h"
 #include "exec/HaltFlags.h"
@@ -946,6 +947,15 @@ op_StoreText: {
     if (!static_cast<const AssignStatement*>(pc->constant.pointer)->StoreTextInPlace(context))
         goto give_up;
     // Out of memory for the new text: the error was raised.
+    if (HaltFlags::Any())
+        return false;
+    BRANNOC_NEXT();
+}
+
+op_StoreFieldText: {
+    const RunContext context{&interpreter, activation, procedure};
+    if (!static_cast<const AssignPathStatement*>(pc->constant.pointer)->StoreTextInPlace(context))
+        goto give_up;
     if (HaltFlags::Any())
         return false;
     BRANNOC_NEXT();
