@@ -1,6 +1,6 @@
 ' The record of a field found straight from its root's array of records: a local array, a module-level
-' array, a ByRef array parameter, an index past the end (error 10023, trapped) and an array that ReDim
-' shrinks while the loop reads it.
+' array, a ByRef array parameter, an index past the end in a read and in a store (error 10023, trapped)
+' and an array that ReDim shrinks while the loop reads it.
 Type Person
     Name As String
     Age As Long
@@ -35,8 +35,10 @@ Sub Main
     For i = 2 To 5
         total = total + people(i).Age
         If Err.Number <> 0 Then errors = errors + 1: Err.Clear
+        people(i).Name = s
+        If Err.Number = 10023 Then errors = errors + 10: Err.Clear
     Next i
-    Debug.Print total; errors
+    Debug.Print total; errors; people(3).Name
 
     ReDim spare(2)
     errors = 0
