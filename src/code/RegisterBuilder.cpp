@@ -1033,6 +1033,10 @@ bool RegisterBuilder::Store(const VariableRef& target, const Operand& valueIn)
                                                               static_cast<int>(RegisterCode::kPromoteAdd) +
                                                               static_cast<int>(RegisterCode::kPromoteAddInto));
                     producer.a = SlotOffset(target.index);
+                    // It gives up when the Variant holds what it may not overwrite: after a call of the
+                    // statement that would run the call again (as Emit judges the operations it adds).
+                    if (m_callEmitted)
+                        m_givesUpAfterCall = true;
                     return true;
                 }
                 Emit(local ? RegisterCode::kStoreVariantTagged : RegisterCode::kStoreModuleVariantTagged,
