@@ -247,23 +247,23 @@ bool RunRegisterProgram(Activation& base, ExecEntry& entry, const void* data)
     BRANNOC_DISPATCH();
 
     // ---- Statements and control ----
+// Enters the marker's statement after the break and time-slice tests; when they stop the run, the
+// statement has not run and is tried again on a later step.
+#define BRANNOC_ENTER_STATEMENT()                                                                               \
+    do {                                                                                                        \
+        if (HaltFlags::Any() || interpreter.StatementCheckStops(*activation, pc->a)) {                          \
+            activation->HoldAt(pc->a);                                                                          \
+            return false;                                                                                       \
+        }                                                                                                       \
+        activation->EnterStatement(pc->a);                                                                      \
+        called = false;                                                                                         \
+    } while (0)
 op_Statement:
-    if (HaltFlags::Any() || interpreter.StatementCheckStops(*activation, pc->a)) {
-        // The statement has not run: it is tried again on a later step.
-        activation->HoldAt(pc->a);
-        return false;
-    }
-    activation->EnterStatement(pc->a);
-    called = false;
+    BRANNOC_ENTER_STATEMENT();
     BRANNOC_NEXT();
 op_StatementJump:
     // A statement over Variants whose form was made: the marker goes straight to it.
-    if (HaltFlags::Any() || interpreter.StatementCheckStops(*activation, pc->a)) {
-        activation->HoldAt(pc->a);
-        return false;
-    }
-    activation->EnterStatement(pc->a);
-    called = false;
+    BRANNOC_ENTER_STATEMENT();
     pc = ops + pc->b;
     BRANNOC_DISPATCH();
 op_StatementPair:
@@ -283,12 +283,7 @@ op_StatementEnd:
     goto op_End;
 op_Replaced:
     // A break point stands in the statement's place: its object runs instead of the statement's form.
-    if (HaltFlags::Any() || interpreter.StatementCheckStops(*activation, pc->a)) {
-        activation->HoldAt(pc->a);
-        return false;
-    }
-    activation->EnterStatement(pc->a);
-    called = false;
+    BRANNOC_ENTER_STATEMENT();
     if (!statements[pc->a]->Execute() || HaltFlags::Any())
         return false;
     pc = resume();
@@ -970,6 +965,7 @@ entered: {
     BRANNOC_DISPATCH();
 }
 
+#undef BRANNOC_ENTER_STATEMENT
 #undef BRANNOC_CALL_ARGUMENTS
 #undef BRANNOC_DISPATCH
 #undef BRANNOC_NEXT
