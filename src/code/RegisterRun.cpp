@@ -10,6 +10,7 @@
 #include "code/RecordAccess.h"
 #include "code/Statements.h"
 #include "exec/Activation.h"
+#include "exec/CallsInLoop.h"
 #include "exec/HaltFlags.h"
 #include "exec/Interpreter.h"
 #include "exec/ModuleInstance.h"
@@ -85,6 +86,55 @@ void NoteGivingUp(RegisterProgram& program, int index)
     ChooseNextForm(program, index);
 }
 
+// Writes the callee's parameter slots from the caller's frame: values of their own kind, or references to
+// the caller's cells (`cells`, found before the call began, when some reference may fail).
+[[gnu::always_inline]] inline void BindRegisterArguments(const RegisterCall& call, char* frame, VARIANT* const* cells,
+                                                         VARIANT* slots)
+{
+    const std::size_t count = call.arguments.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        const RegisterArgument& argument = call.arguments[i];
+        VARIANT& slot = slots[i];
+        switch (argument.mode) {
+        case ArgumentMode::kWhole:
+            slot.vt = argument.kind;
+            if (argument.kind == VT_I4)
+                slot.lVal = *reinterpret_cast<const LONG*>(frame + argument.location);
+            else
+                slot.iVal = static_cast<SHORT>(*reinterpret_cast<const LONG*>(frame + argument.location));
+            break;
+        case ArgumentMode::kReal:
+            slot.vt = VT_R8;
+            slot.dblVal = *reinterpret_cast<const double*>(frame + argument.location);
+            break;
+        default:
+            slot.vt = VT_BYREF | VT_VARIANT;
+            slot.pvarVal = call.referencesMayFail ? cells[i]
+                                                  : reinterpret_cast<VARIANT*>(frame + argument.location - 8);
+            break;
+        }
+    }
+}
+
+// The common call, begun in line by the Call operation: no reference argument that may fail, a callee of
+// the register form, and what TryEnterFramedCall needs. The callee, entered, with its parameters bound
+// and its result target set; null, with nothing done, otherwise (BeginRegisterCall goes the general way).
+[[gnu::always_inline]] inline Activation* EnterQuickCall(Interpreter& interpreter, const RegisterOp& op, char* frame,
+                                                         ModuleInstance* target)
+{
+    const auto& call = *static_cast<const RegisterCall*>(op.constant.pointer);
+    ProcedureCode& procedure = *call.procedure;
+    if (call.referencesMayFail || procedure.Table().runner != &RunRegisterProgram)
+        return nullptr;
+    Activation* callee = interpreter.TryEnterFramedCall(procedure, target);
+    if (!callee)
+        return nullptr;
+    BindRegisterArguments(call, frame, nullptr, static_cast<VARIANT*>(callee->Locals()));
+    if (op.a >= 0)
+        callee->SetResultTarget(reinterpret_cast<VARIANT*>(frame + op.a - 8));
+    return callee;
+}
+
 enum class CallStart { kGiveUp, kEnded, kWaiting, kFailed, kEntered };
 
 // Begins the call of operation `op` (a Call or MemberCall) in instance `target`: the arguments bound from
@@ -129,29 +179,7 @@ CallStart BeginRegisterCall(Interpreter& interpreter, const RegisterOp& op, char
     const bool entered = callee != nullptr;
     if (!entered && !(callee = interpreter.BeginFramedCall(procedure, target)))
         return CallStart::kFailed;
-    auto* slots = static_cast<VARIANT*>(callee->Locals());
-    for (std::size_t i = 0; i < count; ++i) {
-        const RegisterArgument& argument = call.arguments[i];
-        VARIANT& slot = slots[i];
-        switch (argument.mode) {
-        case ArgumentMode::kWhole:
-            slot.vt = argument.kind;
-            if (argument.kind == VT_I4)
-                slot.lVal = *reinterpret_cast<const LONG*>(frame + argument.location);
-            else
-                slot.iVal = static_cast<SHORT>(*reinterpret_cast<const LONG*>(frame + argument.location));
-            break;
-        case ArgumentMode::kReal:
-            slot.vt = VT_R8;
-            slot.dblVal = *reinterpret_cast<const double*>(frame + argument.location);
-            break;
-        default:
-            slot.vt = VT_BYREF | VT_VARIANT;
-            slot.pvarVal = call.referencesMayFail ? cells[i]
-                                                  : reinterpret_cast<VARIANT*>(frame + argument.location - 8);
-            break;
-        }
-    }
+    BindRegisterArguments(call, frame, cells, static_cast<VARIANT*>(callee->Locals()));
     if (op.a >= 0)
         callee->SetResultTarget(reinterpret_cast<VARIANT*>(frame + op.a - 8));
     if (entered || (inLoop && interpreter.EnterCallInLoop(*callee)))
@@ -852,6 +880,8 @@ op_SelectRanges: {
 op_Call: {
     const auto& call = *static_cast<const RegisterCall*>(pc->constant.pointer);
     ModuleInstance* target = call.module && instance ? instance->Find(*call.module) : instance;
+    if ((entering = EnterQuickCall(interpreter, *pc, frame, target)))
+        goto entered;
     switch (BeginRegisterCall(BRANNOC_CALL_ARGUMENTS(target), entering)) {
     case CallStart::kGiveUp: goto give_up;
     case CallStart::kEnded:
@@ -880,6 +910,8 @@ op_MemberCall: {
     ModuleInstance* target = interpreter.Host().InstanceOf(holder->punkVal);
     if (!target || &target->OwnModule() != call.classModule)
         goto give_up;
+    if ((entering = EnterQuickCall(interpreter, *pc, frame, target)))
+        goto entered;
     switch (BeginRegisterCall(BRANNOC_CALL_ARGUMENTS(target), entering)) {
     case CallStart::kGiveUp: goto give_up;
     case CallStart::kEnded:
