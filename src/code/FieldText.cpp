@@ -42,33 +42,6 @@ bool FieldText::Compile(int path, const ExprOp* indexFirst, std::size_t indexCou
     return true;
 }
 
-bool ReadWholeLocal(const RunContext& context, int slot, LONG& value)
-{
-    const VARIANT* cell = FollowByRefChain(static_cast<VARIANT*>(context.activation->Locals()) + slot);
-    if (cell->vt == VT_I4)
-        value = cell->lVal;
-    else if (cell->vt == VT_I2)
-        value = cell->iVal;
-    else
-        return false;
-    return true;
-}
-
-bool FieldText::ReadPosition(const RunContext& context, LONG& position) const
-{
-    if (m_localPosition < 0)
-        return m_position.EvaluateWhole(context, position);
-    return ReadWholeLocal(context, m_localPosition, position);
-}
-
-char* FieldText::FindField(const RunContext& context) const
-{
-    LONG position = 0;
-    if (m_walk.HasIndex() && !ReadPosition(context, position))
-        return nullptr;
-    return m_walk.FindField(context, position);
-}
-
 bool FieldText::Read(const RunContext& context, std::wstring_view& text) const
 {
     char* at = FindField(context);

@@ -19,7 +19,17 @@ struct RecordPath;
 
 // The whole number (Integer or Long) in local slot `slot` of the running frame, following by-reference
 // cells; false when the slot holds another kind.
-[[nodiscard]] bool ReadWholeLocal(const RunContext& context, int slot, LONG& value);
+[[nodiscard, gnu::always_inline]] inline bool ReadWholeLocal(const RunContext& context, int slot, LONG& value)
+{
+    const VARIANT* cell = FollowByRefChain(static_cast<VARIANT*>(context.activation->Locals()) + slot);
+    if (cell->vt == VT_I4)
+        value = cell->lVal;
+    else if (cell->vt == VT_I2)
+        value = cell->iVal;
+    else
+        return false;
+    return true;
+}
 
 class FieldText final {
 public:
@@ -35,8 +45,19 @@ public:
 
 private:
     // The field's storage; null when the walk gave up.
-    char* FindField(const RunContext& context) const;
-    [[nodiscard]] bool ReadPosition(const RunContext& context, LONG& position) const;
+    [[gnu::always_inline]] char* FindField(const RunContext& context) const
+    {
+        LONG position = 0;
+        if (m_walk.HasIndex() && !ReadPosition(context, position))
+            return nullptr;
+        return m_walk.FindField(context, position);
+    }
+    [[nodiscard, gnu::always_inline]] bool ReadPosition(const RunContext& context, LONG& position) const
+    {
+        if (m_localPosition < 0)
+            return m_position.EvaluateWhole(context, position);
+        return ReadWholeLocal(context, m_localPosition, position);
+    }
 
     FieldWalk m_walk;
     // The index: a local whole variable read in place (-1: none), or its typed form.

@@ -10,6 +10,7 @@ bool FieldWalk::Compile(int path, const CompiledProcedure& procedure)
 {
     m_field = nullptr;
     m_indexStep = -1;
+    m_elementOfLocal = -1;
     const RecordPath& walk = procedure.RecordPathAt(path);
     if (walk.steps.empty() || walk.indexCount > 1)
         return false;
@@ -43,10 +44,11 @@ bool FieldWalk::Compile(int path, const CompiledProcedure& procedure)
     m_path = &walk;
     m_field = last.field;
     m_elementOfRoot = walk.withLevel < 0 && walk.steps.size() == 2 && m_indexStep == 0;
+    m_elementOfLocal = m_elementOfRoot && walk.root.scope == StorageScope::Local ? walk.root.index : -1;
     return true;
 }
 
-char* FieldWalk::FindRecord(const RunContext& context, LONG position) const
+char* FieldWalk::WalkToRecord(const RunContext& context, LONG position) const
 {
     const RecordPath& path = *m_path;
     if (m_elementOfRoot) {

@@ -20,8 +20,20 @@ public:
     bool HasIndex() const noexcept { return m_indexStep >= 0; }
     const RecordField& Field() const noexcept { return *m_field; }
     // The record holding the field, `position` being the path's index (unused without one); null when
-    // the walk gave up.
-    [[nodiscard]] char* FindRecord(const RunContext& context, LONG position) const;
+    // the walk gave up. An element of a local array of records (people(k).Name) is found in line.
+    [[nodiscard, gnu::always_inline]] char* FindRecord(const RunContext& context, LONG position) const
+    {
+        if (m_elementOfLocal >= 0) {
+            const VARIANT* root = static_cast<const VARIANT*>(context.activation->Locals()) + m_elementOfLocal;
+            if (root->vt == (VT_ARRAY | VT_RECORD)) {
+                SAFEARRAY* array = root->parray;
+                return array && (array->fFeatures & FADF_RECORD) && array->cbElements == m_elementSize
+                           ? ElementOfVector(array, position)
+                           : nullptr;
+            }
+        }
+        return WalkToRecord(context, position);
+    }
     // The field itself, or null.
     [[nodiscard]] char* FindField(const RunContext& context, LONG position) const
     {
@@ -30,6 +42,9 @@ public:
     }
 
 private:
+    // FindRecord's work for every other path, and for a root that does not hold its array itself.
+    [[nodiscard]] char* WalkToRecord(const RunContext& context, LONG position) const;
+
     const RecordPath* m_path = nullptr;
     const RecordField* m_field = nullptr;
     // The step that is the index (-1: none), and the size of the records that array holds.
@@ -38,6 +53,8 @@ private:
     // The path is a variable's array of records, its index and the field (people(k).Name): the record
     // is the element, found without walking the steps.
     bool m_elementOfRoot = false;
+    // The same with a local array: its frame slot (-1: not such a path).
+    int m_elementOfLocal = -1;
 };
 
 } // namespace brannoc
