@@ -4,6 +4,7 @@
 #include "automation/ObjectCreation.h"
 
 #include "code/BuiltinCall.h"
+#include "code/FieldText.h"
 #include "code/MemberCall.h"
 #include "code/NumericKinds.h"
 #include "code/ObjectStatements.h"
@@ -368,12 +369,7 @@ bool AssignElementStatement::StoreDirect(const RunContext& context) const
 {
     LONG index = 0;
     if (m_localIndex >= 0) {
-        const VARIANT* cell = FollowByRefChain(static_cast<VARIANT*>(context.activation->Locals()) + m_localIndex);
-        if (cell->vt == VT_I4)
-            index = cell->lVal;
-        else if (cell->vt == VT_I2)
-            index = cell->iVal;
-        else
+        if (!ReadWholeLocal(context, m_localIndex, index))
             return false;
     } else if (!m_index.EvaluateWhole(context, index)) {
         return false;
