@@ -114,7 +114,7 @@ public:
     // BeginFramedCall and EnterCallInLoop in one, for the common case: nothing pending, room on the
     // execution stack, and a free activation whose kept frame is large enough. Null, with nothing done,
     // otherwise (the caller goes the general way). The parameter slots hold nothing yet, as after
-    // BeginFramedCall.
+    // BeginFramedCall. Both are defined in line in exec/CallsInLoop.h, for the register loop.
     [[nodiscard]] Activation* TryEnterFramedCall(ProcedureCode& procedure, ModuleInstance* instance);
     // The callee entered that way has ended: it and its marker leave the execution stack, the call ends.
     void LeaveCallInLoop(Activation& callee);
