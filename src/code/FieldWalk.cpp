@@ -53,12 +53,8 @@ char* FieldWalk::WalkToRecord(const RunContext& context, LONG position) const
     const RecordPath& path = *m_path;
     if (m_elementOfRoot) {
         const VARIANT* root = StorageOf(context, path.root.scope, path.root.index, path.root.module);
-        if (root && root->vt == (VT_ARRAY | VT_RECORD)) {
-            SAFEARRAY* array = root->parray;
-            return array && (array->fFeatures & FADF_RECORD) && array->cbElements == m_elementSize
-                       ? ElementOfVector(array, position)
-                       : nullptr;
-        }
+        if (root && root->vt == (VT_ARRAY | VT_RECORD))
+            return ElementOfRecords(root->parray, position);
         // A root held by reference, or one that holds something else: the walk below sees to it.
     }
     VARIANT* storage = nullptr;
@@ -87,9 +83,9 @@ char* FieldWalk::WalkToRecord(const RunContext& context, LONG position) const
     for (std::size_t i = 0; i < fieldStep; ++i) {
         const PathStep& step = path.steps[i];
         if (step.kind == PathStep::Kind::Index) {
-            if (!array || !(array->fFeatures & FADF_RECORD) || array->cbElements != m_elementSize)
+            record = ElementOfRecords(array, position);
+            if (!record)
                 return nullptr;
-            record = ElementOfVector(array, position);
             array = nullptr;
         } else {
             if (!record)

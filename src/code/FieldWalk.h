@@ -25,12 +25,8 @@ public:
     {
         if (m_elementOfLocal >= 0) {
             const VARIANT* root = static_cast<const VARIANT*>(context.activation->Locals()) + m_elementOfLocal;
-            if (root->vt == (VT_ARRAY | VT_RECORD)) {
-                SAFEARRAY* array = root->parray;
-                return array && (array->fFeatures & FADF_RECORD) && array->cbElements == m_elementSize
-                           ? ElementOfVector(array, position)
-                           : nullptr;
-            }
+            if (root->vt == (VT_ARRAY | VT_RECORD))
+                return ElementOfRecords(root->parray, position);
         }
         return WalkToRecord(context, position);
     }
@@ -42,6 +38,14 @@ public:
     }
 
 private:
+    // The record at `position` of an array of the path's records; null when the array has no storage,
+    // holds other records, or the position lies outside its bounds.
+    [[nodiscard]] char* ElementOfRecords(SAFEARRAY* array, LONG position) const
+    {
+        return array && (array->fFeatures & FADF_RECORD) && array->cbElements == m_elementSize
+                   ? ElementOfVector(array, position)
+                   : nullptr;
+    }
     // FindRecord's work for every other path, and for a root that does not hold its array itself.
     [[nodiscard]] char* WalkToRecord(const RunContext& context, LONG position) const;
 

@@ -98,11 +98,12 @@ public:
     };
     bool SelectRanges(const Operand& selector, int keptSlot, const std::vector<Range>& ranges,
                       const std::vector<int>& targets, int elseAddress);
-    // Select Case over a string compared in place with the string constants of its partCount Case lines
-    // (BranchStatement::TextCasePart): part i enters targets[i - 1], the part after them elseAddress.
     // A String or Variant variable assigned a string read in place, by the statement's own store.
     bool StoreText(const AssignStatement& statement);
+    // A string field of a record assigned a string read in place, by the statement's own store.
     bool StoreFieldText(const AssignPathStatement& statement);
+    // Select Case over a string compared in place with the string constants of its partCount Case lines
+    // (BranchStatement::TextCasePart): part i enters targets[i - 1], the part after them elseAddress.
     bool SelectText(const BranchStatement& statement, int partCount, const std::vector<int>& targets,
                     int elseAddress);
     // Frees a temporary operand (after its last use).
@@ -120,9 +121,10 @@ private:
         std::size_t item = 0;
     };
 
-    // One statement: its operations, or a General operation when it has none (or has been replaced).
-    // Markers of empty statements followed at once by another marker become kStatementPair.
+    // Markers of empty statements followed at once by another marker become kStatementPair, those the
+    // procedure's End follows kStatementEnd.
     void PairEmptyStatements();
+    // One statement: its operations, or a General operation when it has none (or has been replaced).
     void BuildStatement(int index, Statement* statement);
 
     int SlotOffset(int slot) const noexcept { return slot * static_cast<int>(sizeof(VARIANT)) + 8; }

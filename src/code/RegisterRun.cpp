@@ -141,7 +141,8 @@ enum class CallStart { kGiveUp, kEnded, kWaiting, kFailed, kEntered };
 // the caller's frame, the result into its temporary. A callee that has a register form runs in the
 // caller's loop (kEntered: `callee` is its activation, on the execution stack); any other runs at once
 // or goes the scheduled way. kGiveUp (nothing happened) when a reference argument's variable does not
-// hold its kind or the callee has no frame layout.
+// hold its kind or the callee has no frame layout. Runs after EnterQuickCall found the call not to be a
+// quick one.
 CallStart BeginRegisterCall(Interpreter& interpreter, const RegisterOp& op, char* frame, VARIANT* moduleSlots,
                             std::int32_t moduleCount, ModuleInstance* target, Activation*& callee)
 {
@@ -173,9 +174,10 @@ CallStart BeginRegisterCall(Interpreter& interpreter, const RegisterOp& op, char
     }
     if (!procedure.Layout().image)
         return CallStart::kGiveUp;
-    // A callee of the register form usually goes straight onto the execution stack, already entered.
+    // A callee of the register form usually goes straight onto the execution stack, already entered;
+    // EnterQuickCall has tried that already unless some reference argument had to be checked first.
     const bool inLoop = procedure.Table().runner == &RunRegisterProgram;
-    callee = inLoop ? interpreter.TryEnterFramedCall(procedure, target) : nullptr;
+    callee = inLoop && call.referencesMayFail ? interpreter.TryEnterFramedCall(procedure, target) : nullptr;
     const bool entered = callee != nullptr;
     if (!entered && !(callee = interpreter.BeginFramedCall(procedure, target)))
         return CallStart::kFailed;
