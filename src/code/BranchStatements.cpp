@@ -271,6 +271,7 @@ void BranchStatement::PrepareDirect()
     // A string selector read in place, compared with string items only.
     if (allText && !m_conditions.empty() && m_textSelector.Compile(m_selector.ops.data(), m_selector.ops.size(), *m_owner)) {
         m_direct = Direct::kTextCases;
+        PrepareTextEquals();
         return;
     }
     if (m_selectorSlot >= 0 && !selector)
@@ -405,12 +406,40 @@ bool BranchStatement::ExecuteDirect(const RunContext& context)
     });
 }
 
+void BranchStatement::PrepareTextEquals()
+{
+    m_textEquals.clear();
+    std::vector<TextEqual> items;
+    for (std::size_t i = 0; i < m_directBranches.size(); ++i) {
+        const DirectBranch& branch = m_directBranches[i];
+        for (std::size_t t = branch.firstTest; t < std::size_t{branch.firstTest} + branch.testCount; ++t) {
+            const CaseTest& test = m_caseTests[t];
+            if (test.range || test.op != OperationId::kEqual)
+                return;
+            items.push_back(TextEqual{static_cast<UINT>(test.lowText.size()),
+                                      test.lowText.empty() ? L'\0' : test.lowText[0], test.lowText.data(),
+                                      static_cast<int>(i) + 1});
+        }
+    }
+    m_textEquals = std::move(items);
+}
+
 int BranchStatement::TextCasePart(const RunContext& context) const
 {
     std::wstring_view selector;
     if (!m_textSelector.Read(context, selector))
         return 0;
     const int count = static_cast<int>(m_directBranches.size());
+    if (!m_textEquals.empty()) {
+        const auto length = static_cast<UINT>(selector.size());
+        for (const TextEqual& item : m_textEquals) {
+            if (item.length == length &&
+                (length == 0 ||
+                 (item.first == selector[0] && std::wmemcmp(item.text, selector.data(), length) == 0)))
+                return item.part;
+        }
+        return count + 1;
+    }
     for (int part = 1; part <= count; ++part) {
         if (MatchesText(m_directBranches[static_cast<std::size_t>(part - 1)], selector))
             return part;

@@ -499,8 +499,11 @@ op_StoreNarrowChecked: {
             cell->llVal = 0;                                                                                    \
             cell->lVal = static_cast<LONG>(exact);                                                              \
         } else {                                                                                                \
+            /* The operands are exact as doubles, and the double operation rounds the exact result once, as \
+               converting it would, without going through the 64-bit conversion. */                          \
             cell->vt = VT_R8;                                                                                   \
-            cell->dblVal = static_cast<double>(exact);                                                          \
+            cell->dblVal = static_cast<double>(BRANNOC_WHOLE(pc->b))                                           \
+                symbol static_cast<double>((konstant) ? pc->constant.whole : BRANNOC_WHOLE(pc->c));             \
         }                                                                                                       \
         BRANNOC_NEXT();                                                                                         \
     }

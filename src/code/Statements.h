@@ -389,7 +389,19 @@ private:
     // The direct run: answers as Execute does.
     [[nodiscard]] bool ExecuteDirect(const RunContext& context);
 
+    // A Case item "text" of a Select over a string whose Case lines hold only such items: the items in
+    // order, each with the part it enters, compared by length and first code unit before the rest.
+    struct TextEqual {
+        UINT length = 0;
+        wchar_t first = 0;
+        const wchar_t* text = nullptr;
+        int part = 0;
+    };
+    // Fills m_textEquals when every Case item is an equality with a string; else leaves it empty.
+    void PrepareTextEquals();
+
     std::vector<DirectBranch> m_directBranches;
+    std::vector<TextEqual> m_textEquals;
     std::vector<WholeRange> m_wholeRanges;
     const TypedExpression* m_wholeSelector = nullptr;
     std::vector<CaseTest> m_caseTests;
