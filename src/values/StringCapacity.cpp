@@ -4,6 +4,7 @@
 #include "values/ValueError.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <cwchar>
 #include <objbase.h>
@@ -49,7 +50,15 @@ void SetUsedLength(BSTR text, UINT length) noexcept
         std::wmemmove(to, from, count);
         return;
     }
-    for (UINT i = 0; i < count; ++i)
+    // Two code units at a time: each pair is read before it is written, and every later read lies above
+    // every write so far because the destination never starts after the source.
+    UINT i = 0;
+    for (; i + 2 <= count; i += 2) {
+        std::uint32_t pair;
+        std::memcpy(&pair, from + i, sizeof pair);
+        std::memcpy(to + i, &pair, sizeof pair);
+    }
+    if (i < count)
         to[i] = from[i];
 }
 
