@@ -232,6 +232,10 @@ public:
     // have been tried in turn since the last new one (ObservedForms.h).
     std::vector<std::vector<int>> formStarts;
     std::vector<std::uint8_t> formTries;
+    // Per statement index: the operation just before the statement's current form that enters the
+    // statement itself and runs on into the form (-1: none). It was the jump to the statement's marker
+    // that ends the form appended before it (ObservedForms.h).
+    std::vector<int> markerBeforeForm;
     // Temporaries that forms made while running may use (from firstTemporary on).
     int temporaryLimit = 0;
 };

@@ -194,6 +194,38 @@ TEST_F(DebuggerTest, ABreakPointOnAStatementOverVariantsStopsAfterItsFormWasMade
     EXPECT_EQ((Texts{L"10100%101%\r\n"}), Printed());
 }
 
+// Consecutive statements over Variants, their forms made one after the other: the second is entered
+// from the end of the first one's form. A break point set on it in the middle of the loop stops there
+// all the same, every time, and once cleared the loop goes on without stopping.
+TEST_F(DebuggerTest, ABreakPointOnTheSecondOfTwoStatementsOverVariantsStops)
+{
+    callBack.macros[L"pair"] = Lines({
+        L"Sub Main",                          // 1
+        L"    Dim i, a, b",                   // 2
+        L"    For i = 1 To 100",              // 3
+        L"        a = a + i",                 // 4
+        L"        b = b + 2",                 // 5
+        L"        If i = 50 Then Stop",       // 6
+        L"    Next i",                        // 7
+        L"    Debug.Print a; b",              // 8
+        L"End Sub",                           // 9
+    });
+    ASSERT_TRUE(Start(L"pair"));
+    EXPECT_FALSE(Run(0));
+    ASSERT_TRUE(IsStopped());
+    EXPECT_EQ(L"[pair|Main#  6] If i = 50 Then Stop", CurrentLine());
+    EXPECT_TRUE(Toggle(L"pair", 5));
+    for (int stop = 0; stop < 2; ++stop) {
+        EXPECT_FALSE(ContinueAndRun());
+        ASSERT_TRUE(IsStopped());
+        EXPECT_EQ(L"[pair|Main#  5] b = b + 2", CurrentLine());
+    }
+    EXPECT_TRUE(Toggle(L"pair", 5));
+    EXPECT_FALSE(ContinueAndRun());
+    EXPECT_FALSE(IsStopped());
+    EXPECT_EQ((Texts{L"5050%200%\r\n"}), Printed());
+}
+
 TEST_F(DebuggerTest, TheStopStatementStopsAndContinuingDoesNotStopOnItAgain)
 {
     callBack.macros[L"stops"] = Lines({
