@@ -39,27 +39,37 @@ void SetUsedLength(BSTR text, UINT length) noexcept
     text[length] = L'\0';
 }
 
-// Copies count characters to a destination that starts at or before the source (a text moved to the
-// start of its own block, or between two blocks). Short texts, the usual variable contents, are copied
-// here rather than through the library's general move, whose call costs more than the copy.
-[[gnu::optimize("no-tree-loop-distribute-patterns")]] void CopyTextForward(WCHAR* to, const WCHAR* from,
-                                                                          UINT count) noexcept
+// Moves count characters (count <= 16) as memmove does: each piece is read before anything is written,
+// two possibly overlapping pieces covering the text, so the ranges may overlap in any way.
+template <std::size_t Bytes> struct Piece {
+    unsigned char bytes[Bytes];
+};
+template <std::size_t Bytes> inline void MovePieces(WCHAR* to, const WCHAR* from, UINT count) noexcept
 {
-    constexpr UINT kShortText = 32;
-    if (count > kShortText) {
+    constexpr UINT kUnits = Bytes / sizeof(WCHAR);
+    Piece<Bytes> head;
+    Piece<Bytes> tail;
+    std::memcpy(&head, from, Bytes);
+    std::memcpy(&tail, from + count - kUnits, Bytes);
+    std::memcpy(to, &head, Bytes);
+    std::memcpy(to + count - kUnits, &tail, Bytes);
+}
+
+// Copies count characters into a block that may hold them already (a text moved within its own
+// block). Short texts, the usual variable contents, are moved here in a few instructions rather than
+// through the library's general move, whose call costs more than the copy.
+inline void MoveText(WCHAR* to, const WCHAR* from, UINT count) noexcept
+{
+    if (count >= 8 && count <= 16)
+        MovePieces<16>(to, from, count);
+    else if (count >= 4 && count < 8)
+        MovePieces<8>(to, from, count);
+    else if (count >= 2 && count < 4)
+        MovePieces<4>(to, from, count);
+    else if (count == 1)
+        to[0] = from[0];
+    else if (count > 16)
         std::wmemmove(to, from, count);
-        return;
-    }
-    // Two code units at a time: each pair is read before it is written, and every later read lies above
-    // every write so far because the destination never starts after the source.
-    UINT i = 0;
-    for (; i + 2 <= count; i += 2) {
-        std::uint32_t pair;
-        std::memcpy(&pair, from + i, sizeof pair);
-        std::memcpy(to + i, &pair, sizeof pair);
-    }
-    if (i < count)
-        to[i] = from[i];
 }
 
 } // namespace
@@ -119,9 +129,9 @@ bool AssignText(VARIANT& storage, std::wstring_view text, bool& stored)
     const auto length = static_cast<UINT>(text.size());
     BSTR old = slot ? *slot : nullptr;
     if (old && (length <= TextLength(old) || length <= StringCapacity(old))) {
-        // The text may be part of the stored string, never before its start.
+        // The text may be part of the stored string.
         if (text.data() != old)
-            CopyTextForward(old, text.data(), length);
+            MoveText(old, text.data(), length);
         SetUsedLength(old, length);
         stored = true;
         return true;

@@ -21,6 +21,11 @@ Sub Main
     i = 2
     s = Mid(s, i, i + 1)
     Debug.Print s; Len(s)
+    s = "abcdefghijklmnopq"
+    s = Mid(s, 2, 12)
+    Debug.Print s; Len(s)
+    s = Mid(s, 3, 9)
+    Debug.Print s; Len(s)
     ' Longer than a short copy: each step drops the first seven characters.
     s = String(40, "x") & "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ"
     For i = 1 To 6
