@@ -14,55 +14,49 @@ RegisterOp& EntryOperation(RegisterProgram& program, int index)
     return program.ops[static_cast<std::size_t>(program.entries[static_cast<std::size_t>(index)]) + 1];
 }
 
-// The operation before statement index's form that enters the statement in the marker's place, made a
-// jump to the marker again (the marker is the one place that break points and form changes update).
-void RestoreJumpToMarker(RegisterProgram& program, int index)
+// The ends of forms that go on to statement index, made to match its marker: while the marker goes
+// straight to a form, each is a copy of it (which enters the statement and goes to the same form, or
+// runs on into it when the form follows), one jump and one dispatch fewer per run; otherwise each is a
+// jump to the marker, the one operation that break points and form changes update.
+void MatchFormEndsToMarker(RegisterProgram& program, int index)
 {
     const auto at = static_cast<std::size_t>(index);
-    if (at >= program.markerBeforeForm.size() || program.markerBeforeForm[at] < 0)
+    if (at >= program.formEndsInto.size())
         return;
-    RegisterOp& before = program.ops[static_cast<std::size_t>(program.markerBeforeForm[at])];
-    before.code = RegisterCode::kJump;
-    before.a = program.entries[at];
-    program.markerBeforeForm[at] = -1;
-}
-
-// A marker that goes straight to a form whose preceding operation is a jump to this same marker: that
-// jump (the end of the form made just before, for the statement before) becomes a copy of the marker,
-// which enters the statement and runs on into the form, one jump and one dispatch fewer per run.
-void EnterFormFromJumpBefore(RegisterProgram& program, int index, int start)
-{
-    const auto at = static_cast<std::size_t>(index);
-    if (start < 1)
-        return;
-    RegisterOp& before = program.ops[static_cast<std::size_t>(start - 1)];
-    if (before.code != RegisterCode::kJump || before.a != program.entries[at])
-        return;
-    if (program.markerBeforeForm.size() < program.entries.size())
-        program.markerBeforeForm.resize(program.entries.size(), -1);
-    before.code = RegisterCode::kStatement;
-    before.a = index;
-    before.b = 0;
-    before.c = 0;
-    program.markerBeforeForm[at] = start - 1;
+    const RegisterOp& marker = MarkerOperation(program, index);
+    for (const int end : program.formEndsInto[at]) {
+        RegisterOp& op = program.ops[static_cast<std::size_t>(end)];
+        op.b = 0;
+        op.c = 0;
+        if (marker.code != RegisterCode::kStatementJump) {
+            op.code = RegisterCode::kJump;
+            op.a = program.entries[at];
+        } else if (marker.b == end + 1) {
+            op.code = RegisterCode::kStatement;
+            op.a = index;
+        } else {
+            op.code = RegisterCode::kStatementJump;
+            op.a = index;
+            op.b = marker.b;
+        }
+    }
 }
 
 } // namespace
 
 void MatchMarkerToEntry(RegisterProgram& program, int index)
 {
-    RestoreJumpToMarker(program, index);
     RegisterOp& marker = MarkerOperation(program, index);
-    if (marker.code != RegisterCode::kStatement && marker.code != RegisterCode::kStatementJump)
-        return;
-    const RegisterOp& entry = EntryOperation(program, index);
-    if (entry.code == RegisterCode::kJump) {
-        marker.code = RegisterCode::kStatementJump;
-        marker.b = entry.a;
-        EnterFormFromJumpBefore(program, index, entry.a);
-    } else if (marker.code == RegisterCode::kStatementJump) {
-        marker.code = RegisterCode::kStatement;
+    if (marker.code == RegisterCode::kStatement || marker.code == RegisterCode::kStatementJump) {
+        const RegisterOp& entry = EntryOperation(program, index);
+        if (entry.code == RegisterCode::kJump) {
+            marker.code = RegisterCode::kStatementJump;
+            marker.b = entry.a;
+        } else if (marker.code == RegisterCode::kStatementJump) {
+            marker.code = RegisterCode::kStatement;
+        }
     }
+    MatchFormEndsToMarker(program, index);
 }
 
 void EnterFormAt(RegisterProgram& program, int index, int start)
@@ -82,6 +76,16 @@ void RecordObservedForm(RegisterProgram& program, int index, int start)
     }
     program.formStarts[at].push_back(start);
     program.formTries[at] = 0;
+    // The form ends with the jump to the next statement's marker, its last operation.
+    const auto end = static_cast<int>(program.ops.size()) - 1;
+    const auto next = at + 1;
+    if (next < program.entries.size() && end >= start && program.ops[static_cast<std::size_t>(end)].code == RegisterCode::kJump &&
+        program.ops[static_cast<std::size_t>(end)].a == program.entries[next]) {
+        if (program.formEndsInto.size() < program.entries.size())
+            program.formEndsInto.resize(program.entries.size());
+        program.formEndsInto[next].push_back(end);
+        MatchFormEndsToMarker(program, static_cast<int>(next));
+    }
 }
 
 void ChooseNextForm(RegisterProgram& program, int index)

@@ -14,10 +14,12 @@ namespace brannoc {
 void EnterFormAt(RegisterProgram& program, int index, int start);
 
 // Makes statement `index`'s marker a plain one or one that goes straight to its form, as its entry
-// operation stands now; a marker in another role (a replaced statement) is left as it is.
+// operation stands now; a marker in another role (a replaced statement) is left as it is. The ends of
+// forms that go on to the statement follow the marker (copies of it, or jumps to it).
 void MatchMarkerToEntry(RegisterProgram& program, int index);
 
-// Notes that statement `index` was given the form starting at operation `start`.
+// Notes that statement `index` was given the form starting at operation `start`, the last one made (its
+// end, the jump to the next statement, then follows that statement's marker).
 void RecordObservedForm(RegisterProgram& program, int index, int start);
 
 // The current form of statement `index` has given up often enough: its entry operation (the one after

@@ -232,10 +232,10 @@ public:
     // have been tried in turn since the last new one (ObservedForms.h).
     std::vector<std::vector<int>> formStarts;
     std::vector<std::uint8_t> formTries;
-    // Per statement index: the operation just before the statement's current form that enters the
-    // statement itself and runs on into the form (-1: none). It was the jump to the statement's marker
-    // that ends the form appended before it (ObservedForms.h).
-    std::vector<int> markerBeforeForm;
+    // Per statement index: the last operations of the forms made while running that go on to that
+    // statement. Each is a jump to the statement's marker or, while the marker goes straight to a form,
+    // a copy of the marker (ObservedForms.h).
+    std::vector<std::vector<int>> formEndsInto;
     // Temporaries that forms made while running may use (from firstTemporary on).
     int temporaryLimit = 0;
 };

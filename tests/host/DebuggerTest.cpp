@@ -226,6 +226,38 @@ TEST_F(DebuggerTest, ABreakPointOnTheSecondOfTwoStatementsOverVariantsStops)
     EXPECT_EQ((Texts{L"5050%200%\r\n"}), Printed());
 }
 
+// The same once the second statement's Variant has grown from Integer into Long (from i = 46) and the
+// statement has been given a new form for that (some passes later): the new form lies elsewhere, and
+// the end of the first statement's form goes there itself. The break point still stops.
+TEST_F(DebuggerTest, ABreakPointOnAStatementWhoseVariantsChangedKindStops)
+{
+    callBack.macros[L"grown"] = Lines({
+        L"Sub Main",                          // 1
+        L"    Dim i, a, b",                   // 2
+        L"    For i = 1 To 100",              // 3
+        L"        a = a + i",                 // 4
+        L"        b = b + a * 2",             // 5
+        L"        If i = 80 Then Stop",       // 6
+        L"    Next i",                        // 7
+        L"    Debug.Print a; b",              // 8
+        L"End Sub",                           // 9
+    });
+    ASSERT_TRUE(Start(L"grown"));
+    EXPECT_FALSE(Run(0));
+    ASSERT_TRUE(IsStopped());
+    EXPECT_EQ(L"[grown|Main#  6] If i = 80 Then Stop", CurrentLine());
+    EXPECT_TRUE(Toggle(L"grown", 5));
+    for (int stop = 0; stop < 2; ++stop) {
+        EXPECT_FALSE(ContinueAndRun());
+        ASSERT_TRUE(IsStopped());
+        EXPECT_EQ(L"[grown|Main#  5] b = b + a * 2", CurrentLine());
+    }
+    EXPECT_TRUE(Toggle(L"grown", 5));
+    EXPECT_FALSE(ContinueAndRun());
+    EXPECT_FALSE(IsStopped());
+    EXPECT_EQ((Texts{L"5050%343400&\r\n"}), Printed());
+}
+
 TEST_F(DebuggerTest, TheStopStatementStopsAndContinuingDoesNotStopOnItAgain)
 {
     callBack.macros[L"stops"] = Lines({
