@@ -724,6 +724,19 @@ bool RegisterBuilder::Load(const ExprOp& op, std::vector<Operand>& stack)
         const VARTYPE held = ObservedKind(op.scope, op.index);
         if (held == VT_EMPTY)
             return false;
+        if (m_guardVariants && op.scope == StorageScope::Local && !IsByReferenceParameter(op.index) &&
+            (held == VT_I4 || held == VT_R8)) {
+            const int slot = SlotOffset(op.index);
+            if (std::find(m_guardedSlots.begin(), m_guardedSlots.end(), slot) == m_guardedSlots.end()) {
+                Emit(RegisterCode::kGuardVariant, slot).kind = held;
+                m_guardedSlots.push_back(slot);
+            }
+            Operand payload;
+            payload.kind = held;
+            payload.offset = slot;
+            stack.push_back(payload);
+            return true;
+        }
         Operand cell = NewTemporary(held);
         // A Variant local holds its value in its own cell; a by-reference parameter may refer to another.
         const RegisterCode code =
@@ -1346,8 +1359,10 @@ void RegisterBuilder::ResolveJumpTargets()
     }
 }
 
-bool RegisterBuilder::BuildObserved(int index, char* frame, ModuleInstance* instance, int& start)
+bool RegisterBuilder::BuildObserved(int index, char* frame, ModuleInstance* instance, int& start, bool& called)
 {
+    called = false;
+    m_guardedSlots.clear();
     Statement* statement = m_procedure.StatementObject(index);
     if (!statement)
         return false;
@@ -1378,14 +1393,36 @@ bool RegisterBuilder::BuildObserved(int index, char* frame, ModuleInstance* inst
             m_program.ops[i].constant.pointer = m_program.rangeTables[static_cast<std::size_t>(m_program.ops[i].c)].data();
     }
     start = static_cast<int>(mark);
+    called = m_callEmitted;
     return true;
 }
 
 bool FormObservedStatement(CompiledProcedure& procedure, RegisterProgram& program, int index, char* frame,
                            ModuleInstance* instance, int& start)
 {
+    // First with Variant locals read in place. A statement that makes a call may change them between the
+    // check and the read, so its form is made again with each read copied where it happens.
+    const std::size_t mark = program.ops.size();
+    const std::size_t tables = program.rangeTables.size();
+    const std::size_t calls = program.calls.size();
+    const std::size_t comparisons = program.textComparisons.size();
+    const std::size_t walks = program.fieldWalks.size();
+    const std::size_t operands = program.textOperands.size();
+    bool called = false;
+    {
+        RegisterBuilder builder(procedure, program);
+        builder.GuardVariantReads(true);
+        if (builder.BuildObserved(index, frame, instance, start, called) && !called)
+            return true;
+    }
+    program.ops.resize(mark);
+    program.rangeTables.resize(tables);
+    program.calls.resize(calls);
+    program.textComparisons.resize(comparisons);
+    program.fieldWalks.resize(walks);
+    program.textOperands.resize(operands);
     RegisterBuilder builder(procedure, program);
-    return builder.BuildObserved(index, frame, instance, start);
+    return builder.BuildObserved(index, frame, instance, start, called);
 }
 
 bool RegisterBuilder::SelectRanges(const Operand& selectorIn, int keptSlot, const std::vector<Range>& ranges,

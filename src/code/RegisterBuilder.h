@@ -50,7 +50,10 @@ public:
     void Build();
     // Makes the form of statement index for the kinds the Variants hold in frame and instance (see
     // FormObservedStatement).
-    bool BuildObserved(int index, char* frame, ModuleInstance* instance, int& start);
+    // `called`: the form makes a call.
+    bool BuildObserved(int index, char* frame, ModuleInstance* instance, int& start, bool& called);
+    // Forms made from now on read Variant locals in place after a kind check (for statements without calls).
+    void GuardVariantReads(bool guard) noexcept { m_guardVariants = guard; }
 
     // ---- For the statements' EmitRegisters ----
 
@@ -192,6 +195,10 @@ private:
     VARIANT* m_observedModule = nullptr;
     std::size_t m_observedModuleCount = 0;
     bool m_variantSeen = false;
+    // Forms of statements that make no call read a Variant local's Long or Double payload in place after
+    // one kind check per statement (GuardVariant) instead of copying it to a temporary; the slots checked.
+    bool m_guardVariants = false;
+    std::vector<int> m_guardedSlots;
     // A form made while running ran out of room (operations or temporaries).
     bool m_outOfRoom = false;
     // A call operation has been emitted in the statement, and after it an operation that may give up

@@ -72,6 +72,7 @@ class Module;
     X(LoadVariantWhole)  /* a = payload of the Variant local in slot offset b (its own cell) holding `kind` */ \
     X(LoadVariantNarrow)                                                                                        \
     X(LoadVariantReal)                                                                                          \
+    X(GuardVariant)      /* gives up unless the Variant local whose payload is at offset a holds `kind` */    \
     X(StoreOwnVariantWhole) /* the StoreVariant forms for a Variant local's own cell (never a reference) */    \
     X(StoreOwnVariantNarrow)                                                                                    \
     X(StoreOwnVariantReal)                                                                                      \

@@ -557,6 +557,12 @@ op_StoreNarrowChecked: {
     BRANNOC_CELL_LOAD(op_LoadVariantWhole, OwnVariant(frame, pc->b, VT_I4), lVal, BRANNOC_WHOLE)
     BRANNOC_CELL_LOAD(op_LoadVariantNarrow, OwnVariant(frame, pc->b, static_cast<VARTYPE>(pc->kind)), iVal, BRANNOC_WHOLE)
     BRANNOC_CELL_LOAD(op_LoadVariantReal, OwnVariant(frame, pc->b, VT_R8), dblVal, BRANNOC_REAL)
+op_GuardVariant:
+    // A form whose statement makes no call reads a Variant local's Long or Double payload where it lies,
+    // once this check has found the kind the form was made for.
+    if (reinterpret_cast<const VARIANT*>(frame + pc->a - 8)->vt != pc->kind)
+        goto give_up;
+    BRANNOC_NEXT();
     BRANNOC_CELL_STORE(op_StoreOwnVariantWhole, OwnPlainVariant(frame, pc->a), VT_I4, lVal, LONG, BRANNOC_WHOLE)
     BRANNOC_CELL_STORE(op_StoreOwnVariantNarrow, OwnPlainVariant(frame, pc->a), pc->kind, iVal, SHORT, BRANNOC_WHOLE)
     BRANNOC_CELL_STORE(op_StoreOwnVariantReal, OwnPlainVariant(frame, pc->a), VT_R8, dblVal, double, BRANNOC_REAL)
