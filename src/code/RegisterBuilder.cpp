@@ -601,7 +601,8 @@ bool RegisterBuilder::EmitCall(RegisterCode code, std::unique_ptr<RegisterCall> 
     // A second call whose references may not hold their kind would give up after the first one ran.
     if (m_callEmitted && (code == RegisterCode::kMemberCall || call->referencesMayFail))
         m_givesUpAfterCall = true;
-    RegisterOp& emitted = Emit(code, result);
+    // b: the operation after the call, where the calling statement goes on once the callee has ended.
+    RegisterOp& emitted = Emit(code, result, static_cast<int>(m_program.ops.size()) + 1);
     emitted.constant.pointer = call.get();
     m_program.calls.push_back(std::move(call));
     if (function) {

@@ -121,7 +121,7 @@ class Module;
     X(NextLong)          /* Next of a Long counter at a; b, c: step and end slots; kind: target op */          \
     X(NextVariant)       /* the same for a Variant counter holding whole numbers */                            \
     X(SelectRanges)      /* b: whole selector; a: kept slot offset; pointer: the range table */          \
-    X(Call)              /* pointer: the RegisterCall; a: the result's slot offset, or -1 */            \
+    X(Call)              /* pointer: the RegisterCall; a: the result's slot offset, or -1; b: next operation */ \
     X(MemberCall)        /* the same for a member of a class instance held by a variable */                  \
     X(CompareText)       /* pointer: a TextComparison; a: whole slot set to -1 when it holds, else 0 */     \
     X(SelectText)        /* pointer: a BranchStatement over a string; a: whole slot set to the part it enters */ \

@@ -901,7 +901,7 @@ op_Call: {
     case CallStart::kEntered: goto entered;
     case CallStart::kWaiting:
         // The statement goes on after the call once the callee has ended.
-        activation->SetResumeOperation(static_cast<int>(pc - ops) + 1);
+        activation->SetResumeOperation(pc->b);
         return false;
     case CallStart::kFailed: return false;
     }
@@ -930,7 +930,7 @@ op_MemberCall: {
         BRANNOC_NEXT();
     case CallStart::kEntered: goto entered;
     case CallStart::kWaiting:
-        activation->SetResumeOperation(static_cast<int>(pc - ops) + 1);
+        activation->SetResumeOperation(pc->b);
         return false;
     case CallStart::kFailed: return false;
     }
@@ -1002,7 +1002,7 @@ op_StoreFieldText: {
 entered: {
     // The calling statement goes on after the call once the callee has ended, here or, when something
     // stops the loop inside the callee, on a later step.
-    activation->SetResumeOperation(static_cast<int>(pc - ops) + 1);
+    activation->SetResumeOperation(pc->b);
     enter(*entering, entering->OwnProcedure().Table().runnerData);
     pc = ops + entries[0];
     BRANNOC_DISPATCH();
