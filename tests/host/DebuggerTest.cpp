@@ -83,6 +83,42 @@ protected:
         return Run(0);
     }
     std::vector<std::wstring> Printed() const { return callBack.printed; }
+    // Runs macro `name`, whose line 5 is statement `second` over Variants after a line 4 over Variants,
+    // in a loop that stops at line 6 on pass `stopAt`: a break point set on line 5 then stops there on
+    // each of the next two passes, and once cleared the loop runs to its end and prints `printed`.
+    void ExpectBreakPointOnSecondVariantStatement(const wchar_t* name, const std::wstring& second, int stopAt,
+                                                  const std::wstring& printed)
+    {
+        const std::wstring stopLine = L"If i = " + std::to_wstring(stopAt) + L" Then Stop";
+        const std::wstring fifth = L"        " + second;
+        const std::wstring sixth = L"        " + stopLine;
+        callBack.macros[name] = Lines({
+            L"Sub Main",                   // 1
+            L"    Dim i, a, b",            // 2
+            L"    For i = 1 To 100",       // 3
+            L"        a = a + i",          // 4
+            fifth.c_str(),                 // 5
+            sixth.c_str(),                 // 6
+            L"    Next i",                 // 7
+            L"    Debug.Print a; b",       // 8
+            L"End Sub",                    // 9
+        });
+        const std::wstring prefix = L"[" + std::wstring(name) + L"|Main#  ";
+        ASSERT_TRUE(Start(name));
+        EXPECT_FALSE(Run(0));
+        ASSERT_TRUE(IsStopped());
+        EXPECT_EQ(prefix + L"6] " + stopLine, CurrentLine());
+        EXPECT_TRUE(Toggle(name, 5));
+        for (int stop = 0; stop < 2; ++stop) {
+            EXPECT_FALSE(ContinueAndRun());
+            ASSERT_TRUE(IsStopped());
+            EXPECT_EQ(prefix + L"5] " + second, CurrentLine());
+        }
+        EXPECT_TRUE(Toggle(name, 5));
+        EXPECT_FALSE(ContinueAndRun());
+        EXPECT_FALSE(IsStopped());
+        EXPECT_EQ((std::vector<std::wstring>{printed}), Printed());
+    }
 };
 
 using Texts = std::vector<std::wstring>;
@@ -199,31 +235,7 @@ TEST_F(DebuggerTest, ABreakPointOnAStatementOverVariantsStopsAfterItsFormWasMade
 // all the same, every time, and once cleared the loop goes on without stopping.
 TEST_F(DebuggerTest, ABreakPointOnTheSecondOfTwoStatementsOverVariantsStops)
 {
-    callBack.macros[L"pair"] = Lines({
-        L"Sub Main",                          // 1
-        L"    Dim i, a, b",                   // 2
-        L"    For i = 1 To 100",              // 3
-        L"        a = a + i",                 // 4
-        L"        b = b + 2",                 // 5
-        L"        If i = 50 Then Stop",       // 6
-        L"    Next i",                        // 7
-        L"    Debug.Print a; b",              // 8
-        L"End Sub",                           // 9
-    });
-    ASSERT_TRUE(Start(L"pair"));
-    EXPECT_FALSE(Run(0));
-    ASSERT_TRUE(IsStopped());
-    EXPECT_EQ(L"[pair|Main#  6] If i = 50 Then Stop", CurrentLine());
-    EXPECT_TRUE(Toggle(L"pair", 5));
-    for (int stop = 0; stop < 2; ++stop) {
-        EXPECT_FALSE(ContinueAndRun());
-        ASSERT_TRUE(IsStopped());
-        EXPECT_EQ(L"[pair|Main#  5] b = b + 2", CurrentLine());
-    }
-    EXPECT_TRUE(Toggle(L"pair", 5));
-    EXPECT_FALSE(ContinueAndRun());
-    EXPECT_FALSE(IsStopped());
-    EXPECT_EQ((Texts{L"5050%200%\r\n"}), Printed());
+    ExpectBreakPointOnSecondVariantStatement(L"pair", L"b = b + 2", 50, L"5050%200%\r\n");
 }
 
 // The same once the second statement's Variant has grown from Integer into Long (from i = 46) and the
@@ -231,31 +243,7 @@ TEST_F(DebuggerTest, ABreakPointOnTheSecondOfTwoStatementsOverVariantsStops)
 // the end of the first statement's form goes there itself. The break point still stops.
 TEST_F(DebuggerTest, ABreakPointOnAStatementWhoseVariantsChangedKindStops)
 {
-    callBack.macros[L"grown"] = Lines({
-        L"Sub Main",                          // 1
-        L"    Dim i, a, b",                   // 2
-        L"    For i = 1 To 100",              // 3
-        L"        a = a + i",                 // 4
-        L"        b = b + a * 2",             // 5
-        L"        If i = 80 Then Stop",       // 6
-        L"    Next i",                        // 7
-        L"    Debug.Print a; b",              // 8
-        L"End Sub",                           // 9
-    });
-    ASSERT_TRUE(Start(L"grown"));
-    EXPECT_FALSE(Run(0));
-    ASSERT_TRUE(IsStopped());
-    EXPECT_EQ(L"[grown|Main#  6] If i = 80 Then Stop", CurrentLine());
-    EXPECT_TRUE(Toggle(L"grown", 5));
-    for (int stop = 0; stop < 2; ++stop) {
-        EXPECT_FALSE(ContinueAndRun());
-        ASSERT_TRUE(IsStopped());
-        EXPECT_EQ(L"[grown|Main#  5] b = b + a * 2", CurrentLine());
-    }
-    EXPECT_TRUE(Toggle(L"grown", 5));
-    EXPECT_FALSE(ContinueAndRun());
-    EXPECT_FALSE(IsStopped());
-    EXPECT_EQ((Texts{L"5050%343400&\r\n"}), Printed());
+    ExpectBreakPointOnSecondVariantStatement(L"grown", L"b = b + a * 2", 80, L"5050%343400&\r\n");
 }
 
 TEST_F(DebuggerTest, TheStopStatementStopsAndContinuingDoesNotStopOnItAgain)
