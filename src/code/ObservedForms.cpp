@@ -79,8 +79,8 @@ void RecordObservedForm(RegisterProgram& program, int index, int start)
     // The form ends with the jump to the next statement's marker, its last operation.
     const auto end = static_cast<int>(program.ops.size()) - 1;
     const auto next = at + 1;
-    if (next < program.entries.size() && end >= start && program.ops[static_cast<std::size_t>(end)].code == RegisterCode::kJump &&
-        program.ops[static_cast<std::size_t>(end)].a == program.entries[next]) {
+    const RegisterOp* last = end >= start ? &program.ops[static_cast<std::size_t>(end)] : nullptr;
+    if (next < program.entries.size() && last && last->code == RegisterCode::kJump && last->a == program.entries[next]) {
         if (program.formEndsInto.size() < program.entries.size())
             program.formEndsInto.resize(program.entries.size());
         program.formEndsInto[next].push_back(end);

@@ -727,11 +727,10 @@ bool RegisterBuilder::Load(const ExprOp& op, std::vector<Operand>& stack)
             return false;
         if (m_guardVariants && op.scope == StorageScope::Local && !IsByReferenceParameter(op.index) &&
             (held == VT_I4 || held == VT_R8)) {
+            // Checked at each read, where a load would have read it: a statement's parts may branch, and
+            // one read's check does not stand for a read on another path.
             const int slot = SlotOffset(op.index);
-            if (std::find(m_guardedSlots.begin(), m_guardedSlots.end(), slot) == m_guardedSlots.end()) {
-                Emit(RegisterCode::kGuardVariant, slot).kind = held;
-                m_guardedSlots.push_back(slot);
-            }
+            Emit(RegisterCode::kGuardVariant, slot).kind = held;
             Operand payload;
             payload.kind = held;
             payload.offset = slot;
@@ -1363,7 +1362,6 @@ void RegisterBuilder::ResolveJumpTargets()
 bool RegisterBuilder::BuildObserved(int index, char* frame, ModuleInstance* instance, int& start, bool& called)
 {
     called = false;
-    m_guardedSlots.clear();
     Statement* statement = m_procedure.StatementObject(index);
     if (!statement)
         return false;

@@ -196,9 +196,8 @@ private:
     std::size_t m_observedModuleCount = 0;
     bool m_variantSeen = false;
     // Forms of statements that make no call read a Variant local's Long or Double payload in place after
-    // one kind check per statement (GuardVariant) instead of copying it to a temporary; the slots checked.
+    // a kind check (GuardVariant) instead of copying it to a temporary.
     bool m_guardVariants = false;
-    std::vector<int> m_guardedSlots;
     // A form made while running ran out of room (operations or temporaries).
     bool m_outOfRoom = false;
     // A call operation has been emitted in the statement, and after it an operation that may give up

@@ -4,7 +4,6 @@
 #include "values/ValueError.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <cstring>
 #include <cwchar>
 #include <objbase.h>
