@@ -1408,18 +1408,23 @@ bool FormObservedStatement(CompiledProcedure& procedure, RegisterProgram& progra
     const std::size_t walks = program.fieldWalks.size();
     const std::size_t operands = program.textOperands.size();
     bool called = false;
+    bool made = false;
     {
         RegisterBuilder builder(procedure, program);
         builder.GuardVariantReads(true);
-        if (builder.BuildObserved(index, frame, instance, start, called) && !called)
-            return true;
+        made = builder.BuildObserved(index, frame, instance, start, called);
     }
+    if (made && !called)
+        return true;
+    // What the first form left (or a failed one: the copies would fail the same way) is taken back.
     program.ops.resize(mark);
     program.rangeTables.resize(tables);
     program.calls.resize(calls);
     program.textComparisons.resize(comparisons);
     program.fieldWalks.resize(walks);
     program.textOperands.resize(operands);
+    if (!made)
+        return false;
     RegisterBuilder builder(procedure, program);
     return builder.BuildObserved(index, frame, instance, start, called);
 }

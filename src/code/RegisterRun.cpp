@@ -559,7 +559,7 @@ op_StoreNarrowChecked: {
     BRANNOC_CELL_LOAD(op_LoadVariantReal, OwnVariant(frame, pc->b, VT_R8), dblVal, BRANNOC_REAL)
 op_GuardVariant:
     // A form whose statement makes no call reads a Variant local's Long or Double payload where it lies,
-    // once this check has found the kind the form was made for.
+    // after this check at the read has found the kind the form was made for.
     if (reinterpret_cast<const VARIANT*>(frame + pc->a - 8)->vt != pc->kind)
         goto give_up;
     BRANNOC_NEXT();

@@ -38,20 +38,18 @@ void SetUsedLength(BSTR text, UINT length) noexcept
     text[length] = L'\0';
 }
 
-// Moves count characters (count <= 16) as memmove does: each piece is read before anything is written,
-// two possibly overlapping pieces covering the text, so the ranges may overlap in any way.
-template <std::size_t Bytes> struct Piece {
-    unsigned char bytes[Bytes];
-};
+// Moves count characters, count being from Bytes / 2 to Bytes code units, as memmove does: two
+// possibly overlapping pieces cover the text, and both are read before either is written, so the source
+// and destination may overlap in any way.
 template <std::size_t Bytes> inline void MovePieces(WCHAR* to, const WCHAR* from, UINT count) noexcept
 {
     constexpr UINT kUnits = Bytes / sizeof(WCHAR);
-    Piece<Bytes> head;
-    Piece<Bytes> tail;
-    std::memcpy(&head, from, Bytes);
-    std::memcpy(&tail, from + count - kUnits, Bytes);
-    std::memcpy(to, &head, Bytes);
-    std::memcpy(to + count - kUnits, &tail, Bytes);
+    unsigned char head[Bytes];
+    unsigned char tail[Bytes];
+    std::memcpy(head, from, Bytes);
+    std::memcpy(tail, from + count - kUnits, Bytes);
+    std::memcpy(to, head, Bytes);
+    std::memcpy(to + count - kUnits, tail, Bytes);
 }
 
 // Copies count characters into a block that may hold them already (a text moved within its own
@@ -59,16 +57,16 @@ template <std::size_t Bytes> inline void MovePieces(WCHAR* to, const WCHAR* from
 // through the library's general move, whose call costs more than the copy.
 inline void MoveText(WCHAR* to, const WCHAR* from, UINT count) noexcept
 {
-    if (count >= 8 && count <= 16)
+    if (count > 16)
+        std::wmemmove(to, from, count);
+    else if (count >= 8)
         MovePieces<16>(to, from, count);
-    else if (count >= 4 && count < 8)
+    else if (count >= 4)
         MovePieces<8>(to, from, count);
-    else if (count >= 2 && count < 4)
+    else if (count >= 2)
         MovePieces<4>(to, from, count);
     else if (count == 1)
         to[0] = from[0];
-    else if (count > 16)
-        std::wmemmove(to, from, count);
 }
 
 } // namespace
