@@ -91,27 +91,21 @@ void NoteGivingUp(RegisterProgram& program, int index)
 [[gnu::always_inline]] inline void BindRegisterArguments(const RegisterCall& call, char* frame, VARIANT* const* cells,
                                                          VARIANT* slots)
 {
-    const std::size_t count = call.arguments.size();
-    for (std::size_t i = 0; i < count; ++i) {
-        const RegisterArgument& argument = call.arguments[i];
-        VARIANT& slot = slots[i];
-        switch (argument.mode) {
-        case ArgumentMode::kWhole:
-            slot.vt = argument.kind;
-            if (argument.kind == VT_I4)
-                slot.lVal = *reinterpret_cast<const LONG*>(frame + argument.location);
-            else
-                slot.iVal = static_cast<SHORT>(*reinterpret_cast<const LONG*>(frame + argument.location));
-            break;
-        case ArgumentMode::kReal:
-            slot.vt = VT_R8;
-            slot.dblVal = *reinterpret_cast<const double*>(frame + argument.location);
-            break;
-        default:
-            slot.vt = VT_BYREF | VT_VARIANT;
-            slot.pvarVal = call.referencesMayFail ? cells[i]
-                                                  : reinterpret_cast<VARIANT*>(frame + argument.location - 8);
-            break;
+    const RegisterArgument* const first = call.arguments.data();
+    const RegisterArgument* const end = first + call.arguments.size();
+    VARIANT* slot = slots;
+    for (const RegisterArgument* argument = first; argument != end; ++argument, ++slot) {
+        if (argument->mode == ArgumentMode::kWhole) {
+            // A narrow value's low half is the value; the high half of the payload is not read as an I2.
+            slot->vt = argument->kind;
+            slot->lVal = *reinterpret_cast<const LONG*>(frame + argument->location);
+        } else if (argument->mode == ArgumentMode::kReal) {
+            slot->vt = VT_R8;
+            slot->dblVal = *reinterpret_cast<const double*>(frame + argument->location);
+        } else {
+            slot->vt = VT_BYREF | VT_VARIANT;
+            slot->pvarVal = call.referencesMayFail ? cells[argument - first]
+                                                   : reinterpret_cast<VARIANT*>(frame + argument->location - 8);
         }
     }
 }

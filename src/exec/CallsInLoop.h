@@ -14,9 +14,11 @@ namespace brannoc {
 {
     Activation* activation = m_freeActivations;
     const FrameLayout& layout = procedure.Layout();
-    const std::size_t frameSize = static_cast<std::size_t>(layout.slotCount) * sizeof(VARIANT);
-    if (!activation || frameSize == 0 || activation->m_frameCapacity < frameSize || !layout.image ||
-        !MayEnterCallInLoop() || m_exec.Capacity() - m_exec.Size() < 2)
+    // The halt byte is not tested here: a request or error recorded before the call stops the callee at
+    // its first statement's marker, before anything of it runs, where a call begun the scheduled way
+    // would wait on the execution stack.
+    if (!activation || activation->m_frameCapacity < layout.quickFrameBytes || m_callDepth >= kMaxCallDepth ||
+        m_stepCounter < 1 || m_runLevel < 1 || m_exec.Capacity() - m_exec.Size() < 2)
         return nullptr;
     // A free activation that keeps a frame block counts as idle until it is used again.
     m_freeActivations = activation->m_nextFree;
@@ -24,7 +26,7 @@ namespace brannoc {
     activation->ResetForCall();
     SetUpActivation(*activation, procedure, ActivationKind::Call, instance, false);
     activation->m_locals = activation->m_frameBlock;
-    activation->m_localSize = frameSize;
+    activation->m_localSize = layout.quickFrameBytes;
     CopyFrameImage(static_cast<VARIANT*>(activation->m_locals), layout.image, layout.parameterCount,
                    layout.initializedCount);
     PushCallInLoop(*activation);

@@ -32,6 +32,14 @@ public:
     }
     // Pushes onto a stack that has room (see Reserve).
     void PushInRoom(const ExecEntry& entry) noexcept { m_entries[m_size++] = entry; }
+    // Pushes two entries, `lower` first, onto a stack that has room for both.
+    void PushPairInRoom(const ExecEntry& lower, const ExecEntry& upper) noexcept
+    {
+        ExecEntry* top = m_entries + m_size;
+        top[0] = lower;
+        top[1] = upper;
+        m_size += 2;
+    }
     // Removes the top count entries.
     void Drop(std::size_t count) noexcept { m_size -= count; }
     // Removes and returns the top entry; the stack must not be empty.

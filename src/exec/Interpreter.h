@@ -408,8 +408,7 @@ private:
     // The callee and its call-end marker go on the execution stack, which has room for both.
     void PushCallInLoop(Activation& callee) noexcept
     {
-        m_exec.PushInRoom(ExecEntry{&CallEndMarker::Instance(), 1});
-        m_exec.PushInRoom(ExecEntry{&callee, 1});
+        m_exec.PushPairInRoom(ExecEntry{&CallEndMarker::Instance(), 1}, ExecEntry{&callee, 1});
     }
     void FreeActivation(Activation& activation) noexcept
     {

@@ -83,6 +83,9 @@ struct FrameLayout {
     int parameterCount = 0;
     // The slot of a Function's result, or -1.
     int resultSlot = -1;
+    // Set by ProcedureCode::SetLayout: the frame's size in bytes when a call may set it up from the image
+    // (an image and at least one slot), else the largest size, which no kept frame block reaches.
+    std::size_t quickFrameBytes = SIZE_MAX;
 };
 
 class ProcedureCode : public Node {
@@ -141,7 +144,13 @@ public:
 
 protected:
     void SetTable(const StatementTable& table) noexcept { m_table = table; }
-    void SetLayout(const FrameLayout& layout) noexcept { m_layout = layout; }
+    void SetLayout(const FrameLayout& layout) noexcept
+    {
+        m_layout = layout;
+        m_layout.quickFrameBytes = layout.image && layout.slotCount > 0
+                                       ? static_cast<std::size_t>(layout.slotCount) * sizeof(VARIANT)
+                                       : SIZE_MAX;
+    }
 
 private:
     StatementTable m_table;
