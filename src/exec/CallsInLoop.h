@@ -20,9 +20,7 @@ namespace brannoc {
     if (!activation || activation->m_frameCapacity < layout.quickFrameBytes || m_callDepth >= kMaxCallDepth ||
         m_stepCounter < 1 || m_runLevel < 1 || m_exec.Capacity() - m_exec.Size() < 2)
         return nullptr;
-    // A free activation that keeps a frame block counts as idle until it is used again.
     m_freeActivations = activation->m_nextFree;
-    m_idleFrameBytes -= activation->m_frameCapacity;
     activation->ResetForCall();
     SetUpActivation(*activation, procedure, ActivationKind::Call, instance, false);
     activation->m_locals = activation->m_frameBlock;

@@ -269,8 +269,10 @@ bool Interpreter::ProvideFrame(Activation& activation, std::size_t frameSize)
     // The activation keeps its frame block between calls; a smaller one goes back to the pool.
     if (activation.m_frameCapacity < frameSize) {
         m_frames.Free(activation.m_frameBlock);
+        m_keptFrameBytes -= activation.m_frameCapacity;
         activation.m_frameBlock = m_frames.Acquire(frameSize);
         activation.m_frameCapacity = activation.m_frameBlock ? frameSize : 0;
+        m_keptFrameBytes += activation.m_frameCapacity;
     }
     activation.m_locals = activation.m_frameBlock;
     activation.m_localSize = frameSize;
@@ -542,8 +544,6 @@ Activation* Interpreter::NewActivation()
     Activation* activation = m_freeActivations;
     if (activation) {
         m_freeActivations = activation->m_nextFree;
-        if (activation->m_frameBlock)
-            m_idleFrameBytes -= activation->m_frameCapacity;
     } else {
         activation = new (std::nothrow) Activation();
         if (!activation)

@@ -297,6 +297,9 @@ public:
     void SetStepCounter(int counter) noexcept { m_stepCounter = counter; }
     int RunDepth() const noexcept { return m_runDepth; }
     int CallDepth() const noexcept { return m_callDepth; }
+    // Bytes of the frame blocks that activations keep for later calls (bounded once a run has ended).
+    std::size_t KeptFrameBytes() const noexcept { return m_keptFrameBytes; }
+    static constexpr std::size_t kMostKeptFrameBytes = 1024 * 1024;
     Activation* CurrentActivation() const noexcept { return m_current; }
     Activation* EntryActivations() const noexcept { return m_entryActivations; }
     std::size_t ExecutionDepth() const noexcept { return m_exec.Size(); }
@@ -415,16 +418,14 @@ private:
         activation.m_procedure = nullptr;
         activation.m_caller = nullptr;
         activation.m_instance = nullptr;
-        // A free activation keeps its frame block for the next call while the kept blocks stay within
-        // their byte budget; the others go back to the pool, which bounds what it keeps.
-        if (activation.m_frameBlock) {
-            if (m_idleFrameBytes + activation.m_frameCapacity <= kMostIdleFrameBytes) {
-                m_idleFrameBytes += activation.m_frameCapacity;
-            } else {
-                m_frames.Free(activation.m_frameBlock);
-                activation.m_frameBlock = nullptr;
-                activation.m_frameCapacity = 0;
-            }
+        // A free activation keeps its frame block for the next call while all kept blocks stay within
+        // their byte budget; past it, blocks go back to the pool (which bounds what it keeps) as their
+        // activations end.
+        if (m_keptFrameBytes > kMostKeptFrameBytes && activation.m_frameBlock) {
+            m_frames.Free(activation.m_frameBlock);
+            m_keptFrameBytes -= activation.m_frameCapacity;
+            activation.m_frameBlock = nullptr;
+            activation.m_frameCapacity = 0;
         }
         activation.m_nextFree = m_freeActivations;
         m_freeActivations = &activation;
@@ -460,10 +461,10 @@ private:
     ElementReferences m_references;
     FramePool m_frames;
     Activation* m_freeActivations = nullptr;
-    // Bytes of the frame blocks that free activations keep: enough for a recursion some thousands of
-    // levels deep to run again without allocating, bounded so that one deep run does not hold memory.
-    std::size_t m_idleFrameBytes = 0;
-    static constexpr std::size_t kMostIdleFrameBytes = 1024 * 1024;
+    // Bytes of the frame blocks that activations keep, in use or free: enough for a recursion some
+    // thousands of levels deep to run again without allocating, bounded so that one deep run does not
+    // hold memory once it has ended.
+    std::size_t m_keptFrameBytes = 0;
     ErrorRecord m_error;
     bool m_evaluating = false;
     int m_hostCallDepth = 0;

@@ -82,5 +82,47 @@ TEST(CallsInLoopTest, TimeSlicesEndingDeepInARecursionYieldThereAndTheRunGoesOn)
     EXPECT_GT(general.yields, 100);
 }
 
+// A Function with many locals, so that each level's frame is large.
+std::string DeepFramesProgram(int depth)
+{
+    std::vector<std::string> lines = {"Function Deep(ByVal n As Long) As Long"};
+    std::string locals = "    Dim v0 As Long";
+    for (int i = 1; i < 48; ++i)
+        locals += ", v" + std::to_string(i) + " As Long";
+    lines.push_back(locals);
+    lines.push_back("    v0 = n: v47 = n Mod 7");
+    lines.push_back("    If n = 0 Then Deep = 0 Else Deep = Deep(n - 1) + v47 - v0 + n");
+    lines.push_back("End Function");
+    lines.push_back("Sub Main");
+    lines.push_back("    Debug.Print Deep(" + std::to_string(depth) + "); Deep(" + std::to_string(depth) + ")");
+    lines.push_back("End Sub");
+    return JoinLines(lines);
+}
+
+TEST(CallsInLoopTest, FrameBlocksKeptAfterADeepRecursionStayWithinTheirBudget)
+{
+    // About 800 bytes a level: 3000 levels hold more than the budget while they run.
+    std::size_t deepKept = 0;
+    const ProgramResult deep = RunProgram(DeepFramesProgram(3000), {}, 2000000, {},
+                                          [&deepKept](Interpreter& interpreter) { deepKept = interpreter.KeptFrameBytes(); });
+    ASSERT_TRUE(deep.finished);
+    EXPECT_TRUE(deep.runErrors.empty());
+    // Each level adds n Mod 7: the sum over 1..3000.
+    long expected = 0;
+    for (long n = 1; n <= 3000; ++n)
+        expected += n % 7;
+    EXPECT_NE(deep.output.find(std::to_wstring(expected)), std::wstring::npos);
+    EXPECT_GT(deepKept, Interpreter::kMostKeptFrameBytes / 2) << "the blocks within the budget are kept";
+    EXPECT_LE(deepKept, Interpreter::kMostKeptFrameBytes) << "the blocks past the budget went back";
+
+    // A shallow recursion keeps every level's block for the next call.
+    std::size_t shallowKept = 0;
+    const ProgramResult shallow = RunProgram(DeepFramesProgram(100), {}, 2000000, {},
+                                             [&shallowKept](Interpreter& interpreter) { shallowKept = interpreter.KeptFrameBytes(); });
+    ASSERT_TRUE(shallow.finished);
+    EXPECT_GT(shallowKept, 100u * 48 * sizeof(VARIANT));
+    EXPECT_LT(shallowKept, Interpreter::kMostKeptFrameBytes / 4);
+}
+
 } // namespace
 } // namespace brannoc

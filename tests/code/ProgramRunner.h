@@ -80,7 +80,8 @@ inline std::string JoinLines(const std::vector<std::string>& lines)
 // prepare (when given) sees the macro's instance before Main runs (to put values into its variables).
 inline ProgramResult RunProgram(const std::string& text, const std::map<std::string, std::string>& others = {},
                                 int stepLimit = 2000000,
-                                const std::function<void(ModuleInstance&)>& prepare = {})
+                                const std::function<void(ModuleInstance&)>& prepare = {},
+                                const std::function<void(Interpreter&)>& afterRun = {})
 {
     ProgramResult result;
     MemorySource source;
@@ -118,6 +119,8 @@ inline ProgramResult RunProgram(const std::string& text, const std::map<std::str
         ++steps;
     result.finished = interpreter.ExecutionDepth() == 0;
     interpreter.UnwindAll();
+    if (afterRun)
+        afterRun(interpreter);
     result.output = host.output;
     result.runErrors = host.errors;
     return result;
