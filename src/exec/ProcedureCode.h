@@ -40,6 +40,11 @@ struct ParameterBinding {
 // Copies slots [first, end) of a fresh frame from its image.
 inline void CopyFrameImage(VARIANT* slots, const VARIANT* image, int first, int end)
 {
+    // Most frames of small Functions set up one slot, their result: copied without the loop's set-up.
+    if (end - first == 1) {
+        slots[first] = image[first];
+        return;
+    }
     for (int i = first; i < end; ++i)
         slots[i] = image[i];
 }
