@@ -103,8 +103,8 @@ TEST(CallsInLoopTest, FrameBlocksKeptAfterADeepRecursionStayWithinTheirBudget)
 {
     // About 800 bytes a level: 3000 levels hold more than the budget while they run.
     std::size_t deepKept = 0;
-    const ProgramResult deep = RunProgram(DeepFramesProgram(3000), {}, 2000000, {},
-                                          [&deepKept](Interpreter& interpreter) { deepKept = interpreter.KeptFrameBytes(); });
+    const auto keepDeep = [&deepKept](Interpreter& interpreter) { deepKept = interpreter.KeptFrameBytes(); };
+    const ProgramResult deep = RunProgram(DeepFramesProgram(3000), {}, 2000000, {}, keepDeep);
     ASSERT_TRUE(deep.finished);
     EXPECT_TRUE(deep.runErrors.empty());
     // Each level adds n Mod 7: the sum over 1..3000.
@@ -117,8 +117,8 @@ TEST(CallsInLoopTest, FrameBlocksKeptAfterADeepRecursionStayWithinTheirBudget)
 
     // A shallow recursion keeps every level's block for the next call.
     std::size_t shallowKept = 0;
-    const ProgramResult shallow = RunProgram(DeepFramesProgram(100), {}, 2000000, {},
-                                             [&shallowKept](Interpreter& interpreter) { shallowKept = interpreter.KeptFrameBytes(); });
+    const auto keepShallow = [&shallowKept](Interpreter& interpreter) { shallowKept = interpreter.KeptFrameBytes(); };
+    const ProgramResult shallow = RunProgram(DeepFramesProgram(100), {}, 2000000, {}, keepShallow);
     ASSERT_TRUE(shallow.finished);
     EXPECT_GT(shallowKept, 100u * 48 * sizeof(VARIANT));
     EXPECT_LT(shallowKept, Interpreter::kMostKeptFrameBytes / 4);

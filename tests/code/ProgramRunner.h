@@ -78,6 +78,7 @@ inline std::string JoinLines(const std::vector<std::string>& lines)
 
 // Other modules (name, text) that the program names in '#Uses get default instances linked to Main's.
 // prepare (when given) sees the macro's instance before Main runs (to put values into its variables).
+// afterRun (when given) sees the interpreter after the run has been unwound, before it goes.
 inline ProgramResult RunProgram(const std::string& text, const std::map<std::string, std::string>& others = {},
                                 int stepLimit = 2000000,
                                 const std::function<void(ModuleInstance&)>& prepare = {},
