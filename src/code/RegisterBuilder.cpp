@@ -1371,8 +1371,7 @@ bool RegisterBuilder::BuildObserved(int index, char* frame, ModuleInstance* inst
     m_observedModuleCount = instance ? instance->VariableCount() : 0;
     m_temporaryInUse.clear();
     m_lastResultOp = ~std::size_t{0};
-    const std::size_t mark = m_program.ops.size();
-    const std::size_t tableMark = m_program.rangeTables.size();
+    const RegisterProgram::Reach reach = m_program.CurrentReach();
     m_callEmitted = false;
     m_givesUpAfterCall = false;
     bool made = statement->EmitRegisters(*this) && !m_givesUpAfterCall;
@@ -1382,16 +1381,15 @@ bool RegisterBuilder::BuildObserved(int index, char* frame, ModuleInstance* inst
     if (made)
         Emit(RegisterCode::kJump);
     if (!made || m_outOfRoom) {
-        m_program.ops.resize(mark);
-        m_program.rangeTables.resize(tableMark);
+        m_program.TakeBackTo(reach);
         return false;
     }
     ResolveJumpTargets();
-    for (std::size_t i = mark; i < m_program.ops.size(); ++i) {
+    for (std::size_t i = reach.ops; i < m_program.ops.size(); ++i) {
         if (m_program.ops[i].code == RegisterCode::kSelectRanges)
             m_program.ops[i].constant.pointer = m_program.rangeTables[static_cast<std::size_t>(m_program.ops[i].c)].data();
     }
-    start = static_cast<int>(mark);
+    start = static_cast<int>(reach.ops);
     called = m_callEmitted;
     return true;
 }
@@ -1401,12 +1399,7 @@ bool FormObservedStatement(CompiledProcedure& procedure, RegisterProgram& progra
 {
     // First with Variant locals read in place. A statement that makes a call may change them between the
     // check and the read, so its form is made again with each read copied where it happens.
-    const std::size_t mark = program.ops.size();
-    const std::size_t tables = program.rangeTables.size();
-    const std::size_t calls = program.calls.size();
-    const std::size_t comparisons = program.textComparisons.size();
-    const std::size_t walks = program.fieldWalks.size();
-    const std::size_t operands = program.textOperands.size();
+    const RegisterProgram::Reach reach = program.CurrentReach();
     bool called = false;
     bool made = false;
     {
@@ -1416,13 +1409,8 @@ bool FormObservedStatement(CompiledProcedure& procedure, RegisterProgram& progra
     }
     if (made && !called)
         return true;
-    // What the first form left (or a failed one: the copies would fail the same way) is taken back.
-    program.ops.resize(mark);
-    program.rangeTables.resize(tables);
-    program.calls.resize(calls);
-    program.textComparisons.resize(comparisons);
-    program.fieldWalks.resize(walks);
-    program.textOperands.resize(operands);
+    // The first form is taken back (a failed one took itself back: the copies would fail the same way).
+    program.TakeBackTo(reach);
     if (!made)
         return false;
     RegisterBuilder builder(procedure, program);

@@ -239,6 +239,25 @@ public:
     std::vector<std::vector<int>> formEndsInto;
     // Temporaries that forms made while running may use (from firstTemporary on).
     int temporaryLimit = 0;
+
+    // How far the parts that forms append to reach: a form that is not kept is taken back to that.
+    struct Reach {
+        std::size_t ops, rangeTables, calls, textComparisons, fieldWalks, textOperands;
+    };
+    Reach CurrentReach() const noexcept
+    {
+        return Reach{ops.size(),         rangeTables.size(), calls.size(), textComparisons.size(),
+                     fieldWalks.size(), textOperands.size()};
+    }
+    void TakeBackTo(const Reach& reach)
+    {
+        ops.resize(reach.ops);
+        rangeTables.resize(reach.rangeTables);
+        calls.resize(reach.calls);
+        textComparisons.resize(reach.textComparisons);
+        fieldWalks.resize(reach.fieldWalks);
+        textOperands.resize(reach.textOperands);
+    }
 };
 
 class CompiledProcedure;
