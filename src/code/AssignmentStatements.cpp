@@ -143,7 +143,7 @@ bool AssignStatement::StoreText(const AssignStatement& self, const RunContext& c
     const VariableRef& target = self.m_target;
     VARIANT* storage = StorageOf(context, target.scope, target.index, target.module);
     bool stored = false;
-    if (!storage || !AssignText(*storage, text, stored))
+    if (!storage || !AssignTextInLine(*storage, text, stored))
         return true; // an error was raised: the statement answers with the halt bit set
     return stored;
 }

@@ -75,7 +75,7 @@ bool FieldText::Assign(const RunContext& context, std::wstring_view text, bool& 
         VARIANT view;
         view.vt = VT_BSTR;
         view.bstrVal = field;
-        const bool assigned = AssignText(view, text, stored);
+        const bool assigned = AssignTextInLine(view, text, stored);
         field = view.bstrVal;
         return assigned;
     }

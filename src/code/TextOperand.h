@@ -24,7 +24,7 @@ public:
         return (m_kind == Kind::kVariable || m_kind == Kind::kSlice) && m_scope == scope && m_index == index;
     }
     // The text; false when it gave up. A constant and a local String are read here, in line.
-    [[nodiscard]] inline bool Read(const RunContext& context, std::wstring_view& text) const;
+    [[nodiscard, gnu::always_inline]] inline bool Read(const RunContext& context, std::wstring_view& text) const;
 
 private:
     // The other kinds of text.
@@ -66,6 +66,21 @@ bool TextOperand::Read(const RunContext& context, std::wstring_view& text) const
     }
     if (m_kind == Kind::kVariable && m_scope == StorageScope::Local)
         return StoredText(*StorageOf(context, StorageScope::Local, m_index), text);
+    if (m_kind == Kind::kElement && m_scope == StorageScope::Local && m_localPosition >= 0) {
+        // The usual element: a local String array that holds its array itself, at a local Long.
+        const VARIANT* locals = static_cast<const VARIANT*>(context.activation->Locals());
+        const VARIANT& array = locals[m_index];
+        const VARIANT& position = locals[m_localPosition];
+        if (array.vt == (VT_ARRAY | VT_BSTR) && position.vt == VT_I4) {
+            if (const char* element = ElementOfVector(array.parray, position.lVal)) {
+                const BSTR string = *reinterpret_cast<const BSTR*>(element);
+                text = string ? std::wstring_view(string, TextLength(string)) : std::wstring_view();
+                return true;
+            }
+        }
+    }
+    if (m_kind == Kind::kField)
+        return m_field.Read(context, text);
     return ReadElsewhere(context, text);
 }
 

@@ -30,45 +30,6 @@ IMalloc* TaskAllocator() noexcept
 // A BSTR block starts with the 32-bit byte count of the text, just before the first character.
 BYTE* BlockOf(BSTR text) noexcept { return reinterpret_cast<BYTE*>(text) - sizeof(DWORD); }
 
-// Sets the used length of a string whose block has room for it, and terminates the text.
-void SetUsedLength(BSTR text, UINT length) noexcept
-{
-    DWORD bytes = length * sizeof(WCHAR);
-    std::memcpy(BlockOf(text), &bytes, sizeof bytes);
-    text[length] = L'\0';
-}
-
-// Moves count characters, count being from Bytes / 2 to Bytes code units, as memmove does: two
-// possibly overlapping pieces cover the text, and both are read before either is written, so the source
-// and destination may overlap in any way.
-template <std::size_t Bytes> inline void MovePieces(WCHAR* to, const WCHAR* from, UINT count) noexcept
-{
-    constexpr UINT kUnits = Bytes / sizeof(WCHAR);
-    unsigned char head[Bytes];
-    unsigned char tail[Bytes];
-    std::memcpy(head, from, Bytes);
-    std::memcpy(tail, from + count - kUnits, Bytes);
-    std::memcpy(to, head, Bytes);
-    std::memcpy(to + count - kUnits, tail, Bytes);
-}
-
-// Copies count characters into a block that may hold them already (a text moved within its own
-// block). Short texts, the usual variable contents, are moved here in a few instructions rather than
-// through the library's general move, whose call costs more than the copy.
-inline void MoveText(WCHAR* to, const WCHAR* from, UINT count) noexcept
-{
-    if (count > 16)
-        std::wmemmove(to, from, count);
-    else if (count >= 8)
-        MovePieces<16>(to, from, count);
-    else if (count >= 4)
-        MovePieces<8>(to, from, count);
-    else if (count >= 2)
-        MovePieces<4>(to, from, count);
-    else if (count == 1)
-        to[0] = from[0];
-}
-
 } // namespace
 
 UINT StringCapacity(BSTR text) noexcept

@@ -5,6 +5,9 @@
 // appends fill the spare room in place. Growth doubles the room, so n appends cost O(log n) blocks.
 #include "values/Variant.h"
 
+#include <cstdint>
+#include <cstring>
+#include <cwchar>
 #include <string_view>
 
 namespace brannoc {
@@ -26,6 +29,60 @@ UINT StringCapacity(BSTR text) noexcept;
 // stored string itself. Storage holding anything else is left alone: `stored` is false and the answer
 // true. False (10001 raised, storage unchanged) when allocation fails.
 [[nodiscard]] bool AssignText(VARIANT& storage, std::wstring_view text, bool& stored);
+
+// Copies count characters, count being from Bytes / 2 to Bytes code units, between texts that do not
+// overlap: two pieces of Bytes bytes, one from the start and one ending at the end, cover the text (they
+// overlap each other when count is less than Bytes code units).
+template <std::size_t Bytes> [[gnu::always_inline]] inline void CopyPieces(WCHAR* to, const WCHAR* from, UINT count) noexcept
+{
+    constexpr UINT kUnits = Bytes / sizeof(WCHAR);
+    std::memcpy(to, from, Bytes);
+    std::memcpy(to + count - kUnits, from + count - kUnits, Bytes);
+}
+
+// Copies count characters into a block that may hold them already (a text moved within its own
+// block). Short texts that do not overlap their target, the usual variable contents, are copied in a few
+// instructions rather than through the library's general move, whose call costs more than the copy.
+[[gnu::always_inline]] inline void MoveText(WCHAR* to, const WCHAR* from, UINT count) noexcept
+{
+    const auto target = reinterpret_cast<std::uintptr_t>(to);
+    const auto source = reinterpret_cast<std::uintptr_t>(from);
+    const std::uintptr_t bytes = count * sizeof(WCHAR);
+    if (count > 16 || (target < source + bytes && source < target + bytes))
+        std::wmemmove(to, from, count);
+    else if (count >= 8)
+        CopyPieces<16>(to, from, count);
+    else if (count >= 4)
+        CopyPieces<8>(to, from, count);
+    else if (count >= 2)
+        CopyPieces<4>(to, from, count);
+    else if (count == 1)
+        to[0] = from[0];
+}
+
+// Sets the used length of a string whose block has room for it, and terminates the text.
+[[gnu::always_inline]] inline void SetUsedLength(BSTR text, UINT length) noexcept
+{
+    const DWORD bytes = length * sizeof(WCHAR);
+    std::memcpy(reinterpret_cast<BYTE*>(text) - sizeof(DWORD), &bytes, sizeof bytes);
+    text[length] = L'\0';
+}
+
+// AssignText for the usual case, in line: storage holds a String (not by reference) at least as long as
+// the text, whose block takes it without asking the allocator. Everything else goes to AssignText.
+[[nodiscard, gnu::always_inline]] inline bool AssignTextInLine(VARIANT& storage, std::wstring_view text, bool& stored)
+{
+    const BSTR old = storage.vt == VT_BSTR ? storage.bstrVal : nullptr;
+    if (!old || text.size() > TextLength(old))
+        return AssignText(storage, text, stored);
+    const auto length = static_cast<UINT>(text.size());
+    // The text may be part of the stored string.
+    if (text.data() != old)
+        MoveText(old, text.data(), length);
+    SetUsedLength(old, length);
+    stored = true;
+    return true;
+}
 
 // storage = storage & right for the storage of a String or Variant variable (a by-reference chain is
 // followed to it), as `s = s & expression` needs: a String there is appended to in place, keeping its
