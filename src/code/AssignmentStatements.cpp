@@ -138,7 +138,7 @@ bool AssignStatement::StoreIntoVariantOther(const AssignStatement& self, const R
 bool AssignStatement::StoreText(const AssignStatement& self, const RunContext& context)
 {
     std::wstring_view text;
-    if (!self.m_text.Read(context, text))
+    if (!self.m_text.ReadInLine(context, text))
         return false;
     const VariableRef& target = self.m_target;
     VARIANT* storage = StorageOf(context, target.scope, target.index, target.module);

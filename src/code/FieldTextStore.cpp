@@ -23,7 +23,7 @@ bool FieldTextStore::Compile(const Expression& code, int path, const CompiledPro
 bool FieldTextStore::Run(const RunContext& context) const
 {
     std::wstring_view text;
-    if (!m_value.Read(context, text))
+    if (!m_value.ReadInLine(context, text))
         return false;
     bool stored = false;
     if (!m_target.Assign(context, text, stored))

@@ -24,7 +24,10 @@ public:
         return (m_kind == Kind::kVariable || m_kind == Kind::kSlice) && m_scope == scope && m_index == index;
     }
     // The text; false when it gave up. A constant and a local String are read here, in line.
-    [[nodiscard, gnu::always_inline]] inline bool Read(const RunContext& context, std::wstring_view& text) const;
+    [[nodiscard]] inline bool Read(const RunContext& context, std::wstring_view& text) const;
+    // The same with an element of a local String array at a local Long, and a record's field, read in
+    // line too: for a statement whose whole work is moving one text.
+    [[nodiscard, gnu::always_inline]] inline bool ReadInLine(const RunContext& context, std::wstring_view& text) const;
 
 private:
     // The other kinds of text.
@@ -66,6 +69,11 @@ bool TextOperand::Read(const RunContext& context, std::wstring_view& text) const
     }
     if (m_kind == Kind::kVariable && m_scope == StorageScope::Local)
         return StoredText(*StorageOf(context, StorageScope::Local, m_index), text);
+    return ReadElsewhere(context, text);
+}
+
+bool TextOperand::ReadInLine(const RunContext& context, std::wstring_view& text) const
+{
     if (m_kind == Kind::kElement && m_scope == StorageScope::Local && m_localPosition >= 0) {
         // The usual element: a local String array that holds its array itself, at a local Long.
         const VARIANT* locals = static_cast<const VARIANT*>(context.activation->Locals());
@@ -81,7 +89,7 @@ bool TextOperand::Read(const RunContext& context, std::wstring_view& text) const
     }
     if (m_kind == Kind::kField)
         return m_field.Read(context, text);
-    return ReadElsewhere(context, text);
+    return Read(context, text);
 }
 
 // Whether two texts are equal code unit by code unit: lengths first, then the first code units in line
@@ -118,6 +126,9 @@ public:
         truth = TextOrderHolds(m_op, left, right);
         return true;
     }
+
+    // The same out of line, for a loop that keeps its own code small.
+    [[nodiscard, gnu::noinline]] bool EvaluateApart(const RunContext& context, bool& truth) const;
 
 private:
     TextOperand m_left;
