@@ -14,6 +14,7 @@
 #include "exec/ModuleInstance.h"
 #include "values/ArrayStorage.h"
 #include "values/Conversion.h"
+#include "code/VariableTextStore.h"
 #include "values/StringCapacity.h"
 #include "values/TextForm.h"
 #include "values/ValueCell.h"
@@ -138,14 +139,7 @@ bool AssignStatement::StoreIntoVariantOther(const AssignStatement& self, const R
 bool AssignStatement::StoreText(const AssignStatement& self, const RunContext& context)
 {
     std::wstring_view text;
-    if (!self.m_text.ReadInLine(context, text))
-        return false;
-    const VariableRef& target = self.m_target;
-    VARIANT* storage = StorageOf(context, target.scope, target.index, target.module);
-    bool stored = false;
-    if (!storage || !AssignTextInLine(*storage, text, stored))
-        return true; // an error was raised: the statement answers with the halt bit set
-    return stored;
+    return self.m_text.ReadInLine(context, text) && StoreTextInVariable(context, self.m_target, text);
 }
 
 bool AssignStatement::PrepareTextStore(bool mayReadVariant)

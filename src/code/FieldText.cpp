@@ -23,6 +23,7 @@ bool HoldsText(const RecordField& field)
 bool FieldText::Compile(int path, const ExprOp* indexFirst, std::size_t indexCount, const CompiledProcedure& procedure)
 {
     m_localPosition = -1;
+    m_positionOffset = 0;
     if (!m_walk.Compile(path, procedure) || !HoldsText(m_walk.Field()) || m_walk.HasIndex() != (indexCount != 0)) {
         m_walk = FieldWalk();
         return false;
@@ -39,6 +40,18 @@ bool FieldText::Compile(int path, const ExprOp* indexFirst, std::size_t indexCou
             !only.type.IsVariant())
             m_localPosition = only.index;
     }
+    return true;
+}
+
+bool FieldText::CompileAt(int path, int positionOffset, const CompiledProcedure& procedure)
+{
+    m_localPosition = -1;
+    m_positionOffset = 0;
+    if (positionOffset <= 0 || !m_walk.Compile(path, procedure) || !HoldsText(m_walk.Field()) || !m_walk.HasIndex()) {
+        m_walk = FieldWalk();
+        return false;
+    }
+    m_positionOffset = positionOffset;
     return true;
 }
 

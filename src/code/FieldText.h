@@ -36,6 +36,9 @@ public:
     // Compiles record path `path` of procedure whose index (when it has one) is computed by the ops
     // [indexFirst, indexFirst + indexCount). False when the path is not of that shape.
     bool Compile(int path, const ExprOp* indexFirst, std::size_t indexCount, const CompiledProcedure& procedure);
+    // The same for a path with an index that the register form has computed: the Long at byte offset
+    // `positionOffset` of the running frame.
+    bool CompileAt(int path, int positionOffset, const CompiledProcedure& procedure);
     bool IsReady() const noexcept { return m_walk.IsReady(); }
     // The field's text; false when it gave up.
     [[nodiscard]] bool Read(const RunContext& context, std::wstring_view& text) const;
@@ -54,13 +57,20 @@ private:
     }
     [[nodiscard, gnu::always_inline]] bool ReadPosition(const RunContext& context, LONG& position) const
     {
+        if (m_positionOffset > 0) {
+            position = *reinterpret_cast<const LONG*>(static_cast<const char*>(context.activation->Locals()) +
+                                                      m_positionOffset);
+            return true;
+        }
         if (m_localPosition < 0)
             return m_position.EvaluateWhole(context, position);
         return ReadWholeLocal(context, m_localPosition, position);
     }
 
     FieldWalk m_walk;
-    // The index: a local whole variable read in place (-1: none), or its typed form.
+    // The index: a Long the register form computed (its frame offset; 0: none), a local whole variable
+    // read in place (-1: none), or its typed form.
+    int m_positionOffset = 0;
     int m_localPosition = -1;
     TypedExpression m_position;
 };

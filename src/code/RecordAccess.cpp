@@ -417,7 +417,7 @@ bool AssignPathStatement::Execute()
 
 bool AssignPathStatement::EmitRegisters(RegisterBuilder& builder)
 {
-    return DirectTextReady() && builder.StoreFieldText(*this);
+    return DirectTextReady() && builder.StoreFieldText(*this, m_code, m_path);
 }
 
 bool AssignPathStatement::Step(ExecEntry& entry)

@@ -852,10 +852,18 @@ bool RegisterBuilder::Length(const ExprOp& op, std::vector<Operand>& stack)
         return false;
     const Expression& code = call.arguments[0].code;
     auto text = std::make_unique<TextOperand>();
-    if (code.ops.empty() || !text->Compile(code.ops.data(), code.ops.size(), m_procedure))
-        return false;
+    const Checkpoint mark = Mark();
+    Operand index;
+    const bool computed = IndexedText(code, 0, code.ops.size(), *text, index);
+    if (!computed) {
+        TakeBack(mark);
+        if (code.ops.empty() || !text->Compile(code.ops.data(), code.ops.size(), m_procedure))
+            return false;
+    }
     const Operand cell = NewTemporary(VT_I4);
     Emit(RegisterCode::kTextLength, cell.offset).constant.pointer = text.get();
+    if (computed)
+        Release(index);
     m_program.textOperands.push_back(std::move(text));
     stack.push_back(cell);
     return true;
@@ -1447,14 +1455,77 @@ bool RegisterBuilder::SelectRanges(const Operand& selectorIn, int keptSlot, cons
     return true;
 }
 
-bool RegisterBuilder::StoreText(const AssignStatement& statement)
+void RegisterBuilder::TakeBack(const Checkpoint& mark)
 {
+    m_program.ops.resize(mark.ops);
+    m_temporaryInUse = mark.temporaryInUse;
+    m_callEmitted = mark.callEmitted;
+    m_givesUpAfterCall = mark.givesUpAfterCall;
+    m_lastResultOp = ~std::size_t{0};
+}
+
+bool RegisterBuilder::WholeIndex(const Expression& code, std::size_t first, std::size_t last, Operand& index)
+{
+    std::vector<Operand> stack;
+    if (!Translate(code, first, last, stack) || stack.size() != 1 ||
+        stack.back().special != Operand::Special::kNone || !IsWhole(stack.back().kind))
+        return false;
+    UseAsLong(stack.back());
+    index = Materialize(stack.back());
+    return true;
+}
+
+bool RegisterBuilder::IndexedText(const Expression& code, std::size_t first, std::size_t last, TextOperand& text,
+                                  Operand& index)
+{
+    if (last > code.ops.size() || last < first + 2 || !TextOperand::IsIndexedText(code.ops[last - 1], m_procedure))
+        return false;
+    const ExprOp& only = code.ops[first];
+    if (last == first + 2 && only.code == ExprOpCode::kLoad && only.scope == StorageScope::Local &&
+        !only.type.IsVariant())
+        return false;
+    if (!WholeIndex(code, first, last - 1, index))
+        return false;
+    if (!text.CompileAt(code.ops[last - 1], index.offset, m_procedure)) {
+        Release(index);
+        return false;
+    }
+    return true;
+}
+
+bool RegisterBuilder::StoreText(const AssignStatement& statement, const VariableRef& target, const Expression& value)
+{
+    auto store = std::make_unique<VariableTextStore>(target);
+    const Checkpoint mark = Mark();
+    Operand index;
+    if (IndexedText(value, 0, value.ops.size(), store->Value(), index)) {
+        Emit(RegisterCode::kStoreTextAt).constant.pointer = store.get();
+        Release(index);
+        m_program.textStores.push_back(std::move(store));
+        return true;
+    }
+    TakeBack(mark);
     Emit(RegisterCode::kStoreText).constant.pointer = &statement;
     return true;
 }
 
-bool RegisterBuilder::StoreFieldText(const AssignPathStatement& statement)
+bool RegisterBuilder::StoreFieldText(const AssignPathStatement& statement, const Expression& code, int path)
 {
+    const std::size_t valueStart = FieldTextStore::ValueStart(code, path, m_procedure);
+    const ExprOp* only = valueStart == 1 ? &code.ops[0] : nullptr;
+    const bool indexInPlace = only && only->code == ExprOpCode::kLoad && only->scope == StorageScope::Local &&
+                              !only->type.IsVariant();
+    const Checkpoint mark = Mark();
+    Operand index;
+    auto store = std::make_unique<FieldTextStore>();
+    if (valueStart > 0 && !indexInPlace && WholeIndex(code, 0, valueStart, index) &&
+        store->CompileAt(code, valueStart, path, index.offset, m_procedure)) {
+        Emit(RegisterCode::kStoreFieldTextAt).constant.pointer = store.get();
+        Release(index);
+        m_program.fieldTextStores.push_back(std::move(store));
+        return true;
+    }
+    TakeBack(mark);
     Emit(RegisterCode::kStoreFieldText).constant.pointer = &statement;
     return true;
 }

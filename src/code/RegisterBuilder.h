@@ -101,10 +101,13 @@ public:
     };
     bool SelectRanges(const Operand& selector, int keptSlot, const std::vector<Range>& ranges,
                       const std::vector<int>& targets, int elseAddress);
-    // A String or Variant variable assigned a string read in place, by the statement's own store.
-    bool StoreText(const AssignStatement& statement);
-    // A string field of a record assigned a string read in place, by the statement's own store.
-    bool StoreFieldText(const AssignPathStatement& statement);
+    // A String or Variant variable `target` assigned a string read in place (`value`): by the statement's
+    // own store, or, when the text's index is more than a local whole variable, by a store that reads
+    // the text at the index the operations computed.
+    bool StoreText(const AssignStatement& statement, const VariableRef& target, const Expression& value);
+    // A string field of a record assigned a string read in place (`code`: the path's index, then the value),
+    // the same way.
+    bool StoreFieldText(const AssignPathStatement& statement, const Expression& code, int path);
     // Select Case over a string compared in place with the string constants of its partCount Case lines
     // (BranchStatement::TextCasePart): part i enters targets[i - 1], the part after them elseAddress.
     bool SelectText(const BranchStatement& statement, int partCount, const std::vector<int>& targets,
@@ -143,6 +146,22 @@ private:
     bool LoadField(const ExprOp& op, std::vector<Operand>& stack);
     // Len of a string read in place (a String variable, element, field, constant or Mid part).
     bool Length(const ExprOp& op, std::vector<Operand>& stack);
+    // The whole index computed by code's ops [first, last) into a Long temporary (or the slot that holds
+    // it); false when they do not compute a whole number. The caller releases `index` once it is read.
+    bool WholeIndex(const Expression& code, std::size_t first, std::size_t last, Operand& index);
+    // What a statement's emitting has reached, to take back an attempt that failed half-way and emit the
+    // statement another way.
+    struct Checkpoint {
+        std::size_t ops;
+        std::vector<bool> temporaryInUse;
+        bool callEmitted;
+        bool givesUpAfterCall;
+    };
+    Checkpoint Mark() const { return Checkpoint{m_program.ops.size(), m_temporaryInUse, m_callEmitted, m_givesUpAfterCall}; }
+    void TakeBack(const Checkpoint& mark);
+    // A text of code's ops [first, last) that ends in an element or record field at an index other than a
+    // lone local whole variable (read in place already), compiled to read at the index computed here.
+    bool IndexedText(const Expression& code, std::size_t first, std::size_t last, TextOperand& text, Operand& index);
     bool MemberCall(const ExprOp& op, std::vector<Operand>& stack);
     // Binds the `count` arguments on top of stack into call's parameters of code and takes them off.
     bool TakeArguments(int count, CompiledProcedure& code, std::vector<Operand>& stack, RegisterCall& call);

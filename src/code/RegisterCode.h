@@ -13,7 +13,9 @@
 // exact result leaves the fast kinds (an overflow, a zero divisor, an array index outside the bounds, a
 // variable that does not hold its kind) gives up: the statement object runs instead, from its start, and
 // computes, promotes or raises as the general code does.
+#include "code/FieldTextStore.h"
 #include "code/TextOperand.h"
+#include "code/VariableTextStore.h"
 #include "exec/ProcedureCode.h"
 
 #include <cstdint>
@@ -130,7 +132,9 @@ class Module;
     X(LoadFieldReal)     /* the same for a Double field */                                                    \
     X(TextLength)        /* pointer: a TextOperand; a: whole slot set to the length of its text (Len) */    \
     X(StoreText)         /* pointer: an AssignStatement that stores a string read in place into its variable */ \
-    X(StoreFieldText)    /* pointer: an AssignPathStatement that stores a string read in place into a field */
+    X(StoreFieldText)    /* pointer: an AssignPathStatement that stores a string read in place into a field */ \
+    X(StoreTextAt)       /* pointer: a VariableTextStore (the text's index computed before it) */           \
+    X(StoreFieldTextAt)  /* pointer: a FieldTextStore (the field's index computed before it) */
 
 enum class RegisterCode : std::uint16_t {
 #define BRANNOC_REGISTER_ENUM(name) k##name,
@@ -216,6 +220,9 @@ public:
     std::vector<std::unique_ptr<FieldWalk>> fieldWalks;
     // Strings read in place whose length Len takes (TextLength).
     std::vector<std::unique_ptr<TextOperand>> textOperands;
+    // Strings stored into variables and fields at indexes the operations computed (StoreTextAt...).
+    std::vector<std::unique_ptr<VariableTextStore>> textStores;
+    std::vector<std::unique_ptr<FieldTextStore>> fieldTextStores;
     // Temporaries: frame slots from firstTemporary on.
     int firstTemporary = 0;
     int temporaryCount = 0;
@@ -242,12 +249,12 @@ public:
 
     // How far the parts that forms append to reach: a form that is not kept is taken back to that.
     struct Reach {
-        std::size_t ops, rangeTables, calls, textComparisons, fieldWalks, textOperands;
+        std::size_t ops, rangeTables, calls, textComparisons, fieldWalks, textOperands, textStores, fieldTextStores;
     };
     Reach CurrentReach() const noexcept
     {
-        return Reach{ops.size(),         rangeTables.size(), calls.size(), textComparisons.size(),
-                     fieldWalks.size(), textOperands.size()};
+        return Reach{ops.size(),          rangeTables.size(), calls.size(),      textComparisons.size(),
+                     fieldWalks.size(),  textOperands.size(), textStores.size(), fieldTextStores.size()};
     }
     void TakeBackTo(const Reach& reach)
     {
@@ -257,6 +264,8 @@ public:
         textComparisons.resize(reach.textComparisons);
         fieldWalks.resize(reach.fieldWalks);
         textOperands.resize(reach.textOperands);
+        textStores.resize(reach.textStores);
+        fieldTextStores.resize(reach.fieldTextStores);
     }
 };
 

@@ -993,6 +993,24 @@ op_StoreFieldText: {
     BRANNOC_NEXT();
 }
 
+op_StoreTextAt: {
+    const RunContext context{&interpreter, activation, procedure};
+    if (!static_cast<const VariableTextStore*>(pc->constant.pointer)->Run(context))
+        goto give_up;
+    if (HaltFlags::Any())
+        return false;
+    BRANNOC_NEXT();
+}
+
+op_StoreFieldTextAt: {
+    const RunContext context{&interpreter, activation, procedure};
+    if (!static_cast<const FieldTextStore*>(pc->constant.pointer)->Run(context))
+        goto give_up;
+    if (HaltFlags::Any())
+        return false;
+    BRANNOC_NEXT();
+}
+
 entered: {
     // The calling statement goes on after the call once the callee has ended, here or, when something
     // stops the loop inside the callee, on a later step.

@@ -14,7 +14,7 @@ bool AssignStatement::EmitRegisters(RegisterBuilder& builder)
     if (m_target.type.IsArray())
         return false;
     if (PrepareTextStore())
-        return builder.StoreText(*this);
+        return builder.StoreText(*this, m_target, m_value);
     Operand value;
     return builder.Value(m_value, value) && builder.Store(m_target, value);
 }

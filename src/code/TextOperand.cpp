@@ -1,13 +1,54 @@
 #include "code/TextOperand.h"
 
+#include "code/RecordAccess.h"
+
 #include <cwchar>
 
 namespace brannoc {
+
+namespace {
+
+// An element op that yields one String (or a Variant that may hold one).
+bool IsTextElement(const ExprOp& op)
+{
+    return op.code == ExprOpCode::kElement && op.count == 1 && !op.type.IsArray() &&
+           (op.type.IsVariant() || op.type.ValueTag() == VT_BSTR);
+}
+
+} // namespace
+
+bool TextOperand::IsIndexedText(const ExprOp& last, const CompiledProcedure& procedure)
+{
+    return IsTextElement(last) ||
+           (last.code == ExprOpCode::kLoadPath && procedure.RecordPathAt(last.index).indexCount == 1);
+}
+
+bool TextOperand::CompileAt(const ExprOp& last, int positionOffset, const CompiledProcedure& procedure)
+{
+    *this = TextOperand();
+    if (positionOffset <= 0)
+        return false;
+    if (last.code == ExprOpCode::kLoadPath) {
+        if (!m_field.CompileAt(last.index, positionOffset, procedure))
+            return false;
+        m_kind = Kind::kField;
+        return true;
+    }
+    if (!IsTextElement(last))
+        return false;
+    m_kind = Kind::kElement;
+    m_positionOffset = positionOffset;
+    m_scope = last.scope;
+    m_index = last.index;
+    m_module = last.module;
+    return true;
+}
 
 bool TextOperand::Compile(const ExprOp* first, std::size_t count, const CompiledProcedure& procedure)
 {
     m_kind = Kind::kNone;
     m_localPosition = -1;
+    m_positionOffset = 0;
     if (count == 0)
         return false;
     const ExprOp& last = first[count - 1];
@@ -33,8 +74,7 @@ bool TextOperand::Compile(const ExprOp* first, std::size_t count, const Compiled
             return false;
         m_kind = Kind::kField;
         return true;
-    } else if (last.code == ExprOpCode::kElement && last.count == 1 && !last.type.IsArray() &&
-               (last.type.IsVariant() || last.type.ValueTag() == VT_BSTR)) {
+    } else if (IsTextElement(last)) {
         // The op's type is the element's (a Variant for a Variant variable, which may hold an array).
         Expression position;
         position.ops.assign(first, first + count - 1);
@@ -71,7 +111,10 @@ bool TextOperand::ReadElsewhere(const RunContext& context, std::wstring_view& te
         return m_field.Read(context, text);
     case Kind::kElement: {
         LONG position = 0;
-        if (m_localPosition >= 0) {
+        if (m_positionOffset > 0) {
+            position = *reinterpret_cast<const LONG*>(static_cast<const char*>(context.activation->Locals()) +
+                                                      m_positionOffset);
+        } else if (m_localPosition >= 0) {
             if (!ReadWholeLocal(context, m_localPosition, position))
                 return false;
         } else if (!m_position.EvaluateWhole(context, position)) {

@@ -17,6 +17,11 @@ class TextOperand final {
 public:
     // Compiles the ops [first, first + count) of a procedure's code when they name such a string.
     bool Compile(const ExprOp* first, std::size_t count, const CompiledProcedure& procedure);
+    // Compiles `last` alone, an element of a String array or a string field of a record whose index the
+    // register form has computed: the Long at byte offset `positionOffset` of the running frame.
+    bool CompileAt(const ExprOp& last, int positionOffset, const CompiledProcedure& procedure);
+    // Whether `last`, the final op of a text, takes an index that CompileAt can be given.
+    static bool IsIndexedText(const ExprOp& last, const CompiledProcedure& procedure);
     bool IsReady() const noexcept { return m_kind != Kind::kNone; }
     // Whether the text is the variable `index` of `scope` (appending to that variable must not read it).
     bool ReadsVariable(StorageScope scope, int index) const noexcept
@@ -39,8 +44,10 @@ private:
     int m_index = 0;
     const Module* m_module = nullptr;
     std::wstring_view m_constant;
-    // kElement: the index, or the local whole variable that is the index (-1: none).
+    // kElement: the index: a Long the register form computed (its frame offset; 0: none), the local whole
+    // variable that is the index (-1: none), or its typed form.
     TypedExpression m_position;
+    int m_positionOffset = 0;
     int m_localPosition = -1;
     SliceForm m_slice;
     FieldText m_field;
@@ -74,13 +81,18 @@ bool TextOperand::Read(const RunContext& context, std::wstring_view& text) const
 
 bool TextOperand::ReadInLine(const RunContext& context, std::wstring_view& text) const
 {
-    if (m_kind == Kind::kElement && m_scope == StorageScope::Local && m_localPosition >= 0) {
-        // The usual element: a local String array that holds its array itself, at a local Long.
+    if (m_kind == Kind::kElement && m_scope == StorageScope::Local && (m_positionOffset > 0 || m_localPosition >= 0)) {
+        // The usual element: a local String array that holds its array itself, at a local Long or one
+        // the register form computed.
         const VARIANT* locals = static_cast<const VARIANT*>(context.activation->Locals());
         const VARIANT& array = locals[m_index];
-        const VARIANT& position = locals[m_localPosition];
-        if (array.vt == (VT_ARRAY | VT_BSTR) && position.vt == VT_I4) {
-            if (const char* element = ElementOfVector(array.parray, position.lVal)) {
+        const VARIANT& local = locals[m_localPosition < 0 ? 0 : m_localPosition];
+        const bool computed = m_positionOffset > 0;
+        const LONG position =
+            computed ? *reinterpret_cast<const LONG*>(reinterpret_cast<const char*>(locals) + m_positionOffset)
+                     : local.lVal;
+        if (array.vt == (VT_ARRAY | VT_BSTR) && (computed || local.vt == VT_I4)) {
+            if (const char* element = ElementOfVector(array.parray, position)) {
                 const BSTR string = *reinterpret_cast<const BSTR*>(element);
                 text = string ? std::wstring_view(string, TextLength(string)) : std::wstring_view();
                 return true;

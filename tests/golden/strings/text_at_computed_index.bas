@@ -1,0 +1,74 @@
+' Strings read and stored at an index computed by an expression: an element of a String array, a
+' field of an array of records, and Len of either. Each index is evaluated once, an index outside the
+' bounds raises 9 with nothing stored, and an overflow in the index raises 6.
+Type Person
+    Name As String
+    City As String
+End Type
+
+Dim calls As Long
+Dim shared(2) As String
+
+Function Pick(ByVal i As Long) As Long
+    calls = calls + 1
+    Pick = i
+End Function
+
+Sub Main
+    Dim names(4) As String, people(4) As Person, i As Long, n As Integer, s As String, t As String
+    Dim v As Variant, total As Long, big As Long
+    names(0) = "alpha": names(1) = "beta": names(2) = "gamma": names(3) = "delta": names(4) = "epsilon"
+    For i = 0 To 4
+        people(i).City = UCase(names(4 - i))
+    Next i
+    ' Lengths that shrink and grow, the block reused or replaced.
+    For i = 1 To 7
+        s = names(i Mod 5)
+        t = people((i + 2) Mod 5).City
+        people((i + 1) Mod 5).Name = s & "!"
+        total = total + Len(names((i * 3) Mod 5)) + Len(people(i Mod 5).Name)
+        Debug.Print s; " "; t; " "; total
+    Next i
+    For i = 0 To 4
+        Debug.Print people(i).Name; "/";
+    Next i
+    Debug.Print
+    ' An Integer index, a Variant holding the index, a constant index.
+    n = 1
+    s = names(n + 1)
+    Debug.Print s
+    v = 3
+    s = names(v + 0)
+    Debug.Print s
+    s = names(2 * 2)
+    Debug.Print s
+    ' An index with a call: the call runs once per statement.
+    s = names(Pick(2))
+    people(Pick(0)).Name = names(Pick(1))
+    Debug.Print s; " "; people(0).Name; " calls "; calls
+    ' A module's array; an index the loop cannot compute itself (the call in it still runs once).
+    shared(0) = "x": shared(1) = "yy": shared(2) = "zzz"
+    For i = 0 To 2
+        s = shared((i + 1) Mod 3)
+        Debug.Print s; Len(shared((i + 2) Mod 3));
+    Next i
+    Debug.Print
+    s = names(Pick(1) + Asc("a") - 97)
+    people(Pick(2) + Asc("b") - 98).Name = names(Pick(3))
+    total = Len(names(Pick(4) + Asc("a") - 97))
+    Debug.Print s; " "; people(2).Name; " "; total; " calls "; calls
+    ' Outside the bounds: error 9, the variable and the field keep their texts.
+    On Error Resume Next
+    s = names(i + 10)
+    Debug.Print Err.Number; " "; s
+    Err.Clear
+    people(i - 10).Name = "lost"
+    Debug.Print Err.Number; " "; people(0).Name
+    Err.Clear
+    big = 2147483647
+    s = names(big + 1)
+    Debug.Print Err.Number; " "; s
+    Err.Clear
+    total = Len(names(i * 100))
+    Debug.Print Err.Number; " "; total
+End Sub
