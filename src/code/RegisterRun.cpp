@@ -974,42 +974,22 @@ op_TextLength: {
     BRANNOC_NEXT();
 }
 
-op_StoreText: {
-    const RunContext context{&interpreter, activation, procedure};
-    if (!static_cast<const AssignStatement*>(pc->constant.pointer)->StoreTextInPlace(context))
-        goto give_up;
-    // Out of memory for the new text: the error was raised.
-    if (HaltFlags::Any())
-        return false;
-    BRANNOC_NEXT();
-}
-
-op_StoreFieldText: {
-    const RunContext context{&interpreter, activation, procedure};
-    if (!static_cast<const AssignPathStatement*>(pc->constant.pointer)->StoreTextInPlace(context))
-        goto give_up;
-    if (HaltFlags::Any())
-        return false;
-    BRANNOC_NEXT();
-}
-
-op_StoreTextAt: {
-    const RunContext context{&interpreter, activation, procedure};
-    if (!static_cast<const VariableTextStore*>(pc->constant.pointer)->Run(context))
-        goto give_up;
-    if (HaltFlags::Any())
-        return false;
-    BRANNOC_NEXT();
-}
-
-op_StoreFieldTextAt: {
-    const RunContext context{&interpreter, activation, procedure};
-    if (!static_cast<const FieldTextStore*>(pc->constant.pointer)->Run(context))
-        goto give_up;
-    if (HaltFlags::Any())
-        return false;
-    BRANNOC_NEXT();
-}
+// A string stored by an object of the program or of the statement; gives up before changing anything.
+// Out of memory for the new text: the error was raised and the loop stops.
+#define BRANNOC_TEXT_STORE(label, Store, Run)                                                                   \
+    label : {                                                                                                   \
+        const RunContext context{&interpreter, activation, procedure};                                          \
+        if (!static_cast<const Store*>(pc->constant.pointer)->Run(context))                                     \
+            goto give_up;                                                                                       \
+        if (HaltFlags::Any())                                                                                   \
+            return false;                                                                                       \
+        BRANNOC_NEXT();                                                                                         \
+    }
+    BRANNOC_TEXT_STORE(op_StoreText, AssignStatement, StoreTextInPlace)
+    BRANNOC_TEXT_STORE(op_StoreFieldText, AssignPathStatement, StoreTextInPlace)
+    BRANNOC_TEXT_STORE(op_StoreTextAt, VariableTextStore, Run)
+    BRANNOC_TEXT_STORE(op_StoreFieldTextAt, FieldTextStore, Run)
+#undef BRANNOC_TEXT_STORE
 
 entered: {
     // The calling statement goes on after the call once the callee has ended, here or, when something
