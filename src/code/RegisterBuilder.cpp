@@ -1455,6 +1455,16 @@ bool RegisterBuilder::SelectRanges(const Operand& selectorIn, int keptSlot, cons
     return true;
 }
 
+namespace {
+
+// A load of a local variable that is not a Variant: as a text's index it is read in place already.
+bool IsLocalScalarLoad(const ExprOp& op)
+{
+    return op.code == ExprOpCode::kLoad && op.scope == StorageScope::Local && !op.type.IsVariant();
+}
+
+} // namespace
+
 void RegisterBuilder::TakeBack(const Checkpoint& mark)
 {
     m_program.ops.resize(mark.ops);
@@ -1480,9 +1490,7 @@ bool RegisterBuilder::IndexedText(const Expression& code, std::size_t first, std
 {
     if (last > code.ops.size() || last < first + 2 || !TextOperand::IsIndexedText(code.ops[last - 1], m_procedure))
         return false;
-    const ExprOp& only = code.ops[first];
-    if (last == first + 2 && only.code == ExprOpCode::kLoad && only.scope == StorageScope::Local &&
-        !only.type.IsVariant())
+    if (last == first + 2 && IsLocalScalarLoad(code.ops[first]))
         return false;
     if (!WholeIndex(code, first, last - 1, index))
         return false;
@@ -1512,9 +1520,7 @@ bool RegisterBuilder::StoreText(const AssignStatement& statement, const Variable
 bool RegisterBuilder::StoreFieldText(const AssignPathStatement& statement, const Expression& code, int path)
 {
     const std::size_t valueStart = FieldTextStore::ValueStart(code, path, m_procedure);
-    const ExprOp* only = valueStart == 1 ? &code.ops[0] : nullptr;
-    const bool indexInPlace = only && only->code == ExprOpCode::kLoad && only->scope == StorageScope::Local &&
-                              !only->type.IsVariant();
+    const bool indexInPlace = valueStart == 1 && IsLocalScalarLoad(code.ops[0]);
     const Checkpoint mark = Mark();
     Operand index;
     auto store = std::make_unique<FieldTextStore>();

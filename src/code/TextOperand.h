@@ -139,9 +139,6 @@ public:
         return true;
     }
 
-    // The same out of line, for a loop that keeps its own code small.
-    [[nodiscard, gnu::noinline]] bool EvaluateApart(const RunContext& context, bool& truth) const;
-
 private:
     TextOperand m_left;
     TextOperand m_right;

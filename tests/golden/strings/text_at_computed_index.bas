@@ -42,6 +42,15 @@ Sub Main
     Debug.Print s
     s = names(2 * 2)
     Debug.Print s
+    ' Into a Variant; out of a Variant array, whose element may hold a number (converted by the general
+    ' store).
+    Dim va(2)
+    va(0) = "one": va(1) = 22: va(2) = "three"
+    For i = 0 To 2
+        v = names((i + 1) Mod 5)
+        s = va((i + 2) Mod 3)
+        Debug.Print v; " "; s; " "; Len(va((i + 1) Mod 3))
+    Next i
     ' An index with a call: the call runs once per statement.
     s = names(Pick(2))
     people(Pick(0)).Name = names(Pick(1))
