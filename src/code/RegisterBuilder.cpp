@@ -673,11 +673,10 @@ bool RegisterBuilder::MemberCall(const ExprOp& op, std::vector<Operand>& stack)
 
 bool RegisterBuilder::Condition(const Expression& code, Operand& truth)
 {
-    const std::size_t mark = m_program.ops.size();
+    const Checkpoint mark = Mark();
     Operand value;
     if (!Value(code, value)) {
-        m_program.ops.resize(mark);
-        m_lastResultOp = ~std::size_t{0};
+        TakeBack(mark);
         return TextCondition(code, truth);
     }
     if (value.IsReal()) {
@@ -699,9 +698,29 @@ bool RegisterBuilder::TextCondition(const Expression& code, Operand& truth)
     auto comparison = std::make_unique<TextComparison>();
     if (!comparison->Compile(code, m_procedure))
         return false;
+    // An operand whose index is more than a local whole variable is read at the index computed here.
+    const std::size_t rightStart = comparison->RightStart();
+    Operand indexes[2];
+    bool computed[2] = {false, false};
+    for (int side = 0; side < 2; ++side) {
+        const std::size_t first = side == 0 ? 0 : rightStart;
+        const std::size_t last = side == 0 ? rightStart : code.ops.size() - 1;
+        TextOperand& operand = side == 0 ? comparison->Left() : comparison->Right();
+        const Checkpoint mark = Mark();
+        TextOperand indexed;
+        computed[side] = IndexedText(code, first, last, indexed, indexes[side]);
+        if (computed[side])
+            operand = std::move(indexed);
+        else
+            TakeBack(mark);
+    }
     truth = NewTemporary(VT_I4);
     RegisterOp& op = Emit(RegisterCode::kCompareText, truth.offset);
     op.constant.pointer = comparison.get();
+    for (int side = 0; side < 2; ++side) {
+        if (computed[side])
+            Release(indexes[side]);
+    }
     m_program.textComparisons.push_back(std::move(comparison));
     return true;
 }

@@ -146,6 +146,7 @@ bool TextComparison::Compile(const Expression& code, const CompiledProcedure& pr
     for (std::size_t split = 1; split < operands; ++split) {
         if (m_left.Compile(ops.data(), split, procedure) && m_right.Compile(ops.data() + split, operands - split, procedure)) {
             m_op = ops.back().op;
+            m_rightStart = split;
             return true;
         }
     }

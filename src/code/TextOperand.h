@@ -128,6 +128,11 @@ public:
     // Compiles a condition's code: left operand, right operand, comparison.
     bool Compile(const Expression& code, const CompiledProcedure& procedure);
     bool IsReady() const noexcept { return m_left.IsReady(); }
+    // After Compile: where the right operand's ops begin, and the operands, which the register form may
+    // compile again to read at indexes it computes itself.
+    std::size_t RightStart() const noexcept { return m_rightStart; }
+    TextOperand& Left() noexcept { return m_left; }
+    TextOperand& Right() noexcept { return m_right; }
     // In line: constants and local Strings, the usual operands, are read without a call.
     [[nodiscard, gnu::always_inline]] inline bool EvaluateCondition(const RunContext& context, bool& truth) const
     {
@@ -143,6 +148,7 @@ private:
     TextOperand m_left;
     TextOperand m_right;
     OperationId m_op = OperationId::kEqual;
+    std::size_t m_rightStart = 0;
 };
 
 } // namespace brannoc

@@ -51,6 +51,15 @@ Sub Main
         s = va((i + 2) Mod 3)
         Debug.Print v; " "; s; " "; Len(va((i + 1) Mod 3))
     Next i
+    ' Comparisons of texts at computed indexes, on either side.
+    Dim hits As Long, order As String
+    For i = 0 To 9
+        If names(i Mod 5) = "beta" Then hits = hits + 1
+        If "delta" = names((i + 3) Mod 5) Then hits = hits + 10
+        If names((i + 1) Mod 5) < names(i Mod 5) Then order = order & "<" Else order = order & ">"
+        If people((i + 1) Mod 5).City >= people(i Mod 5).City Then order = order & "+"
+    Next i
+    Debug.Print hits; " "; order
     ' An index with a call: the call runs once per statement.
     s = names(Pick(2))
     people(Pick(0)).Name = names(Pick(1))
@@ -80,4 +89,11 @@ Sub Main
     Err.Clear
     total = Len(names(i * 100))
     Debug.Print Err.Number; " "; total
+    Err.Clear
+    hits = 0
+    If names(i + 10) = "beta" Then hits = 1 Else hits = 2
+    Debug.Print Err.Number; " "; hits
+    Err.Clear
+    If "beta" <> names(big + 1) Then hits = 3
+    Debug.Print Err.Number; " "; hits
 End Sub
