@@ -429,6 +429,11 @@ int BranchStatement::TextCasePart(const RunContext& context) const
     std::wstring_view selector;
     if (!m_textSelector.Read(context, selector))
         return 0;
+    return PartOfText(selector);
+}
+
+int BranchStatement::PartOfText(std::wstring_view selector) const
+{
     const int count = static_cast<int>(m_directBranches.size());
     if (!m_textEquals.empty()) {
         const auto length = static_cast<UINT>(selector.size());

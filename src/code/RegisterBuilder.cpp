@@ -1555,12 +1555,25 @@ bool RegisterBuilder::StoreFieldText(const AssignPathStatement& statement, const
     return true;
 }
 
-bool RegisterBuilder::SelectText(const BranchStatement& statement, int partCount, const std::vector<int>& targets,
-                                 int elseAddress)
+bool RegisterBuilder::SelectText(const BranchStatement& statement, const Expression& selector, int partCount,
+                                 const std::vector<int>& targets, int elseAddress)
 {
+    // A selector whose index is more than a local whole variable is read at the index computed here.
+    auto selection = std::make_unique<TextSelection>(statement);
+    const Checkpoint mark = Mark();
+    Operand index;
+    const bool computed = IndexedText(selector, 0, selector.ops.size(), selection->Selector(), index);
+    if (!computed)
+        TakeBack(mark);
     const Operand part = NewTemporary(VT_I4);
-    RegisterOp& op = Emit(RegisterCode::kSelectText, part.offset);
-    op.constant.pointer = &statement;
+    RegisterOp& op = Emit(computed ? RegisterCode::kSelectTextAt : RegisterCode::kSelectText, part.offset);
+    if (computed) {
+        op.constant.pointer = selection.get();
+        Release(index);
+        m_program.textSelections.push_back(std::move(selection));
+    } else {
+        op.constant.pointer = &statement;
+    }
     std::vector<Range> ranges;
     for (int i = 1; i <= partCount; ++i)
         ranges.push_back(Range{i, i, i});

@@ -110,7 +110,7 @@ public:
     bool StoreFieldText(const AssignPathStatement& statement, const Expression& code, int path);
     // Select Case over a string compared in place with the string constants of its partCount Case lines
     // (BranchStatement::TextCasePart): part i enters targets[i - 1], the part after them elseAddress.
-    bool SelectText(const BranchStatement& statement, int partCount, const std::vector<int>& targets,
+    bool SelectText(const BranchStatement& statement, const Expression& selector, int partCount, const std::vector<int>& targets,
                     int elseAddress);
     // Frees a temporary operand (after its last use).
     void Release(const Operand& operand);

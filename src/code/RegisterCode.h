@@ -15,6 +15,7 @@
 // computes, promotes or raises as the general code does.
 #include "code/FieldTextStore.h"
 #include "code/TextOperand.h"
+#include "code/TextSelection.h"
 #include "code/VariableTextStore.h"
 #include "exec/ProcedureCode.h"
 
@@ -134,7 +135,8 @@ class Module;
     X(StoreText)         /* pointer: an AssignStatement that stores a string read in place into its variable */ \
     X(StoreFieldText)    /* pointer: an AssignPathStatement that stores a string read in place into a field */ \
     X(StoreTextAt)       /* pointer: a VariableTextStore (the text's index computed before it) */           \
-    X(StoreFieldTextAt)  /* pointer: a FieldTextStore (the field's index computed before it) */
+    X(StoreFieldTextAt)  /* pointer: a FieldTextStore (the field's index computed before it) */             \
+    X(SelectTextAt)      /* pointer: a TextSelection (its selector's index computed before it); a: as SelectText */
 
 enum class RegisterCode : std::uint16_t {
 #define BRANNOC_REGISTER_ENUM(name) k##name,
@@ -223,6 +225,8 @@ public:
     // Strings stored into variables and fields at indexes the operations computed (StoreTextAt...).
     std::vector<std::unique_ptr<VariableTextStore>> textStores;
     std::vector<std::unique_ptr<FieldTextStore>> fieldTextStores;
+    // Select Case selectors read at indexes the operations computed (SelectTextAt).
+    std::vector<std::unique_ptr<TextSelection>> textSelections;
     // Temporaries: frame slots from firstTemporary on.
     int firstTemporary = 0;
     int temporaryCount = 0;
@@ -249,12 +253,14 @@ public:
 
     // How far the parts that forms append to reach: a form that is not kept is taken back to that.
     struct Reach {
-        std::size_t ops, rangeTables, calls, textComparisons, fieldWalks, textOperands, textStores, fieldTextStores;
+        std::size_t ops, rangeTables, calls, textComparisons, fieldWalks, textOperands, textStores, fieldTextStores,
+            textSelections;
     };
     Reach CurrentReach() const noexcept
     {
-        return Reach{ops.size(),          rangeTables.size(), calls.size(),      textComparisons.size(),
-                     fieldWalks.size(),  textOperands.size(), textStores.size(), fieldTextStores.size()};
+        return Reach{ops.size(),          rangeTables.size(),  calls.size(),      textComparisons.size(),
+                     fieldWalks.size(),  textOperands.size(), textStores.size(), fieldTextStores.size(),
+                     textSelections.size()};
     }
     void TakeBackTo(const Reach& reach)
     {
@@ -266,6 +272,7 @@ public:
         textOperands.resize(reach.textOperands);
         textStores.resize(reach.textStores);
         fieldTextStores.resize(reach.fieldTextStores);
+        textSelections.resize(reach.textSelections);
     }
 };
 

@@ -941,14 +941,18 @@ op_CompareText: {
     BRANNOC_NEXT();
 }
 
-op_SelectText: {
-    const RunContext context{&interpreter, activation, procedure};
-    const int part = static_cast<const BranchStatement*>(pc->constant.pointer)->TextCasePart(context);
-    if (part == 0)
-        goto give_up;
-    BRANNOC_WHOLE(pc->a) = part;
-    BRANNOC_NEXT();
-}
+#define BRANNOC_TEXT_SELECT(label, Selection, Part)                                                             \
+    label : {                                                                                                   \
+        const RunContext context{&interpreter, activation, procedure};                                          \
+        const int part = static_cast<const Selection*>(pc->constant.pointer)->Part(context);                    \
+        if (part == 0)                                                                                          \
+            goto give_up;                                                                                       \
+        BRANNOC_WHOLE(pc->a) = part;                                                                            \
+        BRANNOC_NEXT();                                                                                         \
+    }
+    BRANNOC_TEXT_SELECT(op_SelectText, BranchStatement, TextCasePart)
+    BRANNOC_TEXT_SELECT(op_SelectTextAt, TextSelection, Part)
+#undef BRANNOC_TEXT_SELECT
 
 #define BRANNOC_FIELD_LOAD(label, storage, target)                                                             \
     label : {                                                                                                   \

@@ -63,7 +63,7 @@ bool BranchStatement::EmitRegisters(RegisterBuilder& builder)
     if (m_direct == Direct::kUntried)
         PrepareDirect();
     if (m_direct == Direct::kTextCases)
-        return builder.SelectText(*this, static_cast<int>(m_conditions.size()), m_targets, m_elseTarget);
+        return builder.SelectText(*this, m_selector, static_cast<int>(m_conditions.size()), m_targets, m_elseTarget);
     if (m_direct != Direct::kWholeRanges)
         return false;
     Operand selector;

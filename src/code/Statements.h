@@ -320,6 +320,8 @@ public:
     // selector enters (1 + branch index, or one past the branches for the Else part); 0 when the selector
     // cannot be read in place (nothing happened).
     [[nodiscard]] int TextCasePart(const RunContext& context) const;
+    // The same part for a selector text read elsewhere (the register form reads it at an index it computed).
+    [[nodiscard]] int PartOfText(std::wstring_view selector) const;
     // Selector and conditions with a direct form are evaluated directly, the rest through Step.
     [[nodiscard]] bool Execute() override;
     [[nodiscard]] bool Step(ExecEntry& entry) override;

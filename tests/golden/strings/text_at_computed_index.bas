@@ -60,6 +60,25 @@ Sub Main
         If people((i + 1) Mod 5).City >= people(i Mod 5).City Then order = order & "+"
     Next i
     Debug.Print hits; " "; order
+    ' Select Case over texts at computed indexes.
+    order = ""
+    For i = 0 To 6
+        Select Case names((i + 2) Mod 5)
+            Case "alpha"
+                order = order & "a"
+            Case "beta", "gamma"
+                order = order & "b"
+            Case Else
+                order = order & "-"
+        End Select
+        Select Case people((i + 1) Mod 5).City
+            Case "DELTA"
+                order = order & "D"
+            Case Else
+                order = order & "."
+        End Select
+    Next i
+    Debug.Print order
     ' An index with a call: the call runs once per statement.
     s = names(Pick(2))
     people(Pick(0)).Name = names(Pick(1))
@@ -95,5 +114,14 @@ Sub Main
     Debug.Print Err.Number; " "; hits
     Err.Clear
     If "beta" <> names(big + 1) Then hits = 3
+    Debug.Print Err.Number; " "; hits
+    Err.Clear
+    hits = 0
+    Select Case names(i - 50)
+        Case "beta"
+            hits = 1
+        Case Else
+            hits = 2
+    End Select
     Debug.Print Err.Number; " "; hits
 End Sub
