@@ -424,15 +424,7 @@ void BranchStatement::PrepareTextEquals()
     m_textEquals = std::move(items);
 }
 
-int BranchStatement::TextCasePart(const RunContext& context) const
-{
-    std::wstring_view selector;
-    if (!m_textSelector.Read(context, selector))
-        return 0;
-    return PartOfText(selector);
-}
-
-int BranchStatement::PartOfText(std::wstring_view selector) const
+int BranchStatement::TextPart(std::wstring_view selector) const
 {
     const int count = static_cast<int>(m_directBranches.size());
     if (!m_textEquals.empty()) {
@@ -451,6 +443,16 @@ int BranchStatement::PartOfText(std::wstring_view selector) const
     }
     return count + 1;
 }
+
+int BranchStatement::TextCasePart(const RunContext& context) const
+{
+    std::wstring_view selector;
+    if (!m_textSelector.Read(context, selector))
+        return 0;
+    return TextPart(selector);
+}
+
+int BranchStatement::PartOfText(std::wstring_view selector) const { return TextPart(selector); }
 
 bool BranchStatement::ExecuteTextCases(const RunContext& context)
 {

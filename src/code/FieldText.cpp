@@ -35,10 +35,8 @@ bool FieldText::Compile(int path, const ExprOp* indexFirst, std::size_t indexCou
             m_walk = FieldWalk();
             return false;
         }
-        const ExprOp& only = position.ops.back();
-        if (position.ops.size() == 1 && only.code == ExprOpCode::kLoad && only.scope == StorageScope::Local &&
-            !only.type.IsVariant())
-            m_localPosition = only.index;
+        if (position.ops.size() == 1 && IsIndexReadInPlace(position.ops.back()))
+            m_localPosition = position.ops.back().index;
     }
     return true;
 }

@@ -31,6 +31,19 @@ struct RecordPath;
     return true;
 }
 
+// Whether an index that is this single op, a local variable that is not a Variant, is read in place
+// (ReadWholeLocal) rather than computed.
+[[nodiscard]] inline bool IsIndexReadInPlace(const ExprOp& op)
+{
+    return op.code == ExprOpCode::kLoad && op.scope == StorageScope::Local && !op.type.IsVariant();
+}
+
+// The Long at byte offset `offset` of the running frame: an index the register form computed there.
+[[nodiscard, gnu::always_inline]] inline LONG ComputedPosition(const RunContext& context, int offset)
+{
+    return *reinterpret_cast<const LONG*>(static_cast<const char*>(context.activation->Locals()) + offset);
+}
+
 class FieldText final {
 public:
     // Compiles record path `path` of procedure whose index (when it has one) is computed by the ops
@@ -58,8 +71,7 @@ private:
     [[nodiscard, gnu::always_inline]] bool ReadPosition(const RunContext& context, LONG& position) const
     {
         if (m_positionOffset > 0) {
-            position = *reinterpret_cast<const LONG*>(static_cast<const char*>(context.activation->Locals()) +
-                                                      m_positionOffset);
+            position = ComputedPosition(context, m_positionOffset);
             return true;
         }
         if (m_localPosition < 0)

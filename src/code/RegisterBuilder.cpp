@@ -1474,16 +1474,6 @@ bool RegisterBuilder::SelectRanges(const Operand& selectorIn, int keptSlot, cons
     return true;
 }
 
-namespace {
-
-// A load of a local variable that is not a Variant: as a text's index it is read in place already.
-bool IsLocalScalarLoad(const ExprOp& op)
-{
-    return op.code == ExprOpCode::kLoad && op.scope == StorageScope::Local && !op.type.IsVariant();
-}
-
-} // namespace
-
 void RegisterBuilder::TakeBack(const Checkpoint& mark)
 {
     m_program.ops.resize(mark.ops);
@@ -1509,7 +1499,7 @@ bool RegisterBuilder::IndexedText(const Expression& code, std::size_t first, std
 {
     if (last > code.ops.size() || last < first + 2 || !TextOperand::IsIndexedText(code.ops[last - 1], m_procedure))
         return false;
-    if (last == first + 2 && IsLocalScalarLoad(code.ops[first]))
+    if (last == first + 2 && IsIndexReadInPlace(code.ops[first]))
         return false;
     if (!WholeIndex(code, first, last - 1, index))
         return false;
@@ -1539,7 +1529,7 @@ bool RegisterBuilder::StoreText(const AssignStatement& statement, const Variable
 bool RegisterBuilder::StoreFieldText(const AssignPathStatement& statement, const Expression& code, int path)
 {
     const std::size_t valueStart = FieldTextStore::ValueStart(code, path, m_procedure);
-    const bool indexInPlace = valueStart == 1 && IsLocalScalarLoad(code.ops[0]);
+    const bool indexInPlace = valueStart == 1 && IsIndexReadInPlace(code.ops[0]);
     const Checkpoint mark = Mark();
     Operand index;
     auto store = std::make_unique<FieldTextStore>();

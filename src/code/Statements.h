@@ -409,6 +409,8 @@ private:
     std::vector<CaseTest> m_caseTests;
     // Conditions comparing strings (one per branch; used through DirectBranch::text).
     std::vector<TextComparison> m_textConditions;
+    // PartOfText's work, in line in TextCasePart (the register loop's call of it stays the only call).
+    [[nodiscard, gnu::always_inline]] inline int TextPart(std::wstring_view selector) const;
     TextOperand m_textSelector;
     // kConditions: an If whose conditions all have typed forms. kTextCases: ExecuteTextCases.
     enum class Direct : std::uint8_t { kUntried, kNone, kReady, kWholeRanges, kConditions, kTextCases };

@@ -81,10 +81,8 @@ bool TextOperand::Compile(const ExprOp* first, std::size_t count, const Compiled
         if (!CompileWholeForm(position, procedure, m_position))
             return false;
         // An index that is a local whole variable is read in place.
-        const ExprOp& only = position.ops.back();
-        if (position.ops.size() == 1 && only.code == ExprOpCode::kLoad && only.scope == StorageScope::Local &&
-            !only.type.IsVariant())
-            m_localPosition = only.index;
+        if (position.ops.size() == 1 && IsIndexReadInPlace(position.ops.back()))
+            m_localPosition = position.ops.back().index;
         m_kind = Kind::kElement;
     } else {
         return false;
@@ -112,8 +110,7 @@ bool TextOperand::ReadElsewhere(const RunContext& context, std::wstring_view& te
     case Kind::kElement: {
         LONG position = 0;
         if (m_positionOffset > 0) {
-            position = *reinterpret_cast<const LONG*>(static_cast<const char*>(context.activation->Locals()) +
-                                                      m_positionOffset);
+            position = ComputedPosition(context, m_positionOffset);
         } else if (m_localPosition >= 0) {
             if (!ReadWholeLocal(context, m_localPosition, position))
                 return false;

@@ -88,9 +88,7 @@ bool TextOperand::ReadInLine(const RunContext& context, std::wstring_view& text)
         const VARIANT& array = locals[m_index];
         const VARIANT& local = locals[m_localPosition < 0 ? 0 : m_localPosition];
         const bool computed = m_positionOffset > 0;
-        const LONG position =
-            computed ? *reinterpret_cast<const LONG*>(reinterpret_cast<const char*>(locals) + m_positionOffset)
-                     : local.lVal;
+        const LONG position = computed ? ComputedPosition(context, m_positionOffset) : local.lVal;
         if (array.vt == (VT_ARRAY | VT_BSTR) && (computed || local.vt == VT_I4)) {
             if (const char* element = ElementOfVector(array.parray, position)) {
                 const BSTR string = *reinterpret_cast<const BSTR*>(element);
