@@ -93,6 +93,11 @@ bool RaiseError(BuiltinArguments& arguments, BuiltinResult&)
     LONG number = 0;
     if (!ReadErrorNumber(arguments, number))
         return false;
+    // Error 0 raises "no error": the error object is cleared and the macro goes on.
+    if (number == 0) {
+        (void)RaiseValueError(0);
+        return true;
+    }
     return RaiseValueError(number);
 }
 

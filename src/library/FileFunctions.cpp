@@ -7,6 +7,7 @@
 #include "library/StreamText.h"
 #include "values/ValueError.h"
 
+#include <algorithm>
 #include <string>
 
 namespace brannoc {
@@ -107,7 +108,10 @@ bool Input(BuiltinArguments& arguments, BuiltinResult& result)
         return RaiseValueError(kErrorTypeMismatch);
     std::string bytes(static_cast<std::size_t>(count), '\0');
     const long long start = stream->Position();
-    const long got = count ? stream->ReadBytes(bytes.data(), bytes.size()) : 0;
+    long got = count ? stream->ReadBytes(bytes.data(), bytes.size()) : 0;
+    // In a sequential stream the Ctrl-Z mark ends the file: the bytes from it on are not there to read.
+    if (stream->IsSequential() && got > 0)
+        got = static_cast<long>(std::find(bytes.begin(), bytes.begin() + got, char(kTextEndMark)) - bytes.begin());
     if (got < count) {
         // Nothing is taken when the file holds fewer bytes.
         stream->SetPosition(start);

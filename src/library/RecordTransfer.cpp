@@ -80,14 +80,9 @@ public:
         const long got = m_stream.ReadBytes(static_cast<char*>(target), count);
         if (got < 0)
             return RaiseValueError(kErrorInputMismatch);
-        if (static_cast<std::size_t>(got) < count) {
-            // A short record at the end of a Random file reads as zero bytes.
-            if (m_random) {
-                std::memset(static_cast<char*>(target) + got, 0, count - static_cast<std::size_t>(got));
-                return true;
-            }
+        // The file ends before the field does, in Random and Binary streams alike.
+        if (static_cast<std::size_t>(got) < count)
             return RaiseValueError(kErrorReadPastEnd);
-        }
         return true;
     }
     [[nodiscard]] bool Short(short& value) { return Bytes(&value, 2); }

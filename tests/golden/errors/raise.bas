@@ -24,5 +24,12 @@ Sub Main
     Debug.Print Err.HelpFile = ""
     Err.Clear
     Show
+    ' The Error statement: a number raises that error; 0 only clears the error object.
+    Error 10061
+    Show
+    Error 0
+    Show
+    Error 65536
+    Show
     Debug.Print "end"
 End Sub

@@ -100,6 +100,11 @@ Sub Main
     Line Input #1, s
     Debug.Print "Line Input on Random:"; Err.Number
     Err.Clear
+    ' Past the last record nothing is read and the variable keeps its value.
+    i = 77
+    Get #1, 9, i
+    Debug.Print "Get past the end:"; Err.Number; i; Seek(1)
+    Err.Clear
     On Error GoTo 0
     Close #1
     Debug.Print Bytes(f)

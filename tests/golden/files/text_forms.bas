@@ -87,7 +87,23 @@ Sub Main
         Debug.Print "[" & s & "]"
     Loop
     Close #1
+    ' Input() stops at the mark too; in a Binary stream the mark is data.
+    On Error Resume Next
+    Open f For Input As #1
+    Debug.Print "Input(5):"; Len(Input(5, #1))
+    s = Input(4, #1)
+    Debug.Print "Input(4) over the mark:"; Err.Number; Err.Description
+    Err.Clear
+    s = Input(3, #1)
+    Debug.Print "[" & s & "]"; Err.Number; EOF(1)
+    s = Input(1, #1)
+    Debug.Print "Input(1) at the mark:"; Err.Number
+    Err.Clear
+    Close #1
+    On Error GoTo 0
     Open f For Binary As #1
+    s = Input(9, #1)
+    Debug.Print "Binary Input(9):"; Asc(Mid(s, 9, 1)); Len(s)
     Debug.Print "Binary EOF at the end:"; EOF(1); LOF(1)
     Close #1
     Kill f
