@@ -6,6 +6,7 @@
 #include "frontend/CharClasses.h"
 #include "exec/InterpreterHost.h"
 #include "values/Conversion.h"
+#include "values/Operators.h"
 #include "values/ValueCell.h"
 #include "values/ValueError.h"
 
@@ -118,17 +119,20 @@ bool BodyParser::ParseExpression(Expression& out, bool* simpleVariable)
 
 namespace {
 
-// kAlignLeft or kAlignRight when one operand is a Variant and the other of a fixed kind (its value is
-// then converted toward that kind when the operator runs), else 0. Not for & and Is.
+// Which operand is converted toward the other's kind when the operator runs, else 0 (not for & and Is):
+// beside a Variant, the Variant (its text 5 then equals the number 5); between a String and a number of
+// fixed kinds, the right one (s = 10 compares texts, 10 = s numbers, s + 5 joins two texts).
 int AlignmentOf(OperationId op, TypeCode left, TypeCode right)
 {
-    const auto fixed = [](TypeCode type) {
-        return !type.IsArray() && (type.IsNumeric() || type.IsString() || type.IsFixedString());
-    };
+    if (op == OperationId::kConcatenate || op == OperationId::kIs || left.IsArray() || right.IsArray())
+        return 0;
+    const auto text = [](TypeCode type) { return type.IsString() || type.IsFixedString(); };
+    const auto fixed = [&](TypeCode type) { return type.IsNumeric() || text(type); };
     const bool leftFixed = fixed(left);
     const bool rightFixed = fixed(right);
-    if (leftFixed == rightFixed || !(left.IsVariant() || right.IsVariant()) || op == OperationId::kConcatenate ||
-        op == OperationId::kIs)
+    if (leftFixed && rightFixed)
+        return text(left) != text(right) ? kAlignRight : 0;
+    if (leftFixed == rightFixed || !(left.IsVariant() || right.IsVariant()))
         return 0;
     return leftFixed ? kAlignRight : kAlignLeft;
 }
@@ -342,7 +346,15 @@ void BodyParser::AppendBinary(Expression& out, OperationId op, const char* posit
             leftCopy = left; // kept for the unfolded form below
         s_foldError = 0;
         const RaiseFn previous = SetRaiseHandler(&RecordFoldError);
-        const bool folded = ApplyBinary(op, left, right);
+        // Constants have fixed kinds: a text beside a number is aligned as it would be when the operator runs.
+        Variant aligned;
+        const bool alignsRight = AlignmentOf(op, TypeOfValue(left), TypeOfValue(right)) == kAlignRight;
+        if (alignsRight)
+            aligned = right;
+        const bool folded =
+            alignsRight ? AlignStaticKinds(op, left, StaticKind::kFixed, aligned, StaticKind::kFixed) &&
+                              ApplyBinary(op, left, aligned)
+                        : ApplyBinary(op, left, right);
         (void)SetRaiseHandler(previous);
         if (folded) {
             out.ops.resize(size - 2);

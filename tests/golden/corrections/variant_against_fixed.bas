@@ -6,9 +6,15 @@ Sub Main
     w = 5
     Debug.Print v = 5; 5 = v; w = "5"; "5" = w; v < 6; v = 5.0; v <> 5
     Debug.Print v + 1; w + "1"; w & "x"
-    ' Two fixed kinds, or two Variants, compare as they are: every number is less than every text.
+    ' Between a String and a number of fixed kinds the right one takes the left one's kind; two
+    ' Variants compare as they are: every number is less than every text.
     s = "5": n = 5
     Debug.Print s = n; v = n; w = s; v = w; v > w
+    Debug.Print n = s; s + n; n + s; "5" = 5; 5 = "5"; s < 10; 10 > s
+    For n = 4 To 6
+        If s = n Then Debug.Print "in the loop"; n
+        If n * 2 = s + s Then Debug.Print "never"
+    Next
     ' Select Case applies the same rule between a Variant selector and its Case values.
     Select Case v
     Case 4: Debug.Print "case 4"
