@@ -396,8 +396,8 @@ BodyParser::StatementPtr BodyParser::ParseInline(bool inSingleLineIf)
 }
 
 // simple statement: a single-line If | GoTo | On Error | Resume | Exit | Debug.Print | a file statement |
-//     Call | RaiseEvent | End | ReDim | Mid | Erase | Stop | LSet | RSet | [Let | Set] assignment | call;
-//     none opens or closes a block or declares a name, so it may follow Then or Else
+//     Call | RaiseEvent | End | Dim | Static | Const | ReDim | Mid | Erase | Stop | LSet | RSet |
+//     [Let | Set] assignment | call; none opens or closes a block, so it may follow Then or Else
 BodyParser::StatementPtr BodyParser::ParseSimple()
 {
     StatementPtr statement;
@@ -442,6 +442,9 @@ BodyParser::StatementPtr BodyParser::ParseSimple()
         statement = std::make_unique<EndStatement>();
         break;
     }
+    case Token::Dim: statement = ParseDim(false); break;
+    case Token::Static: statement = ParseDim(true); break;
+    case Token::Const: statement = ParseConst(); break;
     case Token::ReDim: statement = ParseReDim(); break;
     case Token::Mid:
         if (*SkipBlanks(m_lexer.TokenEnd()) == '(' && FindLocal(UpperName(m_lexer.Text())) == nullptr) {

@@ -562,8 +562,7 @@ BodyParser::StatementPtr BodyParser::ParseExit()
             }
             leftWith += block->kind == BlockKind::With ? 1 : 0;
         }
-        m_lexer.SignalError(CompileMessage::UnexpectedText, KeywordText(word));
-        return nullptr;
+        // No such loop encloses it: only the procedure's own kind word may follow.
     }
     Token expected = Token::Sub;
     if (m_procedure.kind == ProcedureKind::Function)
