@@ -199,7 +199,8 @@ int BodyParser::ParseRecordPath(Expression& code, RecordPathEnd& end, bool befor
         }
         break;
     }
-    if (m_lexer.Kind() == Token::LeftParen && !beforeBounds) {
+    // A Variant field may hold an array: its indexes are read by whoever reads the field's value.
+    if (m_lexer.Kind() == Token::LeftParen && !beforeBounds && !(at == At::Value && end.type.IsVariant())) {
         m_lexer.SignalError(CompileMessage::ExpectingAnAlreadyDimensionedArray);
         return -1;
     }
@@ -224,6 +225,11 @@ bool BodyParser::ParseRecordFactor(Expression& out, bool* simpleVariable)
     // An object held by a record: its members follow.
     const Module* classModule = end.type.IsObject() && !end.className.empty() ? FindClassModule(end.className) : nullptr;
     m_factorClass = classModule;
+    if (m_lexer.Kind() == Token::LeftParen) {
+        // An element of the array a Variant field holds (u.v(1)): a value, not storage.
+        m_factorIsElement = false;
+        return ParseResultIndexes(out);
+    }
     if (m_lexer.Kind() != Token::Dot) {
         // The path names storage: as an argument it can be passed by reference.
         m_factorIsElement = true;
@@ -349,6 +355,12 @@ BodyParser::StatementPtr BodyParser::ParseRecordStatement(AssignKind kind)
     }
     if (end.fixedArray) {
         m_lexer.SignalErrorAt(CompileMessage::ExpectingADynamicArrayVar, {}, start);
+        return nullptr;
+    }
+    // Storing into an element of the array a Variant field holds is not supported: the field takes a
+    // whole array.
+    if (m_lexer.Kind() == Token::LeftParen) {
+        m_lexer.SignalError(CompileMessage::ExpectingAnAlreadyDimensionedArray);
         return nullptr;
     }
     if (!m_lexer.ExpectToken(Token::Equal))
