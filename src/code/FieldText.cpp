@@ -61,9 +61,7 @@ bool FieldText::Read(const RunContext& context, std::wstring_view& text) const
     const RecordField& field = m_walk.Field();
     switch (field.kind) {
     case FieldKind::String: {
-        const BSTR string = *reinterpret_cast<const BSTR*>(at);
-        text = string ? std::wstring_view(string, TextLength(string)) : std::wstring_view();
-        return true;
+        return WholeCharacters(*reinterpret_cast<const BSTR*>(at), text);
     }
     case FieldKind::FixedString:
         text = std::wstring_view(reinterpret_cast<const wchar_t*>(at), field.length);

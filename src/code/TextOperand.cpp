@@ -54,10 +54,8 @@ bool TextOperand::Compile(const ExprOp* first, std::size_t count, const Compiled
     const ExprOp& last = first[count - 1];
     if (count == 1 && last.code == ExprOpCode::kConstant) {
         const VARIANT& constant = procedure.ConstantAt(last.index).Raw();
-        if (constant.vt != VT_BSTR)
+        if (constant.vt != VT_BSTR || !WholeCharacters(constant.bstrVal, m_constant))
             return false;
-        m_constant = constant.bstrVal ? std::wstring_view(constant.bstrVal, TextLength(constant.bstrVal))
-                                      : std::wstring_view();
         m_kind = Kind::kConstant;
         return true;
     }
@@ -121,9 +119,7 @@ bool TextOperand::ReadElsewhere(const RunContext& context, std::wstring_view& te
         if (!storage)
             return false;
         if (const char* element = ElementOfVector(storage, VT_BSTR, position)) {
-            const BSTR string = *reinterpret_cast<const BSTR*>(element);
-            text = string ? std::wstring_view(string, TextLength(string)) : std::wstring_view();
-            return true;
+            return WholeCharacters(*reinterpret_cast<const BSTR*>(element), text);
         }
         const char* element = ElementOfVector(storage, VT_VARIANT, position);
         return element && StoredText(*FollowByRefChain(reinterpret_cast<const VARIANT*>(element)), text);

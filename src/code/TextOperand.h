@@ -64,8 +64,7 @@ private:
         string = *value.pbstrVal;
     else
         return false;
-    text = string ? std::wstring_view(string, TextLength(string)) : std::wstring_view();
-    return true;
+    return WholeCharacters(string, text);
 }
 
 bool TextOperand::Read(const RunContext& context, std::wstring_view& text) const
@@ -91,9 +90,7 @@ bool TextOperand::ReadInLine(const RunContext& context, std::wstring_view& text)
         const LONG position = computed ? ComputedPosition(context, m_positionOffset) : local.lVal;
         if (array.vt == (VT_ARRAY | VT_BSTR) && (computed || local.vt == VT_I4)) {
             if (const char* element = ElementOfVector(array.parray, position)) {
-                const BSTR string = *reinterpret_cast<const BSTR*>(element);
-                text = string ? std::wstring_view(string, TextLength(string)) : std::wstring_view();
-                return true;
+                return WholeCharacters(*reinterpret_cast<const BSTR*>(element), text);
             }
         }
     }

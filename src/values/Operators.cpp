@@ -10,6 +10,7 @@
 #include <cwchar>
 #include <climits>
 #include <cmath>
+#include <cstring>
 #include <string>
 
 namespace brannoc {
@@ -370,17 +371,40 @@ bool NumericOperation(OperationId op, Variant& left, Variant right)
 
 // left & right, with Null read as the empty string. The result is appended to the left string in place
 // when it has spare room, so a string built up by repeated & is not copied each time.
+namespace {
+
+// Two strings joined byte for byte, for when either is a byte string of odd length.
+bool ConcatenateBytes(Variant& left, BSTR tail)
+{
+    const BSTR head = left.String();
+    const UINT headBytes = SysStringByteLen(head);
+    const UINT tailBytes = SysStringByteLen(tail);
+    if (tailBytes > 0x7FFFFFF0u - headBytes)
+        return RaiseValueError(kErrorOutOfMemory);
+    BSTR joined = SysAllocStringByteLen(nullptr, headBytes + tailBytes);
+    if (!joined)
+        return RaiseValueError(kErrorOutOfMemory);
+    if (headBytes)
+        std::memcpy(joined, head, headBytes);
+    if (tailBytes)
+        std::memcpy(reinterpret_cast<char*>(joined) + headBytes, tail, tailBytes);
+    left.SetString(joined);
+    return true;
+}
+
+} // namespace
+
 bool Concatenate(Variant& left, const Variant& right)
 {
     Bstr rightText;
-    std::wstring_view tail;
+    BSTR tailString = nullptr;
     const VARIANT& rightEnd = *FollowByRefChain(&right.Raw());
     if (rightEnd.vt == VT_BSTR) {
-        tail = {rightEnd.bstrVal ? rightEnd.bstrVal : L"", SysStringLen(rightEnd.bstrVal)};
+        tailString = rightEnd.bstrVal;
     } else if (rightEnd.vt != VT_NULL) {
         if (!ToText(right, TextMode::kNullAsEmpty, rightText))
             return false;
-        tail = rightText.View();
+        tailString = rightText.Get();
     }
     if (left.Tag() != VT_BSTR) {
         Bstr leftText;
@@ -388,7 +412,9 @@ bool Concatenate(Variant& left, const Variant& right)
             return false;
         left.SetString(std::move(leftText));
     }
-    return AppendToString(left, tail);
+    if ((SysStringByteLen(left.String()) | SysStringByteLen(tailString)) & 1)
+        return ConcatenateBytes(left, tailString);
+    return AppendToString(left, {tailString ? tailString : L"", TextLength(tailString)});
 }
 
 bool CompareWithStrings(OperationId op, Variant& left, Variant right)

@@ -79,8 +79,10 @@ Bstr::Bstr(std::wstring_view text)
 
 Bstr::Bstr(const wchar_t* text, UINT length) : m_text(SysAllocStringLen(text, length)) {}
 
+// Byte for byte: a byte string of odd length keeps its last byte.
 Bstr::Bstr(const Bstr& other)
-    : m_text(other.m_text ? SysAllocStringLen(other.m_text, SysStringLen(other.m_text)) : nullptr)
+    : m_text(other.m_text ? SysAllocStringByteLen(reinterpret_cast<LPCSTR>(other.m_text), SysStringByteLen(other.m_text))
+                          : nullptr)
 {
 }
 

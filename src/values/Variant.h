@@ -16,6 +16,20 @@ inline UINT TextLength(BSTR text) noexcept
     return text ? reinterpret_cast<const UINT*>(text)[-1] / static_cast<UINT>(sizeof(OLECHAR)) : 0;
 }
 
+// The text of a BSTR as whole characters (null: empty). False for a byte string of odd length (ChrB(65),
+// StrConv(s, vbFromUnicode) of three characters): a view of whole characters would drop its last byte,
+// so such a string takes the general paths, which copy it byte for byte.
+[[nodiscard]] inline bool WholeCharacters(BSTR text, std::wstring_view& view) noexcept
+{
+    if (!text) {
+        view = {};
+        return true;
+    }
+    const UINT bytes = reinterpret_cast<const UINT*>(text)[-1];
+    view = std::wstring_view(text, bytes / static_cast<UINT>(sizeof(OLECHAR)));
+    return (bytes & 1) == 0;
+}
+
 // Owns one BSTR. The length is the BSTR's own length prefix, so embedded NUL characters are kept.
 class Bstr final {
 public:
