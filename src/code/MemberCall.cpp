@@ -51,22 +51,30 @@ bool ArrangeArguments(const RunContext& context, std::size_t first, int count, c
     const int positional = count - named - (assignment ? 1 : 0);
     const bool hasParamArray = total > 0 && parameters.back().paramArray && !assignment;
     const int fixed = hasParamArray ? total - 1 : (assignment ? total - 1 : total);
-    if (named == 0 && !hasParamArray && positional == fixed && fixed >= 0)
+    if (named == 0 && !hasParamArray && positional == fixed && fixed >= 0) {
+        // A left-out argument (o.M(, 2)) needs an optional parameter.
+        for (int i = 0; i < positional; ++i) {
+            if (!parameters[static_cast<std::size_t>(i)].optional && IsMissing(values.At(first + static_cast<std::size_t>(i))))
+                return context.interpreter->SignalError(kErrorWrongParameterCount);
+        }
         return true;
+    }
     if (fixed < 0)
-        return context.interpreter->SignalError(kErrorWrongNumberOfParameters);
+        return context.interpreter->SignalError(kErrorWrongParameterCount);
     std::vector<Variant> arranged(static_cast<std::size_t>(total));
     std::vector<bool> given(static_cast<std::size_t>(total), false);
     std::vector<Variant> extras;
     for (int i = 0; i < positional; ++i) {
         Variant& argument = values.At(first + static_cast<std::size_t>(i));
         if (i < fixed) {
+            if (!parameters[static_cast<std::size_t>(i)].optional && IsMissing(argument))
+                return context.interpreter->SignalError(kErrorWrongParameterCount);
             arranged[static_cast<std::size_t>(i)] = std::move(argument);
             given[static_cast<std::size_t>(i)] = true;
         } else if (hasParamArray) {
             extras.push_back(std::move(argument));
         } else {
-            return context.interpreter->SignalError(kErrorWrongNumberOfParameters);
+            return context.interpreter->SignalError(kErrorWrongParameterCount);
         }
     }
     for (int j = 0; j < named; ++j) {
@@ -78,7 +86,7 @@ bool ArrangeArguments(const RunContext& context, std::size_t first, int count, c
         if (index == fixed)
             return context.interpreter->SignalError(kErrorNoSuchNamedParameter);
         if (given[static_cast<std::size_t>(index)])
-            return context.interpreter->SignalError(kErrorWrongNumberOfParameters);
+            return context.interpreter->SignalError(kErrorWrongParameterCount);
         arranged[static_cast<std::size_t>(index)] = std::move(values.At(first + static_cast<std::size_t>(positional + j)));
         given[static_cast<std::size_t>(index)] = true;
     }
@@ -90,7 +98,7 @@ bool ArrangeArguments(const RunContext& context, std::size_t first, int count, c
         if (given[static_cast<std::size_t>(i)])
             continue;
         if (!parameters[static_cast<std::size_t>(i)].optional)
-            return context.interpreter->SignalError(kErrorWrongNumberOfParameters);
+            return context.interpreter->SignalError(kErrorWrongParameterCount);
         arranged[static_cast<std::size_t>(i)].SetError(kMissingArgumentStatus);
     }
     values.CutBack(first);

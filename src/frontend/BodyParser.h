@@ -390,6 +390,7 @@ private:
     // The arguments of a late-bound member, in the order written (named ones after the positional ones).
     // Appends to a Let's value the op that makes an object its default member's value.
     void AppendLetResolution(Expression& value);
+    [[nodiscard]] bool PassesLateByReference(const ExprOp& load, TypeCode type) const;
     [[nodiscard]] bool ParseLateArguments(MemberAccess access, MemberSite& site, Expression& out, int& count);
     // Appends the member access and its end to out; the result's type.
     void AppendMemberCall(Expression& out, MemberSite site, int count, TypeCode result);

@@ -235,6 +235,20 @@ bool BodyParser::ParseMemberArguments(Procedure& member, MemberAccess access, Ex
 
 // ["(" arguments ")"] (read) | [arguments] | "(" arguments ")" (call) | ["(" arguments ")"] = value (assignment)
 // A late-bound member's arguments, each [name ":="] [expression]; variables go by reference.
+// A variable given to a late-bound member goes by reference, except a fixed-length String (the member
+// could give it another length) and a Variant parameter that is itself a reference: those go as copies,
+// so that nothing the member does reaches a variable.
+bool BodyParser::PassesLateByReference(const ExprOp& load, TypeCode type) const
+{
+    if (type.IsFixedString())
+        return false;
+    const auto& parameters = m_procedure.parameters;
+    const bool referenceParameter = load.code == ExprOpCode::kLoad && load.scope == StorageScope::Local &&
+                                    load.index >= 0 && load.index < static_cast<int>(parameters.size()) &&
+                                    !parameters[static_cast<std::size_t>(load.index)].byVal;
+    return !(referenceParameter && type.IsVariant() && !type.IsArray());
+}
+
 bool BodyParser::ParseLateArguments(MemberAccess access, MemberSite& site, Expression& out, int& count)
 {
     count = 0;
@@ -272,7 +286,7 @@ bool BodyParser::ParseLateArguments(MemberAccess access, MemberSite& site, Expre
             if (!ParseExpression(argument, &simple))
                 return false;
             // Variables go by reference, so that the member can change them.
-            if (simple)
+            if (simple && PassesLateByReference(argument.ops.back(), argument.type))
                 argument.ops.back().code = ExprOpCode::kLoadRef;
             out.Append(argument);
             ++count;

@@ -21,13 +21,11 @@ inline UINT TextLength(BSTR text) noexcept
 // so such a string takes the general paths, which copy it byte for byte.
 [[nodiscard]] inline bool WholeCharacters(BSTR text, std::wstring_view& view) noexcept
 {
-    if (!text) {
-        view = {};
-        return true;
-    }
-    const UINT bytes = reinterpret_cast<const UINT*>(text)[-1];
+    const UINT bytes = text ? reinterpret_cast<const UINT*>(text)[-1] : 0;
+    if (bytes & 1) [[unlikely]]
+        return false;
     view = std::wstring_view(text, bytes / static_cast<UINT>(sizeof(OLECHAR)));
-    return (bytes & 1) == 0;
+    return true;
 }
 
 // Owns one BSTR. The length is the BSTR's own length prefix, so embedded NUL characters are kept.
