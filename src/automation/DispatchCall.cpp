@@ -53,15 +53,15 @@ public:
         return m_info.scode != 0 ? m_info.scode : static_cast<SCODE>(m_info.wCode);
     }
     long Number() const { return m_info.wCode != 0 ? static_cast<long>(m_info.wCode) : static_cast<long>(m_info.scode); }
-    // Raises the server's error with its description, source and help (the number's own text when the
-    // server gave no description).
+    // Raises the server's error with its description, source and help as the record holds them (an empty
+    // description becomes the number's default one: its message, or "Exception" and the code).
     bool Raise() const
     {
         Interpreter* interpreter = Interpreter::Current();
-        if (!interpreter || !m_info.bstrDescription)
+        if (!interpreter)
             return RaiseValueError(Number());
-        return interpreter->RaiseRuntimeError(Number(), Text(m_info.bstrDescription), Text(m_info.bstrSource),
-                                              Text(m_info.bstrHelpFile), static_cast<long>(m_info.dwHelpContext));
+        return interpreter->RaiseServerError(Number(), Text(m_info.bstrDescription), Text(m_info.bstrSource),
+                                             Text(m_info.bstrHelpFile), static_cast<long>(m_info.dwHelpContext));
     }
 
 private:

@@ -722,11 +722,17 @@ bool Interpreter::SignalError(long number, std::wstring_view argument)
 bool Interpreter::RaiseRuntimeError(long number, std::wstring_view description, std::wstring_view source,
                                     std::wstring_view helpFile, long helpContext)
 {
+    return RaiseServerError(number, description, source,
+                            helpFile.empty() ? std::wstring_view(LanguageHelpFile()) : helpFile, helpContext);
+}
+
+bool Interpreter::RaiseServerError(long number, std::wstring_view description, std::wstring_view source,
+                                   std::wstring_view helpFile, long helpContext)
+{
     // A second error before the first is dispatched is dropped: the first one stands.
     if (HaltFlags::Has(PendingErrorMask()))
         return false;
-    SetErr(number, description, source, helpFile.empty() ? std::wstring_view(LanguageHelpFile()) : helpFile,
-           helpContext);
+    SetErr(number, description, source, helpFile, helpContext);
     if (number != 0)
         HaltFlags::Set(m_evaluating ? HaltFlags::kEvaluationError : HaltFlags::kError);
     // FIXME: an evaluation error raised while no statement executes is to be reported at once; host

@@ -212,6 +212,10 @@ public:
     // is dropped. Always answers false, for the raiser to return.
     [[nodiscard]] bool RaiseRuntimeError(long number, std::wstring_view description, std::wstring_view source = {},
                                          std::wstring_view helpFile = {}, long helpContext = 0);
+    // The same for an error that an automation server reported: its fields are kept as they came (an
+    // empty help file stays empty; an empty description gets the number's default one).
+    [[nodiscard]] bool RaiseServerError(long number, std::wstring_view description, std::wstring_view source,
+                                        std::wstring_view helpFile, long helpContext);
     // Sets the sticky out-of-memory bit and raises "Out of memory.". Always answers false.
     [[nodiscard]] bool RaiseOutOfMemory();
     // The raise routine installed for the value layer: raises on the current interpreter.

@@ -27,6 +27,8 @@ Sub Main
     On Error Resume Next
     fso.DeleteFile p
     Debug.Print Err.Number = &H800A0035
+    ' The server's record as it came: no description gives the code's default text, no help file none.
+    Debug.Print Err.Description; "["; Err.HelpFile; "]"
     Err.Clear
     Debug.Print fso.GetBaseName(Array(1))
     Debug.Print Err.Number; Err.Description
