@@ -1,6 +1,7 @@
 #include "code/RecordAccess.h"
 
 #include "code/FastExpression.h"
+#include "code/MemberCall.h"
 #include "code/ProcedureBody.h"
 #include "code/RegisterBuilder.h"
 
@@ -418,6 +419,40 @@ bool AssignPathStatement::Execute()
 bool AssignPathStatement::EmitRegisters(RegisterBuilder& builder)
 {
     return DirectTextReady() && builder.StoreFieldText(*this, m_code, m_path);
+}
+
+bool AssignPathElementStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    if (bool answer; !ExpressionReady(context, m_code, entry, answer))
+        return answer;
+    ValueStack& values = context.interpreter->Values();
+    const RecordPath& path = context.procedure->RecordPathAt(m_path);
+    // The value is on top, the element's indexes below it, the path's indexes below those.
+    Variant value(std::move(values.Top()));
+    values.Pop();
+    Place place;
+    if (!Walk(context, path, static_cast<std::size_t>(m_count), place))
+        return Fail(context, entry);
+    if (place.kind != Place::Kind::Field || !place.field) {
+        (void)context.interpreter->SignalError(kErrorTypeMismatch);
+        return Fail(context, entry);
+    }
+    auto* storage = reinterpret_cast<VARIANT*>(static_cast<char*>(place.address) + place.field->offset);
+    if (HoldsObject(*storage)) {
+        if (!AccessDefaultMember(context, *storage, m_count, &value))
+            return Fail(context, entry);
+    } else {
+        if (m_letsValue && !ResolveLetValue(value))
+            return Fail(context, entry);
+        VARTYPE tag = VT_EMPTY;
+        void* element = ElementOf(context, storage, m_count, tag);
+        if (!element || !StoreTypedElement(element, tag, TypeCode(TypeCode::kVariant), value))
+            return Fail(context, entry);
+    }
+    values.CutBack(values.Size() - static_cast<std::size_t>(m_count) - static_cast<std::size_t>(path.indexCount));
+    entry.state = ExecEntry::kFinished;
+    return true;
 }
 
 bool AssignPathStatement::Step(ExecEntry& entry)

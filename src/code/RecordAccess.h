@@ -84,6 +84,25 @@ private:
     bool DirectTextReady();
 };
 
+// record.v(i, ...) = value: an element of the array that a Variant field holds (or, when the field
+// holds an object, its default member). The code leaves the path's indexes, the element's `count`
+// indexes and then the value on the stack.
+class AssignPathElementStatement final : public Statement {
+public:
+    // `letsValue`: a Let (an object value gives way to its default member's value), not a Set.
+    AssignPathElementStatement(Expression code, int path, int count, bool letsValue)
+        : m_code(std::move(code)), m_path(path), m_count(count), m_letsValue(letsValue)
+    {
+    }
+    [[nodiscard]] bool Step(ExecEntry& entry) override;
+
+private:
+    Expression m_code;
+    int m_path;
+    int m_count;
+    bool m_letsValue;
+};
+
 // LSet target = source between records of plain data: the source's first `size` bytes are copied over
 // the target's; the target's further bytes stay as they were.
 class RecordCopyStatement final : public Statement {

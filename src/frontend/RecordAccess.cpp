@@ -357,12 +357,8 @@ BodyParser::StatementPtr BodyParser::ParseRecordStatement(AssignKind kind)
         m_lexer.SignalErrorAt(CompileMessage::ExpectingADynamicArrayVar, {}, start);
         return nullptr;
     }
-    // Storing into an element of the array a Variant field holds is not supported: the field takes a
-    // whole array.
-    if (m_lexer.Kind() == Token::LeftParen) {
-        m_lexer.SignalError(CompileMessage::ExpectingAnAlreadyDimensionedArray);
-        return nullptr;
-    }
+    if (m_lexer.Kind() == Token::LeftParen)
+        return ParseRecordElementStore(std::move(code), path, kind);
     if (!m_lexer.ExpectToken(Token::Equal))
         return nullptr;
     const char* valuePosition = m_lexer.TokenStart();
@@ -376,6 +372,27 @@ BodyParser::StatementPtr BodyParser::ParseRecordStatement(AssignKind kind)
     code.Append(value);
     const bool resolvesDefault = kind != AssignKind::Set && end.type.Scalar().IsVariant();
     return std::make_unique<AssignPathStatement>(std::move(code), path, resolvesDefault);
+}
+
+// record.v(indexes) = value: a store into the array a Variant field holds (the path is parsed already)
+BodyParser::StatementPtr BodyParser::ParseRecordElementStore(Expression code, int path, AssignKind kind)
+{
+    m_lexer.NextToken();
+    int count = 0;
+    if (!ParseIndexes(code, count))
+        return nullptr;
+    if (!m_lexer.ExpectToken(Token::Equal))
+        return nullptr;
+    const char* valuePosition = m_lexer.TokenStart();
+    Expression value;
+    if (!ParseExpression(value))
+        return nullptr;
+    if (kind == AssignKind::Set && !value.type.IsObject() && !value.type.IsVariant()) {
+        m_lexer.SignalErrorAt(CompileMessage::ExpectingAnObjectExpression, {}, valuePosition);
+        return nullptr;
+    }
+    code.Append(value);
+    return std::make_unique<AssignPathElementStatement>(std::move(code), path, count, kind != AssignKind::Set);
 }
 
 } // namespace brannoc::body
