@@ -185,6 +185,30 @@ bool AccessElement(Variant& array, const VARIANT* indexes, int count, MemberAcce
 
 bool Perform(const Access& access, Variant& result, Mode mode);
 
+// A let that the member refuses even so (obj.Cells(1, 2) = 5 where Cells only gives an object): the
+// member is read with the index arguments and the object it gives has its default member let the value.
+// False, with applied false, when the member gives no object that way.
+bool LetThroughIndexedObject(const Access& access, Variant& result, bool& applied)
+{
+    Access indexed = access;
+    indexed.kind = MemberAccess::Get;
+    indexed.arguments.count = access.arguments.count - 1;
+    Variant holder;
+    if (!Perform(indexed, holder, Mode::Silent))
+        return false;
+    const VARIANT* inner = FollowByRefChain(&holder.Raw());
+    if (inner->vt != VT_DISPATCH || !inner->pdispVal)
+        return false;
+    applied = true;
+    Access let;
+    let.object = inner->pdispVal;
+    let.member = DISPID_VALUE;
+    let.kind = MemberAccess::Let;
+    let.arguments.values = &access.arguments.values[access.arguments.count - 1];
+    let.arguments.count = 1;
+    return Perform(let, result, Mode::Normal);
+}
+
 // The member exists but not with these arguments: get its value without arguments and index that (an
 // array) or apply the arguments to its default member (an object).
 bool DefaultMemberFallback(const Access& access, HRESULT status, Variant& result, bool& applied)
@@ -201,7 +225,7 @@ bool DefaultMemberFallback(const Access& access, HRESULT status, Variant& result
     probe.kind = MemberAccess::Get;
     Variant value;
     if (!Perform(probe, value, Mode::Silent))
-        return false;
+        return access.kind == MemberAccess::Let && LetThroughIndexedObject(access, result, applied);
     applied = true;
     VARIANT* inner = FollowByRefChain(&value.Raw());
     if (inner->vt != VT_DISPATCH) {

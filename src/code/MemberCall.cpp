@@ -250,6 +250,37 @@ EvalStatus ReadRecordField(const RunContext& context, const MemberSite& site, co
 
 } // namespace
 
+namespace {
+
+// Whether a late-bound access to a class instance's member does not fit the member as given but may
+// fit through the default-member fallback (obj.Items(2) where Items takes no argument and gives an
+// array or an object; obj.Cells(1, 2) = 5 where Cells only has a getter). Such an access goes through
+// the instance's dispatch interface, whose refusal leads the automation call into that fallback.
+bool TakesDefaultMemberFallback(MemberSite& site, const ModuleInstance& instance, int count)
+{
+    const bool let = site.access == MemberAccess::Let;
+    if ((site.access != MemberAccess::Get && !let) || !site.namedArguments.empty())
+        return false;
+    const Module& module = instance.OwnModule();
+    if (site.classModule == &module)
+        return false;
+    Procedure* procedure = nullptr;
+    int variable = -1;
+    if (!FindClassMember(module, site.name, site.access, procedure, variable))
+        return let && FindClassMember(module, site.name, MemberAccess::Get, procedure, variable);
+    const int positional = count - (let ? 1 : 0);
+    if (variable >= 0)
+        return positional > 0;
+    if (!procedure)
+        return false;
+    const auto& parameters = procedure->parameters;
+    if (!parameters.empty() && parameters.back().paramArray)
+        return false;
+    return positional > static_cast<int>(parameters.size()) - (let ? 1 : 0);
+}
+
+} // namespace
+
 EvalStatus RunMemberCall(const RunContext& context, const ExprOp& op)
 {
     Interpreter& interpreter = *context.interpreter;
@@ -263,8 +294,10 @@ EvalStatus RunMemberCall(const RunContext& context, const ExprOp& op)
         return Raise(context, object->vt == VT_EMPTY ? kErrorObjectIsNothing : kErrorTypeMismatch);
     if (!object->punkVal)
         return Raise(context, kErrorObjectIsNothing);
-    if (ModuleInstance* instance = interpreter.Host().InstanceOf(object->punkVal))
-        return CallInstanceMember(context, site, *instance, first, op.count);
+    if (ModuleInstance* instance = interpreter.Host().InstanceOf(object->punkVal)) {
+        if (!TakesDefaultMemberFallback(site, *instance, op.count))
+            return CallInstanceMember(context, site, *instance, first, op.count);
+    }
 
     ComRef<IDispatch> dispatch;
     if (object->vt == VT_DISPATCH)
