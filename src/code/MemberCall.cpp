@@ -248,10 +248,6 @@ EvalStatus ReadRecordField(const RunContext& context, const MemberSite& site, co
     return EvalStatus::kDone;
 }
 
-} // namespace
-
-namespace {
-
 // Whether a late-bound access to a class instance's member does not fit the member as given but may
 // fit through the default-member fallback (obj.Items(2) where Items takes no argument and gives an
 // array or an object; obj.Cells(1, 2) = 5 where Cells only has a getter). Such an access goes through

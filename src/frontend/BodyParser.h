@@ -243,6 +243,7 @@ private:
     // The element access a(i).b.c in an expression; its value may be an object whose members follow.
     [[nodiscard]] bool ParseRecordFactor(Expression& out, bool* simpleVariable);
     // A statement that begins with an element access: an assignment to it, or a member call on it.
+    [[nodiscard]] bool ParseAssignedValue(Expression& code, AssignKind kind);
     StatementPtr ParseRecordElementStore(Expression code, int path, AssignKind kind);
     StatementPtr ParseRecordStatement(AssignKind kind);
     // Reads the access: its indexes go to code, the path to the procedure; the result tells the type

@@ -359,19 +359,27 @@ BodyParser::StatementPtr BodyParser::ParseRecordStatement(AssignKind kind)
     }
     if (m_lexer.Kind() == Token::LeftParen)
         return ParseRecordElementStore(std::move(code), path, kind);
-    if (!m_lexer.ExpectToken(Token::Equal))
+    if (!ParseAssignedValue(code, kind))
         return nullptr;
+    const bool resolvesDefault = kind != AssignKind::Set && end.type.Scalar().IsVariant();
+    return std::make_unique<AssignPathStatement>(std::move(code), path, resolvesDefault);
+}
+
+// "=" value, appended to code; a Set needs an object (or a Variant) on the right
+bool BodyParser::ParseAssignedValue(Expression& code, AssignKind kind)
+{
+    if (!m_lexer.ExpectToken(Token::Equal))
+        return false;
     const char* valuePosition = m_lexer.TokenStart();
     Expression value;
     if (!ParseExpression(value))
-        return nullptr;
+        return false;
     if (kind == AssignKind::Set && !value.type.IsObject() && !value.type.IsVariant()) {
         m_lexer.SignalErrorAt(CompileMessage::ExpectingAnObjectExpression, {}, valuePosition);
-        return nullptr;
+        return false;
     }
     code.Append(value);
-    const bool resolvesDefault = kind != AssignKind::Set && end.type.Scalar().IsVariant();
-    return std::make_unique<AssignPathStatement>(std::move(code), path, resolvesDefault);
+    return true;
 }
 
 // record.v(indexes) = value: a store into the array a Variant field holds (the path is parsed already)
@@ -379,19 +387,8 @@ BodyParser::StatementPtr BodyParser::ParseRecordElementStore(Expression code, in
 {
     m_lexer.NextToken();
     int count = 0;
-    if (!ParseIndexes(code, count))
+    if (!ParseIndexes(code, count) || !ParseAssignedValue(code, kind))
         return nullptr;
-    if (!m_lexer.ExpectToken(Token::Equal))
-        return nullptr;
-    const char* valuePosition = m_lexer.TokenStart();
-    Expression value;
-    if (!ParseExpression(value))
-        return nullptr;
-    if (kind == AssignKind::Set && !value.type.IsObject() && !value.type.IsVariant()) {
-        m_lexer.SignalErrorAt(CompileMessage::ExpectingAnObjectExpression, {}, valuePosition);
-        return nullptr;
-    }
-    code.Append(value);
     return std::make_unique<AssignPathElementStatement>(std::move(code), path, count, kind != AssignKind::Set);
 }
 
