@@ -261,8 +261,10 @@ void DeclarationReader::ResolveTypes()
         m_lexer.ClearStatementError();
         if (!ResolveNamedType(variable->type))
             continue;
-        // As New makes a class or object module of the macro on first use; no other type can be made so.
-        if (variable->createsNew && m_isClassName && !m_isClassName(m_context, variable->type.className))
+        // As New makes a class or object module of the macro on first use; no other type can be made so,
+        // and only a class this module reaches ('#Uses) can be made from it (as in a procedure's Dim).
+        if (variable->createsNew && m_isClassName &&
+            !FindReachedClass(m_module, ReachedModules(m_module), variable->type.className))
             m_lexer.SignalErrorAt(CompileMessage::ExpectingASpecificObjectType, {}, variable->type.namePosition);
     }
     for (auto& userType : m_state.userTypes) {

@@ -65,23 +65,7 @@ Procedure* BodyParser::FindProcedure(const std::string& upperName) const
 // Class modules are found among the modules this one reaches through '#Uses.
 const Module* BodyParser::FindClassModule(std::string_view name) const
 {
-    // A class module may name its own class.
-    if (m_module.Kind() != ModuleKind::Plain && SameName(name, m_module.RecordName()))
-        return &m_module;
-    for (const Module* used : m_reached) {
-        if (used->Kind() == ModuleKind::Plain)
-            continue;
-        std::string_view own = used->Name();
-        const std::size_t slash = own.find_last_of("/\\");
-        if (slash != std::string_view::npos)
-            own.remove_prefix(slash + 1);
-        const std::size_t dot = own.rfind('.');
-        if (dot != std::string_view::npos)
-            own = own.substr(0, dot);
-        if (SameName(name, used->RecordName()) || SameName(name, own))
-            return used;
-    }
-    return nullptr;
+    return FindReachedClass(m_module, m_reached, name);
 }
 
 const Module* BodyParser::ClassOfType(const TypeSpec& type) const

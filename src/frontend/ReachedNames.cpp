@@ -111,4 +111,25 @@ bool IsReachedEnumName(const std::vector<Module*>& reached, const std::string& u
     return false;
 }
 
+const Module* FindReachedClass(const Module& self, const std::vector<Module*>& reached, std::string_view name)
+{
+    // A class module may name its own class.
+    if (self.Kind() != ModuleKind::Plain && SameName(name, self.RecordName()))
+        return &self;
+    for (const Module* used : reached) {
+        if (used->Kind() == ModuleKind::Plain)
+            continue;
+        std::string_view own = used->Name();
+        const std::size_t slash = own.find_last_of("/\\");
+        if (slash != std::string_view::npos)
+            own.remove_prefix(slash + 1);
+        const std::size_t dot = own.rfind('.');
+        if (dot != std::string_view::npos)
+            own = own.substr(0, dot);
+        if (SameName(name, used->RecordName()) || SameName(name, own))
+            return used;
+    }
+    return nullptr;
+}
+
 } // namespace brannoc

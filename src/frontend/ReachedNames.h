@@ -23,5 +23,8 @@ bool FindReachedConstant(const std::vector<Module*>& reached, const std::string&
 UserType* FindReachedUserType(const std::vector<Module*>& reached, const std::string& upperName);
 // Whether a public enumeration of the reached modules has that name.
 bool IsReachedEnumName(const std::vector<Module*>& reached, const std::string& upperName);
+// The class or object module of that class name (its own name or its file's stem) that `self` can make
+// objects of: itself or one it reaches; else null.
+const Module* FindReachedClass(const Module& self, const std::vector<Module*>& reached, std::string_view name);
 
 } // namespace brannoc
