@@ -464,6 +464,8 @@ void Compiler::ParseDeclarations2(Module& module, ParseResult& result)
             m_lexer.SkipStatement();
     }
     if (!m_lexer.ErrorLimitReached())
+        reader.ReadDeferredConstants();
+    if (!m_lexer.ErrorLimitReached())
         DecideEntries(module);
     SetResultFromErrors(m_lexer, result);
 }

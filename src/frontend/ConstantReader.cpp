@@ -199,6 +199,10 @@ bool ConstantReader::ReadPrimary(ConstantValue& value)
         m_lexer.NextToken();
         return true;
     }
+    if (m_unknownName) {
+        *m_unknownName = true;
+        return false;
+    }
     m_lexer.SignalError(CompileMessage::ExpectingAConstantOrFunctionName);
     return false;
 }

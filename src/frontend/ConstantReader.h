@@ -42,6 +42,12 @@ struct ParseState;
 class ConstantReader final {
 public:
     ConstantReader(Lexer& lexer, const ParseState* names) : m_lexer(lexer), m_names(names) {}
+    // With `unknownName`: a name that is no constant (yet) fails the read without an error and sets it,
+    // so that a declaration naming a later constant can be read again once that one is known.
+    ConstantReader(Lexer& lexer, const ParseState* names, bool* unknownName)
+        : m_lexer(lexer), m_names(names), m_unknownName(unknownName)
+    {
+    }
 
     // On success the lexer stands after the expression. On failure an error has been reported.
     [[nodiscard]] bool Read(ConstantValue& value);
@@ -59,6 +65,7 @@ private:
 
     Lexer& m_lexer;
     const ParseState* m_names;
+    bool* m_unknownName = nullptr;
     int m_depth = 0; // nesting of parentheses and unary operators (NestingLimits.h)
 };
 

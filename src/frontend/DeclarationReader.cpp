@@ -368,38 +368,72 @@ ReadResult DeclarationReader::ReadConst(Visibility visibility)
         m_lexer.SignalError(CompileMessage::PublicConstDeclareTypeArrayOrFixedLengthStringsNotAllowed);
         return ReadResult::Done;
     }
+    ReadConstants(visibility, true);
+    return ReadResult::Done;
+}
+
+void DeclarationReader::ReadConstants(Visibility visibility, bool mayDefer)
+{
     do {
+        const int line = m_lexer.Line();
+        const char* position = m_lexer.TokenStart();
         auto constant = std::make_unique<Constant>();
         constant->visibility = visibility;
         if (!ReadName(CompileMessage::ExpectingAConstantName, constant->name))
-            return ReadResult::Done;
+            return;
         TypeSpec type;
         bool explicitType = ReadTypeSuffix(type);
         if (!explicitType && m_lexer.Accept(Token::As)) {
             bool createsNew = false;
             if (!ReadAsType(TypeContext::Constant, type, createsNew))
-                return ReadResult::Done;
+                return;
             if (!(type.code.IsNumeric() || type.code.IsString() || type.code.IsVariant())) {
                 m_lexer.SignalError(CompileMessage::ExpectingAValidConstTypeEgInteger);
-                return ReadResult::Done;
+                return;
             }
             explicitType = true;
         }
         if (!m_lexer.ExpectToken(Token::Equal))
-            return ReadResult::Done;
-        ConstantReader reader(m_lexer, &m_state);
-        if (!reader.Read(constant->value))
-            return ReadResult::Done;
+            return;
+        bool unknownName = false;
+        ConstantReader reader(m_lexer, &m_state, mayDefer ? &unknownName : nullptr);
+        if (!reader.Read(constant->value)) {
+            // A constant declared further down: this one and the rest of its line are read again later.
+            if (unknownName)
+                m_deferredConstants.push_back(DeferredConstant{line, position, visibility});
+            return;
+        }
         if (explicitType && !constant->value.ConvertTo(type.code)) {
             m_lexer.SignalError(CompileMessage::TypeMismatch);
-            return ReadResult::Done;
+            return;
         }
         constant->type = constant->value.type;
         if (!AddName(constant->name, {SymbolKind::Constant, m_state.constants.size()}))
-            return ReadResult::Done;
+            return;
         m_state.constants.push_back(std::move(constant));
     } while (m_lexer.Accept(Token::Comma));
-    return ReadResult::Done;
+}
+
+void DeclarationReader::ReadDeferredConstants()
+{
+    // Each round reads every waiting line again; one that adds no constant ends the waiting, and the
+    // last reading reports what is still unknown.
+    bool mayDefer = true;
+    while (!m_deferredConstants.empty()) {
+        const std::vector<DeferredConstant> waiting = std::move(m_deferredConstants);
+        m_deferredConstants.clear();
+        const std::size_t known = m_state.constants.size();
+        for (const DeferredConstant& item : waiting) {
+            m_lexer.SeekLine(item.line);
+            while (m_lexer.TokenStart() < item.position && !m_lexer.AtEnd())
+                m_lexer.NextToken();
+            m_lexer.ClearStatementError();
+            ReadConstants(item.visibility, mayDefer);
+        }
+        if (!mayDefer)
+            break;
+        mayDefer = m_state.constants.size() != known;
+    }
 }
 
 // Type name / element lines / End Type

@@ -43,6 +43,9 @@ public:
     // Offers the current line (after its visibility word) to the readers.
     ReadResult ReadTopLevel(Visibility visibility, bool hasVisibilityWord);
 
+    // Reads again the module-level constants that named a constant declared after them, until each is
+    // known or none more can be; those left report their error.
+    void ReadDeferredConstants();
     // Second pass over the declared items: resolves type names that refer to later declarations.
     void ResolveTypes();
     // Lays out the records of the module's user-defined types (RecordLayout.cpp): each type gets its
@@ -56,6 +59,8 @@ public:
 private:
     ReadResult ReadVariables(Visibility visibility, bool isStatic);
     ReadResult ReadConst(Visibility visibility);
+    // name [suffix] [As type] = constant {"," ...}: the rest of a Const line from a constant's name.
+    void ReadConstants(Visibility visibility, bool mayDefer);
     ReadResult ReadType(Visibility visibility);
     ReadResult ReadEnum(Visibility visibility);
     ReadResult ReadDef(Token word);
@@ -85,6 +90,13 @@ private:
     ModuleSource* m_source;
     bool (*m_isClassName)(void*, std::string_view);
     void* m_context;
+    // Constants whose value named a constant not declared yet: where their name stands.
+    struct DeferredConstant {
+        int line;
+        const char* position;
+        Visibility visibility;
+    };
+    std::vector<DeferredConstant> m_deferredConstants;
 };
 
 } // namespace brannoc
