@@ -369,8 +369,6 @@ bool NumericOperation(OperationId op, Variant& left, Variant right)
     }
 }
 
-// left & right, with Null read as the empty string. The result is appended to the left string in place
-// when it has spare room, so a string built up by repeated & is not copied each time.
 namespace {
 
 // Two strings joined byte for byte, for when either is a byte string of odd length.
@@ -394,6 +392,8 @@ bool ConcatenateBytes(Variant& left, BSTR tail)
 
 } // namespace
 
+// left & right, with Null read as the empty string. The result is appended to the left string in place
+// when it has spare room, so a string built up by repeated & is not copied each time.
 bool Concatenate(Variant& left, const Variant& right)
 {
     Bstr rightText;
