@@ -152,6 +152,23 @@ EvalStatus AccessVariable(const RunContext& context, const MemberSite& site, Mod
 
 // A member of a class module instance: the compiler's member when the instance is of the class it saw,
 // else the member of that name in the instance's module.
+// The member a late-bound site names in an instance's module, kept in the site for the next access to an
+// instance of the same module; false when the module has none of that name for the access.
+bool LookUpLateMember(MemberSite& site, const Module& module, Procedure*& procedure, int& variable)
+{
+    if (site.cachedModule == &module) {
+        procedure = site.cachedProcedure;
+        variable = site.cachedVariable;
+        return true;
+    }
+    if (!FindClassMember(module, site.name, site.access, procedure, variable))
+        return false;
+    site.cachedModule = &module;
+    site.cachedProcedure = procedure;
+    site.cachedVariable = variable;
+    return true;
+}
+
 EvalStatus CallInstanceMember(const RunContext& context, MemberSite& site, ModuleInstance& instance,
                               std::size_t first, int count)
 {
@@ -162,15 +179,8 @@ EvalStatus CallInstanceMember(const RunContext& context, MemberSite& site, Modul
     if (early) {
         procedure = site.procedure;
         variable = site.variable;
-    } else if (site.cachedModule == &module) {
-        procedure = site.cachedProcedure;
-        variable = site.cachedVariable;
-    } else {
-        if (!FindClassMember(module, site.name, site.access, procedure, variable))
-            return Raise(context, kErrorNoSuchMember);
-        site.cachedModule = &module;
-        site.cachedProcedure = procedure;
-        site.cachedVariable = variable;
+    } else if (!LookUpLateMember(site, module, procedure, variable)) {
+        return Raise(context, kErrorNoSuchMember);
     }
     if (variable >= 0)
         return AccessVariable(context, site, instance, variable, first, count);
@@ -262,7 +272,7 @@ bool TakesDefaultMemberFallback(MemberSite& site, const ModuleInstance& instance
         return false;
     Procedure* procedure = nullptr;
     int variable = -1;
-    if (!FindClassMember(module, site.name, site.access, procedure, variable))
+    if (!LookUpLateMember(site, module, procedure, variable))
         return let && FindClassMember(module, site.name, MemberAccess::Get, procedure, variable);
     const int positional = count - (let ? 1 : 0);
     if (variable >= 0)

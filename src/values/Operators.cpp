@@ -412,9 +412,11 @@ bool Concatenate(Variant& left, const Variant& right)
             return false;
         left.SetString(std::move(leftText));
     }
-    if ((SysStringByteLen(left.String()) | SysStringByteLen(tailString)) & 1)
+    std::wstring_view head;
+    std::wstring_view tail;
+    if (!WholeCharacters(left.String(), head) || !WholeCharacters(tailString, tail))
         return ConcatenateBytes(left, tailString);
-    return AppendToString(left, {tailString ? tailString : L"", TextLength(tailString)});
+    return AppendToString(left, tail);
 }
 
 bool CompareWithStrings(OperationId op, Variant& left, Variant right)
