@@ -462,6 +462,18 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
         case ExprOpCode::kJump:
             pc += op.count;
             break;
+        case ExprOpCode::kNullExit:
+            if (FollowByRefChain(&values.Top().Raw())->vt == VT_NULL) {
+                values.CutBack(values.Size() - static_cast<std::size_t>(op.count));
+                if (op.variable != 0)
+                    return (void)RaiseValueError(kErrorNullUse), EvalStatus::kFailed;
+                Variant* result = values.Push();
+                if (!result)
+                    return (void)context.interpreter->RaiseOutOfMemory(), EvalStatus::kFailed;
+                result->SetNull();
+                pc += op.index;
+            }
+            break;
         case ExprOpCode::kPop:
             values.CutBack(values.Size() - static_cast<std::size_t>(op.count));
             break;

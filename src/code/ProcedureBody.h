@@ -107,6 +107,10 @@ enum class ExprOpCode : std::uint8_t {
     kTypedValue, // push the value of typed form `index` of the procedure and skip the `count` ops after
                  // it; when the form gives up (or direct forms are off) those ops compute the value
     kLetValue,   // replace an object on top by its default member's value (the value a Let assigns)
+    kNullExit,   // after an argument of a built-in's Null-rule parameter that was computed before the call:
+                 // when it is Null, the `count` values computed for the call are dropped, Null is pushed in
+                 // place of the result (`variable` nonzero, a "$" call: error 10075 instead) and the `index`
+                 // ops up to the call's end are skipped, so no later argument runs
 };
 
 // kBinary's `count`: which operand is converted toward the other one's kind.
@@ -121,7 +125,8 @@ struct ExprOp {
     int count = 0;
     TypeCode type;
     const Module* module = nullptr;
-    // kBuiltin: the number of ops of deferred argument code that follow it.
+    // kBuiltin: the number of ops of deferred argument code that follow it. kNullExit: nonzero for a "$"
+    // call.
     int variable = 0;
     // kLoadNew: the class module whose instance the variable gets when it holds Nothing.
     const Module* classModule = nullptr;

@@ -98,6 +98,16 @@ void ConvertConstantArgument(CompiledProcedure& code, char kind, Expression& arg
     argument.ops[0].index = code.AddConstant(std::move(converted));
 }
 
+// Whether an argument after argument `index` calls a procedure.
+bool LaterArgumentMayYield(const std::vector<std::optional<Expression>>& arguments, std::size_t index)
+{
+    for (std::size_t i = index + 1; i < arguments.size(); ++i) {
+        if (arguments[i] && CodeMayYield(*arguments[i]))
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 const BuiltinRecord* BodyParser::BuiltinFor(Token word, const std::string& upperName) const
@@ -330,6 +340,8 @@ void BodyParser::EmitBuiltinCall(const BuiltinRecord& record, std::vector<std::o
     for (std::size_t i = 0; i < arguments.size() && !record.ChoosesArgument(); ++i)
         computeAll = computeAll || (arguments[i] && CodeMayYield(*arguments[i]));
     std::vector<std::size_t> deferred;
+    // Exits after Null-rule arguments computed before the call, patched to skip to the call's end.
+    std::vector<std::size_t> nullExits;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         BuiltinArgumentCode& argument = call->arguments[i];
         if (!arguments[i])
@@ -343,6 +355,16 @@ void BodyParser::EmitBuiltinCall(const BuiltinRecord& record, std::vector<std::o
             out.Append(code);
             argument.mode = BuiltinArgumentCode::Mode::kStacked;
             argument.position = call->stackedCount++;
+            // A Null string argument makes the result Null with nothing else evaluated: a procedure that
+            // a later argument calls must not run either.
+            if (record.KindOf(static_cast<int>(i)) == parameter_kind::kNullableString &&
+                LaterArgumentMayYield(arguments, i)) {
+                ExprOp exit{ExprOpCode::kNullExit};
+                exit.count = call->stackedCount;
+                exit.variable = stringResult ? 1 : 0;
+                nullExits.push_back(out.ops.size());
+                out.ops.push_back(exit);
+            }
             continue;
         }
         // A variable is handed over by reference, so reading it never copies its string or array.
@@ -375,6 +397,8 @@ void BodyParser::EmitBuiltinCall(const BuiltinRecord& record, std::vector<std::o
         out.ops[jump].count = static_cast<int>(regionEnd - jump - 1);
     layout.deferredLength = static_cast<int>(regionEnd - regionStart);
     out.ops[callOp].variable = layout.deferredLength;
+    for (std::size_t exit : nullExits)
+        out.ops[exit].index = static_cast<int>(regionEnd - exit - 1);
 }
 
 } // namespace brannoc::body

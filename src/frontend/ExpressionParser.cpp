@@ -219,7 +219,8 @@ bool BodyParser::TypeCheck(Expression& expression, std::size_t start)
             // The deferred arguments' code after the call was checked when it was compiled.
             i += static_cast<std::size_t>(op.variable);
             break;
-        case ExprOpCode::kJump: break;
+        case ExprOpCode::kJump:
+        case ExprOpCode::kNullExit: break;
         case ExprOpCode::kElement:
         case ExprOpCode::kElementArgument:
             types.resize(types.size() >= static_cast<std::size_t>(op.count) ? types.size() - op.count : 0);
