@@ -644,6 +644,24 @@ void Interpreter::UnwindEntry()
     }
 }
 
+void Interpreter::UnwindInnermostCall()
+{
+    const Activation* innermost = m_current;
+    if (!innermost) {
+        UnwindAll();
+        return;
+    }
+    while (!m_exec.IsEmpty()) {
+        const bool reached = m_exec.Top().executor == innermost;
+        PopAndRelease();
+        if (reached) {
+            if (!m_exec.IsEmpty() && m_exec.Top().executor == &CallEndMarker::Instance())
+                PopAndRelease();
+            return;
+        }
+    }
+}
+
 // ---- Actions, errors and halting ----
 
 bool Interpreter::RequestAction(int action, long argument)

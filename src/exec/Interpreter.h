@@ -197,6 +197,9 @@ public:
     void UnwindAll();
     // Pops the newest entry procedure's frames (the current macro); with none, everything.
     void UnwindEntry();
+    // Pops the innermost call (everything above its activation, the activation and its call-end
+    // marker); the caller goes on after the call, which gives the value its result holds so far.
+    void UnwindInnermostCall();
 
     // Asks for a host-control action at the next step. While a host evaluation or call is being served
     // only actions 5 and 7 are accepted; others raise "Invalid instruction." and answer false.

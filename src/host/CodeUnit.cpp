@@ -527,8 +527,7 @@ HRESULT __stdcall CodeUnit::put_ErrorDesc(BSTR description)
             error.description = text;
             error.helpContext = 5;
             error.helpFile = LanguageHelpFile();
-            m_context->SendNotification(EngineContext::kNotifyErrorSet);
-            m_context->SendNotification(EngineContext::kNotifyError);
+            m_context->ReportHostError();
         }
         return S_OK;
     });

@@ -89,7 +89,7 @@ RunState EngineContext::Control(int request, long argument)
             return State();
         }
         while (m_interpreter.CallDepth() > (argument < 0 ? 0 : argument) && m_interpreter.ExecutionDepth() > 0)
-            m_interpreter.UnwindEntry();
+            m_interpreter.UnwindInnermostCall();
         return State();
     case kActionEndAll:
         return EndAll();
@@ -442,6 +442,15 @@ void EngineContext::ReportUntrappedError(const ErrorRecord& error)
     SendNotification(kNotifyErrorReport);
     SendNotification(kNotifyError);
     // The run stops after the report; the stop request that follows finds it stopped already.
+    if (running)
+        SendNotification(kNotifyStopped);
+}
+
+void EngineContext::ReportHostError()
+{
+    const bool running = m_interpreter.RunLevel() > 0 && !m_interpreter.IsEvaluating();
+    SendNotification(kNotifyErrorSet);
+    SendNotification(kNotifyError);
     if (running)
         SendNotification(kNotifyStopped);
 }

@@ -141,6 +141,9 @@ public:
     void PumpMessages() override;
     void HandOverEngine() override;
     void ReportUntrappedError(const ErrorRecord& error) override;
+    // The host set the error record's description: it is reported at once (notifications 5 and 0), and
+    // an active run stops as it does after an untrapped error.
+    void ReportHostError();
     void ReleaseMemoryReserve() override;
     // Output of Debug.Print: the callback's DebugPrint, or a task-modal box captioned "Debug.Print".
     void DebugPrint(const std::wstring& text) override;

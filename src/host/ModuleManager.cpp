@@ -185,6 +185,29 @@ ModuleManager::Loaded* ModuleManager::Find(const std::string& name)
     return nullptr;
 }
 
+const ModuleManager::Loaded* ModuleManager::RunningMacro() const
+{
+    if (const Activation* entry = m_context.Machine().EntryActivations()) {
+        const ModuleInstance* instance = entry->Instance();
+        for (const auto& loaded : m_loaded) {
+            if (instance && loaded->module == &instance->OwnModule())
+                return loaded.get();
+        }
+        return nullptr;
+    }
+    for (const auto& loaded : m_loaded) {
+        if (!m_running.empty() && SameName(loaded->name, m_running))
+            return loaded.get();
+    }
+    return nullptr;
+}
+
+std::string ModuleManager::RunningName() const
+{
+    const Loaded* running = RunningMacro();
+    return running ? running->name : std::string();
+}
+
 ModuleStatus ModuleManager::StatusOf(const Loaded* loaded, bool query)
 {
     if (!loaded)
@@ -205,7 +228,7 @@ ModuleStatus ModuleManager::StatusOf(const Loaded* loaded, bool query)
         return std::find(loaded->reach.begin(), loaded->reach.end(), &instance->OwnModule()) != loaded->reach.end();
     };
     const Activation* innermost = machine.CurrentActivation();
-    bool inRun = SameName(m_running, loaded->name);
+    bool inRun = loaded == RunningMacro();
     for (const Activation* activation = innermost; activation && !inRun; activation = activation->Caller())
         inRun = belongs(activation);
     for (const Activation* entry = machine.EntryActivations(); entry && !inRun; entry = entry->NextEntry())
@@ -434,8 +457,8 @@ bool ModuleManager::FindHostProcedure(const std::string& name, ProcedureKind kin
     const std::string_view moduleName = dot == std::string::npos ? std::string_view() : std::string_view(name).substr(0, dot);
     const std::string_view subName = dot == std::string::npos ? std::string_view(name) : std::string_view(name).substr(dot + 1);
     std::vector<Loaded*> order;
-    if (Loaded* running = m_running.empty() ? nullptr : Find(m_running))
-        order.push_back(running);
+    if (const Loaded* running = RunningMacro())
+        order.push_back(const_cast<Loaded*>(running));
     for (auto loaded = m_loaded.rbegin(); loaded != m_loaded.rend(); ++loaded) {
         if (std::find(order.begin(), order.end(), loaded->get()) == order.end())
             order.push_back(loaded->get());
@@ -784,7 +807,21 @@ Module* ModuleManager::ModuleOf(const ProcedureCode& code, const Procedure** pro
 
 std::string ModuleManager::SourceLine(const Module& module, int number) { return LineOf(module.Text(), number); }
 
-Module* ModuleManager::FindLoadedModule(const std::string& name) const { return m_compiler->FindModule(name); }
+Module* ModuleManager::FindLoadedModule(const std::string& name) const
+{
+    // A loaded module answers to its registered name, which Rename may have changed; a module that
+    // is only reached through '#Uses answers to its own.
+    for (const auto& loaded : m_loaded) {
+        if (SameName(loaded->name, name))
+            return loaded->module;
+    }
+    Module* module = m_compiler->FindModule(name);
+    for (const auto& loaded : m_loaded) {
+        if (module && loaded->module == module)
+            return nullptr;
+    }
+    return module;
+}
 
 ModuleInstance* ModuleManager::DefaultInstance(const Module& module) const
 {

@@ -99,8 +99,9 @@ public:
     // Carries out a start that was queued while statements executed; nothing when none is queued.
     void RunQueuedStart();
     bool HasQueuedStart() const { return m_queued; }
-    // The module the current run was started from (empty when idle).
-    const std::string& RunningName() const { return m_running; }
+    // The macro the run is in now (empty when idle): the one whose Main is the newest entry activation,
+    // so that a macro started on top of another and ended hands the name back to that one.
+    std::string RunningName() const;
     // The command text of the current run (what the language's Command gives).
     const std::string& CommandText() const { return m_command; }
     // A loaded module (top-level or used) by its resolved name, or null.
@@ -206,6 +207,7 @@ private:
     void Report(const CompileError& error) override;
 
     Loaded* Find(const std::string& name);
+    const Loaded* RunningMacro() const;
     ModuleStatus StatusOf(const Loaded* loaded, bool query);
     // Unloads a loaded module: its holds on default instances end, then the modules that nothing
     // loaded reaches any more go.

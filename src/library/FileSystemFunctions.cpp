@@ -110,7 +110,8 @@ bool CurDir(BuiltinArguments& arguments, BuiltinResult& result)
         wchar_t letter = drive[0];
         if (letter >= L'a' && letter <= L'z')
             letter = static_cast<wchar_t>(letter - L'a' + L'A');
-        if (letter < L'A' || letter > L'Z')
+        // The path lookup answers for any letter: a drive the system does not have is no drive.
+        if (letter < L'A' || letter > L'Z' || (GetLogicalDrives() & (1u << (letter - L'A'))) == 0)
             return RaiseValueError(kErrorDriveNotFound);
         const wchar_t relative[] = {letter, L':', L'\0'};
         length = GetFullPathNameW(relative, MAX_PATH + 1, path, nullptr);

@@ -321,6 +321,61 @@ TEST_F(DebuggerTest, StepOutRunsToTheCallersNextLine)
     EXPECT_EQ((Texts{L"\"a\"\r\n", L"\"helper\"\r\n"}), Printed());
 }
 
+TEST_F(DebuggerTest, PuttingTheStackDepthUnwindsTheInnerFramesOnly)
+{
+    ASSERT_TRUE(Start());
+    EXPECT_TRUE(Toggle(L"dbg", 15));
+    EXPECT_FALSE(Run(0));
+    ASSERT_EQ(2, StackDepth());
+    EXPECT_EQ(S_OK, unit->put_StackDepth(2));
+    EXPECT_EQ(2, StackDepth()) << "the depth it has already";
+    EXPECT_EQ(S_OK, unit->put_StackDepth(1));
+    EXPECT_EQ(1, StackDepth());
+    EXPECT_TRUE(IsStopped()) << "the run stays stopped, in the caller";
+    EXPECT_EQ(L"[dbg|Main#  8] Helper x", CurrentLine());
+    // The caller goes on after the call; the helper's last line never runs.
+    EXPECT_FALSE(ContinueAndRun());
+    EXPECT_TRUE(IsIdle());
+    EXPECT_EQ((Texts{L"\"a\"\r\n", L"\"b\"\r\n", L"\"c\"\r\n", L"\"end\"2&\r\n"}), Printed());
+}
+
+TEST_F(DebuggerTest, PuttingTheStackDepthToZeroEndsTheMacro)
+{
+    ASSERT_TRUE(Start());
+    EXPECT_TRUE(Toggle(L"dbg", 15));
+    EXPECT_FALSE(Run(0));
+    EXPECT_EQ(S_OK, unit->put_StackDepth(0));
+    EXPECT_EQ(0, StackDepth());
+    EXPECT_TRUE(IsIdle());
+    EXPECT_EQ((Texts{L"\"a\"\r\n"}), Printed());
+}
+
+TEST_F(DebuggerTest, AMacroStartedOnTopOfAStoppedOneHandsTheRunBackWhenItIsHalted)
+{
+    callBack.macros[L"outer"] = Lines({L"Sub Main", L"    Stop", L"    Debug.Print \"outer end\"", L"End Sub"});
+    callBack.macros[L"inner"] = Lines({L"Sub Main", L"    Stop", L"    Debug.Print \"inner end\"", L"End Sub"});
+    ASSERT_TRUE(Start(L"outer"));
+    Run(0);
+    ASSERT_TRUE(IsStopped());
+    ASSERT_TRUE(Start(L"inner"));
+    Run(0);
+    ASSERT_TRUE(IsStopped());
+    EXPECT_EQ(L"[inner|Main#  2] Stop", CurrentLine());
+    EXPECT_EQ(L"inner", Text(&CodeUnit::get_MacroName));
+    EXPECT_TRUE(Named(&CodeUnit::get_IsMacroActive, L"inner"));
+    EXPECT_TRUE(Named(&CodeUnit::get_IsMacroActive, L"outer"));
+    EXPECT_TRUE(Flag(&CodeUnit::Halt));
+    EXPECT_EQ(L"[outer|Main#  2] Stop", CurrentLine());
+    EXPECT_EQ(L"outer", Text(&CodeUnit::get_MacroName)) << "the run is back in the macro below";
+    EXPECT_FALSE(Named(&CodeUnit::get_IsMacroActive, L"inner"));
+    EXPECT_TRUE(Named(&CodeUnit::get_IsMacroActive, L"outer"));
+    EXPECT_TRUE(Named(&CodeUnit::Unload, L"inner")) << "nothing of it runs any more";
+    EXPECT_FALSE(ContinueAndRun());
+    EXPECT_TRUE(IsIdle());
+    EXPECT_EQ((Texts{L"\"outer end\"\r\n"}), Printed());
+    EXPECT_EQ(L"", Text(&CodeUnit::get_MacroName));
+}
+
 TEST_F(DebuggerTest, CallersLineDescribesEachFrame)
 {
     ASSERT_TRUE(Start());

@@ -82,6 +82,22 @@ TEST_F(ErrorReportTest, AnUntrappedErrorFillsEveryFieldOfTheRecord)
     EXPECT_EQ(VARIANT_TRUE, isStopped);
 }
 
+TEST_F(ErrorReportTest, AnErrorTheHostSetsIsReportedAndStopsAnActiveRun)
+{
+    callBack.macros[L"quiet"] = L"Sub Main\r\n    Debug.Print 1\r\nEnd Sub\r\n";
+    ASSERT_TRUE(Start(L"quiet"));
+    callBack.notifications.clear();
+    BSTR text = SysAllocString(L"Host says no.");
+    EXPECT_EQ(S_OK, unit->put_ErrorDesc(text));
+    SysFreeString(text);
+    EXPECT_EQ((std::vector<short>{5, 0, 3}), callBack.notifications);
+    EXPECT_EQ(L"Host says no.", Text(&CodeUnit::get_ErrorDesc));
+    EXPECT_EQ(5, HelpContext());
+    VARIANT_BOOL isStopped = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, unit->get_IsStopped(&isStopped));
+    EXPECT_EQ(VARIANT_TRUE, isStopped);
+}
+
 TEST_F(ErrorReportTest, TheInnermostStatementIsReportedAndAContinuedOneAtItsFirstLine)
 {
     callBack.macros[L"deep"] = L"Sub Inner(d As Integer)\r\n"

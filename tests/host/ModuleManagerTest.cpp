@@ -7,6 +7,7 @@
 #include "host/EntryGuard.h"
 #include "host/ModuleManager.h"
 #include "host/FakeCallBack.h"
+#include "host/HostTestText.h"
 #include "support/MessageBoxCapture.h"
 #include <gtest/gtest.h>
 #include <map>
@@ -233,7 +234,7 @@ TEST_F(ModuleManagerTest, LoadingARunningMacroReportsItAndStopsTheRun)
 
 TEST_F(ModuleManagerTest, RenameKeepsTheModuleUnderItsNewName)
 {
-    callBack.macros[L"a"] = L"Sub Main\r\nEnd Sub\r\n";
+    callBack.macros[L"a"] = L"Sub Main\r\nEnd Sub\r\nSub Twice\r\nEnd Sub\r\n";
     callBack.macros[L"b"] = L"Sub Main\r\nEnd Sub\r\n";
     ASSERT_TRUE(Load(L"a"));
     ASSERT_TRUE(Load(L"b"));
@@ -246,6 +247,12 @@ TEST_F(ModuleManagerTest, RenameKeepsTheModuleUnderItsNewName)
     EXPECT_EQ(VARIANT_TRUE, result);
     EXPECT_FALSE(IsMacro(L"a"));
     EXPECT_TRUE(IsMacro(L"c"));
+    // Whatever asks for a loaded module by name finds it under the new name only.
+    BSTR names = nullptr;
+    EXPECT_EQ(S_OK, unit->get_MacroKeywords(TestText(L"c"), &names));
+    EXPECT_EQ(L"Main Twice ", testing_text::TakeText(names));
+    EXPECT_EQ(S_OK, unit->get_MacroKeywords(TestText(L"a"), &names));
+    EXPECT_EQ(L"", testing_text::TakeText(names));
 }
 
 TEST_F(ModuleManagerTest, UsedModulesGetDefaultInstancesAndRunTheirMainBeforeMainRuns)

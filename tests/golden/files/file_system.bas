@@ -76,6 +76,9 @@ Sub Main
     Debug.Print "ChDrive:"; Err.Number: Err.Clear
     Debug.Print CurDir("?")
     Debug.Print "CurDir:"; Err.Number; Err.Description: Err.Clear
+    ' A letter of no drive (the test prefix has C: and Z: only).
+    Debug.Print CurDir("Q")
+    Debug.Print "CurDir Q:"; Err.Number: Err.Clear
     Debug.Print FileLen(folder & "\nothing.txt")
     Debug.Print "FileLen:"; Err.Number: Err.Clear
     Debug.Print FileDateTime(folder & "\nothing.txt")
