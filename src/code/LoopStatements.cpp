@@ -25,6 +25,34 @@ using namespace statement_support;
 
 namespace {
 
+// Whether a number kept for a loop over a whole-number counter of kind `counter` (Byte, Integer, Long)
+// keeps its value in that kind. An end or step with a fraction, or one out of the counter's range (a
+// negative step of a Byte loop), keeps its own kind instead: each pass then adds and compares as the
+// operators do, and only the sum stored into the counter takes the counter's kind.
+bool KeptInCounterKind(VARTYPE counter, const VARIANT& given)
+{
+    double low = 0;
+    double high = 0;
+    switch (counter) {
+    case VT_UI1: high = 255; break;
+    case VT_I2: low = SHRT_MIN; high = SHRT_MAX; break;
+    case VT_I4: low = LONG_MIN; high = LONG_MAX; break;
+    default: return true;
+    }
+    const VARIANT& value = *FollowByRefChain(&given);
+    double number = 0;
+    switch (value.vt) {
+    case VT_UI1: number = value.bVal; break;
+    case VT_I2: number = value.iVal; break;
+    case VT_I4: number = value.lVal; break;
+    case VT_R4: number = value.fltVal; break;
+    case VT_R8: number = value.dblVal; break;
+    case VT_CY: number = static_cast<double>(value.cyVal.int64) / 10000.0; break;
+    default: return true;
+    }
+    return number >= low && number <= high && number == static_cast<double>(static_cast<long long>(number));
+}
+
 // Assigns the next element of the enumerator kept in `kept` to the loop variable; false at the end of
 // the enumeration or after raising an error (then error is set).
 bool AssignNextEnumerated(const RunContext& context, const VariableRef& variable, const VARIANT& kept, bool& error)
@@ -215,11 +243,15 @@ bool ForStatement::Step(ExecEntry& entry)
 bool ForStatement::KeepBound(const RunContext& context, int slot)
 {
     ValueStack& values = context.interpreter->Values();
-    // The end and step keep the counter's kind, so that each pass adds and compares like kinds.
-    const ValueCell& cell = StorageCell(static_cast<VARTYPE>(m_counter.type.ValueTag()));
+    // The end and step keep the counter's kind where that keeps their values, so that each pass adds and
+    // compares like kinds.
+    const auto counterKind = static_cast<VARTYPE>(m_counter.type.ValueTag());
+    const ValueCell& cell = StorageCell(counterKind);
     VARIANT& kept = HiddenSlot(context, slot);
     ClearSlot(kept);
-    const bool stored = cell.Store(kept, values.Top());
+    const bool stored = KeptInCounterKind(counterKind, values.Top().Raw())
+                            ? cell.Store(kept, values.Top())
+                            : SUCCEEDED(VariantCopyInd(&kept, &values.Top().Raw()));
     values.Pop();
     // An Empty step adds nothing, like a step of 0 (an Empty step slot marks a loop that never started).
     if (stored && slot == m_stepSlot && kept.vt == VT_EMPTY) {

@@ -338,6 +338,8 @@ private:
     TypeCode ReadSuffix();
     [[nodiscard]] bool ResolveVariable(const std::string& name, TypeCode suffix, VariableRef& ref, bool& found);
     const LocalSymbol* FindLocal(const std::string& upperName) const;
+    // Whether name (as written) is a constant or enumeration member where it is used.
+    bool NamesConstant(const std::string& name) const;
     Procedure* FindProcedure(const std::string& upperName) const;
     // The Property Let or Set of that name (this module's, or a public one of a plain used module).
     Procedure* FindProperty(const std::string& upperName, ProcedureKind kind) const;
@@ -462,6 +464,8 @@ private:
     const std::vector<Module*> m_reached;
     CompiledProcedure* m_code = nullptr;
     std::unordered_map<std::string, LocalSymbol> m_locals;
+    // Bytes of the variables the procedure declares, laid out as module storage is (at most 16 MB).
+    std::uint64_t m_declaredStorage = 0;
     const std::vector<LocalName>* m_outerLocals = nullptr;
     std::unordered_map<std::string, Label> m_labels;
     std::vector<PendingGoTo> m_gotos;

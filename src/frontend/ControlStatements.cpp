@@ -220,6 +220,16 @@ BodyParser::StatementPtr BodyParser::ParseCase()
     return jump;
 }
 
+bool BodyParser::NamesConstant(const std::string& name) const
+{
+    const std::string key = UpperName(name);
+    if (const LocalSymbol* local = FindLocal(key))
+        return local->kind == LocalKind::Constant;
+    auto found = m_state.names.find(key);
+    return found != m_state.names.end() &&
+           (found->second.kind == SymbolKind::Constant || found->second.kind == SymbolKind::EnumMember);
+}
+
 // For counter = start To end [Step step] | For Each element In group
 // The counter is a numeric or Variant variable, not an array.
 BodyParser::StatementPtr BodyParser::ParseFor()
@@ -234,6 +244,10 @@ BodyParser::StatementPtr BodyParser::ParseFor()
     const char* namePosition = m_lexer.TokenStart();
     const std::string name = ReadName();
     const TypeCode suffix = ReadSuffix();
+    if (NamesConstant(name)) {
+        m_lexer.SignalErrorAt(CompileMessage::ExpectingAScalarNumberVar, {}, namePosition);
+        return nullptr;
+    }
     VariableRef counter;
     bool found = false;
     if (!ResolveVariable(name, suffix, counter, found))
@@ -275,8 +289,13 @@ BodyParser::StatementPtr BodyParser::ParseForEach()
         m_lexer.SignalError(CompileMessage::ExpectingAVarName);
         return nullptr;
     }
+    const char* namePosition = m_lexer.TokenStart();
     const std::string name = ReadName();
     const TypeCode suffix = ReadSuffix();
+    if (NamesConstant(name)) {
+        m_lexer.SignalErrorAt(CompileMessage::ExpectingAVarName, {}, namePosition);
+        return nullptr;
+    }
     VariableRef element;
     bool found = false;
     if (!ResolveVariable(name, suffix, element, found))

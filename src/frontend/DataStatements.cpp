@@ -4,6 +4,7 @@
 #include "code/RecordAccess.h"
 
 #include "frontend/CharClasses.h"
+#include "frontend/DeclarationReader.h"
 #include "exec/InterpreterHost.h"
 #include "values/Conversion.h"
 #include "values/ValueCell.h"
@@ -478,6 +479,13 @@ BodyParser::StatementPtr BodyParser::ParseDim(bool isStatic)
         const std::string key = UpperName(name);
         if (m_locals.count(key) != 0) {
             m_lexer.SignalErrorAt(CompileMessage::IdentifierIsAlreadyInUse, name, namePosition);
+            return nullptr;
+        }
+        // The procedure's variables are laid out as a module's are: 16 MB at most in all.
+        m_declaredStorage = ((m_declaredStorage + 3) & ~std::uint64_t{3}) +
+                            (isArray ? 12 : type.StorageSize(userType ? userType->size : 0));
+        if (m_declaredStorage > kMaxStorageSize) {
+            m_lexer.SignalErrorAt(CompileMessage::VariableStorageSpaceExceeded, {}, namePosition);
             return nullptr;
         }
         LocalSymbol symbol;

@@ -946,7 +946,9 @@ ReadResult DeclarationReader::ScanBody(Procedure& procedure, Token kindWord)
             m_lexer.NextToken();
             if (!m_lexer.ExpectToken(Token::Equal))
                 continue;
-            ConstantReader reader(m_lexer, &m_state);
+            // A name that is no constant is no attribute value either: its own message.
+            bool unknownName = false;
+            ConstantReader reader(m_lexer, &m_state, &unknownName);
             ConstantValue value;
             if (!reader.Read(value) || !value.IsNumeric()) {
                 m_lexer.SignalError(CompileMessage::InvalidDefaultPropertyAttribute);
