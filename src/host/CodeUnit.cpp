@@ -575,7 +575,7 @@ HRESULT __stdcall CodeUnit::Load(BSTR macroName, VARIANT_BOOL* result)
 {
     return Entered([&] {
         std::wstring name = Text(macroName);
-        TraceEntry(L"Load", name);
+        TraceEntry(L"LoadModule", name);
         ModuleStatus status = m_context->Modules().Load(m_context->Modules().MapName(AnsiFromWide(name)));
         m_context->Modules().ReportStatus(status, name);
         bool outcome = MessageForStatus(status).number == 0;
@@ -612,7 +612,7 @@ HRESULT __stdcall CodeUnit::Unload(BSTR macroName, VARIANT_BOOL* result)
 {
     return Entered([&] {
         std::wstring name = Text(macroName);
-        TraceEntry(L"Unload", name);
+        TraceEntry(L"UnloadModule", name);
         ModuleManager& modules = m_context->Modules();
         bool outcome = modules.Unload(modules.MapName(AnsiFromWide(name))) == ModuleStatus::Unloaded;
         TraceResult(outcome);
@@ -1089,8 +1089,10 @@ HRESULT __stdcall CodeUnit::CreateHandler(BSTR prototype, IDispatch** result)
         if (m_context->IsCompiling())
             return E_FAIL;
         std::optional<HandlerPrototype> parsed = ParseHandlerPrototype(AnsiFromWide(Text(prototype)));
-        TraceEntry(L"CreateHandler", parsed ? WideFromAnsi(parsed->module) : std::wstring());
-        m_context->Trace(TraceKind::Detail, Text(prototype));
+        TraceEntry(L"CreateHandler", Text(prototype));
+        // The module part of a default project's prototype is offered to the host's name mapping.
+        if (parsed && parsed->project.empty() && !parsed->module.empty())
+            parsed->module = m_context->Modules().MapName(parsed->module);
         if (parsed && !ModuleSpecificHandlerAllowed(*m_context, HandlerModule{parsed->project, parsed->module},
                                                     L"Only a module specific handler for the current NewInstance is allowed.",
                                                     L"Module specific handler not allowed for a module that already exists."))
@@ -1131,9 +1133,10 @@ HRESULT __stdcall CodeUnit::CreateHandlers(BSTR prefix, IDispatch* eventObject, 
         if (m_context->IsCompiling())
             return E_FAIL;
         const std::optional<HandlerModule> split = SplitHandlerModule(AnsiFromWide(Text(prefix)));
-        const HandlerModule owner = split.value_or(HandlerModule{});
-        TraceEntry(L"CreateHandlers", WideFromAnsi(owner.module));
-        m_context->Trace(TraceKind::Detail, Text(prefix));
+        HandlerModule owner = split.value_or(HandlerModule{});
+        TraceEntry(L"CreateHandlers", Text(prefix));
+        if (owner.project.empty() && !owner.module.empty())
+            owner.module = m_context->Modules().MapName(owner.module);
         if (!split || !ModuleSpecificHandlerAllowed(*m_context, owner,
                                           L"Only module specific handlers for the current NewInstance are allowed.",
                                           L"Module specific handlers not allowed for a module that already exists.")) {

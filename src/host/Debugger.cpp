@@ -100,7 +100,9 @@ std::wstring Debugger::FrameLine(int depth) const
     if (!module)
         return {};
     const int line = procedure->firstLine + frame->CurrentIndex();
-    std::string text = "[" + module->Name() + "|";
+    // A module of a named project is "<project>module": the line shows "project>module".
+    const std::string& name = module->Name();
+    std::string text = "[" + (name.rfind('<', 0) == 0 ? name.substr(1) : name) + "|";
     if (module->Kind() != ModuleKind::Plain)
         text += module->RecordName() + ".";
     text += procedure->name + "#" + PaddedLine(line) + "] " +

@@ -27,6 +27,17 @@ constexpr MemberName kMembers[] = {
     {L"Prototype", Handler::kPrototype},   {L"ProcName", Handler::kProcName},
     {L"IsModuleLoaded", Handler::kIsModuleLoaded}};
 
+// The API trace of a host call into a macro: the entry, the handler and the arguments.
+void TraceInvokeEntry(EngineContext& context, const std::wstring& procName, const void* handler,
+                      const Procedure& procedure, const MatchedArguments& matched)
+{
+    context.Trace(TraceKind::Entry, L"*Invoke(\"" + procName + L"\")");
+    wchar_t address[32];
+    swprintf(address, 32, L"Me=0x%lx", static_cast<unsigned long>(reinterpret_cast<uintptr_t>(handler)));
+    context.Trace(TraceKind::Detail, address);
+    TraceHostCallArguments(context, procedure, matched);
+}
+
 void SetBool(VARIANT* result, bool value)
 {
     VariantInit(result);
@@ -108,7 +119,19 @@ Handler::Handler(CodeUnit& engine, HandlerPrototype prototype) : m_engine(engine
     m_engine.AddRef();
 }
 
-Handler::~Handler() { m_engine.Release(); }
+Handler::~Handler()
+{
+    // The API trace notes the handler's end; the name is the prototype's, with no lookup in the modules.
+    EngineContext& context = m_engine.Context();
+    if (context.ApiTraceOn()) {
+        std::string name = m_prototype.module + "|" + m_prototype.name;
+        if (!m_prototype.project.empty())
+            name = m_prototype.project + ">" + name;
+        context.Trace(TraceKind::Entry, L"*DestroyHandler(\"" + WideFromAnsi(name) + L"\")");
+        context.Trace(TraceKind::Exit, L"");
+    }
+    m_engine.Release();
+}
 
 // Names compare with case.
 HRESULT __stdcall Handler::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids)
@@ -148,6 +171,13 @@ std::wstring Handler::ProcName()
             module = owner->Name();
     }
     return WideFromAnsi(module + "|" + m_prototype.name);
+}
+
+std::wstring Handler::TracedProcName()
+{
+    // A module of a named project is written as the project's name, ">" and the module's name.
+    const std::wstring name = ProcName();
+    return !name.empty() && name[0] == L'<' ? name.substr(1) : name;
 }
 
 HRESULT __stdcall Handler::Invoke(DISPID member, REFIID id, LCID, WORD flags, DISPPARAMS* parameters,
@@ -267,13 +297,24 @@ HRESULT Handler::CallWith(const GivenArguments& given, VARIANT* result, EXCEPINF
             outcome = ExceptionForError(ToNumber(ErrorId::HaltedForGood), exception);
         } else if (!Bind(target)) {
             outcome = DISP_E_UNKNOWNNAME;
+        } else if ((target.procedure->kind == ProcedureKind::Sub) == (result != nullptr)) {
+            // Evaluate of a Sub, or Call of a Function: the procedure asked for does not exist.
+            outcome = ExceptionForError(ToNumber(ErrorId::SubOrFunctionMissing), exception);
         } else {
             MatchedArguments matched;
             outcome = MatchArguments(*target.procedure, given, matched, argumentError);
             Variant value;
+            const bool traced = SUCCEEDED(outcome) && context.ApiTraceOn();
+            if (traced)
+                TraceInvokeEntry(context, TracedProcName(), this, *target.procedure, matched);
             if (SUCCEEDED(outcome))
                 outcome = CallMacroProcedure(context, target, matched, result ? &value : nullptr, exception,
                                              DebuggableCallMode(context, m_stepInto));
+            if (traced) {
+                if (outcome == S_OK && result)
+                    context.Trace(TraceKind::Result, L"Result=" + TraceValueText(value.Raw()));
+                context.Trace(TraceKind::Exit, L"");
+            }
             if (outcome == S_OK && result) {
                 VariantInit(result);
                 value.Detach(*result);

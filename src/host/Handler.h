@@ -56,6 +56,8 @@ private:
     void RunStarted(RunState state);
     std::string QualifiedName() const;
     std::wstring ProcName();
+    // ProcName as the API trace writes it (a named project's module as "project>module").
+    std::wstring TracedProcName();
 
     CodeUnit& m_engine;
     HandlerPrototype m_prototype;

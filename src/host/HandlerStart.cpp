@@ -62,7 +62,7 @@ HRESULT Handler::StartWith(const GivenArguments& given, EXCEPINFO* exception, UI
             outcome = E_INVALIDARG;
         } else {
             context.EnterHostCall();
-            context.Trace(TraceKind::Entry, L"*Start(\"" + ProcName() + L"\")");
+            context.Trace(TraceKind::Entry, L"*Start(\"" + TracedProcName() + L"\")");
             if (IsHaltedForGood()) {
                 outcome = ExceptionForError(ToNumber(ErrorId::HaltedForGood), exception);
             } else if (machine.ExecutionMarker() < 0) {
@@ -71,6 +71,8 @@ HRESULT Handler::StartWith(const GivenArguments& given, EXCEPINFO* exception, UI
                 const RunState state = context.Control(EngineContext::kActionQuietQuery, 0);
                 MatchedArguments matched;
                 outcome = MatchArguments(*target.procedure, given, matched, argumentError);
+                if (SUCCEEDED(outcome))
+                    TraceHostCallArguments(context, *target.procedure, matched);
                 if (SUCCEEDED(outcome)) {
                     const std::size_t height = machine.Values().Size();
                     if (!PushPlainArguments(machine.Values(), *target.procedure, matched)) {

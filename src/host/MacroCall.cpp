@@ -8,7 +8,9 @@
 #include "host/CodeUnit.h"
 #include "host/EngineContext.h"
 #include "host/HostCallBack.h"
+#include "host/AnsiText.h"
 #include "host/HostArgument.h"
+#include "values/TextForm.h"
 #include "values/Variant.h"
 
 #include <deque>
@@ -219,6 +221,35 @@ HRESULT CallMacroProcedure(EngineContext& context, const MacroCallTarget& target
         FillException(*exception, error.number, error.description, error.source, error.helpFile, error.helpContext);
     }
     return DISP_E_EXCEPTION;
+}
+
+std::wstring TraceValueText(const VARIANT& value)
+{
+    std::wstring text;
+    Variant copy;
+    if (!copy.CopyIndirectFrom(value) || !WriteDebug(text, copy))
+        text.clear();
+    return text;
+}
+
+void TraceHostCallArguments(EngineContext& context, const Procedure& procedure, const MatchedArguments& matched)
+{
+    if (!context.ApiTraceOn())
+        return;
+    std::size_t position = 0;
+    for (const VARIANT* argument : matched.fixed) {
+        const std::wstring name = position < procedure.parameters.size()
+                                      ? WideFromAnsi(procedure.parameters[position].name)
+                                      : L"Arg" + std::to_wstring(position + 1);
+        ++position;
+        if (argument)
+            context.Trace(TraceKind::Detail, name + L"=" + TraceValueText(*argument));
+    }
+    for (const VARIANT* argument : matched.rest) {
+        ++position;
+        if (argument)
+            context.Trace(TraceKind::Detail, L"Arg" + std::to_wstring(position) + L"=" + TraceValueText(*argument));
+    }
 }
 
 } // namespace brannoc

@@ -48,6 +48,12 @@ HRESULT CallMacroProcedure(EngineContext& context, const MacroCallTarget& target
 // active (that request is then used up); else normal.
 HostCallMode DebuggableCallMode(EngineContext& context, bool stepInto);
 
+// A value as the API trace writes it: its debugging display, references followed.
+std::wstring TraceValueText(const VARIANT& value);
+// With the API trace on, one detail line per argument of a host call: the parameter's name, "=" and the
+// value's text ("Arg" and the argument's position for one past the declared parameters).
+void TraceHostCallArguments(EngineContext& context, const Procedure& procedure, const MatchedArguments& matched);
+
 // DISP_E_EXCEPTION with exception (when given) describing error number with its message.
 HRESULT ExceptionForError(long number, EXCEPINFO* exception);
 

@@ -151,8 +151,11 @@ bool ModuleManager::DestroyProject(const std::string& name)
     return true;
 }
 
-std::string ModuleManager::MapName(const std::string& name)
+std::string ModuleManager::MapName(const std::string& given)
 {
+    // A name in double quotation marks is unquoted first.
+    const bool quoted = given.size() >= 2 && given.front() == '"' && given.back() == '"';
+    const std::string name = quoted ? given.substr(1, given.size() - 2) : given;
     std::string project;
     std::string rest;
     if (SplitProject(name, project, rest)) {

@@ -115,3 +115,51 @@ TEST(ApiTrace, ControlRequestsFromInsideReadMacroAnswerBusyAndDoNothing)
     OA_Release(reinterpret_cast<IUnknown*>(callBack));
     OA_Release(static_cast<IUnknown*>(host.unit));
 }
+
+TEST(ApiTrace, AHandlerTracesItsCreationEachCallWithItsArgumentsAndItsEnd)
+{
+    CodeUnit* unit = static_cast<CodeUnit*>(static_cast<_CodeUnit*>(KZ_CreateCodeUnit()));
+    ASSERT_NE(nullptr, unit);
+    std::vector<TraceLine> lines;
+    unit->Context().SetTraceSink([&](TraceKind kind, const std::wstring& text) { lines.emplace_back(kind, text); });
+    brannoc::test::MessageBoxCapture capture;
+    VARIANT_BOOL result = VARIANT_TRUE;
+    unit->Run(static_cast<short>(0x8040), &result);
+    unit->Context().Modules().GiveText(
+        "lib", "Sub Main\r\nEnd Sub\r\nFunction Total(a As Long, Optional b As Long = 100) As Long\r\n"
+               "    Total = a + b\r\nEnd Function\r\n");
+    BSTR lib = SysAllocString(L"lib");
+    unit->Load(lib, &result);
+    SysFreeString(lib);
+    EXPECT_TRUE(Contains(lines, TraceKind::Entry, L"*LoadModule(\"lib\")"));
+
+    BSTR prototype = SysAllocString(L"Function Total(a As Long, Optional b As Long) As Long");
+    IDispatch* handler = nullptr;
+    EXPECT_EQ(S_OK, unit->CreateHandler(prototype, &handler));
+    SysFreeString(prototype);
+    ASSERT_NE(nullptr, handler);
+    EXPECT_TRUE(Contains(lines, TraceKind::Entry, L"*CreateHandler(\"Function Total(a As Long, Optional b As Long) As Long\")"));
+
+    lines.clear();
+    VARIANT argument;
+    VariantInit(&argument);
+    argument.vt = VT_I4;
+    argument.lVal = 5;
+    DISPPARAMS parameters{&argument, nullptr, 1, 0};
+    VARIANT value;
+    VariantInit(&value);
+    EXPECT_EQ(S_OK, handler->Invoke(2, IID_NULL, 0, DISPATCH_METHOD, &parameters, &value, nullptr, nullptr));
+    EXPECT_EQ(105, value.lVal);
+    ASSERT_GE(lines.size(), 5u);
+    EXPECT_EQ(TraceLine(TraceKind::Entry, L"*Invoke(\"lib|Total\")"), lines[0]);
+    EXPECT_EQ(TraceKind::Detail, lines[1].first);
+    EXPECT_EQ(L"Me=0x", lines[1].second.substr(0, 5));
+    EXPECT_EQ(TraceLine(TraceKind::Detail, L"a=5&"), lines[2]);
+    EXPECT_EQ(TraceLine(TraceKind::Result, L"Result=105&"), lines[lines.size() - 2]);
+    EXPECT_EQ(TraceLine(TraceKind::Exit, L""), lines.back());
+
+    lines.clear();
+    handler->Release();
+    EXPECT_TRUE(Contains(lines, TraceKind::Entry, L"*DestroyHandler(\"|Total\")"));
+    unit->Release();
+}

@@ -186,6 +186,20 @@ TEST_F(HandlerTest, AnErrorInTheProcedureReachesTheCallerAsAnException)
     EXPECT_EQ(L"Bad input", call.Description());
 }
 
+TEST_F(HandlerTest, EvaluatingASubOrCallingAFunctionFindsNoSuchProcedure)
+{
+    ASSERT_TRUE(engine.Load(L"lib", kMacro));
+    LateCall evaluated;
+    EXPECT_EQ(DISP_E_EXCEPTION, evaluated.Long(1).Long(2).Invoke(Create(L"Sub Pair(a, b)"), 2, DISPATCH_METHOD, true));
+    EXPECT_EQ(10018, evaluated.exception.wCode);
+    LateCall called;
+    EXPECT_EQ(DISP_E_EXCEPTION,
+              called.Long(1).Invoke(Create(L"Function Total(a As Long, Optional b As Long) As Long"), 1,
+                                    DISPATCH_METHOD, false));
+    EXPECT_EQ(10018, called.exception.wCode);
+    EXPECT_EQ(L"", engine.callBack.AllPrinted()) << "neither procedure ran";
+}
+
 TEST_F(HandlerTest, TheCuHandlerFunctionsCallTheMembers)
 {
     ASSERT_TRUE(engine.Load(L"lib", kMacro));

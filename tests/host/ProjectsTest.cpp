@@ -49,6 +49,8 @@ TEST_F(ProjectsTest, ANamedProjectRunsItsOwnModulesUnmappedAndIsDestroyedOnlyWhi
     EXPECT_FALSE(Named(&CodeUnit::ProjectDestroy, L"Ledger")) << "refused while a macro is active";
     EXPECT_FALSE(Named(&CodeUnit::ProjectDestroy, L""));
     EXPECT_TRUE(Named(&CodeUnit::get_IsProject, L"Ledger"));
+    // The line texts name the module as project, ">" and module.
+    EXPECT_EQ(L"[Ledger>calc|Main#  1] Sub Main", Text(&CodeUnit::get_CurrentLine));
 
     ASSERT_TRUE(RunToEnd());
     EXPECT_EQ(L"\"calc\"\r\n", callBack.AllPrinted());
@@ -72,6 +74,20 @@ TEST_F(ProjectsTest, OnlyNamesOfTheDefaultProjectAreOfferedForMapping)
     EXPECT_TRUE(Named(&CodeUnit::ProjectDestroy, L""));
     EXPECT_FALSE(Named(&CodeUnit::get_IsProject, L"Ledger"));
     EXPECT_TRUE(Named(&CodeUnit::get_IsMacro, L"calc")) << "the default project's modules stay";
+
+    // A quoted name is offered unquoted; a handler prototype offers its module part.
+    callBack.mapped.clear();
+    EXPECT_TRUE(Named(&CodeUnit::get_IsMacro, L"\"calc\""));
+    ASSERT_EQ(1u, callBack.mapped.size());
+    EXPECT_EQ(L"calc", callBack.mapped[0].first);
+    BSTR prototype = SysAllocString(L"other|Sub Opened(a)");
+    IDispatch* handler = nullptr;
+    EXPECT_EQ(S_OK, unit->CreateHandler(prototype, &handler));
+    SysFreeString(prototype);
+    if (handler)
+        handler->Release();
+    ASSERT_EQ(2u, callBack.mapped.size());
+    EXPECT_EQ(L"other", callBack.mapped[1].first);
 }
 
 namespace {
