@@ -64,6 +64,18 @@ std::wstring MemberName(IUnknown* typeOrObject, MEMBERID id, bool& found)
     return std::wstring(name.View());
 }
 
+// A member's own name: asked for by its names, since the documentation of member id -1 is the type's.
+std::wstring NameOfMember(ITypeInfo* type, MEMBERID id)
+{
+    BSTR names[1] = {nullptr};
+    UINT count = 0;
+    if (FAILED(type->GetNames(id, names, 1, &count)) || count == 0)
+        return {};
+    Bstr name;
+    *name.Out() = names[0];
+    return std::wstring(name.View());
+}
+
 std::wstring MemberNames(IUnknown* typeOrObject, const std::wstring& prefix)
 {
     ComRef<ITypeInfo> type = TypeOf(typeOrObject);
@@ -78,9 +90,7 @@ std::wstring MemberNames(IUnknown* typeOrObject, const std::wstring& prefix)
         FUNCDESC* function = nullptr;
         if (FAILED(type->GetFuncDesc(i, &function)))
             continue;
-        Bstr name;
-        type->GetDocumentation(function->memid, name.Out(), nullptr, nullptr, nullptr);
-        std::wstring nameText(name.View());
+        std::wstring nameText = NameOfMember(type.Get(), function->memid);
         if (!IsLeftOut(nameText, function->wFuncFlags, true))
             text += prefix + nameText + L" ";
         type->ReleaseFuncDesc(function);
@@ -89,9 +99,7 @@ std::wstring MemberNames(IUnknown* typeOrObject, const std::wstring& prefix)
         VARDESC* variable = nullptr;
         if (FAILED(type->GetVarDesc(i, &variable)))
             continue;
-        Bstr name;
-        type->GetDocumentation(variable->memid, name.Out(), nullptr, nullptr, nullptr);
-        std::wstring nameText(name.View());
+        std::wstring nameText = NameOfMember(type.Get(), variable->memid);
         if (!IsLeftOut(nameText, variable->wVarFlags, false))
             text += prefix + nameText + L" ";
         type->ReleaseVarDesc(variable);

@@ -276,6 +276,11 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(AssignKind kind)
         m_lexer.SignalErrorAt(CompileMessage::ExpectingAnObjectExpression, {}, namePosition);
         return nullptr;
     }
+    if (kind == AssignKind::Let && m_lexer.Kind() != Token::Equal) {
+        // Let requires an assignment.
+        m_lexer.SignalError(CompileMessage::InvalidLetSyntax);
+        return nullptr;
+    }
     if (!m_lexer.ExpectToken(Token::Equal))
         return nullptr;
     const char* valuePosition = m_lexer.TokenStart();

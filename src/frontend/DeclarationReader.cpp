@@ -274,13 +274,31 @@ void DeclarationReader::ResolveTypes()
         }
     }
     for (auto& procedure : m_state.procedures) {
+        const bool publicMember = IsPublicMemberOfObjectModule(procedure->visibility);
         for (auto& parameter : procedure->parameters) {
             m_lexer.ClearStatementError();
-            (void)ResolveNamedType(parameter.type);
+            if (ResolveNamedType(parameter.type) && publicMember)
+                RefuseNonPublicRecord(parameter.type);
         }
         m_lexer.ClearStatementError();
-        (void)ResolveNamedType(procedure->result);
+        if (ResolveNamedType(procedure->result) && publicMember)
+            RefuseNonPublicRecord(procedure->result);
     }
+}
+
+// A public member of an object module takes and gives only records of public types: the module's own
+// types are never public there, a used module's are unless declared Private.
+void DeclarationReader::RefuseNonPublicRecord(const TypeSpec& type)
+{
+    const UserType* record = type.userType;
+    if (!record)
+        return;
+    bool own = false;
+    for (const auto& userType : m_state.userTypes)
+        own = own || userType.get() == record;
+    if (own || record->visibility == Visibility::Private)
+        m_lexer.SignalErrorAt(CompileMessage::UserDefinedTypeParameterResultNotAllowed, {},
+                              type.namePosition ? type.namePosition : record->position);
 }
 
 // "(" [dimension {"," dimension}] ")" where a dimension is [lower To] upper; "()" is a dynamic array.

@@ -80,6 +80,7 @@ private:
     [[nodiscard]] bool ReadParameter(Procedure& procedure, TypeContext context, bool& sawOptional);
     [[nodiscard]] bool CheckPropertyPartner(const Procedure& procedure);
     ReadResult ScanBody(Procedure& procedure, Token kindWord);
+    void RefuseNonPublicRecord(const TypeSpec& type);
     bool IsPublicMemberOfObjectModule(Visibility visibility) const;
     [[nodiscard]] bool ResolveNamedType(TypeSpec& type);
     [[nodiscard]] bool LayoutType(UserType& type, std::vector<const UserType*>& open);

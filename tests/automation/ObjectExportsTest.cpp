@@ -103,6 +103,11 @@ TEST(TypeInspection, MemberDescriptionsNamesAndIds)
     EXPECT_EQ("p.Add p.Value p.Value p.Run ", Take(OA_GetDispatchNamesA(object, "p.")));
     EXPECT_EQ("Run", Take(OA_GetDispatchNameA(type, run)));
     EXPECT_EQ("Thing", Take(OA_GetDispatchNameA(object, -1)));
+    // A member whose id is -1 is listed under its own name, not the type's.
+    ITypeInfo* minusOne = OA_CreateTypeA("=Iface\n0xFFFFFFFF:Foo\nBar\n");
+    ASSERT_NE(nullptr, minusOne);
+    EXPECT_EQ(".Foo .Bar ", Take(OA_GetDispatchNamesA(minusOne, ".")));
+    OA_Release(minusOne);
     EXPECT_EQ(1, OA_GetDispatchID2A(object, "Add", "B"));
 
     ITypeComp* comp = OA_GetComp(object);

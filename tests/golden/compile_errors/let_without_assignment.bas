@@ -1,0 +1,5 @@
+' Let must be followed by an assignment.
+Sub Main
+    Dim x
+    Let x
+End Sub
