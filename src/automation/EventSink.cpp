@@ -205,6 +205,9 @@ HRESULT EventSink::Deliver(const std::wstring& event, const GivenArguments& give
 {
     if (argumentError)
         *argumentError = static_cast<UINT>(-1);
+    // Only an event that returns a value fills the result.
+    if (result)
+        VariantInit(result);
     if (m_closed)
         return S_OK;
     // Held for the call: the procedure may set its variable to another object.
@@ -227,12 +230,16 @@ HRESULT EventSink::Deliver(const std::wstring& event, const GivenArguments& give
             }
             MatchedArguments matched;
             outcome = MatchArguments(*target.procedure, given, matched, argumentError);
+            if (SUCCEEDED(outcome))
+                TraceHostCallArguments(context, *target.procedure, matched);
+            const bool givesValue = result && target.procedure->kind != ProcedureKind::Sub;
             Variant value;
             if (SUCCEEDED(outcome))
-                outcome = CallMacroProcedure(context, target, matched, result ? &value : nullptr, exception,
+                outcome = CallMacroProcedure(context, target, matched, givesValue ? &value : nullptr, exception,
                                              ModeFor(context, errorExit), errorExit);
-            if (outcome == S_OK && result) {
-                VariantInit(result);
+            if (outcome == S_OK && givesValue) {
+                if (context.ApiTraceOn())
+                    context.Trace(TraceKind::Result, L"Result=" + TraceValueText(value.Raw()));
                 value.Detach(*result);
             }
             if (context.ApiTraceOn())

@@ -76,15 +76,20 @@ bool StatementList::Step(ExecEntry& entry)
 
 bool StatementList::RunFrom(ExecEntry& entry, int start, int stateBase)
 {
-    Activation* activation = Interpreter::Current()->CurrentActivation();
+    Interpreter& interpreter = *Interpreter::Current();
+    Activation* activation = interpreter.CurrentActivation();
     const int current = activation->CurrentIndex();
     const int next = activation->NextIndex();
     const int count = static_cast<int>(m_statements.size());
     for (int i = start; i < count; ++i) {
         if (m_lineLevel)
             activation->SetPositionAfter(current, i + 1 < count ? i + 1 : 0);
+        const std::size_t pending = interpreter.PendingDepth();
         if (!m_statements[static_cast<std::size_t>(i)]->Execute()) {
-            if (HaltFlags::MustStop())
+            // A failed statement ends the list. A call that stopped at an error inside the callee waits on
+            // the pending stack, and so does the list: the callee's own handler may trap the error, and
+            // the line then goes on after the call.
+            if (HaltFlags::MustStop() && interpreter.PendingDepth() <= pending)
                 return Finish(entry);
             // The statement scheduled work; this list resumes after it.
             entry.state = stateBase + i + 1;

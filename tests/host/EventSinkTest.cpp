@@ -266,11 +266,37 @@ TEST_F(EventSinkTest, AssigningConnectsAndTheEventRunsTheVariablesProcedure)
     EXPECT_EQ(1, ledger.notes);
     EXPECT_TRUE(engine.IsIdle());
 
+    // An event that returns no value leaves the result the source gave empty.
+    VARIANT result;
+    result.vt = VT_I4;
+    result.lVal = 77;
+    EXPECT_EQ(S_OK, ledger.Raise(kClicked, {BoolReference(&cancel)}, nullptr, &result));
+    EXPECT_EQ(VT_EMPTY, result.vt);
+
     // An event without a procedure is answered S_OK and runs nothing.
+    engine.callBack.printed.clear();
     BSTR text = SysAllocString(L"x");
     EXPECT_EQ(S_OK, ledger.Raise(kChanged, {Text(text)}));
     SysFreeString(text);
-    EXPECT_EQ(L"\"clicked False\"\r\n", engine.callBack.AllPrinted());
+    EXPECT_EQ(L"", engine.callBack.AllPrinted());
+}
+
+TEST_F(EventSinkTest, WithTheApiTraceOnAnEventTracesItsArguments)
+{
+    ASSERT_TRUE(engine.Load(L"lib", kMacro));
+    ASSERT_EQ(S_OK, CallWith(L"Hook", &ledger));
+    engine.callBack.offerTrace = true;
+    VARIANT_BOOL ignored = VARIANT_FALSE;
+    engine.unit->Run(static_cast<short>(0x8040), &ignored);
+    engine.callBack.traces.clear();
+    VARIANT_BOOL cancel = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, Click(ledger, cancel));
+    const std::vector<std::wstring>& lines = engine.callBack.traces;
+    ASSERT_GE(lines.size(), 3u);
+    EXPECT_EQ(L"0:*RaiseEvent(\"src_Clicked\")", lines[0]);
+    EXPECT_EQ(L"2:Sink 0x", lines[1].substr(0, 9));
+    EXPECT_EQ(L"2:Cancel=False", lines[2]);
+    engine.unit->Run(static_cast<short>(0x8000), &ignored);
 }
 
 TEST_F(EventSinkTest, ReassigningMovesTheConnectionAndNothingDisconnects)

@@ -320,13 +320,14 @@ public:
     std::size_t SinkCount() const { return m_sinks.size(); }
 
     // Raises an event in every advised sink, arguments first to last; the last sink's answer.
-    HRESULT Raise(DISPID event, std::vector<VARIANT> arguments, EXCEPINFO* exception = nullptr)
+    HRESULT Raise(DISPID event, std::vector<VARIANT> arguments, EXCEPINFO* exception = nullptr,
+                  VARIANT* result = nullptr)
     {
         HRESULT answer = S_OK;
         std::reverse(arguments.begin(), arguments.end());
         DISPPARAMS parameters{arguments.data(), nullptr, static_cast<UINT>(arguments.size()), 0};
         for (Sink& sink : std::vector<Sink>(m_sinks))
-            answer = sink.dispatch->Invoke(event, IID_NULL, 0x409, DISPATCH_METHOD, &parameters, nullptr, exception,
+            answer = sink.dispatch->Invoke(event, IID_NULL, 0x409, DISPATCH_METHOD, &parameters, result, exception,
                                            nullptr);
         return answer;
     }
