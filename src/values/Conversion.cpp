@@ -164,6 +164,18 @@ bool ChangeType(Variant& value, VARTYPE tag)
         std::wstring word = LoadResourceString(value.Boolean() ? 11102 : 11101);
         return value.SetString(std::wstring_view(word)) || RaiseValueError(kErrorOutOfMemory);
     }
+    if (value.Tag() == VT_BOOL && tag == VT_DECIMAL) {
+        // True is -1 as a Decimal as in every other number kind (the platform's conversion gives +1 here).
+        VARIANT converted;
+        VariantInit(&converted);
+        converted.vt = VT_DECIMAL;
+        if (FAILED(VarDecFromI2(value.Boolean() ? -1 : 0, &converted.decVal)))
+            return RaiseValueError(kErrorOverflow);
+        converted.vt = VT_DECIMAL;
+        value.Clear();
+        value.Raw() = converted;
+        return true;
+    }
     Variant result;
     HRESULT status = PlatformChange(value.Raw(), tag, s_engineLocale, result);
     if (FAILED(status) && tag == VT_DATE && value.Tag() == VT_BSTR) {

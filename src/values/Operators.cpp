@@ -563,8 +563,9 @@ VARTYPE OperationKind(OperationId op, VARTYPE left, VARTYPE right)
     VARTYPE kind = CommonKind(left, right);
     if (kind == VT_EMPTY)
         return kind;
+    // Booleans take part in arithmetic as Integers; / divides Integers into a Double.
     if (kind == VT_BOOL)
-        return IsComparison(op) || IsLogic(op) ? VT_BOOL : VT_I2;
+        return IsComparison(op) || IsLogic(op) ? VT_BOOL : op == OperationId::kDivide ? VT_R8 : VT_I2;
     if (IsLogic(op))
         return kind == VT_I2 || kind == VT_I4 || kind == VT_UI1 ? kind : static_cast<VARTYPE>(VT_I4);
     switch (op) {
