@@ -86,7 +86,11 @@ std::wstring FirstEventName(ITypeInfo* source)
 EventSink* EventSink::ForVariable(EngineContext& context, ModuleInstance& receiver, const std::string& prefix,
                                   ITypeInfo* source)
 {
-    return new (std::nothrow) EventSink(context, &receiver, prefix, source);
+    EventSink* sink = new (std::nothrow) EventSink(context, &receiver, prefix, source);
+    // A sink bound to an instance of an object module is traced as it is bound and as it is released.
+    if (sink && receiver.OwnModule().Kind() != ModuleKind::Plain)
+        sink->TraceSink(L"Connect");
+    return sink;
 }
 
 EventSink* EventSink::ForExtension(EngineContext& context, const std::string& prefix, ITypeInfo* source)
@@ -354,6 +358,8 @@ void EventSink::Close()
     if (m_closed)
         return;
     Disconnect();
+    if (m_receiver && m_receiver->OwnModule().Kind() != ModuleKind::Plain)
+        TraceSink(L"Disconnect");
     m_closed = true;
     m_receiver = nullptr;
     Release();

@@ -1,4 +1,5 @@
 #include "frontend/Compiler.h"
+#include "frontend/NestingLimits.h"
 #include "frontend/ReachedNames.h"
 
 #include "frontend/CharClasses.h"
@@ -417,6 +418,13 @@ bool Compiler::ScanUses(Module& module, std::string_view keyword, ParseResult& r
             }
             used->AddUse();
         } else {
+            const NestingLevel level(m_usesDepth, kMaxUsesDepth);
+            if (!level.Entered()) {
+                m_lexer.SetText(text.c_str(), module.Name());
+                m_lexer.SignalErrorAt(CompileMessage::InvalidUsesDependency, {}, text.c_str() + keywordAt);
+                result = ParseResult::SyntaxErrors;
+                return false;
+            }
             ParseResult created = ParseResult::Okay;
             TraceEntry("Create", resolved);
             used = CreateModule(resolved, 1, created);
@@ -534,14 +542,16 @@ void Compiler::ParseDefinitions(Module& module, ParseResult& result)
     m_lexer.SetText(module.Text().c_str(), module.Name());
     ParseState& state = *module.State();
     SetResultFromErrors(m_lexer, result);
+    // With the declarations in order, every body is compiled while the errors stay below the limit: an
+    // error in one body does not hide those of the bodies after it.
+    const bool declarationsRead = result == ParseResult::Okay;
     for (auto& procedure : state.procedures) {
-        if (result != ParseResult::Okay || m_lexer.ErrorLimitReached() || m_lexer.MemoryExhausted())
+        if (!declarationsRead || m_lexer.ErrorLimitReached() || m_lexer.MemoryExhausted())
             break;
         if (procedure->kind == ProcedureKind::External || m_bodyCompiler == nullptr)
             continue;
         m_lexer.SeekLine(procedure->firstLine);
-        if (!m_bodyCompiler->CompileBody(module, *procedure, m_lexer))
-            SetResultFromErrors(m_lexer, result);
+        (void)m_bodyCompiler->CompileBody(module, *procedure, m_lexer);
     }
     SetResultFromErrors(m_lexer, result);
     auto compiled = std::make_unique<CompiledModule>();

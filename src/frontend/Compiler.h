@@ -80,6 +80,8 @@ private:
     CompileErrorSink* m_forward = nullptr;
     ProcedureBodyCompiler* m_bodyCompiler = nullptr;
     bool m_compiling = false;
+    // Modules being read through '#Uses lines, one inside the other.
+    int m_usesDepth = 0;
     Module* m_parsed = nullptr;
 };
 

@@ -12,6 +12,10 @@ constexpr int kMaxExpressionDepth = 200;
 constexpr int kMaxPendingOperators = 64;
 // Statements nested inside single-line Ifs ("If a Then If b Then ...").
 constexpr int kMaxInlineDepth = 50;
+// Modules reached through a chain of '#Uses lines, each loading the next. A chain that names its own
+// modules back under ever new names (the host resolves names) would otherwise load without end; past the
+// limit the '#Uses line reports "Invalid '#Uses module dependency." (10009).
+constexpr int kMaxUsesDepth = 64;
 
 // One nesting level, counted for as long as it lives (like Lua's enterlevel): Entered() is false when
 // the level is past the limit, and the caller then reports the error and returns failure.

@@ -585,7 +585,31 @@ void ModuleManager::ReleaseDefaultInstances(Loaded& loaded)
 
 bool ModuleManager::InitializeUsedModules(const std::vector<ModuleInstance*>& instances, const Module* top)
 {
-    for (ModuleInstance* instance : instances) {
+    // A used module's initializer runs before those of the modules that use it: the modules are taken
+    // depth first, each after what it uses, siblings in the order of their '#Uses lines.
+    std::vector<ModuleInstance*> ordered;
+    std::vector<const Module*> visited;
+    const auto instanceOf = [&](const Module* module) -> ModuleInstance* {
+        for (ModuleInstance* instance : instances) {
+            if (&instance->OwnModule() == module)
+                return instance;
+        }
+        return nullptr;
+    };
+    const auto visit = [&](const auto& self, const Module* module) -> void {
+        if (std::find(visited.begin(), visited.end(), module) != visited.end())
+            return;
+        visited.push_back(module);
+        for (const Module* used : module->UsedModules())
+            self(self, used);
+        if (ModuleInstance* instance = instanceOf(module))
+            ordered.push_back(instance);
+    };
+    if (top)
+        visit(visit, top);
+    for (ModuleInstance* instance : instances)
+        visit(visit, &instance->OwnModule());
+    for (ModuleInstance* instance : ordered) {
         if (&instance->OwnModule() == top)
             continue;
         const CompiledModule* compiled = instance->OwnModule().Compiled();

@@ -271,6 +271,27 @@ TEST(CallArguments, TooManyArgumentsAreAWrongNumberOfParameters)
     EXPECT_EQ(result.compileErrors.front().message.substr(0, 27), L"Wrong number of parameters.");
 }
 
+TEST(CompileErrors, EveryBodyIsCompiledWhileTheErrorsStayBelowTheLimit)
+{
+    const std::string text = JoinLines({"Sub A", "  x = )", "End Sub", "Sub B", "  y = )", "End Sub", "Sub Main",
+                                        "  z = )", "End Sub"});
+    const auto result = RunProgram(text);
+    ASSERT_EQ(result.compileErrors.size(), 3u) << "one error in each body";
+    EXPECT_EQ(result.compileErrors[0].line, 2);
+    EXPECT_EQ(result.compileErrors[1].line, 5);
+    EXPECT_EQ(result.compileErrors[2].line, 8);
+
+    // At the limit the compile stops.
+    testing::MemorySource source;
+    source.texts["Test"] = ModuleText{text, false};
+    Compiler compiler(source);
+    BodyCompiler bodies;
+    compiler.SetBodyCompiler(&bodies);
+    compiler.SetErrorLimit(2);
+    EXPECT_EQ(compiler.Parse("Test", 0), ParseResult::SyntaxErrors);
+    EXPECT_EQ(compiler.Errors().size(), 2u);
+}
+
 TEST(InlineStatements, BlockKeywordAfterThenIsUnexpected)
 {
     const auto result = testing::RunProgram(testing::JoinLines({"Sub Main", "  If 1 Then For", "End Sub"}));

@@ -299,6 +299,32 @@ TEST_F(EventSinkTest, WithTheApiTraceOnAnEventTracesItsArguments)
     engine.unit->Run(static_cast<short>(0x8000), &ignored);
 }
 
+TEST_F(EventSinkTest, ASinkOfAClassInstanceIsTracedAsItIsBoundAndReleased)
+{
+    engine.callBack.macros[L"Listener.cls"] = L"VERSION 1.0 CLASS\r\nBEGIN\r\n  MultiUse = -1\r\nEND\r\n"
+                                               L"Attribute VB_Name = \"Listener\"\r\n"
+                                               L"Private WithEvents src As LedgerLib.Ledger\r\n"
+                                               L"Public Sub Watch(o As Object)\r\n    Set src = o\r\nEnd Sub\r\n"
+                                               L"Private Sub src_Clicked(Cancel As Boolean)\r\n"
+                                               L"    Cancel = True\r\nEnd Sub\r\n";
+    ASSERT_TRUE(engine.Load(L"watcher", L"'#Uses \"Listener.cls\"\r\nSub Main\r\nEnd Sub\r\n"
+                                        L"Sub Hook(o As Object)\r\n    Dim l As New Listener\r\n    l.Watch o\r\n"
+                                        L"End Sub\r\n"));
+    engine.callBack.offerTrace = true;
+    VARIANT_BOOL ignored = VARIANT_FALSE;
+    engine.unit->Run(static_cast<short>(0x8040), &ignored);
+    engine.callBack.traces.clear();
+    ASSERT_EQ(S_OK, CallWith(L"Hook", &ledger));
+    const auto traced = [&](const std::wstring& start) {
+        return std::count_if(engine.callBack.traces.begin(), engine.callBack.traces.end(),
+                             [&](const std::wstring& line) { return line.rfind(start, 0) == 0; });
+    };
+    EXPECT_EQ(1, traced(L"4:Connect Sink 0x"));
+    EXPECT_EQ(1, traced(L"4:Advise Sink 0x"));
+    EXPECT_EQ(1, traced(L"4:Disconnect Sink 0x")) << "the instance ended with the call";
+    engine.unit->Run(static_cast<short>(0x8000), &ignored);
+}
+
 TEST_F(EventSinkTest, ReassigningMovesTheConnectionAndNothingDisconnects)
 {
     ASSERT_TRUE(engine.Load(L"lib", kMacro));
