@@ -626,33 +626,18 @@ void Interpreter::UnwindAll()
         PopAndRelease();
 }
 
-void Interpreter::UnwindEntry()
-{
-    const Activation* entryActivation = m_entryActivations;
-    if (!entryActivation) {
-        UnwindAll();
-        return;
-    }
-    while (!m_exec.IsEmpty()) {
-        const bool reached = m_exec.Top().executor == entryActivation;
-        PopAndRelease();
-        if (reached) {
-            if (!m_exec.IsEmpty() && m_exec.Top().executor == &CallEndMarker::Instance())
-                PopAndRelease();
-            return;
-        }
-    }
-}
+void Interpreter::UnwindEntry() { UnwindThrough(m_entryActivations); }
 
-void Interpreter::UnwindInnermostCall()
+void Interpreter::UnwindInnermostCall() { UnwindThrough(m_current); }
+
+void Interpreter::UnwindThrough(const Activation* activation)
 {
-    const Activation* innermost = m_current;
-    if (!innermost) {
+    if (!activation) {
         UnwindAll();
         return;
     }
     while (!m_exec.IsEmpty()) {
-        const bool reached = m_exec.Top().executor == innermost;
+        const bool reached = m_exec.Top().executor == activation;
         PopAndRelease();
         if (reached) {
             if (!m_exec.IsEmpty() && m_exec.Top().executor == &CallEndMarker::Instance())

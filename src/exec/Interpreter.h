@@ -364,6 +364,9 @@ private:
     // Moves the pending entries above base onto the execution stack, first pushed ending on top.
     void MovePending(std::size_t base);
     void PopAndRelease();
+    // Pops and releases entries down to and including activation and the call-end marker below it;
+    // with no activation, everything.
+    void UnwindThrough(const Activation* activation);
     // Error dispatch: the activation whose On Error handler traps the pending error, or null when the
     // search reaches a host-call boundary or the outermost caller.
     Activation* FindErrorHandler() const noexcept;
