@@ -225,21 +225,29 @@ bool ExtensionList::AddParsed(const std::string& text, ExtensionPrefix prefix, I
 
 bool ExtensionList::AddLibrary(Extension item, const ExtensionPrefix& prefix, IDispatch* object)
 {
+    bool changed = false;
+    const bool added = PutLibrary(std::move(item), prefix.rest, object, changed);
+    return Finish(added, changed);
+}
+
+bool ExtensionList::PutLibrary(Extension item, const std::string& reference, IDispatch* object, bool& changed)
+{
+    changed = false;
     ComRef<ITypeLib> library;
-    if (prefix.rest == "{}") {
+    if (reference == "{}") {
         ComRef<ITypeInfo> type;
         UINT count = 0;
         UINT index = 0;
         if (object && SUCCEEDED(object->GetTypeInfoCount(&count)) && count > 0 &&
             SUCCEEDED(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, type.Out())) && type)
             (void)type->GetContainingTypeLib(library.Out(), &index);
-    } else if (LibraryReference reference; ParseLibraryReference(prefix.rest, reference)) {
-        if (FAILED(LoadRegTypeLib(reference.guid, reference.major, reference.minor, reference.locale, library.Out())))
+    } else if (LibraryReference parsed; ParseLibraryReference(reference, parsed)) {
+        if (FAILED(LoadRegTypeLib(parsed.guid, parsed.major, parsed.minor, parsed.locale, library.Out())))
             library = ComRef<ITypeLib>();
     }
     if (!library) {
         Trace(kTraceDetail, L"TypeLib not available");
-        return Finish(false, false);
+        return false;
     }
     const GUID guid = LibraryGuid(library.Get());
     Trace(kTraceDetail, L"TypeLib.UUID=" + GuidText(guid));
@@ -248,14 +256,15 @@ bool ExtensionList::AddLibrary(Extension item, const ExtensionPrefix& prefix, ID
         // The same library for the same owner is there already.
         if (held.library && SameName(held.project, item.project) && SameName(held.module, item.module) &&
             IsEqualGUID(LibraryGuid(held.library.Get()), guid))
-            return Finish(true, false);
+            return true;
     }
     item.name = AnsiFromWide(LibraryName(library.Get()));
     item.library = std::move(library);
     item.object = ComRef<IDispatch>::Share(object);
     m_items.push_back(std::move(item));
     TraceItem(L"Add", m_items.back());
-    return Finish(true, true);
+    changed = true;
+    return true;
 }
 
 bool ExtensionList::AddObject(Extension item, IDispatch* object)
@@ -293,6 +302,18 @@ bool ExtensionList::AddWithEvents(Extension item, IDispatch* object)
 {
     if (!object)
         return Finish(false, false);
+    // First the library that holds the object's type, as "{}" adds it (its types, enumerations and
+    // constants), under the same owner and prefix so that both go together.
+    Extension library;
+    library.project = item.project;
+    library.module = item.module;
+    library.prefix = item.prefix;
+    ExtensionPrefix libraryKind = SplitPrefix("{}");
+    ReadKind(libraryKind);
+    library.flags = (item.flags & 0x180u) | libraryKind.flags;
+    bool changed = false;
+    if (!PutLibrary(std::move(library), "{}", object, changed))
+        return Finish(false, changed);
     const std::size_t underscore = item.prefix.find('_');
     item.name = item.prefix.substr(0, underscore);
     const std::string rest = underscore == std::string::npos ? std::string() : item.prefix.substr(underscore + 1);

@@ -113,6 +113,9 @@ private:
     bool Visible(const Extension& item, const std::string& module) const;
     bool AddParsed(const std::string& text, ExtensionPrefix prefix, IDispatch* object, bool fromHost);
     bool AddLibrary(Extension item, const ExtensionPrefix& prefix, IDispatch* object);
+    // Adds the library a reference text names, or for "{}" the one that holds object's type (once per
+    // owner); false, traced, when there is none. changed tells whether the list grew.
+    bool PutLibrary(Extension item, const std::string& reference, IDispatch* object, bool& changed);
     bool AddObject(Extension item, IDispatch* object);
     bool AddProjectReference(Extension item, const ExtensionPrefix& prefix);
     // The full name of a module part: "<P>module" when the prefix has a project part.

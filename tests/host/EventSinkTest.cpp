@@ -421,6 +421,8 @@ TEST_F(EventSinkTest, AWithEventsExtensionRoutesTheHostObjectsEventsUntilDisconn
     ASSERT_TRUE(AddExtension(L"{WithEvents}App_", &app));
     const auto& traces = engine.callBack.traces;
     EXPECT_NE(traces.end(), std::find(traces.begin(), traces.end(), L"2:Source.TypeInfo.Name=LedgerEvents"));
+    EXPECT_NE(traces.end(), std::find(traces.begin(), traces.end(), L"2:TypeLib.Name=LedgerLib"))
+        << "the object's type library comes with it";
     EXPECT_EQ(1u, app.SinkCount());
     ASSERT_TRUE(engine.Load(L"lib", kExtensionMacro));
     VARIANT_BOOL cancel = VARIANT_FALSE;
