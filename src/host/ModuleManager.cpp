@@ -394,6 +394,7 @@ ModuleStatus ModuleManager::Start(const std::string& name, const std::string& co
     Procedure* entry = compiled && plain ? compiled->entry : nullptr;
     ProcedureCode* code = entry ? entry->code.get() : nullptr;
     m_command = command;
+    loaded->command = command;
     m_running = loaded->name;
     if (!code) {
         // Nothing executable: the run begins and ends at once.

@@ -103,7 +103,11 @@ public:
     // so that a macro started on top of another and ended hands the name back to that one.
     std::string RunningName() const;
     // The command text of the current run (what the language's Command gives).
-    const std::string& CommandText() const { return m_command; }
+    const std::string& CommandText() const
+    {
+        const Loaded* running = RunningMacro();
+        return running ? running->command : m_command;
+    }
     // A loaded module (top-level or used) by its resolved name, or null.
     Module* FindLoadedModule(const std::string& name) const;
     // The default instance of a loaded module (a started module or one that it uses), or null before
@@ -173,6 +177,8 @@ private:
     struct Loaded {
         std::string name;
         Module* module = nullptr;
+        // The command text of its latest start (what Command gives while its Main runs).
+        std::string command;
         // The module and the modules it reaches through '#Uses, each once, in the order first met.
         std::vector<Module*> reach;
         // Whether it holds the default instances of the plain modules of reach (from its start, or

@@ -354,12 +354,20 @@ TEST_F(DebuggerTest, AMacroStartedOnTopOfAStoppedOneHandsTheRunBackWhenItIsHalte
 {
     callBack.macros[L"outer"] = Lines({L"Sub Main", L"    Stop", L"    Debug.Print \"outer end\"", L"End Sub"});
     callBack.macros[L"inner"] = Lines({L"Sub Main", L"    Stop", L"    Debug.Print \"inner end\"", L"End Sub"});
-    ASSERT_TRUE(Start(L"outer"));
+    const auto command = [&] {
+        BSTR expression = SysAllocString(L"Command");
+        BSTR text = nullptr;
+        EXPECT_EQ(S_OK, unit->get_Evaluate(expression, 0, &text));
+        SysFreeString(expression);
+        return TakeText(text);
+    };
+    ASSERT_TRUE(Start(L"outer first"));
     Run(0);
     ASSERT_TRUE(IsStopped());
-    ASSERT_TRUE(Start(L"inner"));
+    ASSERT_TRUE(Start(L"inner second"));
     Run(0);
     ASSERT_TRUE(IsStopped());
+    EXPECT_EQ(L"\"second\"", command());
     EXPECT_EQ(L"[inner|Main#  2] Stop", CurrentLine());
     EXPECT_EQ(L"inner", Text(&CodeUnit::get_MacroName));
     EXPECT_TRUE(Named(&CodeUnit::get_IsMacroActive, L"inner"));
@@ -367,6 +375,7 @@ TEST_F(DebuggerTest, AMacroStartedOnTopOfAStoppedOneHandsTheRunBackWhenItIsHalte
     EXPECT_TRUE(Flag(&CodeUnit::Halt));
     EXPECT_EQ(L"[outer|Main#  2] Stop", CurrentLine());
     EXPECT_EQ(L"outer", Text(&CodeUnit::get_MacroName)) << "the run is back in the macro below";
+    EXPECT_EQ(L"\"first\"", command()) << "with its own command text";
     EXPECT_FALSE(Named(&CodeUnit::get_IsMacroActive, L"inner"));
     EXPECT_TRUE(Named(&CodeUnit::get_IsMacroActive, L"outer"));
     EXPECT_TRUE(Named(&CodeUnit::Unload, L"inner")) << "nothing of it runs any more";
