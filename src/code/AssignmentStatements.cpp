@@ -433,39 +433,76 @@ bool AssignElementStatement::Step(ExecEntry& entry)
     return Finish(entry);
 }
 
+BSTR* AlignStatement::Destination(const RunContext& context)
+{
+    VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
+    if (!storage)
+        return nullptr;
+    VARIANT* target = FollowByRefChain(storage);
+    if (m_indexCount > 0) {
+        // The indexes stand below the value on the value stack.
+        ValueStack& values = context.interpreter->Values();
+        Variant value(std::move(values.Top()));
+        values.Pop();
+        VARTYPE tag = VT_EMPTY;
+        void* element = ElementOf(context, storage, m_indexCount, tag);
+        Variant* back = values.Push();
+        if (!back)
+            return (void)context.interpreter->RaiseOutOfMemory(), nullptr;
+        *back = std::move(value);
+        if (!element)
+            return nullptr;
+        if (tag == VT_BSTR)
+            return static_cast<BSTR*>(element);
+        if (tag != VT_VARIANT) {
+            (void)context.interpreter->SignalError(kErrorTypeMismatch);
+            return nullptr;
+        }
+        target = FollowByRefChain(static_cast<VARIANT*>(element));
+    }
+    // A record reaches here only inside a Variant (record variables are copied by their own
+    // statement); aligning it is not supported, whatever the source is.
+    if (target->vt == VT_RECORD) {
+        (void)context.interpreter->SignalError(kErrorNotImplemented);
+        return nullptr;
+    }
+    if (target->vt != VT_BSTR) {
+        (void)context.interpreter->SignalError(kErrorTypeMismatch);
+        return nullptr;
+    }
+    return &target->bstrVal;
+}
+
 bool AlignStatement::Step(ExecEntry& entry)
 {
     const RunContext context = Context();
     if (bool answer; !ExpressionReady(context, m_value, entry, answer))
         return answer;
     ValueStack& values = context.interpreter->Values();
-    VARIANT* storage = StorageOf(context, m_target.scope, m_target.index, m_target.module);
-    if (!storage)
-        return Fail(context, entry);
-    VARIANT* target = FollowByRefChain(storage);
-    // A record reaches here only inside a Variant (record variables are copied by their own
-    // statement); aligning it is not supported, whatever the source is.
-    if (target->vt == VT_RECORD) {
+    // A record held by a Variant is refused before the text is converted; the destination is looked up
+    // after the conversion, which may run code that changes the variable.
+    if (VARIANT* storage = m_indexCount == 0 ? StorageOf(context, m_target.scope, m_target.index, m_target.module) : nullptr;
+        storage && FollowByRefChain(storage)->vt == VT_RECORD) {
         (void)context.interpreter->SignalError(kErrorNotImplemented);
         return Fail(context, entry);
     }
     Variant& source = values.Top();
     if (source.Tag() != VT_BSTR && !ChangeType(source, VT_BSTR))
         return Fail(context, entry);
-    if (target->vt != VT_BSTR) {
-        (void)context.interpreter->SignalError(kErrorTypeMismatch);
+    BSTR* destination = Destination(context);
+    if (!destination)
         return Fail(context, entry);
-    }
     // The destination's characters are rewritten in place: its length never changes.
-    const UINT length = TextLength(target->bstrVal);
-    const std::wstring_view text = source.StringView();
+    BSTR target = *destination;
+    const UINT length = TextLength(target);
+    const std::wstring_view text = values.Top().StringView();
     const UINT copied = static_cast<UINT>(text.size() < length ? text.size() : length);
     const UINT start = m_right ? length - copied : 0;
     for (UINT i = 0; i < length; ++i)
-        target->bstrVal[i] = L' ';
+        target[i] = L' ';
     for (UINT i = 0; i < copied; ++i)
-        target->bstrVal[start + i] = text[i];
-    values.Pop();
+        target[start + i] = text[i];
+    values.CutBack(values.Size() - 1 - static_cast<std::size_t>(m_indexCount));
     return Finish(entry);
 }
 

@@ -180,16 +180,22 @@ private:
 // LSet / RSet of a string variable: the destination keeps its length.
 class AlignStatement final : public Statement {
 public:
-    AlignStatement(Expression value, VariableRef target, bool right)
-        : m_value(std::move(value)), m_target(target), m_right(right)
+    // With indexes, the target is the element of the array variable that the code's first `indexCount`
+    // values name; the value follows them.
+    AlignStatement(Expression value, VariableRef target, bool right, int indexCount = 0)
+        : m_value(std::move(value)), m_target(target), m_right(right), m_indexCount(indexCount)
     {
     }
     [[nodiscard]] bool Step(ExecEntry& entry) override;
 
 private:
+    // The String the text is aligned into: the variable's, or the element's; null after raising.
+    [[nodiscard]] BSTR* Destination(const RunContext& context);
+
     Expression m_value;
     VariableRef m_target;
     bool m_right;
+    int m_indexCount;
 };
 
 // Mid(var, start [, length]) = value: replaces characters of a string variable in place. The code leaves

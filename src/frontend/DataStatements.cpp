@@ -227,6 +227,18 @@ BodyParser::StatementPtr BodyParser::ParseAlign(bool right)
         return nullptr;
     if (!right && target.type.IsUserType() && !target.type.IsArray())
         return ParseRecordCopy(target, targetName);
+    const TypeCode element = target.type.Scalar();
+    if (target.type.IsArray() && m_lexer.Kind() == Token::LeftParen && (element.IsString() || element.IsVariant())) {
+        // An element of a String or Variant array: its indexes, then the text.
+        m_lexer.NextToken();
+        Expression code;
+        int count = 0;
+        if (!ParseIndexes(code, count) || !m_lexer.ExpectToken(Token::Equal) || !ParseExpression(code))
+            return nullptr;
+        auto statement = std::make_unique<AlignStatement>(std::move(code), target, right, count);
+        statement->SetKeyword(TokenNumber(right ? Token::RSet : Token::LSet));
+        return statement;
+    }
     if (target.type.IsArray() || !(target.type.IsString() || target.type.IsFixedString() || target.type.IsVariant())) {
         m_lexer.SignalError(target.type.IsUserType() ? CompileMessage::ThisVarCantBeUsedWithLSet
                                                      : CompileMessage::ExpectingAStringOrUserTypeVar);
