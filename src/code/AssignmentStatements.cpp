@@ -440,16 +440,9 @@ BSTR* AlignStatement::Destination(const RunContext& context)
         return nullptr;
     VARIANT* target = FollowByRefChain(storage);
     if (m_indexCount > 0) {
-        // The indexes stand below the value on the value stack.
-        ValueStack& values = context.interpreter->Values();
-        Variant value(std::move(values.Top()));
-        values.Pop();
+        // The element's indexes are on top of the value stack.
         VARTYPE tag = VT_EMPTY;
         void* element = ElementOf(context, storage, m_indexCount, tag);
-        Variant* back = values.Push();
-        if (!back)
-            return (void)context.interpreter->RaiseOutOfMemory(), nullptr;
-        *back = std::move(value);
         if (!element)
             return nullptr;
         if (tag == VT_BSTR)
@@ -486,7 +479,9 @@ bool AlignStatement::Step(ExecEntry& entry)
         (void)context.interpreter->SignalError(kErrorNotImplemented);
         return Fail(context, entry);
     }
-    Variant& source = values.Top();
+    // The text is on top, the element's indexes (if any) below it.
+    Variant source(std::move(values.Top()));
+    values.Pop();
     if (source.Tag() != VT_BSTR && !ChangeType(source, VT_BSTR))
         return Fail(context, entry);
     BSTR* destination = Destination(context);
@@ -495,14 +490,14 @@ bool AlignStatement::Step(ExecEntry& entry)
     // The destination's characters are rewritten in place: its length never changes.
     BSTR target = *destination;
     const UINT length = TextLength(target);
-    const std::wstring_view text = values.Top().StringView();
+    const std::wstring_view text = source.StringView();
     const UINT copied = static_cast<UINT>(text.size() < length ? text.size() : length);
     const UINT start = m_right ? length - copied : 0;
     for (UINT i = 0; i < length; ++i)
         target[i] = L' ';
     for (UINT i = 0; i < copied; ++i)
         target[start + i] = text[i];
-    values.CutBack(values.Size() - 1 - static_cast<std::size_t>(m_indexCount));
+    values.CutBack(values.Size() - static_cast<std::size_t>(m_indexCount));
     return Finish(entry);
 }
 

@@ -293,9 +293,8 @@ void DeclarationReader::RefuseNonPublicRecord(const TypeSpec& type)
     const UserType* record = type.userType;
     if (!record)
         return;
-    bool own = false;
-    for (const auto& userType : m_state.userTypes)
-        own = own || userType.get() == record;
+    const bool own = std::any_of(m_state.userTypes.begin(), m_state.userTypes.end(),
+                                 [&](const auto& userType) { return userType.get() == record; });
     if (own || record->visibility == Visibility::Private)
         m_lexer.SignalErrorAt(CompileMessage::UserDefinedTypeParameterResultNotAllowed, {},
                               type.namePosition ? type.namePosition : record->position);

@@ -168,7 +168,7 @@ bool ChangeType(Variant& value, VARTYPE tag)
         // True is -1 as a Decimal as in every other number kind (the platform's conversion gives +1 here).
         VARIANT converted;
         VariantInit(&converted);
-        converted.vt = VT_DECIMAL;
+        // The Decimal fills the whole VARIANT, its tag's place included: the tag is set afterwards.
         if (FAILED(VarDecFromI2(value.Boolean() ? -1 : 0, &converted.decVal)))
             return RaiseValueError(kErrorOverflow);
         converted.vt = VT_DECIMAL;
