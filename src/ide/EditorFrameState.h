@@ -20,6 +20,13 @@ namespace brannoc::ide {
 struct FrameCallbacks {
     FrameNotifyCallback notify = nullptr;
     FrameAboutCallback about = nullptr;
+    FrameDoEventsCallback doEvents = nullptr;
+    FrameDebugTraceCallback debugTrace = nullptr;
+    FrameWindowCallback window = nullptr;
+    FrameModalOwnerCallback modalOwner = nullptr;
+    FrameReadMacroCallback readMacro = nullptr;
+    FrameParsePropertiesCallback parseProperties = nullptr;
+    FrameNewInstanceCallback newInstance = nullptr;
     FrameHelpCallback help = nullptr;
     FrameStatusCallback status = nullptr;
     FrameQuerySaveCallback querySave = nullptr;
@@ -28,6 +35,29 @@ struct FrameCallbacks {
     FrameDisplayNameCallback displayName = nullptr;
     FrameCommandFilter commandFilter = nullptr;
 };
+
+// What the frame keeps about runs of its macros.
+struct RunState {
+    bool loadedForDebugging = false; // modules are taken in with Load instead of started
+    std::string loadedNames;         // quoted names taken in with Load, each followed by CR
+    bool modulesHeld = false;        // set while loadedNames is not empty
+    int startPause = 0;              // -1 while a start is in progress, 1 once a pause came during it
+    bool paused = false;             // the engine reported a stop
+    bool errorShown = false;         // the recorded error is shown in the status bar
+    int evaluationDepth = 0;         // the call level the panes evaluate in; 65535: none
+    std::string temporaryMacro;      // the break point Step To set, if any
+    int temporaryLine = 0;
+    bool trace = false;
+    int runThisCounter = 0;
+    std::string runThisText;
+    std::string hiddenCode;
+    std::string expression;          // the host's evaluation expression
+    std::string appPrefix = "App.";  // the name the host's application object is added under
+    std::string hostString;          // kept for the host
+};
+
+// How a run command takes the current sheet's macro in.
+enum class StartKind { Run, Step, Check };
 
 // Whether a save prompt may offer Cancel.
 enum class PromptKind { CanCancel, YesNo };
@@ -108,6 +138,50 @@ public:
     // The font dialog; answers whether a font was chosen.
     bool ChooseDisplayFont();
 
+    // ---- run control (FrameRunControl.cpp) ----
+    bool IsLoaded(const Sheet& sheet) const;
+    bool EngineStopped() const;
+    // Idle: no engine, or an idle engine and no module held loaded.
+    bool EngineIdle() const;
+    // Start, Pause, End, the Step commands, break points and the next statement.
+    void RunCommand(int command);
+    // Starts the macro `name` (the current sheet's when empty); `step` stops at its first statement.
+    bool RunMacro(const std::string& name, bool step);
+    bool RunThis(const std::string& text);
+    // Takes the current sheet's macro in as a start would and undoes that again.
+    bool CheckCurrent();
+    bool LoadMacro(const std::string& name);
+    bool UnloadMacro(const std::string& name);
+    void EndExecution();
+    void OnEngineNotify(int code);
+    void ShowRecordedError();
+    void ShowNextStatement();
+    // The text of macro `name` for the engine (null: not found, the engine reports it).
+    BSTR ReadMacro(IDispatch* unit, const std::wstring& name);
+    void EditEventCode(const std::string& request);
+    void ClearExecutionMarks();
+    // A sheet opened for a module the engine has: the engine's break points become its marks.
+    void MarkEngineBreakPoints(Sheet& sheet);
+    // Typing into a sheet whose macro runs: the user may end the run first. False: the key is dropped.
+    bool MayEditRunningSheet();
+
+    // ---- debug panes (DebugPanes.cpp) ----
+    void CreatePanes();
+    HWND Pane(int index) const { return m_panes[index]; }
+    bool PanesShown() const;
+    void ShowPane(int index);
+    void DebugPrint(const std::string& text);
+    void AppendToPane(int index, const std::string& text);
+    // Runs a line typed into the Immediate pane.
+    void RunImmediateLine(const std::string& line);
+    std::string ValueText(const std::string& expression, size_t limit);
+    // Quick Watch and Add Watch: the selection's or the caret word's value.
+    void QuickWatch(bool addToWatch);
+    void RefreshWatch();
+    void RefreshStack();
+    void RefreshLoaded();
+    void RefreshPanes();
+
     // ---- layout and children ----
     void Layout();
     void UpdateDeferred();
@@ -117,6 +191,12 @@ public:
     HWND m_editor = nullptr, m_toolbar = nullptr, m_statusBar = nullptr, m_sheetTabs = nullptr;
     HWND m_objectList = nullptr, m_procList = nullptr;
     IUnknown* m_engine = nullptr; // owned reference; null with FO_NO_ENGINE
+    IDispatch* m_callBack = nullptr; // owned reference; installed on the engine
+    RunState m_run;
+    HWND m_tabBar = nullptr;
+    HWND m_panes[4] = {};
+    int m_topPane = 0;
+    std::vector<std::string> m_stackMacros, m_loadedMacros;
     FrameCallbacks m_callbacks;
     std::bitset<128> m_enabled;
     std::vector<std::unique_ptr<Sheet>> m_sheets;

@@ -3,6 +3,8 @@
 #include "ide/EditorFrameState.h"
 
 #include "ide/CommandTable.h"
+#include "ide/DebugPanes.h"
+#include "ide/FrameCallBack.h"
 #include "ide/FrameKeys.h"
 #include "ide/FrameLayout.h"
 #include "ide/FrameStatusBar.h"
@@ -86,6 +88,8 @@ LRESULT CALLBACK EditorKeysProc(HWND editor, UINT message, WPARAM wParam, LPARAM
     case WM_SYSKEYDOWN: {
         if (wParam == VK_SHIFT || wParam == VK_CONTROL || wParam == VK_MENU || wParam == VK_CAPITAL || wParam == VK_NUMLOCK)
             break;
+        if (wParam == VK_DELETE && GetKeyState(VK_CONTROL) >= 0 && !frame->MayEditRunningSheet())
+            return 0;
         int command = frame->TranslateKey(KeyWithModifiers(static_cast<int>(wParam)));
         if (command == kContextMenuKey)
             return 0;
@@ -100,6 +104,9 @@ LRESULT CALLBACK EditorKeysProc(HWND editor, UINT message, WPARAM wParam, LPARAM
     }
     case WM_CHAR: {
         if (wParam == VK_ESCAPE)
+            return 0;
+        const bool typed = wParam >= ' ' || wParam == '\t' || wParam == '\r' || wParam == '\b';
+        if (typed && !frame->MayEditRunningSheet())
             return 0;
         SHORT scan = VkKeyScanA(static_cast<CHAR>(wParam));
         if (scan != -1 && (GetKeyState(VK_CONTROL) < 0 || GetKeyState(VK_MENU) < 0)) {
@@ -178,7 +185,8 @@ void EditorFrame::Beep(UINT type) const
 bool RegisterEditorFrameClass()
 {
     static const bool s_registered = [] {
-        if (!RegisterTextAreaClass() || !RegisterToolbarClass() || !RegisterStatusBarClass() || !RegisterSheetTabsClass())
+        if (!RegisterTextAreaClass() || !RegisterToolbarClass() || !RegisterStatusBarClass() || !RegisterSheetTabsClass() ||
+            !RegisterTabBarClass())
             return false;
         FrameToolbarMessage();
         RegisterWindowMessageA("commdlg_FindReplace");
@@ -193,6 +201,12 @@ bool RegisterEditorFrameClass()
 
 EditorFrame::~EditorFrame()
 {
+    if (m_callBack) {
+        DetachFrameCallBack(m_callBack);
+        if (m_engine)
+            CU_SetCallBack(m_engine, nullptr);
+        m_callBack->Release();
+    }
     if (m_engine) {
         CU_Shutdown(m_engine);
         m_engine->Release();
@@ -237,6 +251,7 @@ bool EditorFrame::Create()
         return false;
     SendMessageA(m_editor, WM_SETFONT, reinterpret_cast<WPARAM>(m_displayFont ? m_displayFont : GetStockObject(SYSTEM_FIXED_FONT)), 0);
     m_editorProc = reinterpret_cast<WNDPROC>(SetWindowLongPtrA(m_editor, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(EditorKeysProc)));
+    CreatePanes();
     m_statusBar = Child(m_window, kStatusBarClassName, 0, ID_FRAME_STATUS_BAR);
     SendMessageA(m_statusBar, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), 0);
     if (topLevel)
@@ -249,6 +264,12 @@ bool EditorFrame::Create()
     if (!ProjectMode())
         for (int number = 77; number <= 79; ++number)
             m_enabled[CommandOfHostNumber(number) - 300] = false;
+    if (m_engine) {
+        m_callBack = CreateFrameCallBack(*this);
+        if (!m_callBack)
+            return false;
+        CU_SetCallBack(m_engine, m_callBack);
+    }
     if (!NewSheet(SheetKind::Macro))
         return false;
     Layout();
@@ -290,7 +311,8 @@ void EditorFrame::Layout()
     }
     in.statusBar = Has(FO_STATUS_BAR);
     in.statusHeight = static_cast<int>(SendMessageA(m_statusBar, SBM_HEIGHT, 0, 0));
-    in.panes = false; // the debug panes show while a macro is loaded
+    in.panes = PanesShown();
+    in.tabBarHeight = TabBarNeededHeight(m_tabBar);
     in.splitPosition = m_splitPosition;
     in.listMode = m_listMode;
     in.listHeight = TextSize(m_window, m_listFont, "A").cy + 8;
@@ -311,6 +333,13 @@ void EditorFrame::Layout()
         SendMessageA(list, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), in.listHeight - 6);
     MoveChild(m_sheetTabs, out.sheetTabs, in.sheetTabs);
     MoveChild(m_editor, out.editor, true);
+    // The pane on top is the one seen; a pane whose command is off gives its place to the Immediate pane.
+    static constexpr int kPaneCommands[] = {CMD_IMMEDIATE, CMD_WATCH, CMD_STACK, CMD_LOADED};
+    if (m_topPane > 0 && !IsEnabled(kPaneCommands[m_topPane]))
+        m_topPane = 0;
+    MoveChild(m_tabBar, out.tabBar, in.panes);
+    for (int i = 0; i < 4; ++i)
+        MoveChild(m_panes[i], out.panes, in.panes && i == m_topPane);
     InvalidateRect(m_window, nullptr, TRUE);
 }
 
@@ -323,6 +352,8 @@ void EditorFrame::UpdateCaption()
     if (m_engine)
         CU_CaptionPut(m_engine, title.c_str());
     std::string state = m_designDisplay ? Text(IDS_STATE_DESIGN) : std::string();
+    if (IsLoaded(*sheet))
+        state = Text(EngineStopped() ? IDS_STATE_BREAK : IDS_STATE_RUN);
     std::string shown = DisplayName(sheet->name);
     ReplaceAll(shown, " - ", " -- ");
     if (Modified(*sheet))

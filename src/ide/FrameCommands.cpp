@@ -17,7 +17,8 @@ namespace brannoc::ide {
 namespace {
 
 struct FrameConditions {
-    bool engine, idle, busy, loaded, stopped, ro, RO, sel, text, focusEditor, canUndo, canRedo, clipboard, module;
+    bool engine, idle, busy, loaded, stopped, doubleStar, ro, RO, sel, text, focusEditor, canUndo, canRedo, clipboard,
+        module;
 };
 
 FrameConditions ReadConditions(const EditorFrame& frame)
@@ -25,11 +26,13 @@ FrameConditions ReadConditions(const EditorFrame& frame)
     FrameConditions c{};
     void* unit = frame.m_engine;
     c.engine = unit != nullptr;
-    c.idle = !unit || CU_IsIdle(unit);
-    c.busy = unit && CU_IsActive(unit);
     c.stopped = unit && CU_IsStopped(unit);
-    c.loaded = false; // macros are loaded into the engine only by the run commands
-    c.ro = (GetWindowLongA(frame.m_editor, GWL_STYLE) & ES_READONLY) != 0;
+    c.idle = frame.EngineIdle();
+    c.busy = unit && (CU_IsActive(unit) || (frame.m_run.modulesHeld && !c.stopped));
+    c.loaded = frame.Current() && frame.IsLoaded(*frame.Current());
+    c.doubleStar = frame.Current() && frame.Current()->name.rfind("**", 0) == 0;
+    // The text area counts as read-only while its sheet's macro runs.
+    c.ro = (GetWindowLongA(frame.m_editor, GWL_STYLE) & ES_READONLY) != 0 || c.loaded;
     c.RO = frame.m_readOnly;
     DWORD start = 0, end = 0;
     SendMessageA(frame.m_editor, EM_GETSEL, reinterpret_cast<WPARAM>(&start), reinterpret_cast<LPARAM>(&end));
@@ -45,10 +48,29 @@ FrameConditions ReadConditions(const EditorFrame& frame)
     return c;
 }
 
+// When Run, Step, Step To, Pause and End are offered: by the kind of sheet and the frame's mode.
+struct RunConditions {
+    bool run, step, stepTo, pause, end;
+};
+
+RunConditions ReadRunConditions(const EditorFrame& frame, const FrameConditions& c)
+{
+    const bool loadedStopped = c.loaded && c.stopped;
+    if (frame.m_run.loadedForDebugging) {
+        const bool run = (c.engine && !c.loaded) || c.stopped;
+        return {run, run, loadedStopped, frame.m_run.modulesHeld && !c.stopped, c.loaded};
+    }
+    if (c.doubleStar)
+        return {(c.engine && !c.loaded) || c.stopped, loadedStopped, loadedStopped, c.engine && c.busy, c.loaded};
+    const bool run = (c.engine && c.idle) || loadedStopped;
+    return {run, run, frame.ProjectMode() ? loadedStopped : run, c.engine && (c.busy || !frame.m_designDisplay), !c.idle};
+}
+
 bool Enabled(const EditorFrame& frame, const FrameConditions& c, int command, bool wasEnabled)
 {
     bool sheets = frame.Has(FO_SHEETS) || frame.ProjectMode();
-    bool run = (c.engine && c.idle) || (c.loaded && c.stopped);
+    RunConditions r = ReadRunConditions(frame, c);
+    bool run = r.run;
     switch (command) {
     case CMD_NEW: return (!c.ro || sheets) && !c.RO;
     case CMD_OPEN: return !c.ro || sheets;
@@ -72,11 +94,11 @@ bool Enabled(const EditorFrame& frame, const FrameConditions& c, int command, bo
     case CMD_LOADED: return c.loaded && !frame.ProjectMode() && (frame.Has(FO_FILES) || frame.Has(FO_SHEETS));
     case CMD_VIEW_EDIT_BUTTONS: return frame.Has(FO_TOOLBAR);
     case CMD_RUN: return run;
-    case CMD_PAUSE: return c.engine && (c.busy || !frame.m_designDisplay);
-    case CMD_END: return !c.idle;
-    case CMD_STEP_INTO: case CMD_STEP_OVER: return run;
+    case CMD_PAUSE: return r.pause;
+    case CMD_END: return r.end;
+    case CMD_STEP_INTO: case CMD_STEP_OVER: return r.step;
     case CMD_STEP_OUT: return run && c.stopped;
-    case CMD_STEP_TO: return c.focusEditor && c.text && run;
+    case CMD_STEP_TO: return c.focusEditor && c.text && r.stepTo;
     case CMD_QUICK_WATCH: return c.focusEditor && c.text && ((c.engine && !c.busy) || !c.loaded);
     case CMD_ADD_WATCH: return c.focusEditor && c.text && c.stopped;
     case CMD_BROWSE: return c.focusEditor && ((c.engine && !c.busy) || !c.loaded);
@@ -141,20 +163,6 @@ bool RunEditCommand(EditorFrame& frame, int command)
     case CMD_FOCUS_TEXT: SetFocus(editor); return true;
     case CMD_COMPLETE_WORD: SendMessageA(editor, TAM_SHOWPOPUP, 0, 0); return true;
     case CMD_PARAMETER_INFO: SendMessageA(editor, TAM_SHOWPOPUP, 1, 0); return true;
-    case CMD_TOGGLE_BREAK:
-        if (Sheet* sheet = frame.Current(); sheet && sheet->document) {
-            int line = sheet->document->Caret().line;
-            sheet->document->SetBreakPoint(line, !sheet->document->BreakPoint(line));
-            InvalidateRect(editor, nullptr, FALSE);
-        }
-        return true;
-    case CMD_CLEAR_BREAKS:
-        if (Sheet* sheet = frame.Current(); sheet && sheet->document) {
-            for (int line = 0; line < sheet->document->LineCount(); ++line)
-                sheet->document->SetBreakPoint(line, false);
-            InvalidateRect(editor, nullptr, FALSE);
-        }
-        return true;
     default:
         break;
     }
@@ -196,6 +204,14 @@ bool RunFrameCommand(EditorFrame& frame, int command)
         frame.UpdateCaption();
         return true;
     case CMD_CLOSE_ALL: return frame.CloseAll(PromptKind::CanCancel);
+    case CMD_RUN: case CMD_PAUSE: case CMD_END: case CMD_STEP_INTO: case CMD_STEP_OVER: case CMD_STEP_OUT:
+    case CMD_STEP_TO: case CMD_TOGGLE_BREAK: case CMD_CLEAR_BREAKS: case CMD_SET_NEXT: case CMD_SHOW_NEXT:
+        frame.RunCommand(command);
+        return true;
+    case CMD_IMMEDIATE: case CMD_WATCH: case CMD_STACK: case CMD_LOADED:
+        frame.ShowPane(command - CMD_IMMEDIATE);
+        return true;
+    case CMD_QUICK_WATCH: case CMD_ADD_WATCH: frame.QuickWatch(command == CMD_ADD_WATCH); return true;
     case CMD_PROPERTIES:
         if (sheet && sheet->kind != SheetKind::Macro)
             ShowModuleProperties(frame, *sheet);

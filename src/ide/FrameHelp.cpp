@@ -3,8 +3,8 @@
 #include "ide/CodeLineScan.h"
 #include "ide/CommandTable.h"
 #include "ide/EditorFrameState.h"
+#include "ide/EngineLink.h"
 #include "ide/TextArea.h"
-#include "values/Variant.h"
 
 #include "brannoc.h"
 
@@ -60,15 +60,7 @@ bool EndsWithNoCase(const std::string& text, const char* ending)
 
 std::string EngineHelpFile(const EditorFrame& frame)
 {
-    if (!frame.m_engine)
-        return {};
-    Bstr file;
-    file.Attach(CU_HelpFile(frame.m_engine));
-    std::wstring_view wide = file.View();
-    int length = WideCharToMultiByte(CP_ACP, 0, wide.data(), static_cast<int>(wide.size()), nullptr, 0, nullptr, nullptr);
-    std::string text(static_cast<size_t>(length), '\0');
-    WideCharToMultiByte(CP_ACP, 0, wide.data(), static_cast<int>(wide.size()), text.data(), length, nullptr, nullptr);
-    return text;
+    return frame.m_engine ? TakeEngineText(CU_HelpFile(frame.m_engine)) : std::string();
 }
 
 // The keyboard hook of the active frame on this thread.

@@ -4,6 +4,7 @@
 #include "ide/CommandTable.h"
 #include "ide/FindReplace.h"
 #include "ide/FrameHelp.h"
+#include "ide/FrameRunMessages.h"
 #include "ide/ModuleAttributes.h"
 #include "ide/ModuleProperties.h"
 #include "ide/FrameStatusBar.h"
@@ -88,6 +89,13 @@ void DrawListItem(EditorFrame& frame, const DRAWITEMSTRUCT& item)
 
 bool OnClose(EditorFrame& frame)
 {
+    // A macro still runs below this message (the engine pumps messages while it runs): it is asked to
+    // end, and the close is tried again once the run has returned to the message loop.
+    if (frame.m_engine && !CU_IsIdle(frame.m_engine)) {
+        frame.EndExecution();
+        PostMessageA(frame.m_window, FM_RETRYCLOSE, 0, 0);
+        return false;
+    }
     if (!frame.CloseAll(PromptKind::CanCancel))
         return false;
     if (frame.IsTopLevel())
@@ -129,7 +137,9 @@ LRESULT SheetMessage(EditorFrame& frame, UINT message, WPARAM wParam, LPARAM lPa
         if (message == FM_FILE && wParam == 0)
             return sheet && frame.SaveSheetAs(*sheet, StringParameter(lParam)) ? 0 : 1;
         return frame.OpenFile(StringParameter(lParam)) ? 0 : 1;
-    case FM_CLOSEALL: return frame.CloseAll(PromptKind::CanCancel) ? 0 : 1;
+    case FM_CLOSEALL:
+        frame.EndExecution();
+        return frame.CloseAll(PromptKind::CanCancel) ? 0 : 1;
     case FM_DISPLAYNAME: {
         std::string shown = frame.DisplayName(StringParameter(lParam));
         // The name comes in the buffer and the display name goes back into it.
@@ -164,6 +174,9 @@ LRESULT EditorFrame::Handle(UINT message, WPARAM wParam, LPARAM lParam)
         OnFindNotification(*this, *reinterpret_cast<const FINDREPLACEA*>(lParam));
         return 0;
     }
+    if (LRESULT result = 0; RunControlMessage(*this, message, wParam, lParam, result) ||
+                            HostDataMessage(*this, message, wParam, lParam, result))
+        return result;
     switch (message) {
     case WM_CREATE:
         return Create() ? 0 : -1;
@@ -210,6 +223,7 @@ LRESULT EditorFrame::Handle(UINT message, WPARAM wParam, LPARAM lParam)
         return 0;
     }
     case WM_CLOSE:
+    case FM_RETRYCLOSE:
         OnClose(*this);
         return 0;
     case WM_ACTIVATE:

@@ -271,6 +271,7 @@ bool EditorFrame::OpenFile(const std::string& path)
     auto sheet = std::make_unique<Sheet>();
     sheet->name = path;
     sheet->Load(text, PlainEditing());
+    MarkEngineBreakPoints(*sheet);
     return InstallSheet(*this, std::move(sheet));
 }
 

@@ -21,6 +21,8 @@ struct Sheet {
     std::unique_ptr<TextDocument> document; // null in plain editing
     std::string plainText;     // plain editing: the code while the sheet is not shown
     bool plainModified = false;
+    bool running = false;      // started from this sheet and not yet ended
+    bool loaded = false;       // taken into the engine, with the break points sent
 
     bool IsUntitled() const { return name.size() >= 3 && name[0] == '?'; }
     // Takes a whole module text apart into header, references and code.

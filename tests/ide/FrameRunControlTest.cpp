@@ -1,0 +1,389 @@
+// The frame's run control: Start, break points, stepping, the Immediate pane, macros the host starts
+// by name or from a text, the recorded error and the status and caption that follow the engine.
+#include "EditorFrameFixture.h"
+
+#include "ide/CommandTable.h"
+#include "support/WindowImage.h"
+
+#include "brannoc.h"
+
+#include <algorithm>
+
+using namespace brannoc;
+using namespace brannoc::ide;
+using brannoc::test::EditorFrameFixture;
+using brannoc::test::MessageBoxCapture;
+using brannoc::test::WindowImage;
+
+namespace {
+
+class FrameRunControl : public EditorFrameFixture {
+protected:
+    std::string Pane(int id) const { return WindowText(Child(id)); }
+    std::string Immediate() const { return PaneText(ID_FRAME_IMMEDIATE); }
+    std::string PaneText(int id) const
+    {
+        HWND pane = Child(id);
+        int length = GetWindowTextLengthA(pane);
+        std::string text(static_cast<size_t>(length) + 1, '\0');
+        text.resize(static_cast<size_t>(GetWindowTextA(pane, text.data(), length + 1)));
+        return text;
+    }
+    std::string Status() const { return WindowText(Child(ID_FRAME_STATUS_BAR)); }
+    void CaretTo(int line) const
+    {
+        Document()->MoveCaret(TextPosition{line, 0}, false);
+    }
+    // Types a line into the Immediate pane and presses Enter there.
+    void TypeImmediate(const std::string& line) const
+    {
+        HWND pane = Child(ID_FRAME_IMMEDIATE);
+        int end = GetWindowTextLengthA(pane);
+        SendMessageA(pane, EM_SETSEL, static_cast<WPARAM>(end), end);
+        SendMessageA(pane, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(line.c_str()));
+        SendMessageA(pane, WM_CHAR, '\r', 0);
+    }
+};
+
+const char kCounting[] =
+    "Sub Main\r\n"
+    "\tDim x As Long\r\n"
+    "\tx = 6\r\n"
+    "\tDebug.Print \"x is \"; x\r\n"
+    "\tx = x * 7\r\n"
+    "\tDebug.Print \"now \"; x\r\n"
+    "End Sub\r\n";
+
+TEST_F(FrameRunControl, StartRunsTheSheetAndItsOutputGoesToTheImmediatePane)
+{
+    Create();
+    SendText(FM_SETTEXT, kCounting);
+    EXPECT_EQ(1, Command(CMD_RUN));
+    EXPECT_EQ("\"x is \"6&\r\n\"now \"42&\r\n", Immediate());
+    EXPECT_EQ("Idle.", Status());
+    EXPECT_EQ("Brannoc Basic - [design] Macro1 * (macro)", Caption());
+    EXPECT_EQ(0, Send(FM_ISBUSY));
+}
+
+TEST_F(FrameRunControl, ABreakPointStopsTheRunAndTheStepCommandsGoOnFromThere)
+{
+    Create();
+    SendText(FM_SETTEXT, kCounting);
+    CaretTo(4);
+    Command(CMD_TOGGLE_BREAK);
+    EXPECT_TRUE(Document()->BreakPoint(4));
+    Command(CMD_RUN);
+    EXPECT_EQ("\"x is \"6&\r\n", Immediate());
+    EXPECT_EQ("Brannoc Basic - [break] Macro1 * (macro)", Caption());
+    EXPECT_EQ("Paused.", Status());
+    EXPECT_EQ(4, Document()->CurrentStatement().first);
+    EXPECT_EQ(1, Send(FM_ISSTOPPED));
+    EXPECT_NE(std::string::npos, PaneText(ID_FRAME_STACK).find("[Macro1|Main#  5]")) << PaneText(ID_FRAME_STACK);
+
+    // The Immediate pane works in the stopped macro: a value, an assignment, a statement.
+    TypeImmediate("?x");
+    EXPECT_EQ("\"x is \"6&\r\n?x\r\n6&\r\n", Immediate());
+    TypeImmediate("x = 10");
+    Command(CMD_STEP_INTO);
+    EXPECT_EQ(5, Document()->CurrentStatement().first);
+    Command(CMD_RUN);
+    EXPECT_EQ("\"x is \"6&\r\n?x\r\n6&\r\nx = 10\r\n\"now \"70&\r\n", Immediate());
+    EXPECT_EQ("Idle.", Status());
+    EXPECT_EQ("Brannoc Basic - [design] Macro1 * (macro)", Caption());
+    EXPECT_EQ(-1, Document()->CurrentStatement().first);
+}
+
+TEST_F(FrameRunControl, StepIntoStopsAtTheFirstStatementAndEndStopsTheRun)
+{
+    Create();
+    SendText(FM_SETTEXT, kCounting);
+    Command(CMD_STEP_INTO);
+    EXPECT_EQ("Brannoc Basic - [break] Macro1 * (macro)", Caption());
+    EXPECT_EQ(0, Document()->CurrentStatement().first) << "the run stops on the Sub line";
+    EXPECT_TRUE(IsWindowVisible(Child(ID_FRAME_IMMEDIATE))) << "the panes show while the macro is loaded";
+    EXPECT_TRUE(IsWindowVisible(Child(ID_FRAME_TABBAR)));
+    Command(CMD_END);
+    EXPECT_EQ("", Immediate());
+    EXPECT_EQ("Brannoc Basic - [design] Macro1 * (macro)", Caption());
+    EXPECT_FALSE(IsWindowVisible(Child(ID_FRAME_IMMEDIATE)));
+}
+
+TEST_F(FrameRunControl, RunThisWrapsASingleLineIntoAMainAndRunsIt)
+{
+    Create();
+    EXPECT_EQ(0, SendText(FM_RUNTHIS, "Debug.Print 6 * 7"));
+    EXPECT_EQ("42%\r\n", Immediate());
+    EXPECT_EQ(0, SendText(FM_RUNTHIS, "Sub Main\r\nDebug.Print \"two\"\r\nEnd Sub\r\n"));
+    EXPECT_EQ("42%\r\n\"two\"\r\n", Immediate());
+}
+
+TEST_F(FrameRunControl, ARunTimeErrorIsMarkedInItsSheetWithTheDescriptionInTheStatusBar)
+{
+    Create();
+    SendText(FM_SETTEXT, "Sub Main\r\n\tDim a As Integer, d As Integer\r\n\ta = 1 / d\r\nEnd Sub\r\n");
+    Command(CMD_RUN);
+    EXPECT_EQ("Divide by zero.", Status());
+    EXPECT_EQ(2, Document()->ErrorStatement().first);
+    EXPECT_EQ("Divide by zero.", Get(FM_ERRORDESC));
+    EXPECT_EQ(3, Send(FM_ERRORLINE));
+    EXPECT_EQ("Brannoc Basic - [break] Macro1 * (macro)", Caption()) << "the run stops at the error";
+    Command(CMD_END);
+    EXPECT_EQ("Brannoc Basic - [design] Macro1 * (macro)", Caption());
+    EXPECT_EQ(-1, Document()->ErrorStatement().first) << "the mark goes when the run ends";
+}
+
+TEST_F(FrameRunControl, StepToOnACommentLineReportsAnUnreachableLine)
+{
+    Create();
+    SendText(FM_SETTEXT, "Sub Main\r\n\t' nothing here\r\n\tBeep\r\nEnd Sub\r\n");
+    CaretTo(1);
+    MessageBoxCapture capture;
+    Command(CMD_STEP_TO);
+    ASSERT_EQ(1u, capture.Count());
+    EXPECT_EQ(L"Unreachable line.", capture.Boxes()[0].text);
+    EXPECT_EQ(1, Send(FM_ISSTOPPED)) << "the engine is left stopped";
+    Command(CMD_END);
+}
+
+TEST_F(FrameRunControl, CheckTakesTheMacroInAndLeavesTheEngineAsItWas)
+{
+    Create();
+    SendText(FM_SETTEXT, kCounting);
+    EXPECT_EQ(1, Send(FM_CHECK));
+    EXPECT_EQ(0, Send(FM_ISBUSY));
+    EXPECT_EQ("", Immediate()) << "nothing ran";
+    SendText(FM_SETTEXT, "Sub Main\r\n\tx = = 1\r\nEnd Sub\r\n");
+    MessageBoxCapture capture;
+    EXPECT_EQ(0, Send(FM_CHECK));
+    EXPECT_EQ(1, Document()->ErrorStatement().first) << "the syntax error is marked";
+}
+
+TEST_F(FrameRunControl, WatchExpressionsAreWorkedOutAgainWhenTheRunStops)
+{
+    Create();
+    SendText(FM_SETTEXT, kCounting);
+    SetWindowTextA(Child(ID_FRAME_WATCH), "x\r\n\r\n  x * 2 -> old value\r\nString(150, \"a\")\r\n");
+    CaretTo(4);
+    Command(CMD_TOGGLE_BREAK);
+    Command(CMD_RUN);
+    const std::string watch = PaneText(ID_FRAME_WATCH);
+    EXPECT_EQ(0u, watch.find("x -> 6&\r\nx * 2 -> 12&\r\nString(150, \"a\") -> \"aaa")) << watch;
+    const size_t value = watch.find("-> \"aaa");
+    EXPECT_EQ(value + 3 + 100, watch.find("...\r\n", value)) << "a long value is cut to 100 characters";
+    EXPECT_EQ(std::string::npos, watch.find("old value"));
+    // Add Watch puts the word at the caret into the Watch pane while it is on top.
+    Command(CMD_WATCH);
+    CaretTo(2);
+    Document()->MoveCaret(TextPosition{2, 2}, false);
+    Command(CMD_ADD_WATCH);
+    EXPECT_NE(std::string::npos, PaneText(ID_FRAME_WATCH).find("\r\nx -> 6&\r\n")) << PaneText(ID_FRAME_WATCH);
+    Command(CMD_END);
+}
+
+TEST_F(FrameRunControl, TheStackPaneShowsTheInnermostHundredCalls)
+{
+    Create();
+    SendText(FM_SETTEXT, "Sub Down(n As Integer)\r\n\tIf n > 0 Then Down n - 1 Else Stop\r\nEnd Sub\r\n"
+                         "Sub Main\r\n\tDown 119\r\nEnd Sub\r\n");
+    Command(CMD_RUN);
+    EXPECT_EQ("Brannoc Basic - [break] Macro1 * (macro)", Caption());
+    std::string stack = PaneText(ID_FRAME_STACK);
+    size_t lines = static_cast<size_t>(std::count(stack.begin(), stack.end(), '\n'));
+    EXPECT_EQ(101u, lines);
+    EXPECT_EQ(0u, stack.find("[Macro1|Down#  2]")) << stack.substr(0, 60);
+    EXPECT_EQ(stack.size() - 5, stack.rfind("...\r\n"));
+    Command(CMD_END);
+    EXPECT_EQ("Idle.", PaneText(ID_FRAME_STACK));
+}
+
+TEST_F(FrameRunControl, TypingIntoARunningSheetOffersToEndTheRun)
+{
+    Create();
+    SendText(FM_SETTEXT, kCounting);
+    Command(CMD_STEP_INTO);
+    {
+        MessageBoxCapture capture(IDNO);
+        SendMessageA(Editor(), WM_CHAR, 'z', 0);
+        ASSERT_EQ(1u, capture.Count());
+        EXPECT_EQ(L"Would you like to end execution so you can edit?", capture.Boxes()[0].text);
+    }
+    EXPECT_EQ(std::string::npos, Get(FM_GETTEXT).find('z')) << "No keeps the run and drops the key";
+    EXPECT_EQ("Brannoc Basic - [break] Macro1 * (macro)", Caption());
+    {
+        MessageBoxCapture capture(IDYES);
+        SendMessageA(Editor(), WM_CHAR, 'z', 0);
+        EXPECT_EQ(1u, capture.Count());
+    }
+    EXPECT_NE(std::string::npos, Get(FM_GETTEXT).find('z')) << "Yes ends the run and the key goes in";
+    EXPECT_EQ("Brannoc Basic - [design] Macro1 * (macro)", Caption());
+}
+
+TEST_F(FrameRunControl, BreakPointsGoInAndOutAsArraysOfAbsoluteLines)
+{
+    Create();
+    SendText(FM_SETTEXT, kCounting);
+    const int hidden = static_cast<int>(Send(FM_HIDDENLINES));
+    SAFEARRAY* lines = SafeArrayCreateVector(VT_I2, 0, 2);
+    SHORT first = static_cast<SHORT>(hidden + 3), second = static_cast<SHORT>(hidden + 6);
+    LONG index = 0;
+    SafeArrayPutElement(lines, &index, &first);
+    index = 1;
+    SafeArrayPutElement(lines, &index, &second);
+    EXPECT_EQ(0, Send(FM_SETBREAKS, 0, reinterpret_cast<LPARAM>(lines)));
+    SafeArrayDestroy(lines);
+    EXPECT_TRUE(Document()->BreakPoint(2));
+    EXPECT_TRUE(Document()->BreakPoint(5));
+
+    SAFEARRAY* out = nullptr;
+    ASSERT_EQ(0, Send(FM_GETBREAKS, 0, reinterpret_cast<LPARAM>(&out)));
+    ASSERT_NE(nullptr, out);
+    LONG high = -1, value = 0;
+    SafeArrayGetUBound(out, 1, &high);
+    ASSERT_EQ(1, high);
+    index = 1;
+    SafeArrayGetElement(out, &index, &value);
+    EXPECT_EQ(hidden + 6, value);
+    SafeArrayDestroy(out);
+
+    // The marks reach the engine when the macro is taken in.
+    Command(CMD_RUN);
+    EXPECT_EQ(2, Document()->CurrentStatement().first);
+    EXPECT_EQ("", Immediate());
+    Command(CMD_RUN);
+    EXPECT_EQ(5, Document()->CurrentStatement().first);
+    EXPECT_EQ("\"x is \"6&\r\n", Immediate());
+    Command(CMD_CLEAR_BREAKS);
+    EXPECT_FALSE(Document()->BreakPoint(5));
+    Command(CMD_RUN);
+    EXPECT_EQ("Idle.", Status());
+}
+
+std::vector<int> s_notifications;
+void CALLBACK RecordNotification(HWND, int code) { s_notifications.push_back(code); }
+
+TEST_F(FrameRunControl, HostStartsAndLoadsMacrosByMessage)
+{
+    Create();
+    SendText(FM_SETTEXT, kCounting);
+    s_notifications.clear();
+    Send(FM_SETNOTIFYCALLBACK, 0, reinterpret_cast<LPARAM>(RecordNotification));
+    // Started with the step flag, the macro stops before its first statement runs.
+    EXPECT_EQ(0, SendText(FM_RUNMACRO, "", 1));
+    EXPECT_EQ(1, Send(FM_ISSTOPPED));
+    EXPECT_EQ(0, SendText(FM_ISACTIVE, "\"?A1\""));
+    EXPECT_EQ("?A1", Get(FM_CURRENTMACRO));
+    Send(FM_STARTEND, 0, 0);
+    EXPECT_EQ(0, Send(FM_ISBUSY));
+    EXPECT_EQ("", Immediate());
+    EXPECT_NE(s_notifications.end(), std::find(s_notifications.begin(), s_notifications.end(), 3));
+    EXPECT_EQ(2, s_notifications.back());
+
+    // In loaded-for-debugging mode Start loads the module and holds it until End.
+    Send(FM_SETDEBUGLOAD, 0, 1);
+    Command(CMD_RUN);
+    EXPECT_EQ(1, Send(FM_ISBUSY)) << "a module is held loaded";
+    EXPECT_EQ(0, SendText(FM_ISLOADED, "\"?A1\""));
+    EXPECT_EQ("Brannoc Basic - [run] Macro1 * (macro)", Caption());
+    Command(CMD_END);
+    EXPECT_EQ(0, Send(FM_ISBUSY));
+    EXPECT_NE(s_notifications.end(), std::find(s_notifications.begin(), s_notifications.end(), 13));
+    EXPECT_EQ(1, SendText(FM_ISLOADED, "\"?A1\"")) << "End unloads the held modules";
+    Send(FM_SETNOTIFYCALLBACK, 0, 0);
+}
+
+int CALLBACK ReadExtra(HWND, const char* name, char* buffer, int size)
+{
+    const std::string text = std::string(name) == "*Extra*" ? "Sub Main\r\nDebug.Print \"extra\"\r\nEnd Sub\r\n" : "";
+    if (text.empty())
+        return 0;
+    if (!buffer)
+        return static_cast<int>(text.size());
+    lstrcpynA(buffer, text.c_str(), size);
+    return static_cast<int>(text.size());
+}
+
+TEST_F(FrameRunControl, TheHostServesMacrosWhoseNamesBeginWithAStar)
+{
+    Create();
+    Send(FM_SETREADMACROCALLBACK, 0, reinterpret_cast<LPARAM>(ReadExtra));
+    EXPECT_EQ(0, SendText(FM_RUNMACRO, "\"*Extra*\""));
+    EXPECT_EQ("\"extra\"\r\n", Immediate());
+    MessageBoxCapture capture;
+    EXPECT_EQ(1, SendText(FM_RUNMACRO, "\"*Missing*\"")) << "not served: the start fails";
+}
+
+TEST_F(FrameRunControl, HostObjectsLinesAndTexts)
+{
+    Create();
+    SendText(FM_SETTEXT, kCounting);
+    EXPECT_EQ(10, Send(FM_LINESTART, 0, 2)) << "after \"Sub Main\" and CR LF";
+    EXPECT_EQ(2, Send(FM_LINEOFCHAR, 0, 12));
+    auto* fire = reinterpret_cast<IDispatch*>(Send(FM_FIRE, 0, 0));
+    ASSERT_NE(nullptr, fire);
+    fire->Release();
+    std::string version = Get(FM_VERSION);
+    EXPECT_EQ('v', version[0]);
+    EXPECT_NE(std::string::npos, version.find(" [")) << version;
+    EXPECT_FALSE(Get(FM_OAVERSION).empty());
+    char text[64] = {};
+    EXPECT_EQ(7, Send(FM_STRING, 557, reinterpret_cast<LPARAM>(text)));
+    EXPECT_STREQ("Paused.", text);
+    SendText(FM_SETHOSTSTRING, "kept");
+    EXPECT_EQ("kept", Get(FM_GETHOSTSTRING));
+    EXPECT_EQ("App.", Get(FM_GETAPPPREFIX));
+    SendText(FM_SETEXPRESSION, "6 * 7");
+    EXPECT_EQ("42%", Get(FM_EVALUATE)) << "evaluated when the length is asked for";
+}
+
+TEST_F(FrameRunControl, PauseAndCloseReachTheFrameWhileAMacroLoops)
+{
+    Create();
+    SendText(FM_SETTEXT, "Sub Main\r\n\tDim n As Long\r\n\tDo\r\n\t\tn = n + 1\r\n\tLoop\r\nEnd Sub\r\n");
+    static const UINT toolbar = RegisterWindowMessageA(kToolbarMessageName);
+    PostMessageA(m_frame, toolbar, CMD_PAUSE, -1);
+    Command(CMD_RUN);
+    EXPECT_EQ("Brannoc Basic - [break] Macro1 * (macro)", Caption()) << "Pause stopped the loop";
+    EXPECT_EQ("Paused.", Status());
+
+    // Closing while the loop runs ends the run first and closes once the run has returned.
+    PostMessageA(m_frame, WM_CLOSE, 0, 0);
+    MessageBoxCapture capture(IDNO);
+    Command(CMD_RUN);
+    Pump(300);
+    EXPECT_FALSE(IsWindow(m_frame));
+    m_frame = nullptr;
+}
+
+TEST_F(FrameRunControl, ASheetOpenedForALoadedModuleShowsTheEnginesBreakPoints)
+{
+    Create();
+    const std::string path = TempPath("frame_breaks.bas");
+    WriteFileBytes(path, "Sub Main\r\n\tBeep\r\n\tBeep\r\nEnd Sub\r\n");
+    const std::string quoted = "\"" + path + "\"";
+    EXPECT_EQ(0, SendText(FM_LOADMACRO, quoted));
+    auto* engine = reinterpret_cast<IUnknown*>(Send(FM_ENGINE));
+    ASSERT_NE(nullptr, engine);
+    EXPECT_TRUE(CU_ToggleBreak(engine, quoted.c_str(), 3));
+    engine->Release();
+    ASSERT_EQ(0, SendText(FM_FILE, path, 1));
+    EXPECT_FALSE(Document()->BreakPoint(1));
+    EXPECT_TRUE(Document()->BreakPoint(2));
+    EXPECT_EQ(0, SendText(FM_UNLOADMACRO, quoted));
+    DeleteFileA(path.c_str());
+}
+
+TEST_F(FrameRunControl, Screenshot)
+{
+    Create();
+    SendText(FM_SETTEXT, kCounting);
+    CaretTo(4);
+    Command(CMD_TOGGLE_BREAK);
+    Command(CMD_RUN);
+    Send(FM_UPDATE);
+    Pump(200);
+    WindowImage image = WindowImage::Capture(m_frame, true);
+    EXPECT_FALSE(image.WriteScreenshot(L"editor_frame_at_break").empty());
+    Command(CMD_END);
+}
+
+} // namespace
