@@ -524,6 +524,57 @@ BRANNOC_API BSTR __stdcall CU_HandlerProcName(IDispatch* handler);
 BRANNOC_API BOOL __stdcall CU_HandlerIsModuleLoaded(IDispatch* handler);
 BRANNOC_API IDispatch* __stdcall CU_HandlersItem(IDispatch* handlers, LPCSTR name);
 
+/* ---- The editor as an automation component (KZBE_ family) ----
+ * editor is the IDispatch pointer of a "Brannoc.BasicEditor2" component (not part of this library) that
+ * KZBE_Attach created; each function calls one of its members by dispatch number. Nothing is shown: a
+ * null handle makes a method do nothing and a getter answer 0, null or the default it is given; when
+ * the component raises an exception in a Boolean or value-less call, the handle is released and that
+ * default (FALSE where none is given) answered. BOOL results are 0 or 1. Text results are ANSI, freed with
+ * OA_SysFreeStringA; objects are held for the caller (OA_Release). */
+BRANNOC_API IDispatch* __stdcall KZBE_Attach(LPCSTR hostName, IDispatch* hostObject);
+/* Tell the component, then release the handle and set it to null; 1 (also for a null pointer or handle). */
+BRANNOC_API BOOL __stdcall KZBE_Detach(IDispatch** editor);
+BRANNOC_API BOOL __stdcall KZBE_DetachNoCancel(IDispatch** editor);
+BRANNOC_API BOOL __stdcall KZBE_AddExtension(IDispatch* editor, LPCSTR name, IDispatch* object);
+BRANNOC_API IDispatch* __stdcall KZBE_CodeUnit(IDispatch* editor);
+BRANNOC_API void __stdcall KZBE_Continue(IDispatch* editor);
+BRANNOC_API BSTR __stdcall KZBE_CurrentMacroName(IDispatch* editor);
+BRANNOC_API void __stdcall KZBE_EditMacro(IDispatch* editor);
+BRANNOC_API void __stdcall KZBE_Interrupt(IDispatch* editor);
+BRANNOC_API BOOL __stdcall KZBE_IsActive(IDispatch* editor, BOOL fallback);
+BRANNOC_API BOOL __stdcall KZBE_IsIdle(IDispatch* editor, BOOL fallback);
+BRANNOC_API BOOL __stdcall KZBE_IsStopped(IDispatch* editor, BOOL fallback);
+BRANNOC_API BOOL __stdcall KZBE_LoadMacro(IDispatch* editor, LPCSTR macroName);
+BRANNOC_API void __stdcall KZBE_Maximize(IDispatch* editor);
+BRANNOC_API void __stdcall KZBE_Minimize(IDispatch* editor);
+BRANNOC_API void __stdcall KZBE_Restore(IDispatch* editor);
+BRANNOC_API void __stdcall KZBE_RunMacro(IDispatch* editor, LPCSTR macroName);
+BRANNOC_API BOOL __stdcall KZBE_SetHiddenCode(IDispatch* editor, LPCSTR code);
+BRANNOC_API void __stdcall KZBE_SetIni(IDispatch* editor, LPCSTR fileName, LPCSTR section);
+BRANNOC_API BOOL __stdcall KZBE_Visible(IDispatch* editor);
+BRANNOC_API void __stdcall KZBE_VisiblePut(IDispatch* editor, BOOL on);
+BRANNOC_API BSTR __stdcall KZBE_FileDesc(IDispatch* editor);
+BRANNOC_API void __stdcall KZBE_FileDescPut(IDispatch* editor, LPCSTR descriptions);
+BRANNOC_API BSTR __stdcall KZBE_FileExt(IDispatch* editor);
+BRANNOC_API void __stdcall KZBE_FileExtPut(IDispatch* editor, LPCSTR extensions);
+BRANNOC_API BOOL __stdcall KZBE_EventMode(IDispatch* editor);
+BRANNOC_API void __stdcall KZBE_EventModePut(IDispatch* editor, BOOL on);
+BRANNOC_API IDispatch* __stdcall KZBE_Fire(IDispatch* editor, BOOL debugging);
+BRANNOC_API IDispatch* __stdcall KZBE_CreateHandler(IDispatch* editor, LPCSTR name);
+BRANNOC_API BOOL __stdcall KZBE_LoadModule(IDispatch* editor, LPCSTR moduleName);
+BRANNOC_API BOOL __stdcall KZBE_UnloadModule(IDispatch* editor, LPCSTR moduleName);
+BRANNOC_API BOOL __stdcall KZBE_Locked(IDispatch* editor);
+BRANNOC_API void __stdcall KZBE_LockedPut(IDispatch* editor, BOOL on);
+BRANNOC_API BOOL __stdcall KZBE_Enabled(IDispatch* editor);
+BRANNOC_API void __stdcall KZBE_EnabledPut(IDispatch* editor, BOOL on);
+BRANNOC_API BOOL __stdcall KZBE_MultiSheet(IDispatch* editor);
+BRANNOC_API void __stdcall KZBE_MultiSheetPut(IDispatch* editor, BOOL on);
+BRANNOC_API BOOL __stdcall KZBE_ReportError(IDispatch* editor, IDispatch* error);
+BRANNOC_API BOOL __stdcall KZBE_FileChangeDir(IDispatch* editor);
+BRANNOC_API void __stdcall KZBE_FileChangeDirPut(IDispatch* editor, BOOL on);
+BRANNOC_API IDispatch* __stdcall KZBE_CreateHandlers(IDispatch* editor, LPCSTR name, IDispatch* object);
+BRANNOC_API IDispatch* __stdcall KZBE_ModuleInstance(IDispatch* editor, LPCSTR moduleName, BOOL createNew);
+
 #ifdef __cplusplus
 }
 #endif
