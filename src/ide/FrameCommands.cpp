@@ -8,6 +8,7 @@
 #include "ide/FrameOpenUses.h"
 #include "ide/FrameToolbar.h"
 #include "ide/ModuleProperties.h"
+#include "ide/ReferencesDialog.h"
 #include "ide/TextArea.h"
 
 #include "brannoc.h"
@@ -212,6 +213,7 @@ bool RunFrameCommand(EditorFrame& frame, int command)
         frame.ShowPane(command - CMD_IMMEDIATE);
         return true;
     case CMD_QUICK_WATCH: case CMD_ADD_WATCH: frame.QuickWatch(command == CMD_ADD_WATCH); return true;
+    case CMD_REFERENCES: return ShowReferencesDialog(frame);
     case CMD_PROPERTIES:
         if (sheet && sheet->kind != SheetKind::Macro)
             ShowModuleProperties(frame, *sheet);
