@@ -4,6 +4,7 @@
 #include "ide/EditorFrame.h"
 #include "ide/EditorStrings.h"
 #include "ide/FindReplace.h"
+#include "ide/KeywordSets.h"
 #include "ide/Printing.h"
 #include "ide/Sheet.h"
 
@@ -160,6 +161,13 @@ public:
     BSTR ReadMacro(IDispatch* unit, const std::wstring& name);
     void EditEventCode(const std::string& request);
     void ClearExecutionMarks();
+    // Whether the engine runs, is stopped in, or holds loaded the module of that (unquoted) name.
+    bool EngineHoldsName(const std::string& name) const;
+    // The text area's keyword sets from the engine: its keywords, the host's extra lists and the
+    // current macro's own names.
+    void RefreshKeywords();
+    // A host's error object (Number, Description): shown, and its number kept for the error getters.
+    void ReportHostError(IDispatch* error);
     // A sheet opened for a module the engine has: the engine's break points become its marks.
     void MarkEngineBreakPoints(Sheet& sheet);
     // Typing into a sheet whose macro runs: the user may end the run first. False: the key is dropped.
@@ -197,6 +205,9 @@ public:
     HWND m_panes[4] = {};
     int m_topPane = 0;
     std::vector<std::string> m_stackMacros, m_loadedMacros;
+    KeywordSets m_keywords;
+    std::string m_extraKeywords = "||";   // blocked words | extra list 1 | extra list 2
+    LONG m_hostErrorNumber = 0;           // of the last error the host reported; 0 when none
     FrameCallbacks m_callbacks;
     std::bitset<128> m_enabled;
     std::vector<std::unique_ptr<Sheet>> m_sheets;

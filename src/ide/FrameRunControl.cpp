@@ -3,6 +3,7 @@
 #include "ide/EditorFrameState.h"
 
 #include "ide/CommandTable.h"
+#include "ide/EngineKeywords.h"
 #include "ide/EngineLink.h"
 #include "ide/ProcedureIndex.h"
 #include "ide/TextArea.h"
@@ -18,7 +19,8 @@ namespace brannoc::ide {
 namespace {
 
 enum EditorRunStrings : unsigned {
-    IDS_HERE = 554, IDS_RUNNING = 555, IDS_IDLE = 556, IDS_PAUSED = 557,
+    IDS_HERE = 554, IDS_RUNNING = 555, IDS_IDLE = 556, IDS_PAUSED = 557, IDS_NO_ERROR_INFORMATION = 566,
+    IDS_ERROR_CODE = 567, IDS_AUTOMATION_ERROR_CODE = 568,
     IDS_UNREACHABLE_LINE = 578, IDS_BREAK_NOT_SET = 579,
 };
 
@@ -32,6 +34,22 @@ BSTR AllocText(const std::string& text)
 {
     const std::wstring wide = WideText(text);
     return SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
+}
+
+// A property of an object, read by name; false when it has none or the call fails.
+bool InvokeGet(IDispatch* object, const wchar_t* name, Variant& value)
+{
+    LPOLESTR member = const_cast<LPOLESTR>(name);
+    DISPID id = 0;
+    if (FAILED(object->GetIDsOfNames(IID_NULL, &member, 1, LOCALE_USER_DEFAULT, &id)))
+        return false;
+    DISPPARAMS none{nullptr, nullptr, 0, 0};
+    VARIANT result;
+    VariantInit(&result);
+    if (FAILED(object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none, &result, nullptr, nullptr)))
+        return false;
+    value.Attach(result);
+    return true;
 }
 
 // How a run command found the current sheet's macro.
@@ -489,7 +507,9 @@ void EditorFrame::OnEngineNotify(int code)
     case 0: ShowRecordedError(); break;
     case 1:
         m_run.paused = false;
+        m_hostErrorNumber = 0;
         ShowStatus(Text(IDS_RUNNING));
+        RefreshKeywords();
         break;
     case 2:
         for (auto& sheet : m_sheets) {
@@ -550,6 +570,7 @@ void EditorFrame::OnEngineNotify(int code)
             OnEngineNotify(kHeldIdle);
         }
         break;
+    case 14: RefreshKeywords(); break;
     case 1000: ClearExecutionMarks(); break;
     default: break;
     }
@@ -653,6 +674,52 @@ void EditorFrame::MarkEngineBreakPoints(Sheet& sheet)
         sheet.document->SetBreakPoint(codeLine, true);
     }
     sheet.loaded = true;
+}
+
+bool EditorFrame::EngineHoldsName(const std::string& name) const
+{
+    if (!m_engine)
+        return false;
+    const std::string quoted = "\"" + name + "\"";
+    return CU_IsMacroActive(m_engine, quoted.c_str()) || IsHeldLoaded(m_run, quoted);
+}
+
+void EditorFrame::RefreshKeywords()
+{
+    Sheet* sheet = Current();
+    if (!m_engine || !sheet || PlainEditing())
+        return;
+    if (BuildKeywordSetsFromEngine(m_keywords, *reinterpret_cast<_CodeUnit*>(m_engine), EngineName(*sheet),
+                                   m_extraKeywords, EditorColours()))
+        SetTextAreaKeywords(m_editor, &m_keywords);
+}
+
+void EditorFrame::ReportHostError(IDispatch* error)
+{
+    LONG number = 0;
+    std::string description;
+    if (error) {
+        Variant value;
+        if (InvokeGet(error, L"Number", value) && SUCCEEDED(VariantChangeType(&value.Raw(), &value.Raw(), 0, VT_I4)))
+            number = value.Raw().lVal;
+        Variant text;
+        if (InvokeGet(error, L"Description", text) && text.Raw().vt == VT_BSTR && text.Raw().bstrVal)
+            description = NarrowText(text.Raw().bstrVal);
+    }
+    m_hostErrorNumber = number;
+    if (description.empty()) {
+        // Automation errors (status codes) are shown in hexadecimal.
+        char code[32];
+        if (number < 0)
+            wsprintfA(code, "0x%08lX", static_cast<unsigned long>(number));
+        else
+            wsprintfA(code, "%ld", number);
+        std::string text = Text(number == 0 ? IDS_NO_ERROR_INFORMATION : number < 0 ? IDS_AUTOMATION_ERROR_CODE : IDS_ERROR_CODE);
+        ReplaceAll(text, "<N>", code);
+        description = text;
+    }
+    Beep(MB_ICONHAND);
+    ShowText(description, MB_OK | MB_ICONEXCLAMATION);
 }
 
 bool EditorFrame::MayEditRunningSheet()

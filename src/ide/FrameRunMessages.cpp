@@ -9,6 +9,7 @@
 
 #include "brannoc.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace brannoc::ide {
@@ -108,6 +109,15 @@ bool RunControlMessage(EditorFrame& frame, UINT message, WPARAM wParam, LPARAM l
         return true;
     case FM_VERSION: result = CopyOutString(VersionText(frame), wParam, lParam); return true;
     case FM_REPLACECODE: result = ReplaceRunningCode(frame, lParam); return true;
+    case FM_REPORTERROR: frame.ReportHostError(reinterpret_cast<IDispatch*>(lParam)); result = 0; return true;
+    case FM_GETEXTRAKEYWORDS: result = CopyOutString(frame.m_extraKeywords, wParam, lParam); return true;
+    case FM_SETEXTRAKEYWORDS:
+        frame.m_extraKeywords = StringParameter(lParam);
+        if (std::count(frame.m_extraKeywords.begin(), frame.m_extraKeywords.end(), '|') < 2)
+            frame.m_extraKeywords += frame.m_extraKeywords.find('|') == std::string::npos ? "||" : "|";
+        frame.RefreshKeywords();
+        result = 0;
+        return true;
     default: break;
     }
     if (!engine)
@@ -119,7 +129,7 @@ bool RunControlMessage(EditorFrame& frame, UINT message, WPARAM wParam, LPARAM l
     case FM_ERRORDESC: result = CopyOutString(TakeEngineText(CU_ErrorDesc(engine)), wParam, lParam); return true;
     case FM_ERRORHELPCONTEXT: result = CU_ErrorHelpContext(engine); return true;
     case FM_ERRORHELPFILE: result = CopyOutString(TakeEngineText(CU_ErrorHelpFile(engine)), wParam, lParam); return true;
-    case FM_ERRORNUMBER: result = CU_ErrorNumber(engine); return true;
+    case FM_ERRORNUMBER: result = frame.m_hostErrorNumber ? frame.m_hostErrorNumber : CU_ErrorNumber(engine); return true;
     case FM_ERRORSOURCE: result = CopyOutString(TakeEngineText(CU_ErrorSource(engine)), wParam, lParam); return true;
     case FM_CURRENTMACRO: result = CopyOutString(TakeEngineText(CU_MacroName(engine)), wParam, lParam); return true;
     case FM_EVALUATE: {

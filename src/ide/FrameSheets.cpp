@@ -133,6 +133,7 @@ bool EditorFrame::ShowSheet(int index)
     if (m_sheetTabs)
         SendMessageA(m_sheetTabs, STM_SETTABS, static_cast<WPARAM>(Count()), m_current);
     FillLists();
+    RefreshKeywords();
     UpdateCaption();
     UpdateCommandStates();
     return true;
@@ -282,6 +283,10 @@ bool EditorFrame::SaveSheetAs(Sheet& sheet, std::string name)
     int other = FindSheet(name);
     if (other >= 0 && m_sheets[other].get() != &sheet) {
         ShowMessage(IDS_NAME_ALREADY_OPEN, MB_OK | MB_ICONEXCLAMATION, name);
+        return false;
+    }
+    if (!SameName(name, sheet.name) && EngineHoldsName(name)) {
+        ShowMessage(IDS_NAME_LOADED, MB_OK | MB_ICONEXCLAMATION, name);
         return false;
     }
     std::string text = WholeTextOf(sheet);

@@ -372,6 +372,73 @@ TEST_F(FrameRunControl, ASheetOpenedForALoadedModuleShowsTheEnginesBreakPoints)
     DeleteFileA(path.c_str());
 }
 
+// A host's error object: Number and Description, read by name.
+struct HostError {
+    virtual long __stdcall Number() { return number; }
+    virtual BSTR __stdcall Description() { return SysAllocString(description); }
+    long number = 0;
+    const wchar_t* description = L"";
+};
+
+void __stdcall KeepHostError(void*, void*) {}
+
+TEST_F(FrameRunControl, AHostErrorIsShownWithItsDescriptionOrItsCode)
+{
+    Create();
+    ITypeInfo* type = OA_CreateTypeW(L"=HostError\nNumber&=\nDescription$=\n");
+    ASSERT_NE(nullptr, type);
+    struct Row { long number; const wchar_t* description; const wchar_t* shown; };
+    const Row rows[] = {
+        {7, L"The ledger is closed.", L"The ledger is closed."},
+        {5, L"", L"Error code = 5"},
+        {static_cast<long>(0x80004005), L"", L"ActiveX error code = 0x80004005"},
+        {0, L"", L"Error condition reported, but no error information provided."},
+    };
+    for (const Row& row : rows) {
+        HostError error;
+        error.number = row.number;
+        error.description = row.description;
+        IDispatch* object = OA_CreateDispatch(type, KeepHostError, &error, nullptr);
+        ASSERT_NE(nullptr, object);
+        MessageBoxCapture capture;
+        Send(FM_REPORTERROR, 0, reinterpret_cast<LPARAM>(object));
+        ASSERT_EQ(1u, capture.Count());
+        EXPECT_EQ(row.shown, capture.Boxes()[0].text);
+        EXPECT_EQ(row.number, static_cast<long>(Send(FM_ERRORNUMBER)));
+        object->Release();
+    }
+    type->Release();
+}
+
+TEST_F(FrameRunControl, SavingUnderTheNameOfAModuleTheEngineHoldsIsRefused)
+{
+    Create();
+    const std::string path = TempPath("held_module.bas");
+    WriteFileBytes(path, "Sub Main\r\nEnd Sub\r\n");
+    EXPECT_EQ(0, SendText(FM_LOADMACRO, "\"" + path + "\""));
+    MessageBoxCapture capture;
+    EXPECT_EQ(1, SendText(FM_FILE, path, 0));
+    ASSERT_EQ(1u, capture.Count());
+    EXPECT_EQ(L"Macro/module by that name is loaded (busy).", capture.Boxes()[0].text);
+    EXPECT_EQ("Sub Main\r\nEnd Sub\r\n", ReadFileBytes(path)) << "the file is left alone";
+    EXPECT_EQ(0, SendText(FM_UNLOADMACRO, "\"" + path + "\""));
+    DeleteFileA(path.c_str());
+}
+
+TEST_F(FrameRunControl, ExtraKeywordListsAreKeptInThreeParts)
+{
+    Create();
+    EXPECT_EQ("||", Get(FM_GETEXTRAKEYWORDS));
+    SendText(FM_SETEXTRAKEYWORDS, "|Ledger Post");
+    EXPECT_EQ("|Ledger Post|", Get(FM_GETEXTRAKEYWORDS));
+    // The host's words take their own spelling when a line is committed, as the language's do.
+    Document()->MoveCaret(TextPosition{1, 1}, false);
+    for (char c : std::string("ledger"))
+        SendMessageA(Editor(), WM_CHAR, static_cast<WPARAM>(c), 0);
+    CaretTo(2);
+    EXPECT_EQ("Sub Main\r\n\tLedger\r\nEnd Sub\r\n", Get(FM_GETTEXT));
+}
+
 TEST_F(FrameRunControl, Screenshot)
 {
     Create();
