@@ -115,6 +115,8 @@ enum FrameMessage : UINT {
     FM_LINESTART = WM_USER + 376,      // character position of the start of line lParam (1-based)
     FM_LINEOFCHAR = WM_USER + 377,     // line (1-based) of character position lParam
     FM_GETTEXT = WM_USER + 382, FM_SETTEXT = WM_USER + 383,
+    FM_ATTACH = WM_USER + 384,         // lParam the host's automation object (child frames); 0 on success
+    FM_DETACH = WM_USER + 385,         // lParam 0: the user may cancel; 0 when the frame closed
     FM_STATUSHELP = WM_USER + 400, FM_TRANSLATEKEY = WM_USER + 401, FM_SETKEYBOARDMODE = WM_USER + 402,
     FM_OAVERSION = WM_USER + 403, FM_STRING = WM_USER + 404,
     FM_LOADMENU = WM_USER + 405,

@@ -7,6 +7,7 @@
 #include "ide/KeywordSets.h"
 #include "ide/Printing.h"
 #include "ide/Sheet.h"
+#include "values/ComRef.h"
 
 #include <windows.h>
 #include <unknwn.h>
@@ -168,6 +169,18 @@ public:
     void RefreshKeywords();
     // A host's error object (Number, Description): shown, and its number kept for the error getters.
     void ReportHostError(IDispatch* error);
+
+    // ---- the host's callbacks and automation object (FrameHostObject.cpp) ----
+    // Child frames only: the object becomes an unnamed extension and receives the requests below.
+    bool AttachHostObject(IDispatch* object);
+    // Ends execution, closes the sheets (`mayCancel`: the user may cancel) and then the frame.
+    bool DetachHost(bool mayCancel);
+    void NotifyHost(int code);
+    bool HostAboutBox();
+    bool HostDoEvents();
+    // True when the host showed help on the word itself.
+    bool HostHelp(const std::string& word);
+    HWND HostWindow();
     // A sheet opened for a module the engine has: the engine's break points become its marks.
     void MarkEngineBreakPoints(Sheet& sheet);
     // Typing into a sheet whose macro runs: the user may end the run first. False: the key is dropped.
@@ -205,6 +218,7 @@ public:
     HWND m_panes[4] = {};
     int m_topPane = 0;
     std::vector<std::string> m_stackMacros, m_loadedMacros;
+    ComRef<IDispatch> m_hostObject;
     KeywordSets m_keywords;
     std::string m_extraKeywords = "||";   // blocked words | extra list 1 | extra list 2
     LONG m_hostErrorNumber = 0;           // of the last error the host reported; 0 when none

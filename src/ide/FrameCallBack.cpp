@@ -38,14 +38,12 @@ public:
         if (m_frame && m_frame->m_callbacks.debugTrace)
             m_frame->m_callbacks.debugTrace(m_frame->m_window, type, NarrowText(View(text)).c_str());
     }
-    // The host's own pump when it has one; else up to 100 waiting messages are handled, so that the
-    // frame (Pause, End, closing) answers while a macro runs.
+    // The host's own pump (callback or object) when it has one; else up to 100 waiting messages are
+    // handled, so that the frame (Pause, End, closing) answers while a macro runs.
     virtual void __stdcall DoEvents(IDispatch*)
     {
-        if (m_frame && m_frame->m_callbacks.doEvents) {
-            m_frame->m_callbacks.doEvents(m_frame->m_window);
+        if (m_frame && m_frame->HostDoEvents())
             return;
-        }
         MSG message;
         for (int handled = 0; handled < 100 && PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE); ++handled) {
             if (message.message == WM_QUIT) {
@@ -69,7 +67,7 @@ public:
     {
         if (!m_frame)
             return 0;
-        HWND window = m_frame->m_callbacks.window ? m_frame->m_callbacks.window(m_frame->m_window) : nullptr;
+        HWND window = m_frame->HostWindow();
         return static_cast<long>(reinterpret_cast<LONG_PTR>(window ? window : m_frame->m_window));
     }
     virtual BSTR __stdcall MapMacroName(IDispatch*, BSTR name, BSTR)

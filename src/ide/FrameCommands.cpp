@@ -232,9 +232,7 @@ bool RunFrameCommand(EditorFrame& frame, int command)
         frame.ShowText("Not implemented.", MB_OK | MB_ICONINFORMATION);
         return true;
     case CMD_ABOUT:
-        if (frame.m_callbacks.about)
-            frame.m_callbacks.about(frame.m_window);
-        else
+        if (!frame.HostAboutBox())
             OA_BrannocAboutBox(frame.m_window, frame.m_placeholders.title.c_str(), nullptr);
         return true;
     default:
@@ -285,8 +283,7 @@ LRESULT EditorFrame::HostCommand(int number, bool carryOut)
             return 1;
         if (number == HOST_TO_TOP) {
             SetForegroundWindow(IsTopLevel() ? m_window : GetAncestor(m_window, GA_ROOT));
-            if (m_callbacks.notify)
-                m_callbacks.notify(m_window, 17);
+            NotifyHost(17);
         }
         return 1;
     }

@@ -40,8 +40,7 @@ bool EditorFrame::ChooseDisplayFont()
     if (!created)
         return false;
     SetDisplayFont(created, true);
-    if (m_callbacks.notify)
-        m_callbacks.notify(m_window, kFontChangedNotification);
+    NotifyHost(kFontChangedNotification);
     return true;
 }
 

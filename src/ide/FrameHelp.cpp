@@ -160,7 +160,7 @@ void ShowLanguageHelp(EditorFrame& frame)
 void SearchHelpTopic(EditorFrame& frame)
 {
     std::string word = HelpWordAtCaret(frame);
-    if (frame.m_callbacks.help && frame.m_callbacks.help(frame.m_window, word.c_str()))
+    if (frame.HostHelp(word))
         return;
     ShowHelpFile(frame.m_window, EngineHelpFile(frame), HELP_PARTIALKEY, reinterpret_cast<ULONG_PTR>(word.c_str()));
 }

@@ -135,6 +135,8 @@ bool HostDataMessage(EditorFrame& frame, UINT message, WPARAM wParam, LPARAM lPa
     }
     case FM_LINEOFCHAR: result = SendMessageA(frame.m_editor, EM_LINEFROMCHAR, static_cast<WPARAM>(lParam), 0) + 1; return true;
     case FM_ADDAPPOBJECT: result = AddApplicationObject(frame, wParam, lParam); return true;
+    case FM_ATTACH: result = frame.AttachHostObject(reinterpret_cast<IDispatch*>(lParam)) ? 0 : 1; return true;
+    case FM_DETACH: result = frame.DetachHost(lParam == 0) ? 0 : 1; return true;
     default: break;
     }
     if (!engine) {

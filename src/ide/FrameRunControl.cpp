@@ -288,8 +288,7 @@ void Pause(EditorFrame& frame)
         CU_Stop(frame.m_engine);
     } else if (CU_IsIdle(frame.m_engine)) {
         CU_Step(frame.m_engine);
-        if (frame.m_callbacks.notify)
-            frame.m_callbacks.notify(frame.m_window, 8);
+        frame.NotifyHost(8);
     } else {
         CU_Stop(frame.m_engine);
     }
@@ -579,8 +578,8 @@ void EditorFrame::OnEngineNotify(int code)
         UpdateCaption();
         Layout();
     }
-    if (code >= 0 && code != 1000 && m_callbacks.notify)
-        m_callbacks.notify(m_window, code);
+    if (code >= 0 && code != 1000)
+        NotifyHost(code);
 }
 
 void EditorFrame::ShowRecordedError()

@@ -439,6 +439,44 @@ TEST_F(FrameRunControl, ExtraKeywordListsAreKeptInThreeParts)
     EXPECT_EQ("Sub Main\r\n\tLedger\r\nEnd Sub\r\n", Get(FM_GETTEXT));
 }
 
+// A host's automation object: the frame's requests reach its "_" and "CallBack" members.
+struct HostObject {
+    virtual void __stdcall Notify(long code) { codes.push_back(code); }
+    virtual void __stdcall AboutBox() { ++abouts; }
+    std::vector<long> codes;
+    int abouts = 0;
+};
+
+TEST_F(FrameRunControl, AnAttachedHostObjectReceivesTheFramesRequests)
+{
+    ITypeInfo* type = OA_CreateTypeW(L"=Host\n_Notify Code&\nCallBackAboutBox\n");
+    ASSERT_NE(nullptr, type);
+    HostObject host;
+    IDispatch* object = OA_CreateDispatch(type, KeepHostError, &host, nullptr);
+    ASSERT_NE(nullptr, object);
+    Create(kDefaultOptions);
+    EXPECT_EQ(1, Send(FM_ATTACH, 0, reinterpret_cast<LPARAM>(object))) << "top-level frames take no host object";
+    Create(kDefaultOptions, true);
+    EXPECT_EQ(0, Send(FM_ATTACH, 0, reinterpret_cast<LPARAM>(object)));
+    EXPECT_EQ(0, SendText(FM_RUNTHIS, "Debug.Print 1"));
+    EXPECT_NE(host.codes.end(), std::find(host.codes.begin(), host.codes.end(), 1));
+    ASSERT_FALSE(host.codes.empty());
+    EXPECT_EQ(2, host.codes.back());
+    Command(CMD_ABOUT);
+    EXPECT_EQ(1, host.abouts);
+    // The object is an unnamed extension: macros reach its members by their names alone.
+    EXPECT_EQ(0, SendText(FM_RUNTHIS, "CallBackAboutBox"));
+    EXPECT_EQ(2, host.abouts);
+    {
+        MessageBoxCapture capture(IDNO);
+        EXPECT_EQ(0, Send(FM_DETACH, 0, 1));
+    }
+    EXPECT_FALSE(IsWindow(m_frame));
+    m_frame = nullptr;
+    object->Release();
+    type->Release();
+}
+
 TEST_F(FrameRunControl, Screenshot)
 {
     Create();
