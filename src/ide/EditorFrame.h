@@ -91,7 +91,10 @@ enum FrameMessage : UINT {
     FM_HASNOENGINE = WM_USER + 337,
     FM_COMMANDSTATUS = WM_USER + 339, FM_COMMANDTIP = WM_USER + 340,
     FM_REPORTERROR = WM_USER + 338,    // lParam the host's error object (Number, Description)
+    FM_CHECKSTATE = WM_USER + 341,     // 1 when host command number wParam shows checked
     FM_SETDEBUGTRACECALLBACK = WM_USER + 342,
+    FM_REFERENCES = WM_USER + 349,     // the references dialog for the macro lParam
+    FM_SETREFERENCESCALLBACK = WM_USER + 351,
     FM_RUNSPECIAL = WM_USER + 343,     // the engine's Run with 0x8000 + the low byte of lParam
     FM_VERSION = WM_USER + 344,
     FM_ERRORHELPCONTEXT = WM_USER + 345, FM_ERRORHELPFILE = WM_USER + 346, FM_ERRORNUMBER = WM_USER + 347,
@@ -143,6 +146,8 @@ using FrameReadMacroCallback = int(CALLBACK*)(HWND frame, const char* name, char
 // Whether the header of an object module is accepted, and the host's object for a new instance of one.
 using FrameParsePropertiesCallback = BOOL(CALLBACK*)(HWND frame, const char* name, const char* properties);
 using FrameNewInstanceCallback = IDispatch*(CALLBACK*)(HWND frame, const char* name);
+// New "'#Reference " lines (each ending in CR LF) for a macro that is not open in a sheet.
+using FrameSetReferencesCallback = BOOL(CALLBACK*)(HWND frame, const char* name, const char* referenceLines);
 // The engine's trace lines (the API trace and line tracing), with their kind.
 using FrameDebugTraceCallback = void(CALLBACK*)(HWND frame, int kind, const char* text);
 // Nonzero: the host has shown help on the word (Topic Search) and the engine's help file is not opened.

@@ -29,6 +29,7 @@ struct FrameCallbacks {
     FrameReadMacroCallback readMacro = nullptr;
     FrameParsePropertiesCallback parseProperties = nullptr;
     FrameNewInstanceCallback newInstance = nullptr;
+    FrameSetReferencesCallback setReferences = nullptr;
     FrameHelpCallback help = nullptr;
     FrameStatusCallback status = nullptr;
     FrameQuerySaveCallback querySave = nullptr;
@@ -122,6 +123,9 @@ public:
     // ---- commands (FrameCommands.cpp) ----
     int Dispatch(int command, bool fromUser);
     bool IsEnabled(int command) const { return command >= 300 && command < 428 && m_enabled[command - 300]; }
+    // Whether a menu shows the command checked: tab width and tab-as-spaces, toolbar, status bar, edit
+    // buttons, split, list mode, design state, the pane on top and the current sheet.
+    bool IsChecked(int command) const;
     void UpdateCommandStates();
     LRESULT HostCommand(int number, bool carryOut);
     int TranslateKey(int key) const;

@@ -245,6 +245,27 @@ bool RunFrameCommand(EditorFrame& frame, int command)
 
 } // namespace
 
+bool EditorFrame::IsChecked(int command) const
+{
+    if (command >= CMD_TAB_WIDTH_1 && command <= CMD_TAB_WIDTH_8)
+        return m_tabWidth == command - CMD_TAB_WIDTH_1 + 1;
+    if (command >= CMD_LISTS_NEITHER && command <= CMD_LISTS_BOTH)
+        return m_listMode == command - CMD_LISTS_NEITHER;
+    if (command >= CMD_IMMEDIATE && command <= CMD_LOADED)
+        return PanesShown() && m_topPane == command - CMD_IMMEDIATE;
+    if (command >= CMD_SHEET_1 && command <= CMD_SHEET_9)
+        return m_current == command - CMD_SHEET_1;
+    switch (command) {
+    case CMD_TAB_AS_SPACES: return m_tabsAsSpaces;
+    case CMD_VIEW_TOOLBAR: return Has(FO_TOOLBAR);
+    case CMD_VIEW_STATUS_BAR: return Has(FO_STATUS_BAR);
+    case CMD_VIEW_EDIT_BUTTONS: return Has(FO_EDIT_BUTTONS);
+    case CMD_ALWAYS_SPLIT: return Has(FO_ALWAYS_SPLIT);
+    case CMD_DESIGN_MODE: return m_designDisplay;
+    default: return false;
+    }
+}
+
 void EditorFrame::UpdateCommandStates()
 {
     if (!m_editor)

@@ -5,6 +5,7 @@
 
 #include "ide/EditorFrameState.h"
 #include "ide/EngineLink.h"
+#include "ide/ReferencesDialog.h"
 
 #include "brannoc.h"
 
@@ -135,6 +136,11 @@ bool HostDataMessage(EditorFrame& frame, UINT message, WPARAM wParam, LPARAM lPa
     }
     case FM_LINEOFCHAR: result = SendMessageA(frame.m_editor, EM_LINEFROMCHAR, static_cast<WPARAM>(lParam), 0) + 1; return true;
     case FM_ADDAPPOBJECT: result = AddApplicationObject(frame, wParam, lParam); return true;
+    case FM_REFERENCES: result = ShowMacroReferencesDialog(frame, StringParameter(lParam)) ? 0 : 1; return true;
+    case FM_SETREFERENCESCALLBACK:
+        frame.m_callbacks.setReferences = reinterpret_cast<FrameSetReferencesCallback>(lParam);
+        result = 0;
+        return true;
     case FM_ATTACH: result = frame.AttachHostObject(reinterpret_cast<IDispatch*>(lParam)) ? 0 : 1; return true;
     case FM_DETACH: result = frame.DetachHost(lParam == 0) ? 0 : 1; return true;
     default: break;

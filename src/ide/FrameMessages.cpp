@@ -217,8 +217,10 @@ LRESULT EditorFrame::Handle(UINT message, WPARAM wParam, LPARAM lParam)
         UpdateCommandStates();
         for (int i = 0; i < GetMenuItemCount(menu); ++i) {
             UINT id = GetMenuItemID(menu, i);
-            if (id >= 300 && id < 385)
+            if (id >= 300 && id < 385) {
                 EnableMenuItem(menu, id, MF_BYCOMMAND | (IsEnabled(static_cast<int>(id)) ? MF_ENABLED : MF_GRAYED));
+                CheckMenuItem(menu, id, MF_BYCOMMAND | (IsChecked(static_cast<int>(id)) ? MF_CHECKED : MF_UNCHECKED));
+            }
         }
         return 0;
     }
@@ -289,6 +291,10 @@ LRESULT EditorFrame::Handle(UINT message, WPARAM wParam, LPARAM lParam)
     case FM_SETCOMMANDFILTER: return SetCallback(m_callbacks.commandFilter, lParam);
     case FM_HOSTCOMMAND: UpdateCommandStates(); return HostCommand(static_cast<int>(wParam), lParam != 0);
     case FM_HASNOENGINE: return m_engine ? 0 : 1;
+    case FM_CHECKSTATE: {
+        const int command = CommandOfHostNumber(static_cast<int>(wParam));
+        return command && IsChecked(command) ? 1 : 0;
+    }
     case FM_COMMANDSTATUS:
     case FM_COMMANDTIP: {
         int command = CommandOfHostNumber(static_cast<int>(wParam));

@@ -5,10 +5,12 @@
 #include "host/ThisModule.h"
 #include "ide/EditorFrameState.h"
 #include "ide/EngineLink.h"
+#include "ide/ModuleText.h"
 #include "ide/ReferenceList.h"
 
 #include "brannoc.h"
 
+#include <optional>
 #include <set>
 
 namespace brannoc::ide {
@@ -23,7 +25,8 @@ const char* const kListProcProp = "BrannocReferenceListProc";
 
 struct ReferencesBox {
     EditorFrame* frame = nullptr;
-    Sheet* sheet = nullptr;
+    std::string macro;       // the name shown in the title
+    std::string references;  // the reference lines the dialog opens with
     std::vector<ReferenceEntry> entries;
 };
 
@@ -184,8 +187,8 @@ LRESULT CALLBACK ListWindowProc(HWND list, UINT message, WPARAM wParam, LPARAM l
 void Open(HWND dialog, ReferencesBox& box)
 {
     SetWindowLongPtrA(dialog, DWLP_USER, reinterpret_cast<LONG_PTR>(&box));
-    SetWindowTextA(dialog, (box.frame->Text(IDS_REFERENCES) + " - " + box.frame->DisplayName(box.sheet->name)).c_str());
-    box.entries = MergeReferences(ReadRegisteredLibraries(), box.sheet->references, ExtensionLibraries(*box.frame));
+    SetWindowTextA(dialog, (box.frame->Text(IDS_REFERENCES) + " - " + box.frame->DisplayName(box.macro)).c_str());
+    box.entries = MergeReferences(ReadRegisteredLibraries(), box.references, ExtensionLibraries(*box.frame));
     HWND list = GetDlgItem(dialog, kList);
     SetPropA(list, kListProcProp,
              reinterpret_cast<HANDLE>(SetWindowLongPtrA(list, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(ListWindowProc))));
@@ -224,6 +227,17 @@ INT_PTR CALLBACK ReferencesDlgProc(HWND dialog, UINT message, WPARAM wParam, LPA
     }
 }
 
+// Runs the dialog; the checked references as text when OK was pressed.
+std::optional<std::string> ChooseReferences(EditorFrame& frame, const std::string& macro, const std::string& references)
+{
+    ReferencesBox box{&frame, macro, references, {}};
+    const INT_PTR answer = DialogBoxParamA(ThisModule(), MAKEINTRESOURCEA(kReferencesDialog), frame.m_window,
+                                           ReferencesDlgProc, reinterpret_cast<LPARAM>(&box));
+    if (answer != IDOK)
+        return std::nullopt;
+    return ReferencesText(box.entries);
+}
+
 } // namespace
 
 bool ShowReferencesDialog(EditorFrame& frame)
@@ -231,20 +245,37 @@ bool ShowReferencesDialog(EditorFrame& frame)
     Sheet* sheet = frame.Current();
     if (!sheet)
         return false;
-    ReferencesBox box{&frame, sheet, {}};
-    const INT_PTR answer = DialogBoxParamA(ThisModule(), MAKEINTRESOURCEA(kReferencesDialog), frame.m_window,
-                                           ReferencesDlgProc, reinterpret_cast<LPARAM>(&box));
-    if (answer != IDOK)
+    const std::optional<std::string> text = ChooseReferences(frame, sheet->name, sheet->references);
+    if (!text)
         return false;
-    const std::string text = ReferencesText(box.entries);
-    if (text == sheet->references)
+    if (*text == sheet->references)
         return true;
-    sheet->references = text;
+    sheet->references = *text;
     sheet->referenceLines = 0;
-    for (char c : text)
+    for (char c : *text)
         sheet->referenceLines += c == '\n' ? 1 : 0;
     frame.ApplyHeader(*sheet);
     return true;
+}
+
+bool ShowMacroReferencesDialog(EditorFrame& frame, const std::string& macro)
+{
+    const std::string name = Unquoted(macro);
+    const int index = name.empty() ? frame.m_current : frame.FindSheet(name);
+    if (index >= 0)
+        return frame.ShowSheet(index) && ShowReferencesDialog(frame);
+    // A macro that is not open: its lines are read as the engine would read them, and the host
+    // stores the new ones.
+    std::string references;
+    if (BSTR text = frame.ReadMacro(nullptr, WideText(name))) {
+        references = SplitModuleText(NarrowText(std::wstring_view(text, SysStringLen(text)))).references;
+        SysFreeString(text);
+    }
+    const std::optional<std::string> chosen = ChooseReferences(frame, name, references);
+    if (!chosen)
+        return false;
+    return *chosen == references ||
+           (frame.m_callbacks.setReferences && frame.m_callbacks.setReferences(frame.m_window, name.c_str(), chosen->c_str()));
 }
 
 } // namespace brannoc::ide

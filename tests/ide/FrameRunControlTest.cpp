@@ -477,6 +477,26 @@ TEST_F(FrameRunControl, AnAttachedHostObjectReceivesTheFramesRequests)
     type->Release();
 }
 
+TEST_F(FrameRunControl, CheckMarksFollowTheFramesState)
+{
+    Create();
+    const auto checked = [&](int command) { return Send(FM_CHECKSTATE, static_cast<WPARAM>(HostNumberOfCommand(command))); };
+    EXPECT_EQ(1, checked(CMD_VIEW_TOOLBAR));
+    EXPECT_EQ(1, checked(CMD_DESIGN_MODE));
+    EXPECT_EQ(0, checked(CMD_TAB_AS_SPACES));
+    EXPECT_EQ(1, checked(CMD_TAB_WIDTH_1 + 3)) << "tab width 4";
+    Command(CMD_TAB_AS_SPACES);
+    EXPECT_EQ(1, checked(CMD_TAB_AS_SPACES));
+    EXPECT_EQ(0, checked(CMD_IMMEDIATE)) << "no pane shows while nothing runs";
+    SendText(FM_SETTEXT, kCounting);
+    Command(CMD_STEP_INTO);
+    EXPECT_EQ(1, checked(CMD_IMMEDIATE));
+    Command(CMD_STACK);
+    EXPECT_EQ(0, checked(CMD_IMMEDIATE));
+    EXPECT_EQ(1, checked(CMD_STACK));
+    Command(CMD_END);
+}
+
 TEST_F(FrameRunControl, Screenshot)
 {
     Create();

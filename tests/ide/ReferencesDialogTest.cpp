@@ -135,4 +135,44 @@ TEST_F(ReferencesDialogBox, UncheckingAReferenceAndPressingOkRemovesItsLine)
     DeleteFileA(path.c_str());
 }
 
+std::string s_setName, s_setLines;
+BOOL CALLBACK RecordReferences(HWND, const char* name, const char* lines)
+{
+    s_setName = name;
+    s_setLines = lines;
+    return TRUE;
+}
+
+TEST_F(ReferencesDialogBox, AMacroThatIsNotOpenGetsItsNewLinesThroughTheHost)
+{
+    const std::string path = TempPath("closed_references.bas");
+    WriteFileBytes(path, "'#Reference {AAAA0000-0000-0000-0000-000000000000}#1.0#0#C:\\gone.tlb#Gone\r\n"
+                         "Sub Main\r\nEnd Sub\r\n");
+    Create();
+    Send(FM_SETREFERENCESCALLBACK, 0, reinterpret_cast<LPARAM>(RecordReferences));
+    s_setName = s_setLines = "<none>";
+    std::string first;
+    DialogRobot robot([&](HWND dialog) {
+        HWND list = GetDlgItem(dialog, 130);
+        char entry[256] = {};
+        int bad = -1;
+        for (int i = 0; i < SendMessageA(list, LB_GETCOUNT, 0, 0) && bad < 0; ++i) {
+            SendMessageA(list, LB_GETTEXT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(entry));
+            if (std::string(entry).find("Bad reference") == 0) {
+                bad = i;
+                first = entry;
+            }
+        }
+        SendMessageA(list, LB_SETCURSEL, static_cast<WPARAM>(bad), 0);
+        SendMessageA(list, WM_CHAR, ' ', 0);
+        DialogRobot::Press(dialog, IDOK);
+    });
+    EXPECT_EQ(0, SendText(FM_REFERENCES, "\"" + path + "\""));
+    EXPECT_EQ("Bad reference: Gone (1.0)", first);
+    EXPECT_EQ(path, s_setName);
+    EXPECT_EQ("", s_setLines) << "the unchecked reference is gone";
+    Send(FM_SETREFERENCESCALLBACK, 0, 0);
+    DeleteFileA(path.c_str());
+}
+
 } // namespace
