@@ -64,6 +64,7 @@ enum FrameMessage : UINT {
     FM_PAUSE = WM_USER + 281,          // lParam nonzero Pause, zero Continue and Run
     FM_STARTEND = WM_USER + 283,       // lParam nonzero start the current sheet's macro, zero End
     FM_CHECK = WM_USER + 286,          // nonzero when the current sheet's macro can be taken in
+    FM_GETCOLOUR = WM_USER + 290, FM_SETCOLOUR = WM_USER + 291, // wParam 0 to 10; lParam the colour
     FM_GETDEBUGLOAD = WM_USER + 292, FM_SETDEBUGLOAD = WM_USER + 293,
     FM_FIRE = WM_USER + 294, FM_CREATEHANDLER = WM_USER + 295, // the engine's objects, reference added
     FM_GETREADONLY = WM_USER + 296, FM_SETREADONLY = WM_USER + 297,

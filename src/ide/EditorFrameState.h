@@ -223,6 +223,7 @@ public:
     int m_topPane = 0;
     std::vector<std::string> m_stackMacros, m_loadedMacros;
     ComRef<IDispatch> m_hostObject;
+    EditorColours m_colours;             // the text area's colour table (WM_USER + 290/291)
     KeywordSets m_keywords;
     std::string m_extraKeywords = "||";   // blocked words | extra list 1 | extra list 2
     LONG m_hostErrorNumber = 0;           // of the last error the host reported; 0 when none

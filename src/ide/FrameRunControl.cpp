@@ -689,7 +689,7 @@ void EditorFrame::RefreshKeywords()
     if (!m_engine || !sheet || PlainEditing())
         return;
     if (BuildKeywordSetsFromEngine(m_keywords, *reinterpret_cast<_CodeUnit*>(m_engine), EngineName(*sheet),
-                                   m_extraKeywords, EditorColours()))
+                                   m_extraKeywords, m_colours))
         SetTextAreaKeywords(m_editor, &m_keywords);
 }
 

@@ -6,6 +6,7 @@
 #include "ide/CommandTable.h"
 #include "ide/EditorFrameState.h"
 #include "ide/EngineLink.h"
+#include "ide/TextArea.h"
 
 #include "brannoc.h"
 
@@ -109,6 +110,22 @@ bool RunControlMessage(EditorFrame& frame, UINT message, WPARAM wParam, LPARAM l
         return true;
     case FM_VERSION: result = CopyOutString(VersionText(frame), wParam, lParam); return true;
     case FM_REPLACECODE: result = ReplaceRunningCode(frame, lParam); return true;
+    case FM_GETCOLOUR:
+        result = wParam < EditorColours::kCount ? static_cast<LRESULT>(frame.m_colours.Entry(static_cast<EditorColour>(wParam))) : 0;
+        return true;
+    case FM_SETCOLOUR:
+        if (wParam >= EditorColours::kCount) {
+            result = 1;
+            return true;
+        }
+        frame.m_colours.SetEntry(static_cast<EditorColour>(wParam), static_cast<DWORD>(lParam));
+        if (!frame.PlainEditing())
+            SetTextAreaColours(frame.m_editor, frame.m_colours);
+        // Keyword classes switched on or off change the sets.
+        frame.RefreshKeywords();
+        InvalidateRect(frame.m_editor, nullptr, TRUE);
+        result = 0;
+        return true;
     case FM_REPORTERROR: frame.ReportHostError(reinterpret_cast<IDispatch*>(lParam)); result = 0; return true;
     case FM_GETEXTRAKEYWORDS: result = CopyOutString(frame.m_extraKeywords, wParam, lParam); return true;
     case FM_SETEXTRAKEYWORDS:

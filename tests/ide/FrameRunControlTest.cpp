@@ -497,6 +497,20 @@ TEST_F(FrameRunControl, CheckMarksFollowTheFramesState)
     Command(CMD_END);
 }
 
+TEST_F(FrameRunControl, TheColourTableReachesTheTextArea)
+{
+    Create();
+    SendText(FM_SETTEXT, "Sub Main\r\n\tBeep\r\nEnd Sub\r\n");
+    EXPECT_EQ(1, Send(FM_SETCOLOUR, 11, 0)) << "entries 0 to 10 only";
+    EXPECT_EQ(0, Send(FM_SETCOLOUR, 8, RGB(0, 0, 96)));
+    EXPECT_EQ(static_cast<LRESULT>(RGB(0, 0, 96)), Send(FM_GETCOLOUR, 8));
+    Send(FM_UPDATE);
+    Pump(100);
+    RECT area = ChildRect(ID_FRAME_EDITOR);
+    RECT sample{area.right - 60, area.bottom - 60, area.right - 50, area.bottom - 50};
+    EXPECT_TRUE(WindowImage::Capture(m_frame).Contains(sample, RGB(0, 0, 96))) << "the background takes the colour";
+}
+
 TEST_F(FrameRunControl, Screenshot)
 {
     Create();
