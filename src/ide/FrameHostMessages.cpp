@@ -5,6 +5,7 @@
 
 #include "ide/EditorFrameState.h"
 #include "ide/EngineLink.h"
+#include "ide/ObjectBrowser.h"
 
 #include "brannoc.h"
 
@@ -135,6 +136,7 @@ bool HostDataMessage(EditorFrame& frame, UINT message, WPARAM wParam, LPARAM lPa
     }
     case FM_LINEOFCHAR: result = SendMessageA(frame.m_editor, EM_LINEFROMCHAR, static_cast<WPARAM>(lParam), 0) + 1; return true;
     case FM_ADDAPPOBJECT: result = AddApplicationObject(frame, wParam, lParam); return true;
+    case FM_BROWSE: result = ShowObjectBrowser(frame, reinterpret_cast<const char*>(lParam)) ? 0 : 1; return true;
     default: break;
     }
     if (!engine) {
