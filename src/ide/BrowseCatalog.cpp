@@ -14,6 +14,9 @@ namespace brannoc::ide {
 
 namespace {
 
+// "(extensions)": the library of extension types that no named type library contains.
+constexpr unsigned IDS_EXTENSIONS = 592;
+
 bool SameName(std::string_view a, std::string_view b)
 {
     return a.size() == b.size() && CompareStringA(LOCALE_INVARIANT, NORM_IGNORECASE, a.data(), static_cast<int>(a.size()),
@@ -208,7 +211,7 @@ void AddLibrary(BrowseCatalog& catalog, ITypeLib* library)
 BrowseCatalog CollectBrowseCatalog(const EditorFrame& frame)
 {
     BrowseCatalog catalog;
-    AddExtensions(catalog, frame, frame.Text(592));
+    AddExtensions(catalog, frame, frame.Text(IDS_EXTENSIONS));
     AddReferences(catalog, frame);
     return catalog;
 }

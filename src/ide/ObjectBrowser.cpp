@@ -27,7 +27,7 @@ constexpr int kLibraries = 109, kTypes = 110, kMembers = 111, kDispatchId = 113,
               kValue = 116, kBack = 119, kExpression = 120, kHelpString = 122, kHelpButton = 123, kParameters = 125;
 enum BrowseStrings : unsigned {
     IDS_NO_BROWSING = 510, IDS_HELP_NOT_FOUND = 511, IDS_NOTHING_TO_BROWSE = 512, IDS_NOTHING = 513,
-    IDS_NO_TYPEINFO = 514, IDS_NO_TYPENAME = 515, IDS_ALL_LIBRARIES = 516, IDS_EXTENSIONS = 592,
+    IDS_NO_TYPEINFO = 514, IDS_NO_TYPENAME = 515, IDS_ALL_LIBRARIES = 516,
 };
 
 struct BrowseBox {

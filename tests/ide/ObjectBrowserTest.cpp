@@ -4,6 +4,7 @@
 
 #include "ide/BrowsePath.h"
 #include "ide/CommandTable.h"
+#include "ide/EngineLink.h"
 #include "ide/MemberLine.h"
 #include "ide/MemberTemplate.h"
 #include "ide/ReferenceList.h"
@@ -207,6 +208,62 @@ bool Contains(const std::vector<std::string>& texts, const std::string& text)
     return std::find(texts.begin(), texts.end(), text) != texts.end();
 }
 
+// Writes a small type library "Shop": the dispatch interface Application whose property Document gives
+// the dispatch interface Document (with a String property Title). False when the platform refuses.
+bool WriteShopLibrary(const std::wstring& path)
+{
+    ICreateTypeLib2* library = nullptr;
+    if (FAILED(CreateTypeLib2(SYS_WIN32, path.c_str(), &library)))
+        return false;
+    const GUID libraryId = {0x6b1f0a10, 0x2c3d, 0x4e5f, {0x80, 0x91, 0xa2, 0xb3, 0xc4, 0xd5, 0xe6, 0xf7}};
+    const GUID documentId = {0x6b1f0a11, 0x2c3d, 0x4e5f, {0x80, 0x91, 0xa2, 0xb3, 0xc4, 0xd5, 0xe6, 0xf7}};
+    const GUID applicationId = {0x6b1f0a12, 0x2c3d, 0x4e5f, {0x80, 0x91, 0xa2, 0xb3, 0xc4, 0xd5, 0xe6, 0xf7}};
+    library->SetName(const_cast<LPOLESTR>(L"Shop"));
+    library->SetGuid(libraryId);
+    library->SetVersion(1, 0);
+    library->SetLcid(0);
+    ICreateTypeInfo* document = nullptr;
+    ICreateTypeInfo* application = nullptr;
+    bool written = SUCCEEDED(library->CreateTypeInfo(const_cast<LPOLESTR>(L"Document"), TKIND_DISPATCH, &document)) &&
+                   SUCCEEDED(library->CreateTypeInfo(const_cast<LPOLESTR>(L"Application"), TKIND_DISPATCH, &application));
+    ITypeInfo* documentType = nullptr;
+    HREFTYPE documentReference = 0;
+    if (written) {
+        document->SetGuid(documentId);
+        application->SetGuid(applicationId);
+        FUNCDESC title{};
+        title.memid = 1;
+        title.funckind = FUNC_DISPATCH;
+        title.invkind = INVOKE_PROPERTYGET;
+        title.callconv = CC_STDCALL;
+        title.elemdescFunc.tdesc.vt = VT_BSTR;
+        LPOLESTR titleName[] = {const_cast<LPOLESTR>(L"Title")};
+        written = SUCCEEDED(document->AddFuncDesc(0, &title)) && SUCCEEDED(document->SetFuncAndParamNames(0, titleName, 1)) &&
+                  SUCCEEDED(document->QueryInterface(IID_ITypeInfo, reinterpret_cast<void**>(&documentType))) &&
+                  SUCCEEDED(application->AddRefTypeInfo(documentType, &documentReference));
+    }
+    if (written) {
+        TYPEDESC user{};
+        user.vt = VT_USERDEFINED;
+        user.hreftype = documentReference;
+        FUNCDESC property{};
+        property.memid = 2;
+        property.funckind = FUNC_DISPATCH;
+        property.invkind = INVOKE_PROPERTYGET;
+        property.callconv = CC_STDCALL;
+        property.elemdescFunc.tdesc.vt = VT_PTR;
+        property.elemdescFunc.tdesc.lptdesc = &user;
+        LPOLESTR propertyName[] = {const_cast<LPOLESTR>(L"Document")};
+        written = SUCCEEDED(application->AddFuncDesc(0, &property)) &&
+                  SUCCEEDED(application->SetFuncAndParamNames(0, propertyName, 1)) && SUCCEEDED(library->SaveAllChanges());
+    }
+    for (IUnknown* object : {static_cast<IUnknown*>(documentType), static_cast<IUnknown*>(document),
+                             static_cast<IUnknown*>(application), static_cast<IUnknown*>(library)})
+        if (object)
+            object->Release();
+    return written;
+}
+
 class ObjectBrowserBox : public EditorFrameFixture {
 protected:
     void TearDown() override
@@ -292,6 +349,21 @@ TEST_F(ObjectBrowserBox, AFunctionInsideAnExpressionGetsItsArgumentsInParenthese
     EXPECT_EQ("Sub Main\r\n    x = Greeter.Hello(_Name)\r\nEnd Sub\r\n", Get(FM_GETTEXT));
 }
 
+TEST_F(ObjectBrowserBox, APropertyStartingAStatementGetsItsValueTemplate)
+{
+    Create();
+    AddGreeter();
+    SendText(FM_SETTEXT, "Sub Main\r\n    Greeter\r\nEnd Sub\r\n");
+    const size_t at = Get(FM_GETTEXT).find("Greeter");
+    SendMessageA(Editor(), EM_SETSEL, at, at);
+    DialogRobot robot([&](HWND dialog) {
+        ASSERT_TRUE(SelectMember(dialog, "Property: Title"));
+        DialogRobot::Press(dialog, IDOK);
+    });
+    EXPECT_EQ(0, Send(FM_BROWSE));
+    EXPECT_EQ("Sub Main\r\n    Greeter.Title = _String\r\nEnd Sub\r\n", Get(FM_GETTEXT));
+}
+
 TEST_F(ObjectBrowserBox, AReferencedLibrarysDataTypeIsFoundByItsPath)
 {
     std::vector<ReferenceEntry> found = ReadRegisteredLibraries();
@@ -320,6 +392,46 @@ TEST_F(ObjectBrowserBox, AReferencedLibrarysDataTypeIsFoundByItsPath)
     EXPECT_TRUE(Contains(members, "Property: Size")) << members.size();
     EXPECT_EQ("stdole.StdFont.Size", expression);
     DeleteFileA(path.c_str());
+}
+
+TEST_F(ObjectBrowserBox, FollowWalksToAResultTypeAndBackReturns)
+{
+    const std::string libraryPath = TempPath("browse_shop.tlb");
+    ASSERT_TRUE(WriteShopLibrary(WideText(libraryPath)));
+    const std::string path = TempPath("browse_shop.bas");
+    WriteFileBytes(path, "'#Reference " + libraryPath + "\r\nSub Main\r\nEnd Sub\r\n");
+    Create(kDefaultOptions | FO_NO_ENGINE);
+    ASSERT_EQ(0, SendText(FM_FILE, path, 1));
+    std::string result, followedType, followedExpression, backType;
+    std::vector<std::string> members, followedMembers;
+    bool followEnabled = false, backEnabled = false;
+    DialogRobot robot([&](HWND dialog) {
+        members = ListTexts(GetDlgItem(dialog, 111), LB_GETCOUNT, LB_GETTEXT);
+        SelectMember(dialog, "Property Get: Document");
+        result = DialogRobot::Text(dialog, 116);
+        followEnabled = IsWindowEnabled(GetDlgItem(dialog, 114)) != FALSE;
+        SendMessageA(dialog, WM_COMMAND, MAKEWPARAM(114, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(dialog, 114)));
+        followedType = SelectedComboText(dialog, 110);
+        followedMembers = ListTexts(GetDlgItem(dialog, 111), LB_GETCOUNT, LB_GETTEXT);
+        SelectMember(dialog, "Property Get: Title");
+        followedExpression = DialogRobot::Text(dialog, 120);
+        backEnabled = IsWindowEnabled(GetDlgItem(dialog, 119)) != FALSE;
+        SendMessageA(dialog, WM_COMMAND, MAKEWPARAM(119, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(dialog, 119)));
+        backType = SelectedComboText(dialog, 110);
+        DialogRobot::Press(dialog, IDCANCEL);
+    });
+    EXPECT_EQ(1, SendText(FM_BROWSE, "Shop.Application"));
+    EXPECT_EQ((std::vector<std::string>{"Property Get: Document"}), members);
+    EXPECT_EQ("Document", result);
+    EXPECT_TRUE(followEnabled);
+    EXPECT_EQ("Document", followedType);
+    EXPECT_EQ((std::vector<std::string>{"Property Get: Title"}), followedMembers);
+    EXPECT_EQ("Shop.Application.Document.Title", followedExpression);
+    EXPECT_TRUE(backEnabled);
+    EXPECT_EQ("Application", backType);
+    Destroy();
+    DeleteFileA(path.c_str());
+    DeleteFileA(libraryPath.c_str());
 }
 
 TEST_F(ObjectBrowserBox, NothingToBrowseShowsAMessageAndNoDialog)
