@@ -8,6 +8,7 @@
 #include "ide/FrameOpenUses.h"
 #include "ide/FrameToolbar.h"
 #include "ide/ModuleProperties.h"
+#include "ide/ObjectBrowser.h"
 #include "ide/ReferencesDialog.h"
 #include "ide/TextArea.h"
 
@@ -214,6 +215,7 @@ bool RunFrameCommand(EditorFrame& frame, int command)
         return true;
     case CMD_QUICK_WATCH: case CMD_ADD_WATCH: frame.QuickWatch(command == CMD_ADD_WATCH); return true;
     case CMD_REFERENCES: return ShowReferencesDialog(frame);
+    case CMD_BROWSE: ShowObjectBrowser(frame); return true;
     case CMD_PROPERTIES:
         if (sheet && sheet->kind != SheetKind::Macro)
             ShowModuleProperties(frame, *sheet);

@@ -6,6 +6,7 @@
 #include "ide/EditorFrameState.h"
 #include "ide/EngineLink.h"
 #include "ide/ReferencesDialog.h"
+#include "ide/ObjectBrowser.h"
 
 #include "brannoc.h"
 
@@ -143,6 +144,7 @@ bool HostDataMessage(EditorFrame& frame, UINT message, WPARAM wParam, LPARAM lPa
         return true;
     case FM_ATTACH: result = frame.AttachHostObject(reinterpret_cast<IDispatch*>(lParam)) ? 0 : 1; return true;
     case FM_DETACH: result = frame.DetachHost(lParam == 0) ? 0 : 1; return true;
+    case FM_BROWSE: result = ShowObjectBrowser(frame, reinterpret_cast<const char*>(lParam)) ? 0 : 1; return true;
     default: break;
     }
     if (!engine) {

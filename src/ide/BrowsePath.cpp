@@ -1,0 +1,103 @@
+// Dotted paths resolved through libraries, data types, named objects and member result types.
+#include "ide/BrowsePath.h"
+
+#include <vector>
+
+namespace brannoc::ide {
+
+namespace {
+
+std::string_view Trimmed(std::string_view text)
+{
+    while (!text.empty() && (text.front() == ' ' || text.front() == '\t' || text.front() == '\r' || text.front() == '\n'))
+        text.remove_prefix(1);
+    while (!text.empty() && (text.back() == ' ' || text.back() == '\t' || text.back() == '\r' || text.back() == '\n'))
+        text.remove_suffix(1);
+    return text;
+}
+
+// A name of the path: blanks and an argument list in parentheses left out.
+std::string NameOfPart(std::string_view part)
+{
+    part = Trimmed(part);
+    const size_t open = part.find('(');
+    return std::string(Trimmed(part.substr(0, open)));
+}
+
+std::vector<std::string> PathNames(std::string_view expression)
+{
+    std::vector<std::string> names;
+    int depth = 0;
+    size_t start = 0;
+    for (size_t i = 0; i <= expression.size(); ++i) {
+        const char c = i < expression.size() ? expression[i] : '.';
+        if (c == '(')
+            ++depth;
+        else if (c == ')')
+            --depth;
+        else if (c == '.' && depth <= 0) {
+            names.push_back(NameOfPart(expression.substr(start, i - start)));
+            start = i + 1;
+        }
+    }
+    return names;
+}
+
+std::string Joined(const std::string& path, const std::string& name) { return path.empty() ? name : path + "." + name; }
+
+bool SameName(const std::string& a, const std::string& b) { return lstrcmpiA(a.c_str(), b.c_str()) == 0; }
+
+// The type the member `name` of `type` leads to; null when there is none in the catalog.
+const BrowseType* MemberResult(const BrowseCatalog& catalog, ITypeInfo* type, const std::string& name)
+{
+    for (const MemberLine& member : ReadMembers(type))
+        if (SameName(member.name, name) && member.kind != MemberKind::Const)
+            return catalog.FindType(member.type);
+    return nullptr;
+}
+
+} // namespace
+
+std::string TrimmedPath(std::string_view expression) { return std::string(Trimmed(expression)); }
+
+BrowsePlace ResolvePath(const BrowseCatalog& catalog, std::string_view expression)
+{
+    BrowsePlace found;
+    if (Trimmed(expression).empty())
+        return found;
+    int library = -1;
+    std::string path;
+    for (const std::string& name : PathNames(expression)) {
+        if (name.empty())
+            break;
+        const BrowseType* type = nullptr;
+        if (found.type) {
+            type = MemberResult(catalog, found.type.Get(), name);
+        } else if (library < 0 && catalog.FindLibrary(name) >= 0) {
+            library = catalog.FindLibrary(name);
+            path = Joined(path, name);
+            continue;
+        } else if ((type = catalog.FindType(name, library)) == nullptr && library < 0) {
+            if (const NamedObject* object = catalog.FindObject(name)) {
+                path = Joined(path, name);
+                found = {object->type, path};
+                continue;
+            }
+        }
+        if (!type)
+            break;
+        path = Joined(path, name);
+        found = {type->type, path};
+    }
+    return found;
+}
+
+BrowsePlace DefaultPlace(const BrowseCatalog& catalog)
+{
+    for (const BrowseLibrary& library : catalog.libraries)
+        if (!library.types.empty())
+            return {library.types.front().type, {}};
+    return {};
+}
+
+} // namespace brannoc::ide
