@@ -125,6 +125,9 @@ enum FrameMessage : UINT {
     FM_STATUSHELP = WM_USER + 400, FM_TRANSLATEKEY = WM_USER + 401, FM_SETKEYBOARDMODE = WM_USER + 402,
     FM_OAVERSION = WM_USER + 403, FM_STRING = WM_USER + 404,
     FM_LOADMENU = WM_USER + 405,
+    FM_LOADACCELERATORS = WM_USER + 406, // the key bindings as an accelerator table (the caller destroys it)
+    FM_UPDATEMENU = WM_USER + 407,     // wParam a host menu: enable and check states of its command items
+    FM_PREPAREPOPUP = WM_USER + 408,   // wParam a host popup menu, prepared the same way
     FM_ENGINE = WM_USER + 480,
     FM_SETDISPLAYFONT = WM_USER + 481, // wParam the font, which stays the host's
     FM_UPDATE = WM_USER + 496,

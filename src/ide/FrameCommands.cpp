@@ -324,6 +324,7 @@ int EditorFrame::TranslateKey(int key) const
     KeyContext context;
     context.keyboardMode = m_keyboardMode;
     context.fileCommands = Has(FO_FILES);
+    context.macroLoaded = Current() && IsLoaded(*Current());
     return TranslateFrameKey(key, context);
 }
 

@@ -2,7 +2,7 @@
 
 #include "ide/CommandTable.h"
 
-#include <windows.h>
+#include <vector>
 
 namespace brannoc::ide {
 
@@ -63,6 +63,28 @@ int TranslateFrameKey(int key, const KeyContext& context)
     if (key == VK_ESCAPE && context.macroLoaded)
         return CMD_PAUSE;
     return 0;
+}
+
+HACCEL CreateFrameAccelerators(bool fileCommands)
+{
+    std::vector<ACCEL> table;
+    const auto add = [&](const KeyBinding& binding) {
+        BYTE flags = FVIRTKEY;
+        flags |= (binding.key & kShiftBit) ? FSHIFT : 0;
+        flags |= (binding.key & kCtrlBit) ? FCONTROL : 0;
+        flags |= (binding.key & kAltBit) ? FALT : 0;
+        table.push_back(ACCEL{flags, static_cast<WORD>(binding.key & 0xFF), static_cast<WORD>(binding.command)});
+    };
+    for (const KeyBinding& binding : kEditingKeys)
+        add(binding);
+    if (fileCommands)
+        for (const KeyBinding& binding : kFileKeys)
+            add(binding);
+    for (const KeyBinding& binding : kCommandKeys)
+        add(binding);
+    for (int digit = 0; digit < 9; ++digit)
+        add(KeyBinding{kCtrlBit | ('1' + digit), CMD_SHEET_1 + digit});
+    return CreateAcceleratorTableA(table.data(), static_cast<int>(table.size()));
 }
 
 int KeyWithModifiers(int keyCode)

@@ -4,6 +4,7 @@
 #include "ide/CommandTable.h"
 #include "ide/FindReplace.h"
 #include "ide/FrameHelp.h"
+#include "ide/FrameKeys.h"
 #include "ide/FrameRunMessages.h"
 #include "ide/ModuleAttributes.h"
 #include "ide/ModuleProperties.h"
@@ -85,6 +86,24 @@ void DrawListItem(EditorFrame& frame, const DRAWITEMSTRUCT& item)
     SelectObject(item.hDC, old);
     if (item.itemState & ODS_FOCUS)
         DrawFocusRect(item.hDC, &item.rcItem);
+}
+
+// Enables, disables and checks the command items of a menu and of its submenus.
+void MarkMenu(const EditorFrame& frame, HMENU menu)
+{
+    if (!menu || !IsMenu(menu))
+        return;
+    for (int i = 0; i < GetMenuItemCount(menu); ++i) {
+        if (HMENU sub = GetSubMenu(menu, i)) {
+            MarkMenu(frame, sub);
+            continue;
+        }
+        const UINT id = GetMenuItemID(menu, i);
+        if (id < 300 || id >= 385)
+            continue;
+        EnableMenuItem(menu, id, MF_BYCOMMAND | (frame.IsEnabled(static_cast<int>(id)) ? MF_ENABLED : MF_GRAYED));
+        CheckMenuItem(menu, id, MF_BYCOMMAND | (frame.IsChecked(static_cast<int>(id)) ? MF_CHECKED : MF_UNCHECKED));
+    }
 }
 
 bool OnClose(EditorFrame& frame)
@@ -212,18 +231,16 @@ LRESULT EditorFrame::Handle(UINT message, WPARAM wParam, LPARAM lParam)
         if (lParam == 0)
             Dispatch(LOWORD(wParam), true);
         return 0;
-    case WM_INITMENUPOPUP: {
-        HMENU menu = reinterpret_cast<HMENU>(wParam);
+    case WM_INITMENUPOPUP:
         UpdateCommandStates();
-        for (int i = 0; i < GetMenuItemCount(menu); ++i) {
-            UINT id = GetMenuItemID(menu, i);
-            if (id >= 300 && id < 385) {
-                EnableMenuItem(menu, id, MF_BYCOMMAND | (IsEnabled(static_cast<int>(id)) ? MF_ENABLED : MF_GRAYED));
-                CheckMenuItem(menu, id, MF_BYCOMMAND | (IsChecked(static_cast<int>(id)) ? MF_CHECKED : MF_UNCHECKED));
-            }
-        }
+        MarkMenu(*this, reinterpret_cast<HMENU>(wParam));
         return 0;
-    }
+    case FM_LOADACCELERATORS: return reinterpret_cast<LRESULT>(CreateFrameAccelerators(Has(FO_FILES)));
+    case FM_UPDATEMENU:
+    case FM_PREPAREPOPUP:
+        UpdateCommandStates();
+        MarkMenu(*this, reinterpret_cast<HMENU>(wParam));
+        return 0;
     case WM_CLOSE:
     case FM_RETRYCLOSE:
         OnClose(*this);

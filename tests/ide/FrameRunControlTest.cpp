@@ -511,6 +511,44 @@ TEST_F(FrameRunControl, TheColourTableReachesTheTextArea)
     EXPECT_TRUE(WindowImage::Capture(m_frame).Contains(sample, RGB(0, 0, 96))) << "the background takes the colour";
 }
 
+TEST_F(FrameRunControl, HostMenusAndAcceleratorsFollowTheFrame)
+{
+    Create();
+    HACCEL keys = reinterpret_cast<HACCEL>(Send(FM_LOADACCELERATORS));
+    ASSERT_NE(nullptr, keys);
+    ACCEL table[64];
+    const int count = CopyAcceleratorTableA(keys, table, 64);
+    DestroyAcceleratorTable(keys);
+    EXPECT_NE(table + count, std::find_if(table, table + count, [](const ACCEL& a) {
+        return a.key == VK_F5 && a.cmd == CMD_RUN && a.fVirt == FVIRTKEY;
+    }));
+    EXPECT_NE(table + count, std::find_if(table, table + count, [](const ACCEL& a) {
+        return a.key == VK_F8 && a.cmd == CMD_STEP_OVER && a.fVirt == (FVIRTKEY | FSHIFT);
+    }));
+
+    HMENU menu = CreateMenu();
+    HMENU popup = CreatePopupMenu();
+    AppendMenuA(popup, MF_STRING, CMD_RUN, "Run");
+    AppendMenuA(popup, MF_STRING, CMD_END, "End");
+    AppendMenuA(popup, MF_STRING, CMD_VIEW_TOOLBAR, "Toolbar");
+    AppendMenuA(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(popup), "Macro");
+    Send(FM_UPDATEMENU, reinterpret_cast<WPARAM>(menu));
+    EXPECT_EQ(0u, GetMenuState(popup, CMD_RUN, MF_BYCOMMAND) & MF_GRAYED);
+    EXPECT_NE(0u, GetMenuState(popup, CMD_END, MF_BYCOMMAND) & MF_GRAYED) << "nothing runs";
+    EXPECT_NE(0u, GetMenuState(popup, CMD_VIEW_TOOLBAR, MF_BYCOMMAND) & MF_CHECKED);
+    DestroyMenu(menu);
+}
+
+TEST_F(FrameRunControl, EscPausesARunningSheetsMacro)
+{
+    Create();
+    SendText(FM_SETTEXT, kCounting);
+    Command(CMD_STEP_INTO);
+    EXPECT_EQ(CMD_PAUSE, Send(FM_TRANSLATEKEY, VK_ESCAPE)) << "keyboard mode 0 lets Esc through while the macro runs";
+    Command(CMD_END);
+    EXPECT_EQ(0, Send(FM_TRANSLATEKEY, VK_ESCAPE));
+}
+
 TEST_F(FrameRunControl, Screenshot)
 {
     Create();
