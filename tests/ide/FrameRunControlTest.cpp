@@ -3,6 +3,7 @@
 #include "EditorFrameFixture.h"
 
 #include "ide/CommandTable.h"
+#include "support/DialogRobot.h"
 #include "support/WindowImage.h"
 
 #include "brannoc.h"
@@ -547,6 +548,24 @@ TEST_F(FrameRunControl, EscPausesARunningSheetsMacro)
     EXPECT_EQ(CMD_PAUSE, Send(FM_TRANSLATEKEY, VK_ESCAPE)) << "keyboard mode 0 lets Esc through while the macro runs";
     Command(CMD_END);
     EXPECT_EQ(0, Send(FM_TRANSLATEKEY, VK_ESCAPE));
+}
+
+TEST_F(FrameRunControl, BrowsingInAStoppedMacroEvaluatesTheExpression)
+{
+    Create();
+    SendText(FM_SETTEXT, "Sub Main\r\n\tDim o As Object\r\n\tStop\r\nEnd Sub\r\n");
+    Command(CMD_RUN);
+    ASSERT_EQ(1, Send(FM_ISSTOPPED));
+    std::string first;
+    brannoc::test::DialogRobot robot([&](HWND dialog) {
+        char text[128] = {};
+        SendDlgItemMessageA(dialog, 110, CB_GETLBTEXT, 0, reinterpret_cast<LPARAM>(text));
+        first = text;
+        brannoc::test::DialogRobot::Press(dialog, IDCANCEL);
+    });
+    SendText(FM_BROWSE, "o");
+    EXPECT_EQ("(Nothing)", first) << "o holds Nothing";
+    Command(CMD_END);
 }
 
 TEST_F(FrameRunControl, Screenshot)
