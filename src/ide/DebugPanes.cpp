@@ -27,11 +27,12 @@ constexpr UINT kTabBarHeightMessage = WM_USER;
 
 const char* const kPaneWindowProp = "BrannocPaneProc";
 
-// Cuts a text to `limit` characters and "...", and makes every control character visible as 1.
-std::string Shown(std::string text, size_t limit)
+// Cuts a text longer than `limit` to its first `keep` characters and "...", and makes every control
+// character visible as 1. Values keep all 100 characters; whole lines end at 200 with the dots.
+std::string Shown(std::string text, size_t limit, size_t keep)
 {
     if (text.size() > limit)
-        text = text.substr(0, limit) + "...";
+        text = text.substr(0, keep) + "...";
     for (char& c : text)
         if (static_cast<unsigned char>(c) < 32)
             c = '\x01';
@@ -412,7 +413,7 @@ std::string EditorFrame::ValueText(const std::string& expression, size_t limit)
 {
     if (!m_engine)
         return {};
-    return Shown(TakeEngineText(CU_Evaluate(m_engine, expression.c_str(), m_run.evaluationDepth)), limit);
+    return Shown(TakeEngineText(CU_Evaluate(m_engine, expression.c_str(), m_run.evaluationDepth)), limit, limit);
 }
 
 void EditorFrame::RunImmediateLine(const std::string& typed)
@@ -422,7 +423,7 @@ void EditorFrame::RunImmediateLine(const std::string& typed)
         return;
     HWND pane = m_panes[0];
     // The current sheet's macro is taken in first, so that the line runs in its context.
-    if (Sheet* sheet = Current(); sheet && !IsLoaded(*sheet) && CU_IsIdle(m_engine) && !m_run.modulesHeld) {
+    if (Sheet* sheet = Current(); sheet && !IsLoaded(*sheet) && CU_IsIdle(m_engine) && !m_run.ModulesHeld()) {
         if (!CU_Start(m_engine, EngineName(*sheet).c_str()))
             return;
         sheet->running = true;
@@ -458,10 +459,8 @@ void EditorFrame::RefreshWatch()
         const std::string expression = TrimBlanks(line.substr(0, arrow), false);
         if (expression.empty())
             continue;
-        std::string shown = expression + " -> " + ValueText(expression, kValueLimit);
-        if (shown.size() > kWatchLimit)
-            shown = shown.substr(0, kWatchLimit - 3) + "...";
-        text += Shown(shown, kWatchLimit) + "\r\n";
+        const std::string shown = expression + " -> " + ValueText(expression, kValueLimit);
+        text += Shown(shown, kWatchLimit, kWatchLimit - 3) + "\r\n";
     }
     DWORD start = 0, end = 0;
     SendMessageA(pane, EM_GETSEL, reinterpret_cast<WPARAM>(&start), reinterpret_cast<LPARAM>(&end));
@@ -485,10 +484,8 @@ void EditorFrame::RefreshStack()
         const size_t nameStart = !line.empty() && line[0] == '[' ? 1 : 0;
         const std::string macro = line.substr(nameStart, bar == std::string::npos ? std::string::npos : bar - nameStart);
         const std::string rest = bar == std::string::npos ? std::string() : line.substr(bar);
-        std::string shown = "[" + DisplayName(Unquoted(macro)) + rest;
-        if (shown.size() > kWatchLimit)
-            shown = shown.substr(0, kWatchLimit - 3) + "...";
-        text += Shown(shown, kWatchLimit) + "\r\n";
+        const std::string shown = "[" + DisplayName(Unquoted(macro)) + rest;
+        text += Shown(shown, kWatchLimit, kWatchLimit - 3) + "\r\n";
         m_stackMacros.push_back(macro);
     }
     if (shownLevels < depth) {

@@ -42,8 +42,8 @@ struct FrameCallbacks {
 // What the frame keeps about runs of its macros.
 struct RunState {
     bool loadedForDebugging = false; // modules are taken in with Load instead of started
-    std::string loadedNames;         // quoted names taken in with Load, each followed by CR
-    bool modulesHeld = false;        // set while loadedNames is not empty
+    std::vector<std::string> loadedNames; // quoted names taken in with Load, held until unloaded
+    bool ModulesHeld() const { return !loadedNames.empty(); }
     int startPause = 0;              // -1 while a start is in progress, 1 once a pause came during it
     bool paused = false;             // the engine reported a stop
     bool errorShown = false;         // the recorded error is shown in the status bar
@@ -55,6 +55,7 @@ struct RunState {
     std::string runThisText;
     std::string hiddenCode;
     std::string expression;          // the host's evaluation expression
+    std::string expressionValue;     // its value when the host last asked for the length
     std::string appPrefix = "App.";  // the name the host's application object is added under
     std::string hostString;          // kept for the host
 };
@@ -263,5 +264,7 @@ EditorFrame* FrameOf(HWND window);
 // Copies a string out the way the frame's getters do: into `buffer` of `size` (cut to fit, with its
 // terminating zero), answering the length; a null buffer answers the length alone.
 LRESULT CopyOutString(const std::string& text, WPARAM size, LPARAM buffer);
+// The string a frame message carries in lParam; empty for null.
+inline std::string StringParameter(LPARAM lParam) { return lParam ? reinterpret_cast<const char*>(lParam) : ""; }
 
 } // namespace brannoc::ide

@@ -30,7 +30,7 @@ FrameConditions ReadConditions(const EditorFrame& frame)
     c.engine = unit != nullptr;
     c.stopped = unit && CU_IsStopped(unit);
     c.idle = frame.EngineIdle();
-    c.busy = unit && (CU_IsActive(unit) || (frame.m_run.modulesHeld && !c.stopped));
+    c.busy = unit && (CU_IsActive(unit) || (frame.m_run.ModulesHeld() && !c.stopped));
     c.loaded = frame.Current() && frame.IsLoaded(*frame.Current());
     c.doubleStar = frame.Current() && frame.Current()->name.rfind("**", 0) == 0;
     // The text area counts as read-only while its sheet's macro runs.
@@ -60,7 +60,7 @@ RunConditions ReadRunConditions(const EditorFrame& frame, const FrameConditions&
     const bool loadedStopped = c.loaded && c.stopped;
     if (frame.m_run.loadedForDebugging) {
         const bool run = (c.engine && !c.loaded) || c.stopped;
-        return {run, run, loadedStopped, frame.m_run.modulesHeld && !c.stopped, c.loaded};
+        return {run, run, loadedStopped, frame.m_run.ModulesHeld() && !c.stopped, c.loaded};
     }
     if (c.doubleStar)
         return {(c.engine && !c.loaded) || c.stopped, loadedStopped, loadedStopped, c.engine && c.busy, c.loaded};

@@ -16,8 +16,6 @@ namespace brannoc::ide {
 
 namespace {
 
-std::string StringParameter(LPARAM lParam) { return lParam ? reinterpret_cast<const char*>(lParam) : ""; }
-
 LRESULT ObjectResult(IDispatch* object) { return reinterpret_cast<LRESULT>(object); }
 
 // The absolute lines of the current sheet's break point marks, as a VT_I4 array.

@@ -1,9 +1,10 @@
 // A host automation object attached to a child frame: an unnamed extension of the engine, and the
 // receiver of the frame's about-box, do-events, help, notify and window requests. Each request tries
 // the object's "_" + name member, then "CallBack" + name, looked up by name at every call; a missing
-// member does nothing.
+// member does nothing. Also the host's error objects that the frame shows.
 #include "ide/EditorFrameState.h"
 
+#include "host/HostCallBack.h"
 #include "ide/EngineLink.h"
 #include "values/Variant.h"
 
@@ -16,31 +17,37 @@ namespace brannoc::ide {
 
 namespace {
 
-DISPID FindMember(IDispatch* object, const std::wstring& name)
+enum HostErrorStrings : unsigned { IDS_NO_ERROR_INFORMATION = 566, IDS_ERROR_CODE = 567, IDS_AUTOMATION_ERROR_CODE = 568 };
+
+// Invokes a member with the arguments (first argument first); `result` null for a member that answers
+// nothing (some objects refuse a result for a Sub).
+bool InvokeMember(IDispatch* object, DISPID id, WORD kind, std::vector<VARIANT> arguments, VARIANT* result)
 {
-    LPOLESTR member = const_cast<LPOLESTR>(name.c_str());
-    DISPID id = DISPID_UNKNOWN;
-    if (FAILED(object->GetIDsOfNames(IID_NULL, &member, 1, LOCALE_USER_DEFAULT, &id)))
-        return DISPID_UNKNOWN;
-    return id;
+    std::reverse(arguments.begin(), arguments.end());
+    DISPPARAMS parameters{arguments.empty() ? nullptr : arguments.data(), nullptr, static_cast<UINT>(arguments.size()), 0};
+    return SUCCEEDED(object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &parameters, result, nullptr, nullptr));
 }
 
-// Calls "_" + request, else "CallBack" + request, with the arguments (first argument first) and, for a
-// request that answers, `result` (null for the others: some objects refuse a result for a Sub); false
-// when the object has neither member or the call fails.
+// Calls "_" + request, else "CallBack" + request; false when the object has neither member or the call
+// fails.
 bool CallHostObject(IDispatch* object, const wchar_t* request, std::vector<VARIANT> arguments, VARIANT* result)
 {
     if (!object)
         return false;
-    DISPID id = FindMember(object, std::wstring(L"_") + request);
+    DISPID id = HostCallBack::Find(object, (std::wstring(L"_") + request).c_str());
     if (id == DISPID_UNKNOWN)
-        id = FindMember(object, std::wstring(L"CallBack") + request);
+        id = HostCallBack::Find(object, (std::wstring(L"CallBack") + request).c_str());
     if (id == DISPID_UNKNOWN)
         return false;
-    std::reverse(arguments.begin(), arguments.end());
-    DISPPARAMS parameters{arguments.empty() ? nullptr : arguments.data(), nullptr, static_cast<UINT>(arguments.size()), 0};
-    const WORD kind = result ? DISPATCH_METHOD | DISPATCH_PROPERTYGET : DISPATCH_METHOD;
-    return SUCCEEDED(object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &parameters, result, nullptr, nullptr));
+    return InvokeMember(object, id, result ? DISPATCH_METHOD | DISPATCH_PROPERTYGET : DISPATCH_METHOD,
+                        std::move(arguments), result);
+}
+
+// A property read by name; false when the object has none or the call fails.
+bool PropertyByName(IDispatch* object, const wchar_t* name, Variant& value)
+{
+    const DISPID id = HostCallBack::Find(object, name);
+    return id != DISPID_UNKNOWN && InvokeMember(object, id, DISPATCH_PROPERTYGET, {}, &value.Raw());
 }
 
 VARIANT WholeArgument(LONG value)
@@ -111,6 +118,34 @@ bool EditorFrame::HostHelp(const std::string& word)
         return false;
     VARIANT& answer = taken.Raw();
     return SUCCEEDED(VariantChangeType(&answer, &answer, 0, VT_BOOL)) && answer.boolVal != VARIANT_FALSE;
+}
+
+void EditorFrame::ReportHostError(IDispatch* error)
+{
+    LONG number = 0;
+    std::string description;
+    if (error) {
+        Variant value;
+        if (PropertyByName(error, L"Number", value) && SUCCEEDED(VariantChangeType(&value.Raw(), &value.Raw(), 0, VT_I4)))
+            number = value.Raw().lVal;
+        Variant text;
+        if (PropertyByName(error, L"Description", text) && text.Raw().vt == VT_BSTR && text.Raw().bstrVal)
+            description = NarrowText(text.Raw().bstrVal);
+    }
+    m_hostErrorNumber = number;
+    if (description.empty()) {
+        // Automation errors (status codes) are shown in hexadecimal.
+        char code[32];
+        if (number < 0)
+            wsprintfA(code, "0x%08lX", static_cast<unsigned long>(number));
+        else
+            wsprintfA(code, "%ld", number);
+        std::string text = Text(number == 0 ? IDS_NO_ERROR_INFORMATION : number < 0 ? IDS_AUTOMATION_ERROR_CODE : IDS_ERROR_CODE);
+        ReplaceAll(text, "<N>", code);
+        description = text;
+    }
+    Beep(MB_ICONHAND);
+    ShowText(description, MB_OK | MB_ICONEXCLAMATION);
 }
 
 HWND EditorFrame::HostWindow()

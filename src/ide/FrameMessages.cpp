@@ -18,8 +18,6 @@ namespace brannoc::ide {
 
 namespace {
 
-std::string StringParameter(LPARAM lParam) { return lParam ? reinterpret_cast<const char*>(lParam) : ""; }
-
 template <typename Callback>
 LRESULT SetCallback(Callback& slot, LPARAM lParam)
 {

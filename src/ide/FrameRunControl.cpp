@@ -7,8 +7,8 @@
 #include "ide/EngineLink.h"
 #include "ide/ProcedureIndex.h"
 #include "ide/TextArea.h"
+#include "host/HostCallBack.h"
 #include "values/ComRef.h"
-#include "values/Variant.h"
 
 #include <algorithm>
 
@@ -19,8 +19,7 @@ namespace brannoc::ide {
 namespace {
 
 enum EditorRunStrings : unsigned {
-    IDS_HERE = 554, IDS_RUNNING = 555, IDS_IDLE = 556, IDS_PAUSED = 557, IDS_NO_ERROR_INFORMATION = 566,
-    IDS_ERROR_CODE = 567, IDS_AUTOMATION_ERROR_CODE = 568,
+    IDS_HERE = 554, IDS_RUNNING = 555, IDS_IDLE = 556, IDS_PAUSED = 557,
     IDS_UNREACHABLE_LINE = 578, IDS_BREAK_NOT_SET = 579,
 };
 
@@ -36,92 +35,44 @@ BSTR AllocText(const std::string& text)
     return SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
 }
 
-// A property of an object, read by name; false when it has none or the call fails.
-bool InvokeGet(IDispatch* object, const wchar_t* name, Variant& value)
-{
-    LPOLESTR member = const_cast<LPOLESTR>(name);
-    DISPID id = 0;
-    if (FAILED(object->GetIDsOfNames(IID_NULL, &member, 1, LOCALE_USER_DEFAULT, &id)))
-        return false;
-    DISPPARAMS none{nullptr, nullptr, 0, 0};
-    VARIANT result;
-    VariantInit(&result);
-    if (FAILED(object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none, &result, nullptr, nullptr)))
-        return false;
-    value.Attach(result);
-    return true;
-}
-
 // How a run command found the current sheet's macro.
 enum class Prepared { Nothing, Continued, Started };
 
 // The default callback's ReadMacro: the engine's own reading of macro files.
 BSTR ReadThroughDefault(IUnknown* engine, IDispatch* unit, const std::wstring& name)
 {
-    IDispatch* fallback = CU_DefaultCallBack(engine);
-    if (!fallback)
+    const ComRef<IDispatch> fallback = ComRef<IDispatch>::Adopt(CU_DefaultCallBack(engine));
+    std::wstring text;
+    if (!fallback || !HostCallBack::ReadMacro(fallback.Get(), unit, name, text))
         return nullptr;
-    const ComRef<IDispatch> held = ComRef<IDispatch>::Adopt(fallback);
-    LPOLESTR member = const_cast<LPOLESTR>(L"ReadMacro");
-    DISPID id = 0;
-    if (FAILED(fallback->GetIDsOfNames(IID_NULL, &member, 1, LOCALE_USER_DEFAULT, &id)))
-        return nullptr;
-    Bstr text(name);
-    VARIANT arguments[2];
-    arguments[0].vt = VT_BSTR;
-    arguments[0].bstrVal = text.Get();
-    arguments[1].vt = VT_DISPATCH;
-    arguments[1].pdispVal = unit;
-    DISPPARAMS parameters{arguments, nullptr, 2, 0};
-    VARIANT result;
-    VariantInit(&result);
-    if (FAILED(fallback->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, &result, nullptr,
-                                nullptr)) ||
-        result.vt != VT_BSTR) {
-        VariantClear(&result);
-        return nullptr;
-    }
-    return result.bstrVal;
+    return SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
+}
+
+// Names are compared as the engine compares them, without regard to case.
+auto SameNameAs(const std::string& quoted)
+{
+    return [&quoted](const std::string& name) { return lstrcmpiA(name.c_str(), quoted.c_str()) == 0; };
+}
+
+bool IsHeldLoaded(const RunState& run, const std::string& quoted)
+{
+    return std::any_of(run.loadedNames.begin(), run.loadedNames.end(), SameNameAs(quoted));
 }
 
 void AddLoadedName(RunState& run, const std::string& quoted)
 {
-    run.loadedNames += quoted + "\r";
-    run.modulesHeld = true;
+    if (!IsHeldLoaded(run, quoted))
+        run.loadedNames.push_back(quoted);
 }
 
 // Takes `quoted` out of the list; answers whether it was there.
 bool RemoveLoadedName(RunState& run, const std::string& quoted)
 {
-    const std::string entry = quoted + "\r";
-    for (size_t at = 0; at < run.loadedNames.size();) {
-        size_t end = run.loadedNames.find('\r', at);
-        if (end == std::string::npos)
-            break;
-        if (lstrcmpiA(run.loadedNames.substr(at, end - at + 1).c_str(), entry.c_str()) == 0) {
-            run.loadedNames.erase(at, end - at + 1);
-            return true;
-        }
-        at = end + 1;
-    }
-    return false;
-}
-
-bool IsHeldLoaded(const RunState& run, const std::string& quoted)
-{
-    const std::string entry = quoted + "\r";
-    for (size_t at = 0, end; (end = run.loadedNames.find('\r', at)) != std::string::npos; at = end + 1)
-        if (lstrcmpiA(run.loadedNames.substr(at, end - at + 1).c_str(), entry.c_str()) == 0)
-            return true;
-    return false;
-}
-
-std::vector<std::string> LoadedNames(const RunState& run)
-{
-    std::vector<std::string> names;
-    for (size_t at = 0, end; (end = run.loadedNames.find('\r', at)) != std::string::npos; at = end + 1)
-        names.push_back(run.loadedNames.substr(at, end - at));
-    return names;
+    auto found = std::find_if(run.loadedNames.begin(), run.loadedNames.end(), SameNameAs(quoted));
+    if (found == run.loadedNames.end())
+        return false;
+    run.loadedNames.erase(found);
+    return true;
 }
 
 } // namespace
@@ -140,7 +91,7 @@ bool EditorFrame::IsLoaded(const Sheet& sheet) const
 
 bool EditorFrame::EngineStopped() const { return m_engine && CU_IsStopped(m_engine); }
 
-bool EditorFrame::EngineIdle() const { return !m_engine || (CU_IsIdle(m_engine) && !m_run.modulesHeld); }
+bool EditorFrame::EngineIdle() const { return !m_engine || (CU_IsIdle(m_engine) && !m_run.ModulesHeld()); }
 
 void EditorFrame::ClearExecutionMarks()
 {
@@ -284,7 +235,7 @@ void Pause(EditorFrame& frame)
     RunState& run = frame.m_run;
     if (run.startPause == -1)
         run.startPause = 1;
-    if (frame.m_designDisplay && !run.modulesHeld) {
+    if (frame.m_designDisplay && !run.ModulesHeld()) {
         CU_Stop(frame.m_engine);
     } else if (CU_IsIdle(frame.m_engine)) {
         CU_Step(frame.m_engine);
@@ -400,20 +351,11 @@ void EditorFrame::EndExecution()
     if (!m_engine)
         return;
     CU_HaltAll(m_engine);
-    if (m_run.loadedForDebugging) {
-        for (const std::string& name : LoadedNames(m_run))
-            CU_Unload(m_engine, name.c_str());
-        m_run.loadedNames.clear();
+    // Notification 13 unloads every held module.
+    if (m_run.loadedForDebugging)
         OnEngineNotify(13);
-    }
-    if (Sheet* sheet = Current(); sheet && IsDoubleStar(*sheet)) {
-        CU_Unload(m_engine, EngineName(*sheet).c_str());
-        RemoveLoadedName(m_run, EngineName(*sheet));
-    }
-    if (m_run.modulesHeld && m_run.loadedNames.empty()) {
-        m_run.modulesHeld = false;
-        OnEngineNotify(kHeldIdle);
-    }
+    if (Sheet* sheet = Current(); sheet && IsDoubleStar(*sheet))
+        UnloadMacro(EngineName(*sheet));
 }
 
 bool EditorFrame::RunMacro(const std::string& name, bool step)
@@ -452,7 +394,6 @@ bool EditorFrame::CheckCurrent()
     if (!m_engine || !sheet || IsLoaded(*sheet))
         return false;
     const int depthBefore = CU_StackDepth(m_engine);
-    const bool heldBefore = m_run.modulesHeld;
     const size_t namesBefore = m_run.loadedNames.size();
     bool paused = false;
     if (PrepareRun(*this, StartKind::Check, paused) != Prepared::Started)
@@ -461,7 +402,6 @@ bool EditorFrame::CheckCurrent()
         const std::string name = EngineName(*sheet);
         CU_Unload(m_engine, name.c_str());
         RemoveLoadedName(m_run, name);
-        m_run.modulesHeld = heldBefore;
     } else {
         CU_StackDepthPut(m_engine, depthBefore);
         sheet->running = false;
@@ -484,10 +424,8 @@ bool EditorFrame::UnloadMacro(const std::string& name)
 {
     if (!m_engine || !CU_Unload(m_engine, name.c_str()))
         return false;
-    if (RemoveLoadedName(m_run, name) && m_run.loadedNames.empty() && m_run.modulesHeld) {
-        m_run.modulesHeld = false;
+    if (RemoveLoadedName(m_run, name) && !m_run.ModulesHeld())
         OnEngineNotify(kHeldIdle);
-    }
     UpdateCommandStates();
     return true;
 }
@@ -495,7 +433,7 @@ bool EditorFrame::UnloadMacro(const std::string& name)
 void EditorFrame::OnEngineNotify(int code)
 {
     // While modules are held loaded, the engine's own start and end of runs are not the frame's.
-    const bool held = m_run.modulesHeld;
+    const bool held = m_run.ModulesHeld();
     if (code == kHeldActive)
         code = 1;
     else if (code == kHeldIdle)
@@ -546,13 +484,9 @@ void EditorFrame::OnEngineNotify(int code)
         break;
     case 10:
         if (held) {
-            for (const std::string& name : LoadedNames(m_run))
-                if (!CU_IsMacro(m_engine, name.c_str()))
-                    RemoveLoadedName(m_run, name);
-            if (m_run.loadedNames.empty()) {
-                m_run.modulesHeld = false;
+            std::erase_if(m_run.loadedNames, [&](const std::string& name) { return !CU_IsMacro(m_engine, name.c_str()); });
+            if (!m_run.ModulesHeld())
                 OnEngineNotify(kHeldIdle);
-            }
         }
         for (auto& sheet : m_sheets)
             sheet->loaded = sheet->loaded && IsLoaded(*sheet);
@@ -561,13 +495,10 @@ void EditorFrame::OnEngineNotify(int code)
         SetForegroundWindow(IsTopLevel() ? m_window : GetAncestor(m_window, GA_ROOT));
         break;
     case 13:
-        for (const std::string& name : LoadedNames(m_run))
+        for (const std::string& name : std::exchange(m_run.loadedNames, {}))
             CU_Unload(m_engine, name.c_str());
-        m_run.loadedNames.clear();
-        if (held) {
-            m_run.modulesHeld = false;
+        if (held)
             OnEngineNotify(kHeldIdle);
-        }
         break;
     case 14: RefreshKeywords(); break;
     case 1000: ClearExecutionMarks(); break;
@@ -691,34 +622,6 @@ void EditorFrame::RefreshKeywords()
     if (BuildKeywordSetsFromEngine(m_keywords, *reinterpret_cast<_CodeUnit*>(m_engine), EngineName(*sheet),
                                    m_extraKeywords, m_colours))
         SetTextAreaKeywords(m_editor, &m_keywords);
-}
-
-void EditorFrame::ReportHostError(IDispatch* error)
-{
-    LONG number = 0;
-    std::string description;
-    if (error) {
-        Variant value;
-        if (InvokeGet(error, L"Number", value) && SUCCEEDED(VariantChangeType(&value.Raw(), &value.Raw(), 0, VT_I4)))
-            number = value.Raw().lVal;
-        Variant text;
-        if (InvokeGet(error, L"Description", text) && text.Raw().vt == VT_BSTR && text.Raw().bstrVal)
-            description = NarrowText(text.Raw().bstrVal);
-    }
-    m_hostErrorNumber = number;
-    if (description.empty()) {
-        // Automation errors (status codes) are shown in hexadecimal.
-        char code[32];
-        if (number < 0)
-            wsprintfA(code, "0x%08lX", static_cast<unsigned long>(number));
-        else
-            wsprintfA(code, "%ld", number);
-        std::string text = Text(number == 0 ? IDS_NO_ERROR_INFORMATION : number < 0 ? IDS_AUTOMATION_ERROR_CODE : IDS_ERROR_CODE);
-        ReplaceAll(text, "<N>", code);
-        description = text;
-    }
-    Beep(MB_ICONHAND);
-    ShowText(description, MB_OK | MB_ICONEXCLAMATION);
 }
 
 bool EditorFrame::MayEditRunningSheet()

@@ -17,8 +17,6 @@ namespace brannoc::ide {
 
 namespace {
 
-std::string StringParameter(LPARAM lParam) { return lParam ? reinterpret_cast<const char*>(lParam) : ""; }
-
 // "v", the engine's version up to its "/", " [", the language id plus 0x1000 in hexadecimal without its
 // first digit, "]".
 std::string VersionText(const EditorFrame& frame)
@@ -151,10 +149,9 @@ bool RunControlMessage(EditorFrame& frame, UINT message, WPARAM wParam, LPARAM l
     case FM_CURRENTMACRO: result = CopyOutString(TakeEngineText(CU_MacroName(engine)), wParam, lParam); return true;
     case FM_EVALUATE: {
         // The value is worked out when the length is asked for, and copied out from there.
-        static thread_local std::string s_value;
         if (!lParam)
-            s_value = TakeEngineText(CU_Evaluate(engine, run.expression.c_str(), run.evaluationDepth));
-        result = CopyOutString(s_value, wParam, lParam);
+            run.expressionValue = TakeEngineText(CU_Evaluate(engine, run.expression.c_str(), run.evaluationDepth));
+        result = CopyOutString(run.expressionValue, wParam, lParam);
         return true;
     }
     case FM_EVALUATEPUT:
