@@ -447,6 +447,7 @@ private:
     StatementPtr ParseMid();
     StatementPtr ParseErase();
     StatementPtr ParseAlign(bool right);
+    StatementPtr ParseAlignPath(bool right);
     // A declared variable named at the current token; false after reporting `message`.
     [[nodiscard]] bool ReadExistingVariable(VariableRef& ref, CompileMessage message);
     // LSet between two record variables (after "LSet" and the target).
