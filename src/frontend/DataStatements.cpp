@@ -418,6 +418,13 @@ bool BodyParser::ReadType(TypeCode& type, const Module** classModule, const User
                 type = TypeCode(TypeCode::kLong);
                 if (classModule)
                     *classModule = nullptr;
+                return true;
+            }
+            // Any other name must be a class or object module or a type that a reference or extension
+            // gives, as for the module's own declarations: a misspelt type is an error, not an object.
+            if (word != Token::Object && !IsKnownObjectType(name)) {
+                m_lexer.SignalErrorAt(CompileMessage::ExpectingAValidDataTypeEgInteger, {}, namePosition);
+                return false;
             }
             return true;
         }
