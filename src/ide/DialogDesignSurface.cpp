@@ -95,11 +95,9 @@ void FollowDrag(DialogEditor& editor, POINT point)
     SurfaceDrag& drag = editor.drag;
     const POINT offset{point.x - drag.start.x, point.y - drag.start.y};
     RECT area = ViewClient(editor);
-    if (drag.entry < 0) {
-        RECT grab{};
-        GetClientRect(editor.grab, &grab);
-        area = RECT{0, 0, grab.right - 2 * kSurfaceMargin, grab.bottom - 2 * kSurfaceMargin};
-    }
+    // The dialog may grow up to the screen's size; the editor window can be enlarged to show it.
+    if (drag.entry < 0)
+        area = RECT{0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
     const RECT pixels = drag.hit == HTCAPTION ? MovedRect(drag.startRect, offset, area)
                                               : SizedRect(drag.startRect, offset, drag.hit, area);
     const UnitBox start{drag.startUnits[0], drag.startUnits[1], drag.startUnits[2], drag.startUnits[3]};

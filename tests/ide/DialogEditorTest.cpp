@@ -419,4 +419,109 @@ TEST_F(DialogEditorWindow, Screenshot)
     EXPECT_EQ(25, handleBlack) << "a black 5 by 5 handle";
 }
 
+TEST_F(DialogEditorWindow, SizingByTheRightHandleStopsFivePixelsFromTheLeftEdge)
+{
+    Create();
+    SendText(FM_SETTEXT, kSheet);
+    int width = 0, x = 0, expectedWidth = 0, windowWidth = 0;
+    MessageBoxCapture boxes(IDNO);
+    RunEditor(4, [&](HWND dialog) {
+        DialogEditor& editor = EditorOf(dialog);
+        const RECT handle = HandleRect(EntryPixels(editor, 2), HTRIGHT);
+        const POINT grip{handle.left + 2, handle.top + 2};
+        SendMessageA(editor.view, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(grip.x, grip.y));
+        SendMessageA(editor.view, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(grip.x - 100, grip.y));
+        SendMessageA(editor.view, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(grip.x - 400, grip.y));
+        SendMessageA(editor.view, WM_LBUTTONUP, 0, MAKELPARAM(grip.x - 400, grip.y));
+        const DialogItem& button = *editor.design.items[2];
+        width = button.width;
+        x = button.x;
+        expectedWidth = editor.units.UnitsX(kMinimumSize);
+        RECT shown{};
+        GetWindowRect(button.window, &shown);
+        windowWidth = shown.right - shown.left;
+        PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
+    });
+    EXPECT_EQ(100, x) << "the left edge stays";
+    EXPECT_EQ(expectedWidth, width);
+    EXPECT_GE(windowWidth, 4);
+    EXPECT_LE(windowWidth, 6);
+}
+
+TEST_F(DialogEditorWindow, TheDialogIsSizedByItsOwnHandles)
+{
+    Create();
+    SendText(FM_SETTEXT, kSheet);
+    int width = 0, height = 0, expectedWidth = 0, expectedHeight = 0;
+    MessageBoxCapture boxes(IDYES);
+    RunEditor(1, [&](HWND dialog) {
+        DialogEditor& editor = EditorOf(dialog);
+        RECT box = EntryPixels(editor, -1);
+        OffsetRect(&box, kSurfaceMargin, kSurfaceMargin);
+        const RECT handle = HandleRect(box, HTBOTTOMRIGHT);
+        const POINT grip{handle.left + 2, handle.top + 2};
+        SendMessageA(editor.grab, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(grip.x, grip.y));
+        SendMessageA(editor.grab, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(grip.x + 30, grip.y + 13));
+        SendMessageA(editor.grab, WM_LBUTTONUP, 0, MAKELPARAM(grip.x + 30, grip.y + 13));
+        width = editor.design.width;
+        height = editor.design.height;
+        expectedWidth = editor.units.UnitsX(editor.units.PixelsX(300) + 30);
+        expectedHeight = editor.units.UnitsY(editor.units.PixelsY(150) + 13);
+        PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
+    });
+    EXPECT_EQ(expectedWidth, width);
+    EXPECT_EQ(expectedHeight, height);
+    EXPECT_EQ(1u, boxes.Count());
+    EXPECT_NE(std::string::npos, SheetText().find("\tBegin Dialog UserDialog " + std::to_string(expectedWidth) + "," +
+                                                  std::to_string(expectedHeight) + ",\"Pick\""));
+}
+
+TEST_F(DialogEditorWindow, ADoubleClickOpensThePropertiesOfTheItem)
+{
+    Create();
+    SendText(FM_SETTEXT, kSheet);
+    std::string title;
+    RunEditor(1,
+              [&](HWND dialog) {
+                  DialogEditor& editor = EditorOf(dialog);
+                  const RECT item = EntryPixels(editor, 1);
+                  ClickView(editor, POINT{item.left + 3, item.top + 3});
+                  ClickView(editor, POINT{item.left + 3, item.top + 3});
+                  PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
+              },
+              [&](HWND properties) {
+                  title = TitleOf(properties);
+                  DialogRobot::Press(properties, IDCANCEL);
+              });
+    EXPECT_EQ("Edit TextBox Properties", title);
+    EXPECT_EQ(kSheet, SheetText());
+}
+
+TEST_F(DialogEditorWindow, ToolTipsAndReorderingCommands)
+{
+    Create();
+    SendText(FM_SETTEXT, kSheet);
+    std::string tip, help;
+    RunEditor(4, [&](HWND dialog) {
+        static const UINT message = RegisterWindowMessageA(kToolbarMessageName);
+        SendMessageA(dialog, message, DE_DELETE, 2);
+        tip = reinterpret_cast<const char*>(GetWindowLongPtrA(dialog, DWLP_MSGRESULT));
+        SendMessageA(dialog, message, DE_DELETE, 0);
+        help = TitleOf(GetDlgItem(dialog, ID_DESIGN_STATUS));
+        Press(dialog, DE_MOVE_BEHIND);
+        Press(dialog, DE_SELECT_IN_FRONT);
+        Press(dialog, DE_SELECT_IN_FRONT);
+        Press(dialog, DE_MOVE_BEHIND);
+        Press(dialog, DE_SAVE_AND_EXIT);
+    });
+    EXPECT_EQ("Delete", tip);
+    EXPECT_EQ("Delete the selected item", help);
+    EXPECT_NE(std::string::npos, SheetText().find("\t\tText 10,7,90,14,\"Name:\",.Label\r\n"
+                                                  "\t\tPushButton 100,70,90,21,\"Go\",.Go\r\n"
+                                                  "\t\tOKButton 200,119,90,21\r\n"
+                                                  "\t\tTextBox 10,21,120,21,.Name\r\n"))
+        << SheetText();
+    EXPECT_EQ(4, CaretLine()) << "the OKButton was selected last";
+}
+
 } // namespace
