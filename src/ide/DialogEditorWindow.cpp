@@ -76,11 +76,13 @@ public:
     }
     GlobalText(const GlobalText&) = delete;
     GlobalText& operator=(const GlobalText&) = delete;
-    HGLOBAL Release()
+    // The clipboard owns the block once it took it.
+    bool GiveToClipboard()
     {
-        HGLOBAL memory = m_memory;
+        if (!m_memory || !SetClipboardData(CF_TEXT, m_memory))
+            return false;
         m_memory = nullptr;
-        return memory;
+        return true;
     }
 
 private:
@@ -111,8 +113,7 @@ void CopySelection(DialogEditor& editor)
         return;
     GlobalText text(SelectionText(editor.design));
     EmptyClipboard();
-    if (SetClipboardData(CF_TEXT, text.Release()) == nullptr)
-        return;
+    text.GiveToClipboard();
 }
 
 std::string ClipboardText(HWND owner)
