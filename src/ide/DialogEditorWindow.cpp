@@ -234,6 +234,26 @@ void PlaceEditorWindow(DialogEditor& editor)
     SetWindowPos(editor.dialog, nullptr, (screenWidth - width) / 2, y, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+// The tool-tip class comes from the common controls library, loaded when first needed so that the
+// engine's library imports nothing beyond its usual system libraries.
+bool LoadToolTipClass()
+{
+    HMODULE library = LoadLibraryA("comctl32.dll");
+    if (!library)
+        return false;
+    using InitFunction = BOOL(WINAPI*)(const INITCOMMONCONTROLSEX*);
+    // GetProcAddress answers a generic function pointer; the void* step states the conversion.
+    void* address = reinterpret_cast<void*>(GetProcAddress(library, "InitCommonControlsEx"));
+    const INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_WIN95_CLASSES};
+    return address && reinterpret_cast<InitFunction>(address)(&controls);
+}
+
+bool RegisterToolTipClass()
+{
+    static const bool s_loaded = LoadToolTipClass();
+    return s_loaded;
+}
+
 bool CreateChildren(DialogEditor& editor)
 {
     editor.commandBar = MakeChild(editor, kToolbarClassName, 0x0004, ID_DESIGN_COMMANDS);
@@ -244,8 +264,8 @@ bool CreateChildren(DialogEditor& editor)
     SendMessageA(editor.commandBar, TBM_SETBUTTONS, 0, reinterpret_cast<LPARAM>(kCommandButtons));
     SendMessageA(editor.toolbox, TBM_SETBUTTONS, 0, reinterpret_cast<LPARAM>(kToolboxButtons));
     SendMessageA(editor.statusBar, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
-    INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_WIN95_CLASSES};
-    InitCommonControlsEx(&controls);
+    if (!RegisterToolTipClass())
+        return false;
     editor.tooltip = CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr, WS_POPUP | TTS_ALWAYSTIP, CW_USEDEFAULT,
                                      CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, editor.dialog, nullptr,
                                      GetModuleHandleA(nullptr), nullptr);
