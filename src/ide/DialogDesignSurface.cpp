@@ -400,12 +400,29 @@ LRESULT CALLBACK DesignItemProc(HWND window, UINT message, WPARAM wParam, LPARAM
 
 BOOL CALLBACK SubclassInner(HWND window, LPARAM view);
 
-void Subclass(HWND window, HWND view)
+// The hidden template control of the editor window whose procedure stands behind an item of the kind
+// (152 STATIC, 153 EDIT, 154 simple COMBOBOX, 155 LISTBOX, 156 drop-down COMBOBOX); 0 for buttons,
+// which keep their own.
+int TemplateControlOf(ItemKind kind)
 {
-    SetPropA(window, kItemView, view);
-    SetPropA(window, kBaseProcedure,
-             reinterpret_cast<HANDLE>(SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(DesignItemProc))));
-    EnumChildWindows(window, SubclassInner, reinterpret_cast<LPARAM>(view));
+    switch (kind) {
+    case ItemKind::Text: case ItemKind::Picture: return 152;
+    case ItemKind::TextBox: return 153;
+    case ItemKind::ComboBox: return 154;
+    case ItemKind::ListBox: return 155;
+    case ItemKind::DropListBox: return 156;
+    default: return 0;
+    }
+}
+
+void Subclass(const DialogEditor& editor, HWND window, ItemKind kind)
+{
+    WNDPROC own = reinterpret_cast<WNDPROC>(SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(DesignItemProc)));
+    HWND model = GetDlgItem(editor.dialog, TemplateControlOf(kind));
+    WNDPROC base = model ? reinterpret_cast<WNDPROC>(GetWindowLongPtrA(model, GWLP_WNDPROC)) : nullptr;
+    SetPropA(window, kItemView, editor.view);
+    SetPropA(window, kBaseProcedure, reinterpret_cast<HANDLE>(base ? base : own));
+    EnumChildWindows(window, SubclassInner, reinterpret_cast<LPARAM>(editor.view));
 }
 
 BOOL CALLBACK SubclassInner(HWND window, LPARAM view)
@@ -437,7 +454,7 @@ HWND CreateItemWindow(DialogEditor& editor, DialogItem& item, int index)
     } else if (item.Kind() == ItemKind::ListBox) {
         SendMessageA(window, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(static_cast<ListItem&>(item).array.c_str()));
     }
-    Subclass(window, editor.view);
+    Subclass(editor, window, item.Kind());
     return window;
 }
 
