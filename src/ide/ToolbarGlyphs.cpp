@@ -1,6 +1,7 @@
 #include "ide/ToolbarGlyphs.h"
 
 #include "ide/CommandTable.h"
+#include "ide/DesignToolGlyphs.h"
 
 #include <iterator>
 
@@ -163,7 +164,10 @@ void Draw(HDC dc, int x, int y, int command, COLORREF ink)
             Box(dc, x + 4, y + 4 + line * 3, x + 12, y + 5 + line * 3, blue, blue);
         break;
     default:
-        Box(dc, x + 4, y + 4, x + 12, y + 12, ink, ink);
+        if (IsDesignToolCommand(command))
+            DrawDesignToolGlyph(dc, x, y, command, ink);
+        else
+            Box(dc, x + 4, y + 4, x + 12, y + 12, ink, ink);
         break;
     }
 }
