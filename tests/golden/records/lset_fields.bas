@@ -33,6 +33,10 @@ Sub Main
     people(1).Note = "    "
     RSet people(1).Note = "ab"
     Debug.Print "["; people(1).Note; "]"
+    With p
+        LSet .Name = "w"
+        Debug.Print "["; .Name; "]"
+    End With
     ' A field that holds no string.
     On Error Resume Next
     p.Box = 5
