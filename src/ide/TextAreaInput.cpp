@@ -212,8 +212,10 @@ void HandleCharacter(TextAreaState& state, WPARAM code)
             return;
         }
     }
+    state.popups.BeforeCharacter(state, c);
     state.document->TypeCharacter(c);
     state.Refresh();
+    state.popups.AfterCharacter(state, c);
 }
 
 TextPosition WordAt(const TextDocument& document, TextPosition position, TextPosition& end)

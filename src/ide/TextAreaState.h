@@ -2,6 +2,7 @@
 // The per-window state of the text area, shared by its message handler, its input handling and its
 // clipboard support.
 #include "ide/TextArea.h"
+#include "ide/TextAreaPopups.h"
 #include "ide/TextAreaView.h"
 
 #include <windows.h>
@@ -37,6 +38,7 @@ struct TextAreaState {
     HCURSOR textCursor = nullptr;
     HCURSOR arrowCursor = nullptr;
     HCURSOR lineCursor = nullptr;
+    TextAreaPopups popups;
 
     bool ReadOnly() const { return (GetWindowLongA(window, GWL_STYLE) & ES_READONLY) != 0; }
     // After any change of text, caret or scrolling: keep the caret visible (when asked), update the
