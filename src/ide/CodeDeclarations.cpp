@@ -96,7 +96,8 @@ std::string TypeAfterAs(std::string_view item)
     while (!rest.empty()) {
         std::string_view word = LeadingWord(rest, &rest);
         if (word.empty()) {
-            rest.remove_prefix(1);
+            if (!rest.empty())
+                rest.remove_prefix(1);
             continue;
         }
         if (!SameWord(word, "As"))

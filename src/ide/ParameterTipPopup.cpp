@@ -81,6 +81,7 @@ public:
         SetFont(reinterpret_cast<HFONT>(static_cast<LONG_PTR>(font)));
         m_lineHeight = std::max<long>(lineHeight, 8);
         m_anchor = POINT{x, y};
+        SetWindowTextA(m_window, m_prototype.c_str()); // what screen readers and tests read
         Place();
         return 1;
     }

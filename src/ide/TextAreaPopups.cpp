@@ -24,7 +24,9 @@ struct PopupArgument {
     const std::string* text = nullptr;
 };
 
-// Calls member `id`; arguments in the order of the member's parameters. False when the call failed.
+// Calls member `id`; arguments in the order of the member's parameters. A result is asked for only
+// when `result` is given (a described member without result refuses a result VARIANT). False when
+// the call failed.
 bool CallPopup(IDispatch* component, DISPID id, WORD flags, std::initializer_list<PopupArgument> arguments,
                Variant* result = nullptr)
 {
@@ -52,9 +54,8 @@ bool CallPopup(IDispatch* component, DISPID id, WORD flags, std::initializer_lis
         parameters.rgdispidNamedArgs = &putId;
         parameters.cNamedArgs = 1;
     }
-    Variant scratch;
-    Variant& answer = result ? *result : scratch;
-    return SUCCEEDED(component->Invoke(id, IID_NULL, 0x409, flags, &parameters, &answer.Raw(), nullptr, nullptr));
+    return SUCCEEDED(component->Invoke(id, IID_NULL, 0x409, flags, &parameters, result ? &result->Raw() : nullptr,
+                                       nullptr, nullptr));
 }
 
 long ShowPopup(IDispatch* component, HWND window, HFONT font, POINT at, int lineHeight, const std::string& text)
@@ -231,9 +232,11 @@ void TextAreaPopups::BeforeCharacter(TextAreaState& state, char typed)
 {
     if (!m_listShown || IsWordCharacter(typed))
         return;
+    // A blank typed where the list starts moves the list's start behind it (", " before an argument).
     const bool blank = typed == ' ' || typed == '\t';
-    if (blank && state.document->Caret().column <= m_listStart.column)
-        HideList();
+    const TextPosition caret = state.document->Caret();
+    if (blank && caret.line == m_listStart.line && caret.column <= m_listStart.column && !state.document->HasSelection())
+        m_listStart.column = caret.column + 1;
     else
         Accept(state);
 }
