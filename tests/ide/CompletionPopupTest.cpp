@@ -170,12 +170,29 @@ TEST_F(CompletionInFrame, TheTipFollowsTheArgumentAndClosesWithItsParenthesis)
     EXPECT_TRUE(PopupVisible(kTipClass));
     EXPECT_EQ("Add(a As Integer, [b As Integer = 2]) As Integer", popups.prototype);
     EXPECT_EQ(0, popups.argument);
-    Type("(1 + 2),");
-    EXPECT_EQ(1, Popups().argument) << "the comma inside parentheses does not count";
+    Type("Max(1, 2)");
+    EXPECT_EQ(0, Popups().argument) << "the comma inside parentheses does not count";
+    Type(",");
+    EXPECT_EQ(1, Popups().argument);
     Type(" 3)");
     EXPECT_FALSE(Popups().tipShown);
     EXPECT_FALSE(PopupVisible(kTipClass));
-    EXPECT_EQ("    x = Add((1 + 2), 3)", Line(3));
+    EXPECT_EQ("    x = Add(Max(1, 2), 3)", Line(3));
+}
+
+TEST_F(CompletionInFrame, HidingForAMomentAndShowingAgain)
+{
+    OpenSheet(kBasketSheet, 2);
+    Type("b.Paint(");
+    ASSERT_TRUE(Popups().tipShown);
+    ASSERT_TRUE(Popups().listShown);
+    SendMessageA(Editor(), TAM_HIDEPOPUPS, 0, 0);
+    EXPECT_FALSE(PopupVisible(kListClass));
+    EXPECT_FALSE(PopupVisible(kTipClass));
+    SendMessageA(Editor(), TAM_HIDEPOPUPS, 1, 0);
+    EXPECT_TRUE(PopupVisible(kListClass));
+    EXPECT_TRUE(PopupVisible(kTipClass));
+    EXPECT_EQ(0, Popups().argument);
 }
 
 TEST_F(CompletionInFrame, AsOffersTheTypesAfterItsBlank)
