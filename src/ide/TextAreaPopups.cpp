@@ -77,8 +77,6 @@ TextAreaPopups::~TextAreaPopups() { Release(); }
 
 void TextAreaPopups::Create()
 {
-    const HRESULT ole = OleInitialize(nullptr);
-    m_oleInitialised = SUCCEEDED(ole);
     m_classObjects.reset(new (std::nothrow) PopupClassObjects);
     m_list = CreatePopupComponent(kCompletionProgId);
     m_tip = CreatePopupComponent(kParameterTipProgId);
@@ -92,9 +90,6 @@ void TextAreaPopups::Release()
     m_list = {};
     m_tip = {};
     m_classObjects.reset();
-    if (m_oleInitialised)
-        OleUninitialize();
-    m_oleInitialised = false;
 }
 
 bool TextAreaPopups::Has(PopupKind kind) const { return kind == PopupKind::Completion ? bool(m_list) : bool(m_tip); }

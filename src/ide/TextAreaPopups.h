@@ -26,7 +26,8 @@ public:
     TextAreaPopups(const TextAreaPopups&) = delete;
     TextAreaPopups& operator=(const TextAreaPopups&) = delete;
 
-    // At the text area's creation and destruction: OLE for the thread, the class objects, the components.
+    // At the text area's creation and destruction (OLE initialised on the thread): the class objects and
+    // the components.
     void Create();
     void Release();
 
@@ -68,7 +69,6 @@ private:
     std::string CurrentArgumentType() const;
     POINT ScreenPoint(const TextAreaState& state, TextPosition position) const;
 
-    bool m_oleInitialised = false;
     std::unique_ptr<PopupClassObjects> m_classObjects;
     ComRef<IDispatch> m_list, m_tip;
     UINT m_listEvent = 0, m_tipEvent = 0;

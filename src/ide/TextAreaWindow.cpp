@@ -1,5 +1,6 @@
 #include "ide/TextAreaState.h"
 #include "ide/CodeLineScan.h"
+#include "values/ComRef.h"
 
 #include <algorithm>
 #include <cstring>
@@ -427,6 +428,26 @@ void Paint(TextAreaState& state)
     EndPaint(state.window, &paint);
 }
 
+// OLE for the thread (balanced at destruction), the drop target and the pop-up components.
+void StartOle(TextAreaState& state)
+{
+    state.oleInitialised = SUCCEEDED(OleInitialize(nullptr));
+    ComRef<IDropTarget> target = ComRef<IDropTarget>::Adopt(CreateTextAreaDropTarget(state));
+    state.dropTargetRegistered = target && SUCCEEDED(RegisterDragDrop(state.window, target.Get()));
+    state.popups.Create();
+}
+
+void EndOle(TextAreaState& state)
+{
+    state.popups.Release();
+    if (state.dropTargetRegistered)
+        RevokeDragDrop(state.window);
+    state.dropTargetRegistered = false;
+    if (state.oleInitialised)
+        OleUninitialize();
+    state.oleInitialised = false;
+}
+
 LRESULT CALLBACK EditWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     TextAreaState* state = StateOf(window);
@@ -453,11 +474,11 @@ LRESULT CALLBACK EditWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
     if (state->popups.HandleEvent(*state, message, wParam))
         return 0;
     if (message == WM_CREATE) {
-        state->popups.Create();
+        StartOle(*state);
         return 0;
     }
     if (message == WM_DESTROY)
-        state->popups.Release();
+        EndOle(*state);
     if (message == WM_NCDESTROY) {
         SetWindowLongPtrA(window, 0, 0);
         if (state->ownFont)
