@@ -153,6 +153,8 @@ public:
 
     WNDPROC OwnerProcedure() const { return m_ownerProcedure; }
     LRESULT WindowMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    // The window went with its owner (a frame destroys the windows it owns first).
+    void WindowGone() { m_window = nullptr; }
 
 private:
     bool EnsureWindow(HWND owner)
@@ -376,6 +378,8 @@ LRESULT CALLBACK ListWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
     if (message == WM_NCCREATE)
         SetWindowLongPtrA(window, 0, reinterpret_cast<LONG_PTR>(reinterpret_cast<CREATESTRUCTA*>(lParam)->lpCreateParams));
     CompletionListPopup* popup = PopupOf(window);
+    if (popup && message == WM_NCDESTROY)
+        popup->WindowGone();
     if (!popup || message == WM_NCCREATE || message == WM_NCDESTROY)
         return DefWindowProcA(window, message, wParam, lParam);
     return popup->WindowMessage(message, wParam, lParam);

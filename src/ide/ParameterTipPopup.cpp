@@ -106,6 +106,8 @@ public:
     }
 
     LRESULT WindowMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    // The window went with its owner (a frame destroys the windows it owns first).
+    void WindowGone() { m_window = nullptr; }
 
 private:
     bool Shown() const { return m_window && IsWindowVisible(m_window); }
@@ -209,6 +211,8 @@ LRESULT CALLBACK TipWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM 
     if (message == WM_NCCREATE)
         SetWindowLongPtrA(window, 0, reinterpret_cast<LONG_PTR>(reinterpret_cast<CREATESTRUCTA*>(lParam)->lpCreateParams));
     auto* tip = reinterpret_cast<ParameterTipPopup*>(GetWindowLongPtrA(window, 0));
+    if (tip && message == WM_NCDESTROY)
+        tip->WindowGone();
     if (!tip || message == WM_NCCREATE || message == WM_NCDESTROY)
         return DefWindowProcA(window, message, wParam, lParam);
     return tip->WindowMessage(message, wParam, lParam);

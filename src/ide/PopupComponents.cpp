@@ -54,9 +54,10 @@ bool WriteProgramIds()
     return written;
 }
 
-// The registrations of the thread's holders: a count and the cookies of the class objects.
-int s_holders = 0;
-DWORD s_cookies[2] = {};
+// The registrations of the thread's holders: a count and the cookies of the class objects. COM keeps
+// class objects registered from a single-threaded apartment for that apartment, hence one set per thread.
+thread_local int s_holders = 0;
+thread_local DWORD s_cookies[2] = {};
 
 } // namespace
 
