@@ -109,10 +109,10 @@ std::string TextAreaPopups::CurrentArgumentType() const { return ParameterTypeAt
 
 bool TextAreaPopups::Show(TextAreaState& state, PopupKind kind)
 {
-    return kind == PopupKind::Completion ? ShowList(state, true) : ShowTip(state);
+    return kind == PopupKind::Completion ? ShowList(state) : ShowTip(state);
 }
 
-bool TextAreaPopups::ShowList(TextAreaState& state, bool command)
+bool TextAreaPopups::ShowList(TextAreaState& state)
 {
     if (!m_list)
         return false;
@@ -120,7 +120,7 @@ bool TextAreaPopups::ShowList(TextAreaState& state, bool command)
     const BrowseCatalog catalog = Catalog();
     const std::string argumentType = m_tipShown ? CurrentArgumentType() : std::string();
     const CompletionList list =
-        BuildCompletionList(*state.document, catalog, CompletionRequest{command, m_tipShown ? &argumentType : nullptr});
+        BuildCompletionList(*state.document, catalog, CompletionRequest{true, m_tipShown ? &argumentType : nullptr});
     SetCursor(previous);
     if (list.text.empty())
         return false;
@@ -227,13 +227,19 @@ void TextAreaPopups::BeforeCharacter(TextAreaState& state, char typed)
 {
     if (!m_listShown || IsWordCharacter(typed))
         return;
-    // A blank typed where the list starts moves the list's start behind it (", " before an argument).
-    const bool blank = typed == ' ' || typed == '\t';
     const TextPosition caret = state.document->Caret();
-    if (blank && caret.line == m_listStart.line && caret.column <= m_listStart.column && !state.document->HasSelection())
+    const bool prefixTyped = caret.line == m_listStart.line && caret.column > m_listStart.column;
+    if (prefixTyped) {
+        Accept(state);
+        return;
+    }
+    // Nothing typed since the list came up: a blank moves the list's start behind it (", " before an
+    // argument); any other character closes the list without choosing.
+    const bool blank = typed == ' ' || typed == '\t';
+    if (blank && caret.line == m_listStart.line && !state.document->HasSelection())
         m_listStart.column = caret.column + 1;
     else
-        Accept(state);
+        HideList();
 }
 
 bool TextAreaPopups::ListWouldResult(TextAreaState& state)

@@ -42,7 +42,7 @@ public:
     void Reshow(TextAreaState& state);
 
     // A character about to be typed: while the list is shown, a character that is not a word character
-    // accepts the current entry first.
+    // accepts the current entry first (once a prefix was typed).
     void BeforeCharacter(TextAreaState& state, char typed);
     // A character typed: the automatic triggers after ".", blank, "(", ",", "=" and ")".
     void AfterCharacter(TextAreaState& state, char typed);
@@ -57,7 +57,7 @@ public:
 
 private:
     BrowseCatalog Catalog() const;
-    bool ShowList(TextAreaState& state, bool command);
+    bool ShowList(TextAreaState& state);
     bool ShowTip(TextAreaState& state);
     void Accept(TextAreaState& state);
     void HideList();

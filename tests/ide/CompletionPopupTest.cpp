@@ -159,6 +159,18 @@ TEST_F(CompletionInFrame, ATypedParenthesisAcceptsTheEntryAndOpensTheTip)
     EXPECT_EQ("    b.Paint(scGreen", Line(2));
 }
 
+TEST_F(CompletionInFrame, ANonWordCharacterBeforeAnyPrefixClosesTheListWithoutChoosing)
+{
+    OpenSheet(kBasketSheet, 2);
+    Type("b.Paint(");
+    ASSERT_TRUE(Popups().listShown);
+    Type(" ");
+    EXPECT_TRUE(Popups().listShown) << "a blank moves the list's start";
+    Type(")");
+    EXPECT_FALSE(Popups().listShown);
+    EXPECT_EQ("    b.Paint( )", Line(2));
+}
+
 TEST_F(CompletionInFrame, TheTipFollowsTheArgumentAndClosesWithItsParenthesis)
 {
     OpenSheet("Function Add(a As Integer, Optional b As Integer = 2) As Integer\r\nEnd Function\r\nSub Main\r\n    \r\n"

@@ -59,4 +59,36 @@ TEST_F(TextAreaTriggers, TheCommandsShowTheListAndTheTip)
     EXPECT_EQ(0, Send(brannoc::ide::TAM_SHOWPOPUP, 0)) << "no word before the blank: no list";
 }
 
+// The registry value of a key under HKEY_CLASSES_ROOT ("" when missing).
+std::string ClassesValue(const char* key)
+{
+    char value[128] = {};
+    LONG size = sizeof(value);
+    return RegQueryValueA(HKEY_CLASSES_ROOT, key, value, &size) == ERROR_SUCCESS ? value : "";
+}
+
+TEST_F(TextAreaTriggers, WithoutTheListComponentCompletionIsAbsent)
+{
+    const std::string classId = ClassesValue("Brannoc.AutoFill.3\\CLSID");
+    ASSERT_FALSE(classId.empty());
+    ASSERT_EQ(ERROR_SUCCESS, RegDeleteKeyA(HKEY_CLASSES_ROOT, "Brannoc.AutoFill.3\\CLSID"));
+    HWND other = CreateWindowExA(0, brannoc::ide::kTextAreaClassName, "", WS_CHILD | WS_VISIBLE, 0, 0, 300, 200, m_host,
+                                 nullptr, GetModuleHandleA(nullptr), nullptr);
+    RegSetValueA(HKEY_CLASSES_ROOT, "Brannoc.AutoFill.3\\CLSID", REG_SZ, classId.c_str(),
+                 static_cast<DWORD>(classId.size()));
+    ASSERT_NE(nullptr, other);
+    EXPECT_EQ(0, SendMessageA(other, brannoc::ide::TAM_HASPOPUP, 0, 0)) << "no completion list";
+    EXPECT_EQ(1, SendMessageA(other, brannoc::ide::TAM_HASPOPUP, 1, 0)) << "the parameter tip all the same";
+    SendMessageA(other, WM_SETTEXT, 0, reinterpret_cast<LPARAM>("Sub Main\r\n    \r\nEnd Sub\r\n"));
+    SendMessageA(other, brannoc::ide::TAM_GOTOLINE, 4, MAKELPARAM(1, 0));
+    const size_t before = PostedCommands().size();
+    for (char c : std::string("Dim x As "))
+        SendMessageA(other, WM_CHAR, static_cast<unsigned char>(c), 1);
+    Pump();
+    EXPECT_EQ(before, PostedCommands().size()) << "no list is asked for";
+    EXPECT_EQ(0, SendMessageA(other, brannoc::ide::TAM_SHOWPOPUP, 0, 0));
+    DestroyWindow(other);
+    EXPECT_EQ(classId, ClassesValue("Brannoc.AutoFill.3\\CLSID"));
+}
+
 } // namespace
