@@ -13,6 +13,7 @@
 #include "exec/HaltFlags.h"
 #include "exec/Interpreter.h"
 #include "exec/ModuleInstance.h"
+#include "values/AlignText.h"
 #include "values/ArrayStorage.h"
 #include "values/Conversion.h"
 #include "values/StringCapacity.h"
@@ -487,16 +488,7 @@ bool AlignStatement::Step(ExecEntry& entry)
     BSTR* destination = Destination(context);
     if (!destination)
         return Fail(context, entry);
-    // The destination's characters are rewritten in place: its length never changes.
-    BSTR target = *destination;
-    const UINT length = TextLength(target);
-    const std::wstring_view text = source.StringView();
-    const UINT copied = static_cast<UINT>(text.size() < length ? text.size() : length);
-    const UINT start = m_right ? length - copied : 0;
-    for (UINT i = 0; i < length; ++i)
-        target[i] = L' ';
-    for (UINT i = 0; i < copied; ++i)
-        target[start + i] = text[i];
+    AlignText(*destination, source.StringView(), m_right);
     values.CutBack(values.Size() - static_cast<std::size_t>(m_indexCount));
     return Finish(entry);
 }

@@ -25,10 +25,11 @@ using namespace statement_support;
 
 namespace {
 
-// Whether a number kept for a loop over a whole-number counter of kind `counter` (Byte, Integer, Long)
-// keeps its value in that kind. An end or step with a fraction, or one out of the counter's range (a
-// negative step of a Byte loop), keeps its own kind instead: each pass then adds and compares as the
-// operators do, and only the sum stored into the counter takes the counter's kind.
+// Whether a number kept for a loop over a whole-number counter of kind `counter` (Byte, Integer, Long,
+// Boolean) keeps its value in that kind. An end or step with a fraction, or one out of the counter's
+// range (a negative step of a Byte loop, a step of 1 for a Boolean, which holds only 0 and -1), keeps its
+// own kind instead: each pass then adds and compares as the operators do, and only the sum stored into
+// the counter takes the counter's kind.
 bool KeptInCounterKind(VARTYPE counter, const VARIANT& given)
 {
     double low = 0;
@@ -37,6 +38,7 @@ bool KeptInCounterKind(VARTYPE counter, const VARIANT& given)
     case VT_UI1: high = 255; break;
     case VT_I2: low = SHRT_MIN; high = SHRT_MAX; break;
     case VT_I4: low = LONG_MIN; high = LONG_MAX; break;
+    case VT_BOOL: low = -1; high = 0; break;
     default: return true;
     }
     const VARIANT& value = *FollowByRefChain(&given);
@@ -231,10 +233,13 @@ bool ForStatement::Step(ExecEntry& entry)
         if (!KeepBound(context, m_stepSlot))
             return Fail(context, entry);
     } else {
-        // Without Step the step is 1 in the counter's kind, so that each pass adds like kinds.
-        Variant one;
-        one.SetInteger(1);
-        if (!StorageCell(static_cast<VARTYPE>(m_counter.type.ValueTag())).Store(HiddenSlot(context, m_stepSlot), one))
+        // Without Step the step is 1, in the counter's kind where that kind holds 1, so that each pass
+        // adds like kinds.
+        Variant* one = values.Push();
+        if (!one)
+            return (void)context.interpreter->RaiseOutOfMemory(), Fail(context, entry);
+        one->SetInteger(1);
+        if (!KeepBound(context, m_stepSlot))
             return Fail(context, entry);
     }
     return TestFirst(context, entry);

@@ -8,6 +8,7 @@
 #include "exec/Activation.h"
 #include "exec/ErrorMessages.h"
 #include "exec/Interpreter.h"
+#include "values/AlignText.h"
 #include "values/ArrayStorage.h"
 #include "values/Conversion.h"
 #include "values/ValueCell.h"
@@ -466,6 +467,35 @@ bool AssignPathStatement::Step(ExecEntry& entry)
     if (m_resolvesDefault && !ResolveLetValue(values.Top()))
         return Fail(context, entry);
     if (!Walk(context, path, 1, place) || !StorePlace(place, values.Top(), path.elementLength))
+        return Fail(context, entry);
+    values.CutBack(values.Size() - 1 - static_cast<std::size_t>(path.indexCount));
+    entry.state = ExecEntry::kFinished;
+    return true;
+}
+
+bool AlignPathStatement::Step(ExecEntry& entry)
+{
+    const RunContext context = Context();
+    if (bool answer; !ExpressionReady(context, m_code, entry, answer))
+        return answer;
+    const RecordPath& path = context.procedure->RecordPathAt(m_path);
+    ValueStack& values = context.interpreter->Values();
+    // The text is on top, the path's indexes below it. The destination is read after the text's
+    // conversion, then written back with its own length.
+    Variant& text = values.Top();
+    if (text.Tag() != VT_BSTR && !ChangeType(text, VT_BSTR))
+        return Fail(context, entry);
+    Place place;
+    Variant aligned;
+    if (!Walk(context, path, 1, place) || !LoadPlace(place, aligned))
+        return Fail(context, entry);
+    if (aligned.Tag() != VT_BSTR) {
+        // A record held by a Variant field is not aligned; any other value is not a string.
+        (void)Raise(context, aligned.Tag() == VT_RECORD ? kErrorNotImplemented : kErrorTypeMismatch);
+        return Fail(context, entry);
+    }
+    AlignText(aligned.String(), text.StringView(), m_right);
+    if (!StorePlace(place, aligned, path.elementLength))
         return Fail(context, entry);
     values.CutBack(values.Size() - 1 - static_cast<std::size_t>(path.indexCount));
     entry.state = ExecEntry::kFinished;

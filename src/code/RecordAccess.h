@@ -84,6 +84,20 @@ private:
     bool DirectTextReady();
 };
 
+// LSet record path = text, RSet record path = text: the String, fixed-length String or Variant the path
+// ends at keeps its length and takes the text aligned in it. The code leaves the path's indexes and then
+// the text on the stack.
+class AlignPathStatement final : public Statement {
+public:
+    AlignPathStatement(Expression code, int path, bool right) : m_code(std::move(code)), m_path(path), m_right(right) {}
+    [[nodiscard]] bool Step(ExecEntry& entry) override;
+
+private:
+    Expression m_code;
+    int m_path;
+    bool m_right;
+};
+
 // record.v(i, ...) = value: an element of the array that a Variant field holds (or, when the field
 // holds an object, its default member). The code leaves the path's indexes, the element's `count`
 // indexes and then the value on the stack.

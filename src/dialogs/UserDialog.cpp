@@ -237,10 +237,7 @@ bool UserDialog::Build()
                                           &DialogProc, reinterpret_cast<LPARAM>(this));
     if (!m_dialog)
         return false;
-    RECT units{0, 0, 4, 8};
-    MapDialogRect(m_dialog, &units);
-    m_baseX = units.right > 0 ? units.right : 8;
-    m_baseY = units.bottom > 0 ? units.bottom : 12;
+    m_units = DialogUnits::Of(m_dialog);
     SetCaption(m_definition.title ? *m_definition.title : m_machine.Host().EngineCaption());
     const auto& items = m_definition.Template().items;
     m_items.resize(items.size());
@@ -335,12 +332,12 @@ bool UserDialog::CreateItem(int index)
         style &= ~WS_BORDER;
     }
     const DialogBox& box = values.box;
-    int height = MulDiv(box.dy, m_baseY, 12);
+    int height = m_units.PixelsY(box.dy);
     // A drop-down list's height includes its list.
     if (item.kind == DialogItemKind::kDropListBox)
-        height += MulDiv(96, m_baseY, 12);
-    HWND window = CreateWindowExW(extended, windowClass, text.c_str(), style, MulDiv(box.x, m_baseX, 8),
-                                  MulDiv(box.y, m_baseY, 12), MulDiv(box.dx, m_baseX, 8), height, m_dialog,
+        height += m_units.PixelsY(96);
+    HWND window = CreateWindowExW(extended, windowClass, text.c_str(), style, m_units.PixelsX(box.x),
+                                  m_units.PixelsY(box.y), m_units.PixelsX(box.dx), height, m_dialog,
                                   reinterpret_cast<HMENU>(static_cast<INT_PTR>(m_items[static_cast<std::size_t>(index)].id)),
                                   ThisModule(), nullptr);
     if (!window)
@@ -365,13 +362,13 @@ bool UserDialog::FillList(int index, const Variant& list)
 void UserDialog::PlaceWindow()
 {
     const DialogBox& box = m_definition.box;
-    RECT frame{0, 0, MulDiv(box.dx, m_baseX, 8), MulDiv(box.dy, m_baseY, 12)};
+    RECT frame{0, 0, m_units.PixelsX(box.dx), m_units.PixelsY(box.dy)};
     AdjustWindowRectEx(&frame, static_cast<DWORD>(GetWindowLongW(m_dialog, GWL_STYLE)), FALSE,
                        static_cast<DWORD>(GetWindowLongW(m_dialog, GWL_EXSTYLE)));
     const int width = frame.right - frame.left;
     const int height = frame.bottom - frame.top;
-    int x = MulDiv(box.x, m_baseX, 8);
-    int y = MulDiv(box.y, m_baseY, 12);
+    int x = m_units.PixelsX(box.x);
+    int y = m_units.PixelsY(box.y);
     if (box.x == -1 && box.y == -1) {
         x = (GetSystemMetrics(SM_CXSCREEN) - width) / 2;
         y = (GetSystemMetrics(SM_CYSCREEN) - height) / 2;

@@ -4,6 +4,7 @@
 // order), the exit, and what the Dlg functions ask of it. One dialog is current per thread (the
 // innermost when a dialog function shows another).
 #include "dialogs/DialogDefinition.h"
+#include "dialogs/DialogUnits.h"
 
 #include <windows.h>
 
@@ -111,8 +112,7 @@ private:
     HWND m_owner = nullptr;
     bool m_ownerWasEnabled = false;
     std::vector<Item> m_items;
-    int m_baseX = 8;
-    int m_baseY = 12;
+    DialogUnits m_units;
     int m_defaultItem = -1;
     int m_okItem = -1;
     int m_cancelItem = -1;

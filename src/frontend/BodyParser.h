@@ -369,6 +369,9 @@ private:
     [[nodiscard]] bool ParseNewLibraryClass(Expression& out);
     // The class module of that name among the modules this one uses, or null.
     const Module* FindClassModule(std::string_view name) const;
+    // Whether a type name that is no type word, record or enumeration names a class or object module or a
+    // type of the references and extensions.
+    bool IsKnownObjectType(std::string_view name) const;
     // The class module a declared type names, or null (not a class, or an array).
     const Module* ClassOfType(const TypeSpec& type) const;
     // What the variable of that name is as an object (a local, a parameter, a variable of this module
@@ -447,6 +450,7 @@ private:
     StatementPtr ParseMid();
     StatementPtr ParseErase();
     StatementPtr ParseAlign(bool right);
+    StatementPtr ParseAlignPath(bool right);
     // A declared variable named at the current token; false after reporting `message`.
     [[nodiscard]] bool ReadExistingVariable(VariableRef& ref, CompileMessage message);
     // LSet between two record variables (after "LSet" and the target).

@@ -56,13 +56,17 @@ Module* Compiler::FindModule(std::string_view name) const
     return nullptr;
 }
 
-bool Compiler::IsClassName(void* context, std::string_view name)
+bool Compiler::HasClassModule(std::string_view name) const
 {
-    const auto* compiler = static_cast<Compiler*>(context);
-    for (const auto& module : compiler->m_modules)
+    for (const auto& module : m_modules)
         if (module->Kind() != ModuleKind::Plain && (SameName(module->RecordName(), name) || SameName(module->Name(), name)))
             return true;
     return false;
+}
+
+bool Compiler::IsClassName(void* context, std::string_view name)
+{
+    return static_cast<const Compiler*>(context)->HasClassModule(name);
 }
 
 Module* Compiler::CreateModule(std::string_view name, int mode, ParseResult& result)

@@ -56,6 +56,9 @@ public:
     // Resolves the module's type names and lays out its records, once.
     void PrepareTypes(Module& module);
 
+    // Whether a loaded class or object module goes by the name (its own or its record name).
+    bool HasClassModule(std::string_view name) const;
+
 private:
     void Report(const CompileError& error) override;
     Module* CreateModule(std::string_view name, int mode, ParseResult& result);

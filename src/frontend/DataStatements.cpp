@@ -217,10 +217,12 @@ BodyParser::StatementPtr BodyParser::ParseErase()
     return list;
 }
 
-// LSet variable = text | RSet variable = text | LSet record = record
+// LSet variable = text | RSet variable = text | LSet record = record | LSet record path = text
 BodyParser::StatementPtr BodyParser::ParseAlign(bool right)
 {
     m_lexer.NextToken();
+    if (AtRecordPath())
+        return ParseAlignPath(right);
     VariableRef target;
     const std::string targetName(m_lexer.Text());
     if (!ReadExistingVariable(target, CompileMessage::ExpectingAStringOrUserTypeVar))
@@ -248,6 +250,31 @@ BodyParser::StatementPtr BodyParser::ParseAlign(bool right)
     if (!m_lexer.ExpectToken(Token::Equal) || !ParseExpression(value))
         return nullptr;
     auto statement = std::make_unique<AlignStatement>(std::move(value), target, right);
+    statement->SetKeyword(TokenNumber(right ? Token::RSet : Token::LSet));
+    return statement;
+}
+
+// LSet record path = text | RSet record path = text: a String, fixed-length String or Variant field (or an
+// element of such an array field) of a record keeps its length and takes the text aligned in it.
+BodyParser::StatementPtr BodyParser::ParseAlignPath(bool right)
+{
+    const char* start = m_lexer.TokenStart();
+    Expression code;
+    RecordPathEnd end;
+    const int path = ParseRecordPath(code, end);
+    if (path < 0)
+        return nullptr;
+    const TypeCode& type = end.type;
+    const bool text = !type.IsArray() && (type.IsString() || type.IsFixedString() || type.IsVariant());
+    if (end.record || end.fixedArray || !text || m_lexer.Kind() == Token::Dot || m_lexer.Kind() == Token::LeftParen) {
+        m_lexer.SignalErrorAt(end.record ? CompileMessage::ThisVarCantBeUsedWithLSet
+                                         : CompileMessage::ExpectingAStringOrUserTypeVar,
+                              {}, start);
+        return nullptr;
+    }
+    if (!m_lexer.ExpectToken(Token::Equal) || !ParseExpression(code))
+        return nullptr;
+    auto statement = std::make_unique<AlignPathStatement>(std::move(code), path, right);
     statement->SetKeyword(TokenNumber(right ? Token::RSet : Token::LSet));
     return statement;
 }
@@ -391,6 +418,13 @@ bool BodyParser::ReadType(TypeCode& type, const Module** classModule, const User
                 type = TypeCode(TypeCode::kLong);
                 if (classModule)
                     *classModule = nullptr;
+                return true;
+            }
+            // Any other name must be a class or object module or a type that a reference or extension
+            // gives, as for the module's own declarations: a misspelt type is an error, not an object.
+            if (word != Token::Object && !IsKnownObjectType(name)) {
+                m_lexer.SignalErrorAt(CompileMessage::ExpectingAValidDataTypeEgInteger, {}, namePosition);
+                return false;
             }
             return true;
         }

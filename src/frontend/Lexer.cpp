@@ -284,7 +284,8 @@ void Lexer::ScanBracketedName()
 
 bool Lexer::ScanDateLiteral()
 {
-    if (m_kind != Token::Hash || IsBlank(m_tokenStart[1]) || IsLineEnd(m_tokenStart[1]))
+    // Only a space right after the "#" keeps it a "#" token (as in Print # 1); a tab starts a literal.
+    if (m_kind != Token::Hash || m_tokenStart[1] == ' ' || IsLineEnd(m_tokenStart[1]))
         return false;
     const char* end = m_tokenStart + 1;
     while (!IsLineEnd(*end) && *end != '#' && end - m_tokenStart <= kMaxTokenLength)

@@ -73,6 +73,13 @@ public:
         (void)name;
         return false;
     }
+    // True when the name is that of a loaded class or object module (as the module-level declarations
+    // take it).
+    virtual bool IsLoadedClassName(std::string_view name)
+    {
+        (void)name;
+        return false;
+    }
     // What the name means through the extensions and references visible to the module.
     virtual ExtensionName FindExtensionName(std::string_view module, std::string_view name)
     {

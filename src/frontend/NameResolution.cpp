@@ -68,6 +68,15 @@ const Module* BodyParser::FindClassModule(std::string_view name) const
     return FindReachedClass(m_module, m_reached, name);
 }
 
+bool BodyParser::IsKnownObjectType(std::string_view name) const
+{
+    // Library.Type was checked against the references where it was read.
+    if (name.find('.') != std::string_view::npos || FindClassModule(name))
+        return true;
+    ModuleSource* source = m_module.Source();
+    return source && (source->IsExternalTypeName(m_module.Name(), name) || source->IsLoadedClassName(name));
+}
+
 const Module* BodyParser::ClassOfType(const TypeSpec& type) const
 {
     if (type.className.empty() || type.code.IsArray())

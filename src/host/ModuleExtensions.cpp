@@ -48,6 +48,11 @@ bool ModuleManager::IsExternalTypeName(std::string_view module, std::string_view
     return m_context.Extensions().FindType(std::string(module), std::string(name)) != nullptr;
 }
 
+bool ModuleManager::IsLoadedClassName(std::string_view name)
+{
+    return m_compiler && m_compiler->HasClassModule(name);
+}
+
 bool ModuleManager::IsExternalEnumName(std::string_view module, std::string_view name)
 {
     return automation::IsEnumType(m_context.Extensions().FindType(std::string(module), std::string(name)));

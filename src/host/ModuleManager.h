@@ -205,6 +205,7 @@ private:
     bool IsGlobalNameInUse(std::string_view name) override;
     bool BuildForm(std::string_view name, std::string_view headerText) override;
     bool IsExternalTypeName(std::string_view module, std::string_view name) override;
+    bool IsLoadedClassName(std::string_view name) override;
     ExtensionName FindExtensionName(std::string_view module, std::string_view name) override;
     bool IsExternalEnumName(std::string_view module, std::string_view name) override;
     std::string CreatableClassId(std::string_view module, std::string_view name) override;

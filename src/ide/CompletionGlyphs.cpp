@@ -1,40 +1,17 @@
 // Glyphs of the completion list, drawn with plain GDI shapes so that they scale with no bitmaps.
 #include "ide/CompletionGlyphs.h"
 
+#include "ide/GlyphPaint.h"
+
 namespace brannoc::ide {
 
 namespace {
 
 constexpr int kSize = 12;
 
-// A pen and brush selected for the duration of one shape.
-class ShapeColours final {
-public:
-    ShapeColours(HDC dc, COLORREF outline, COLORREF fill)
-        : m_dc(dc), m_pen(CreatePen(PS_SOLID, 1, outline)), m_brush(CreateSolidBrush(fill)),
-          m_oldPen(SelectObject(dc, m_pen)), m_oldBrush(SelectObject(dc, m_brush))
-    {
-    }
-    ~ShapeColours()
-    {
-        SelectObject(m_dc, m_oldPen);
-        SelectObject(m_dc, m_oldBrush);
-        DeleteObject(m_pen);
-        DeleteObject(m_brush);
-    }
-    ShapeColours(const ShapeColours&) = delete;
-    ShapeColours& operator=(const ShapeColours&) = delete;
-
-private:
-    HDC m_dc;
-    HPEN m_pen;
-    HBRUSH m_brush;
-    HGDIOBJ m_oldPen, m_oldBrush;
-};
-
 void Line(HDC dc, COLORREF colour, int x1, int y1, int x2, int y2)
 {
-    ShapeColours colours(dc, colour, colour);
+    GlyphPaint paint(dc, colour, colour);
     MoveToEx(dc, x1, y1, nullptr);
     LineTo(dc, x2, y2);
 }
@@ -43,7 +20,7 @@ void Line(HDC dc, COLORREF colour, int x1, int y1, int x2, int y2)
 void Library(HDC dc, int x, int y)
 {
     {
-        ShapeColours colours(dc, RGB(110, 30, 30), RGB(170, 50, 50));
+        GlyphPaint paint(dc, RGB(110, 30, 30), RGB(170, 50, 50));
         Rectangle(dc, x + 1, y, x + kSize - 1, y + kSize);
     }
     Line(dc, RGB(240, 200, 200), x + 3, y + 1, x + 3, y + kSize - 1);
@@ -54,7 +31,7 @@ void Library(HDC dc, int x, int y)
 void Type(HDC dc, int x, int y)
 {
     {
-        ShapeColours colours(dc, RGB(0, 100, 110), RGB(40, 170, 180));
+        GlyphPaint paint(dc, RGB(0, 100, 110), RGB(40, 170, 180));
         Rectangle(dc, x, y + 1, x + kSize, y + kSize);
     }
     Line(dc, RGB(0, 100, 110), x, y + 4, x + kSize, y + 4);
@@ -65,7 +42,7 @@ void Type(HDC dc, int x, int y)
 void Value(HDC dc, int x, int y)
 {
     {
-        ShapeColours colours(dc, RGB(20, 60, 150), RGB(60, 110, 210));
+        GlyphPaint paint(dc, RGB(20, 60, 150), RGB(60, 110, 210));
         RoundRect(dc, x, y + 2, x + kSize, y + kSize - 1, 4, 4);
     }
     Line(dc, RGB(255, 255, 255), x + 3, y + 5, x + kSize - 3, y + 5);
@@ -75,7 +52,7 @@ void Value(HDC dc, int x, int y)
 // A method: a purple diamond.
 void Method(HDC dc, int x, int y)
 {
-    ShapeColours colours(dc, RGB(90, 30, 120), RGB(150, 70, 190));
+    GlyphPaint paint(dc, RGB(90, 30, 120), RGB(150, 70, 190));
     const POINT diamond[] = {{x + kSize / 2, y}, {x + kSize, y + kSize / 2}, {x + kSize / 2, y + kSize}, {x, y + kSize / 2}};
     Polygon(dc, diamond, 4);
 }
@@ -84,13 +61,13 @@ void Method(HDC dc, int x, int y)
 void Property(HDC dc, int x, int y, bool isDefault)
 {
     {
-        ShapeColours colours(dc, RGB(60, 90, 60), RGB(120, 170, 110));
+        GlyphPaint paint(dc, RGB(60, 90, 60), RGB(120, 170, 110));
         Rectangle(dc, x + 1, y + 1, x + kSize - 1, y + kSize - 1);
     }
     Line(dc, RGB(255, 255, 255), x + 3, y + 4, x + kSize - 3, y + 4);
     Line(dc, RGB(255, 255, 255), x + 3, y + 7, x + kSize - 5, y + 7);
     if (isDefault) {
-        ShapeColours colours(dc, RGB(150, 110, 0), RGB(250, 200, 30));
+        GlyphPaint paint(dc, RGB(150, 110, 0), RGB(250, 200, 30));
         Ellipse(dc, x + kSize - 6, y + kSize - 6, x + kSize + 1, y + kSize + 1);
     }
 }

@@ -3,6 +3,7 @@
 #include "ide/EditorFrameState.h"
 
 #include "ide/CommandTable.h"
+#include "ide/DialogEditor.h"
 #include "ide/FrameHelp.h"
 #include "ide/FrameKeys.h"
 #include "ide/FrameOpenUses.h"
@@ -216,6 +217,7 @@ bool RunFrameCommand(EditorFrame& frame, int command)
     case CMD_QUICK_WATCH: case CMD_ADD_WATCH: frame.QuickWatch(command == CMD_ADD_WATCH); return true;
     case CMD_REFERENCES: return ShowReferencesDialog(frame);
     case CMD_BROWSE: ShowObjectBrowser(frame); return true;
+    case CMD_USER_DIALOG: ShowUserDialogEditor(frame); return true;
     case CMD_PROPERTIES:
         if (sheet && sheet->kind != SheetKind::Macro)
             ShowModuleProperties(frame, *sheet);

@@ -4,6 +4,7 @@
 #include "ide/TextArea.h"
 #include "ide/ToolbarGlyphs.h"
 
+#include <commctrl.h>
 #include <windowsx.h>
 
 namespace brannoc::ide {
@@ -132,6 +133,44 @@ LRESULT SetBit(HWND window, ToolbarState& state, DWORD ToolbarState::*set, WPARA
     return 1;
 }
 
+// The tool-tip window gets one tool per visible button, its rectangle following the layout; the tool
+// asks for its text when shown (TTN_NEEDTEXTA).
+void RegisterTools(HWND window, const ToolbarState& state)
+{
+    if (!state.tooltips)
+        return;
+    TOOLINFOA tool{};
+    tool.cbSize = TTTOOLINFOA_V2_SIZE;
+    tool.hwnd = window;
+    for (int i = 0; i < ButtonCount(state); ++i) {
+        if (state.buttons[i] == kToolbarSeparator)
+            continue;
+        tool.uId = static_cast<UINT_PTR>(i + 1);
+        SendMessageA(state.tooltips, TTM_DELTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
+        tool.rect = LayOut(state, i);
+        if (IsRectEmpty(&tool.rect))
+            continue;
+        tool.uFlags = TTF_SUBCLASS;
+        tool.lpszText = LPSTR_TEXTCALLBACKA;
+        SendMessageA(state.tooltips, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
+    }
+}
+
+LRESULT OnToolTipText(HWND window, const ToolbarState& state, NMHDR* header)
+{
+    if (header->code != TTN_NEEDTEXTA)
+        return 0;
+    auto* text = reinterpret_cast<NMTTDISPINFOA*>(header);
+    const int position = static_cast<int>(header->idFrom) - 1;
+    if (position < 0 || position >= ButtonCount(state))
+        return 0;
+    static const UINT message = RegisterWindowMessageA(kToolbarMessageName);
+    const short id = state.buttons[position];
+    text->lpszText = reinterpret_cast<char*>(
+        SendMessageA(GetParent(window), message, static_cast<WPARAM>(id < 0 ? -id : id), 2));
+    return 0;
+}
+
 LRESULT OnMouse(HWND window, ToolbarState& state, UINT message, LPARAM lParam)
 {
     POINT point{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
@@ -188,14 +227,18 @@ LRESULT CALLBACK ToolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
     case TBM_SETBUTTONS:
         state->buttons = reinterpret_cast<const short*>(lParam);
         state->visible = state->enabled = state->released = 0xFFFFFFFFu;
+        RegisterTools(window, *state);
         InvalidateRect(window, nullptr, TRUE);
         return 1;
     case TBM_ENABLE:
         return SetBit(window, *state, &ToolbarState::enabled, wParam, lParam);
     case TBM_RELEASE:
         return SetBit(window, *state, &ToolbarState::released, wParam, lParam);
-    case TBM_SHOW:
-        return SetBit(window, *state, &ToolbarState::visible, wParam, lParam);
+    case TBM_SHOW: {
+        const LRESULT done = SetBit(window, *state, &ToolbarState::visible, wParam, lParam);
+        RegisterTools(window, *state);
+        return done;
+    }
     case TBM_NEEDEDWIDTH:
     case TBM_NEEDEDHEIGHT: {
         SIZE size;
@@ -204,11 +247,15 @@ LRESULT CALLBACK ToolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
     }
     case TBM_SETWIDTH:
         state->width = static_cast<int>(wParam) > 28672 ? 28672 : static_cast<int>(wParam) < 51 ? 50 : static_cast<int>(wParam);
+        RegisterTools(window, *state);
         InvalidateRect(window, nullptr, TRUE);
         return 1;
     case TBM_SETTOOLTIPS:
         state->tooltips = reinterpret_cast<HWND>(lParam);
+        RegisterTools(window, *state);
         return 1;
+    case WM_NOTIFY:
+        return OnToolTipText(window, *state, reinterpret_cast<NMHDR*>(lParam));
     case TBM_BUTTONRECT: {
         RECT r = LayOut(*state, PositionOf(*state, wParam));
         if (lParam)

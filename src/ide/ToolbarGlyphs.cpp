@@ -1,6 +1,8 @@
 #include "ide/ToolbarGlyphs.h"
 
 #include "ide/CommandTable.h"
+#include "ide/DesignToolGlyphs.h"
+#include "ide/GlyphPaint.h"
 
 #include <iterator>
 
@@ -8,55 +10,17 @@ namespace brannoc::ide {
 
 namespace {
 
-class Pen final {
-public:
-    Pen(HDC dc, COLORREF colour, COLORREF fill) : m_dc(dc)
-    {
-        m_pen = CreatePen(PS_SOLID, 1, colour);
-        m_brush = CreateSolidBrush(fill);
-        m_oldPen = SelectObject(dc, m_pen);
-        m_oldBrush = SelectObject(dc, m_brush);
-    }
-    ~Pen()
-    {
-        SelectObject(m_dc, m_oldPen);
-        SelectObject(m_dc, m_oldBrush);
-        DeleteObject(m_pen);
-        DeleteObject(m_brush);
-    }
-    Pen(const Pen&) = delete;
-    Pen& operator=(const Pen&) = delete;
-
-private:
-    HDC m_dc;
-    HPEN m_pen;
-    HBRUSH m_brush;
-    HGDIOBJ m_oldPen, m_oldBrush;
-};
-
-void Box(HDC dc, int x, int y, int x2, int y2, COLORREF line, COLORREF fill)
-{
-    Pen pen(dc, line, fill);
-    Rectangle(dc, x, y, x2, y2);
-}
-
-void Shape(HDC dc, const POINT* points, int count, COLORREF line, COLORREF fill)
-{
-    Pen pen(dc, line, fill);
-    Polygon(dc, points, count);
-}
-
 void Page(HDC dc, int x, int y, COLORREF ink)
 {
     POINT page[] = {{x + 2, y}, {x + 9, y}, {x + 12, y + 3}, {x + 12, y + 15}, {x + 2, y + 15}};
-    Shape(dc, page, 5, ink, RGB(255, 255, 255));
+    GlyphShape(dc, page, 5, ink, RGB(255, 255, 255));
 }
 
 void Arrow(HDC dc, int x, int y, bool right, COLORREF ink)
 {
     POINT head[] = {{x + (right ? 10 : 4), y + 2}, {x + (right ? 14 : 0), y + 6}, {x + (right ? 10 : 4), y + 10}};
-    Shape(dc, head, 3, ink, ink);
-    Box(dc, x + (right ? 3 : 4), y + 5, x + (right ? 11 : 12), y + 8, ink, ink);
+    GlyphShape(dc, head, 3, ink, ink);
+    GlyphBox(dc, x + (right ? 3 : 4), y + 5, x + (right ? 11 : 12), y + 8, ink, ink);
 }
 
 void Draw(HDC dc, int x, int y, int command, COLORREF ink)
@@ -72,22 +36,22 @@ void Draw(HDC dc, int x, int y, int command, COLORREF ink)
         break;
     case CMD_OPEN: {
         POINT folder[] = {{x, y + 4}, {x + 5, y + 4}, {x + 6, y + 6}, {x + 14, y + 6}, {x + 14, y + 14}, {x, y + 14}};
-        Shape(dc, folder, 6, ink, yellow);
+        GlyphShape(dc, folder, 6, ink, yellow);
         break;
     }
     case CMD_SAVE:
     case CMD_SAVE_ALL:
-        Box(dc, x + 1, y + 1, x + 15, y + 15, ink, blue);
-        Box(dc, x + 4, y + 1, x + 12, y + 7, ink, RGB(255, 255, 255));
+        GlyphBox(dc, x + 1, y + 1, x + 15, y + 15, ink, blue);
+        GlyphBox(dc, x + 4, y + 1, x + 12, y + 7, ink, RGB(255, 255, 255));
         if (command == CMD_SAVE_ALL)
-            Box(dc, x + 5, y + 10, x + 11, y + 15, ink, RGB(255, 255, 255));
+            GlyphBox(dc, x + 5, y + 10, x + 11, y + 15, ink, RGB(255, 255, 255));
         break;
     case CMD_PRINT:
-        Box(dc, x + 3, y + 1, x + 13, y + 7, ink, RGB(255, 255, 255));
-        Box(dc, x, y + 7, x + 16, y + 13, ink, RGB(192, 192, 192));
+        GlyphBox(dc, x + 3, y + 1, x + 13, y + 7, ink, RGB(255, 255, 255));
+        GlyphBox(dc, x, y + 7, x + 16, y + 13, ink, RGB(192, 192, 192));
         break;
     case CMD_CUT: {
-        Pen pen(dc, ink, ink);
+        GlyphPaint pen(dc, ink, ink);
         MoveToEx(dc, x + 4, y + 1, nullptr);
         LineTo(dc, x + 11, y + 11);
         MoveToEx(dc, x + 11, y + 1, nullptr);
@@ -101,7 +65,7 @@ void Draw(HDC dc, int x, int y, int command, COLORREF ink)
         Page(dc, x + 3, y + 1, ink);
         break;
     case CMD_PASTE:
-        Box(dc, x + 1, y + 2, x + 12, y + 15, ink, yellow);
+        GlyphBox(dc, x + 1, y + 2, x + 12, y + 15, ink, yellow);
         Page(dc, x + 4, y + 5, ink);
         break;
     case CMD_UNDO:
@@ -111,33 +75,33 @@ void Draw(HDC dc, int x, int y, int command, COLORREF ink)
         Arrow(dc, x + 1, y + 3, true, blue);
         break;
     case CMD_BROWSE:
-        Box(dc, x + 1, y + 1, x + 11, y + 11, ink, RGB(200, 230, 255));
-        Box(dc, x + 9, y + 9, x + 15, y + 15, ink, ink);
+        GlyphBox(dc, x + 1, y + 1, x + 11, y + 11, ink, RGB(200, 230, 255));
+        GlyphBox(dc, x + 9, y + 9, x + 15, y + 15, ink, ink);
         break;
     case CMD_RUN: {
         POINT play[] = {{x + 4, y + 2}, {x + 13, y + 8}, {x + 4, y + 14}};
-        Shape(dc, play, 3, green, green);
+        GlyphShape(dc, play, 3, green, green);
         break;
     }
     case CMD_PAUSE:
-        Box(dc, x + 3, y + 2, x + 7, y + 14, blue, blue);
-        Box(dc, x + 9, y + 2, x + 13, y + 14, blue, blue);
+        GlyphBox(dc, x + 3, y + 2, x + 7, y + 14, blue, blue);
+        GlyphBox(dc, x + 9, y + 2, x + 13, y + 14, blue, blue);
         break;
     case CMD_END:
-        Box(dc, x + 3, y + 3, x + 13, y + 13, blue, blue);
+        GlyphBox(dc, x + 3, y + 3, x + 13, y + 13, blue, blue);
         break;
     case CMD_DESIGN_MODE: {
         POINT square[] = {{x + 1, y + 14}, {x + 14, y + 1}, {x + 14, y + 14}};
-        Shape(dc, square, 3, ink, yellow);
+        GlyphShape(dc, square, 3, ink, yellow);
         break;
     }
     case CMD_TOGGLE_BREAK: {
-        Pen pen(dc, red, red);
+        GlyphPaint pen(dc, red, red);
         Ellipse(dc, x + 3, y + 3, x + 13, y + 13);
         break;
     }
     case CMD_QUICK_WATCH: {
-        Pen pen(dc, ink, RGB(200, 230, 255));
+        GlyphPaint pen(dc, ink, RGB(200, 230, 255));
         Ellipse(dc, x, y + 5, x + 8, y + 13);
         Ellipse(dc, x + 8, y + 5, x + 16, y + 13);
         break;
@@ -149,21 +113,24 @@ void Draw(HDC dc, int x, int y, int command, COLORREF ink)
     case CMD_STEP_OVER:
     case CMD_STEP_OUT:
         for (int line = 0; line < 4; ++line)
-            Box(dc, x + 6, y + 1 + line * 4, x + 15, y + 3 + line * 4, ink, ink);
+            GlyphBox(dc, x + 6, y + 1 + line * 4, x + 15, y + 3 + line * 4, ink, ink);
         Arrow(dc, x, y + (command == CMD_STEP_INTO ? 6 : command == CMD_STEP_OVER ? 10 : 0), true, blue);
         break;
     case CMD_USER_DIALOG:
-        Box(dc, x, y + 1, x + 16, y + 15, ink, RGB(255, 255, 255));
-        Box(dc, x, y + 1, x + 16, y + 4, blue, blue);
-        Box(dc, x + 9, y + 10, x + 14, y + 13, ink, RGB(192, 192, 192));
+        GlyphBox(dc, x, y + 1, x + 16, y + 15, ink, RGB(255, 255, 255));
+        GlyphBox(dc, x, y + 1, x + 16, y + 4, blue, blue);
+        GlyphBox(dc, x + 9, y + 10, x + 14, y + 13, ink, RGB(192, 192, 192));
         break;
     case CMD_PROPERTIES:
-        Box(dc, x + 1, y + 1, x + 15, y + 15, ink, RGB(255, 255, 255));
+        GlyphBox(dc, x + 1, y + 1, x + 15, y + 15, ink, RGB(255, 255, 255));
         for (int line = 0; line < 3; ++line)
-            Box(dc, x + 4, y + 4 + line * 3, x + 12, y + 5 + line * 3, blue, blue);
+            GlyphBox(dc, x + 4, y + 4 + line * 3, x + 12, y + 5 + line * 3, blue, blue);
         break;
     default:
-        Box(dc, x + 4, y + 4, x + 12, y + 12, ink, ink);
+        if (IsDesignToolCommand(command))
+            DrawDesignToolGlyph(dc, x, y, command, ink);
+        else
+            GlyphBox(dc, x + 4, y + 4, x + 12, y + 12, ink, ink);
         break;
     }
 }

@@ -3,6 +3,7 @@
 #include "host/ThisModule.h"
 #include "values/ValueError.h"
 
+#include <algorithm>
 #include <cstring>
 #include <cwctype>
 
@@ -42,22 +43,13 @@ void SetZeroOfKind(Variant& value, VARTYPE tag)
 
 bool IsDecimalDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
 
-// Digits with an optional leading sign and surrounding spaces: the texts tried as Long first.
+// Decimal digits, after an optional sign: the texts tried as Long first (so "-32768" can be an Integer).
+// A blank or anything else makes the text a Double's (" 12" and "12 " are read as Doubles).
 bool IsWholeNumberText(std::wstring_view text)
 {
-    size_t i = 0;
-    while (i < text.size() && text[i] == L' ')
-        ++i;
-    if (i < text.size() && (text[i] == L'-' || text[i] == L'+'))
-        ++i;
-    size_t digits = 0;
-    while (i < text.size() && IsDecimalDigit(text[i])) {
-        ++i;
-        ++digits;
-    }
-    while (i < text.size() && text[i] == L' ')
-        ++i;
-    return digits > 0 && i == text.size();
+    if (!text.empty() && (text.front() == L'-' || text.front() == L'+'))
+        text.remove_prefix(1);
+    return !text.empty() && std::all_of(text.begin(), text.end(), IsDecimalDigit);
 }
 
 bool IsHexOrOctalText(std::wstring_view text)

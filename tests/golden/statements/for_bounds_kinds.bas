@@ -16,4 +16,13 @@ Sub Main
     Err.Clear
     For y = 254 To 255: Debug.Print y; " ";: Next: Debug.Print
     Debug.Print Err.Number; y
+    ' A Boolean counter holds 0 and -1 only: the step of 1 keeps its own kind, so False To True
+    ' (0 to -1) is empty and True To False runs with True, then False.
+    Dim b As Boolean, n As Integer
+    For b = False To True: Debug.Print "never";: Next
+    For b = True To False: Debug.Print b; " ";: n = n + 1: If n = 5 Then Exit For
+    Next: Debug.Print n
+    For b = True To False Step -1: Debug.Print "never";: Next
+    For b = False To True Step -1: Debug.Print b; " ";: n = n + 1: If n = 8 Then Exit For
+    Next: Debug.Print n
 End Sub
