@@ -224,6 +224,62 @@ std::string TypeNameOf(ITypeInfo* type)
     return NarrowText(name.View());
 }
 
+namespace {
+
+// The kind and flags of a type; false when the type cannot tell.
+bool ReadKind(ITypeInfo* type, TYPEKIND& kind, WORD& flags)
+{
+    TYPEATTR* attributes = nullptr;
+    if (!type || FAILED(type->GetTypeAttr(&attributes)))
+        return false;
+    kind = attributes->typekind;
+    flags = attributes->wTypeFlags;
+    type->ReleaseTypeAttr(attributes);
+    return true;
+}
+
+} // namespace
+
+bool IsEnumeration(ITypeInfo* type)
+{
+    TYPEKIND kind{};
+    WORD flags = 0;
+    return ReadKind(type, kind, flags) && kind == TKIND_ENUM;
+}
+
+bool IsCreatable(ITypeInfo* type)
+{
+    TYPEKIND kind{};
+    WORD flags = 0;
+    return ReadKind(type, kind, flags) && kind == TKIND_COCLASS && (flags & TYPEFLAG_FCANCREATE) != 0;
+}
+
+bool IsUsedUnqualified(ITypeInfo* type)
+{
+    TYPEKIND kind{};
+    WORD flags = 0;
+    if (!ReadKind(type, kind, flags))
+        return false;
+    return kind == TKIND_ENUM || kind == TKIND_MODULE || (kind == TKIND_COCLASS && (flags & TYPEFLAG_FAPPOBJECT) != 0);
+}
+
+bool FindGlobalMember(const BrowseCatalog& catalog, std::string_view name, MemberLine& found)
+{
+    for (const BrowseLibrary& library : catalog.libraries) {
+        for (const BrowseType& type : library.types) {
+            if (!IsUsedUnqualified(type.type.Get()))
+                continue;
+            for (MemberLine& member : ReadMembers(type.type.Get())) {
+                if (SameName(member.name, name)) {
+                    found = std::move(member);
+                    return true;
+                }
+            }
+        }
+    }
+    return false;
+}
+
 std::vector<MemberLine> ReadMembers(ITypeInfo* type)
 {
     std::vector<MemberLine> members;

@@ -52,6 +52,17 @@ void AddLibrary(BrowseCatalog& catalog, ITypeLib* library);
 // The name of a type information (its documentation name).
 std::string TypeNameOf(ITypeInfo* type);
 
+// What a data type is: an enumeration (its values are listed by completion), a class that may be
+// created with New, or a type whose members are used without qualification (enumerations, modules and
+// application objects).
+bool IsEnumeration(ITypeInfo* type);
+bool IsCreatable(ITypeInfo* type);
+bool IsUsedUnqualified(ITypeInfo* type);
+
+// The member of that name among the types used without qualification (all libraries of the catalog);
+// false when none has it.
+bool FindGlobalMember(const BrowseCatalog& catalog, std::string_view name, MemberLine& found);
+
 // The members the browser lists for a type (a class is followed to its default interface), read with
 // OA_GetTypeDescA: hidden ones left out, property get and put pairs joined, constants with their values.
 std::vector<MemberLine> ReadMembers(ITypeInfo* type);

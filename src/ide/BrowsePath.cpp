@@ -56,11 +56,30 @@ const BrowseType* MemberResult(const BrowseCatalog& catalog, ITypeInfo* type, co
     return nullptr;
 }
 
+// The result type of a global member (a member of an application object, a module or an enumeration).
+const BrowseType* GlobalMemberResult(const BrowseCatalog& catalog, const std::string& name)
+{
+    MemberLine member;
+    if (!FindGlobalMember(catalog, name, member) || member.kind == MemberKind::Const)
+        return nullptr;
+    return ResolveTypeName(catalog, member.type);
+}
+
 } // namespace
 
 std::string TrimmedPath(std::string_view expression) { return std::string(Trimmed(expression)); }
 
-BrowsePlace ResolvePath(const BrowseCatalog& catalog, std::string_view expression)
+const BrowseType* ResolveTypeName(const BrowseCatalog& catalog, std::string_view typeName)
+{
+    const std::string name = TrimmedPath(typeName);
+    const size_t dot = name.find('.');
+    if (dot == std::string::npos)
+        return catalog.FindType(name);
+    const int library = catalog.FindLibrary(name.substr(0, dot));
+    return library < 0 ? nullptr : catalog.FindType(name.substr(dot + 1), library);
+}
+
+BrowsePlace ResolvePath(const BrowseCatalog& catalog, std::string_view expression, const DeclaredTypeLookup& declared)
 {
     BrowsePlace found;
     if (Trimmed(expression).empty())
@@ -69,26 +88,32 @@ BrowsePlace ResolvePath(const BrowseCatalog& catalog, std::string_view expressio
     std::string path;
     for (const std::string& name : PathNames(expression)) {
         if (name.empty())
-            break;
+            return found;
         const BrowseType* type = nullptr;
+        std::string declaredType;
         if (found.type) {
             type = MemberResult(catalog, found.type.Get(), name);
-        } else if (library < 0 && catalog.FindLibrary(name) >= 0) {
+        } else if (library < 0 && path.empty() && catalog.FindLibrary(name) >= 0) {
             library = catalog.FindLibrary(name);
-            path = Joined(path, name);
+            path = name;
+            found.library = library;
             continue;
+        } else if (library < 0 && declared && !(declaredType = declared(name)).empty()) {
+            type = ResolveTypeName(catalog, declaredType); // null for String, a user type and the like
         } else if ((type = catalog.FindType(name, library)) == nullptr && library < 0) {
             if (const NamedObject* object = catalog.FindObject(name)) {
                 path = Joined(path, name);
                 found = {object->type, path};
                 continue;
             }
+            type = GlobalMemberResult(catalog, name);
         }
         if (!type)
-            break;
+            return found;
         path = Joined(path, name);
         found = {type->type, path};
     }
+    found.whole = true;
     return found;
 }
 

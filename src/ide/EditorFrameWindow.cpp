@@ -4,6 +4,7 @@
 
 #include "ide/CommandTable.h"
 #include "ide/DebugPanes.h"
+#include "ide/BrowseCatalog.h"
 #include "ide/FrameCallBack.h"
 #include "ide/FrameKeys.h"
 #include "ide/FrameLayout.h"
@@ -249,6 +250,8 @@ bool EditorFrame::Create()
         m_editor = Child(m_window, kTextAreaClassName, WS_VISIBLE | WS_VSCROLL | WS_HSCROLL, ID_FRAME_EDITOR);
     if (!m_editor)
         return false;
+    if (!PlainEditing())
+        SetTextAreaCatalogSource(m_editor, [this] { return CollectBrowseCatalog(*this); });
     SendMessageA(m_editor, WM_SETFONT, reinterpret_cast<WPARAM>(m_displayFont ? m_displayFont : GetStockObject(SYSTEM_FIXED_FONT)), 0);
     m_editorProc = reinterpret_cast<WNDPROC>(SetWindowLongPtrA(m_editor, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(EditorKeysProc)));
     CreatePanes();

@@ -3,6 +3,7 @@
 #include "ide/EditorFrameState.h"
 
 #include "ide/CommandTable.h"
+#include "ide/TextArea.h"
 
 #include <objbase.h>
 
@@ -119,10 +120,11 @@ constexpr MenuRow kMenu[] = {
     {1, CMD_ABOUT, nullptr, nullptr},
 };
 
-bool ComponentRegistered(const wchar_t* programId)
+// Whether the text area created the pop-up component (0 completion list, 1 parameter tip); an EDIT
+// control in plain editing answers 0.
+bool EditorHasPopup(HWND editor, WPARAM which)
 {
-    CLSID clsid;
-    return SUCCEEDED(CLSIDFromProgID(programId, &clsid));
+    return editor && SendMessageA(editor, TAM_HASPOPUP, which, 0) != 0;
 }
 
 struct MenuContext {
@@ -163,8 +165,8 @@ HMENU EditorFrame::BuildMenu(bool full) const
     context.listsBoth = m_listMode == 2;
     context.files = Has(FO_FILES);
     context.designOffer = m_designOffer;
-    context.completion = ComponentRegistered(L"Brannoc.AutoFill.3");
-    context.parameterTip = ComponentRegistered(L"Brannoc.AutoParm.3");
+    context.completion = EditorHasPopup(m_editor, 0);
+    context.parameterTip = EditorHasPopup(m_editor, 1);
     context.full = full;
     // A host's menu loses the separator and Exit unless the frame is top-level and quits with it.
     context.exit = full || (IsTopLevel() && Has(FO_POST_QUIT));

@@ -116,6 +116,7 @@ std::optional<MemberLine> ParseMemberLine(std::string_view line, bool constant)
     MemberLine member;
     if (!ParseMemberId(text, member.id))
         return std::nullopt;
+    member.description = std::string(text);
     const bool get = EndsWith(text, "=>");
     const bool put = EndsWith(text, "=<");
     if (get || put)

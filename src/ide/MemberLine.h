@@ -21,6 +21,7 @@ struct MemberLine {
     std::vector<std::string> parameters; // as the Parameters list shows them, e.g. "Optional Buttons As Variant"
     std::string type;                    // result type, or the value type of a property; empty for a Sub
     std::string value;                   // a constant's value, filled by the reader of the type
+    std::string description;             // the line after the member id, e.g. "Hello(Name As String) As String"
 };
 
 // The member a description line names; `constant` marks a line read from a constant variable. Nothing

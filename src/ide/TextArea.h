@@ -2,11 +2,15 @@
 // The code editor control: a window of the class "__BrannocTextArea" that shows one document at a
 // time with keyword colouring and debugger marks. It answers the multi-line EDIT messages the frame
 // uses plus its own messages below.
+#include "ide/BrowseCatalog.h"
 #include "ide/EditorColours.h"
 #include "ide/KeywordSets.h"
 #include "ide/TextDocument.h"
 
 #include <windows.h>
+
+#include <functional>
+#include <string>
 
 namespace brannoc::ide {
 
@@ -57,5 +61,15 @@ void SetTextAreaColours(HWND textArea, const EditorColours& colours);
 // `keywords` must outlive the control's use of it; null returns to the language's own keywords.
 void SetTextAreaKeywords(HWND textArea, const KeywordSets* keywords);
 void IndentTextArea(HWND textArea, bool outdent);
+// What the pop-ups show at the moment: whether each is up, the tip's prototype and current argument.
+struct TextAreaPopupView {
+    bool listShown = false;
+    bool tipShown = false;
+    std::string prototype;
+    int argument = -1;
+};
+TextAreaPopupView TextAreaPopupsShown(HWND textArea);
+// Where completion and parameter information find the type libraries to offer (the frame's catalog).
+void SetTextAreaCatalogSource(HWND textArea, std::function<BrowseCatalog()> source);
 
 } // namespace brannoc::ide

@@ -4,6 +4,7 @@
 #include <windowsx.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace brannoc::ide {
 
@@ -212,8 +213,10 @@ void HandleCharacter(TextAreaState& state, WPARAM code)
             return;
         }
     }
+    state.popups.BeforeCharacter(state, c);
     state.document->TypeCharacter(c);
     state.Refresh();
+    state.popups.AfterCharacter(state, c);
 }
 
 TextPosition WordAt(const TextDocument& document, TextPosition position, TextPosition& end)
@@ -279,9 +282,14 @@ void ButtonDown(TextAreaState& state, int x, int y, bool shift)
         state.drag = MouseDrag::Lines;
         state.dragAnchorLine = position.line;
         SelectWholeLines(state, position.line, position.line);
+    } else if (!shift && InsideSelection(document, state.view.PositionAt(document, x, y, false))) {
+        // The drag starts once the mouse moves; a release without a move places the caret there.
+        state.drag = MouseDrag::PendingOleDrag;
+        state.pressPoint = POINT{x, y};
+        state.pressPosition = position;
+        SetCapture(state.window);
+        return;
     } else {
-        // FIXME: a click inside the selection should start an OLE drag of the selected text; it places
-        // the caret instead.
         state.drag = MouseDrag::Text;
         document.MoveCaret(position, shift);
     }
@@ -292,11 +300,29 @@ void ButtonDown(TextAreaState& state, int x, int y, bool shift)
 
 void ButtonUp(TextAreaState& state)
 {
+    if (state.drag == MouseDrag::PendingOleDrag) {
+        state.drag = MouseDrag::None;
+        ReleaseCapture();
+        state.document->MoveCaret(state.pressPosition, false);
+        state.Refresh();
+        return;
+    }
     if (state.drag == MouseDrag::None)
         return;
     state.drag = MouseDrag::None;
     KillTimer(state.window, kDragScrollTimer);
     ReleaseCapture();
+}
+
+// A pending drag becomes an OLE drag once the mouse leaves the system's drag rectangle.
+void PendingDragMoved(TextAreaState& state, POINT mouse)
+{
+    const int dx = std::abs(mouse.x - state.pressPoint.x), dy = std::abs(mouse.y - state.pressPoint.y);
+    if (dx <= GetSystemMetrics(SM_CXDRAG) / 2 && dy <= GetSystemMetrics(SM_CYDRAG) / 2)
+        return;
+    state.drag = MouseDrag::None;
+    ReleaseCapture();
+    StartTextDrag(state);
 }
 
 // While a drag is under way and the mouse is above or below the text, scroll towards it.
@@ -418,7 +444,9 @@ bool HandleInput(TextAreaState& state, UINT message, WPARAM wParam, LPARAM lPara
         if (mouse.x == state.lastMouse.x && mouse.y == state.lastMouse.y)
             return true;
         state.lastMouse = mouse;
-        if (state.drag != MouseDrag::None)
+        if (state.drag == MouseDrag::PendingOleDrag)
+            PendingDragMoved(state, mouse);
+        else if (state.drag != MouseDrag::None)
             DragTo(state, mouse.x, mouse.y);
         return true;
     }

@@ -2,13 +2,16 @@
 // The per-window state of the text area, shared by its message handler, its input handling and its
 // clipboard support.
 #include "ide/TextArea.h"
+#include "ide/TextAreaPopups.h"
 #include "ide/TextAreaView.h"
 
 #include <windows.h>
 
 namespace brannoc::ide {
 
-enum class MouseDrag { None, Text, Lines };
+// What a pressed mouse button does: select text or whole lines, or (pressed inside the selection)
+// wait for a move that starts an OLE drag of the selected text.
+enum class MouseDrag { None, Text, Lines, PendingOleDrag };
 
 struct ScrollBarState {
     int maximum = -1;
@@ -37,6 +40,13 @@ struct TextAreaState {
     HCURSOR textCursor = nullptr;
     HCURSOR arrowCursor = nullptr;
     HCURSOR lineCursor = nullptr;
+    TextAreaPopups popups;
+    bool oleInitialised = false;
+    bool dropTargetRegistered = false;
+    POINT pressPoint{};              // where a pending OLE drag was pressed
+    TextPosition pressPosition;
+    bool draggingOut = false;        // an OLE drag from this control is under way
+    bool droppedInside = false;      // ... and ended on this control
 
     bool ReadOnly() const { return (GetWindowLongA(window, GWL_STYLE) & ES_READONLY) != 0; }
     // After any change of text, caret or scrolling: keep the caret visible (when asked), update the
@@ -57,6 +67,10 @@ bool HandleInput(TextAreaState& state, UINT message, WPARAM wParam, LPARAM lPara
 void CopySelection(TextAreaState& state, bool cut);
 void PasteClipboard(TextAreaState& state);
 void ClearSelection(TextAreaState& state);
+// OLE drag and drop: the control's drop target (one reference for the caller), and the drag of the
+// selected text (returns when the drag ends).
+IDropTarget* CreateTextAreaDropTarget(TextAreaState& state);
+void StartTextDrag(TextAreaState& state);
 // Wheel lines per notch as the system reports them.
 int QueryWheelScrollLines();
 

@@ -1,5 +1,6 @@
 #include "ide/TextAreaState.h"
 #include "ide/CodeLineScan.h"
+#include "values/ComRef.h"
 
 #include <algorithm>
 #include <cstring>
@@ -372,12 +373,17 @@ LRESULT HandleOwnMessage(TextAreaState& state, UINT message, WPARAM wParam, LPAR
         return 1;
     }
     case TAM_HASPOPUP:
+        return state.popups.Has(static_cast<PopupKind>(wParam != 0)) ? 1 : 0;
     case TAM_SHOWPOPUP:
+        return state.popups.Show(state, static_cast<PopupKind>(wParam != 0)) ? 1 : 0;
     case TAM_HIDEPOPUPS:
-        // FIXME: the completion list and parameter tip components are not built yet; without them
-        // these features do nothing.
+        if (wParam)
+            state.popups.Reshow(state);
+        else
+            state.popups.HideAll(true);
         return 0;
     case TAM_ATTACH:
+        state.popups.HideAll();
         if (state.document->EditingLine() >= 0)
             state.document->CommitEditingLine();
         state.document = lParam ? reinterpret_cast<TextDocument*>(lParam) : &state.ownDocument;
@@ -422,6 +428,26 @@ void Paint(TextAreaState& state)
     EndPaint(state.window, &paint);
 }
 
+// OLE for the thread (balanced at destruction), the drop target and the pop-up components.
+void StartOle(TextAreaState& state)
+{
+    state.oleInitialised = SUCCEEDED(OleInitialize(nullptr));
+    ComRef<IDropTarget> target = ComRef<IDropTarget>::Adopt(CreateTextAreaDropTarget(state));
+    state.dropTargetRegistered = target && SUCCEEDED(RegisterDragDrop(state.window, target.Get()));
+    state.popups.Create();
+}
+
+void EndOle(TextAreaState& state)
+{
+    state.popups.Release();
+    if (state.dropTargetRegistered)
+        RevokeDragDrop(state.window);
+    state.dropTargetRegistered = false;
+    if (state.oleInitialised)
+        OleUninitialize();
+    state.oleInitialised = false;
+}
+
 LRESULT CALLBACK EditWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     TextAreaState* state = StateOf(window);
@@ -445,6 +471,14 @@ LRESULT CALLBACK EditWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
     }
     if (!state)
         return DefWindowProcA(window, message, wParam, lParam);
+    if (state->popups.HandleEvent(*state, message, wParam))
+        return 0;
+    if (message == WM_CREATE) {
+        StartOle(*state);
+        return 0;
+    }
+    if (message == WM_DESTROY)
+        EndOle(*state);
     if (message == WM_NCDESTROY) {
         SetWindowLongPtrA(window, 0, 0);
         if (state->ownFont)
@@ -488,6 +522,7 @@ LRESULT CALLBACK EditWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
         InvalidateRect(window, nullptr, FALSE);
         return 0;
     case WM_KILLFOCUS:
+        state->popups.HideAll();
         state->active = false;
         state->document->CommitEditingLine();
         if (state->hasCaret) {
@@ -562,6 +597,7 @@ void TextAreaState::Refresh(bool showCaret)
     UpdateScrollBars();
     InvalidateRect(window, nullptr, FALSE);
     PlaceCaret();
+    popups.Follow(*this);
 }
 
 void TextAreaState::ScrollTo(int firstLine, int firstColumn)
@@ -589,6 +625,7 @@ void TextAreaState::PostCommand(int command) const
 
 bool RegisterTextAreaClass()
 {
+    RegisterPopupProgramIds();
     WNDCLASSA existing{};
     HINSTANCE instance = GetModuleHandleA(nullptr);
     if (GetClassInfoA(instance, kTextAreaClassName, &existing))
@@ -627,6 +664,26 @@ void SetTextAreaKeywords(HWND textArea, const KeywordSets* keywords)
     state->keywords = keywords ? keywords : &state->ownKeywords;
     state->document->SetKeywords(state->keywords);
     InvalidateRect(textArea, nullptr, FALSE);
+}
+
+TextAreaPopupView TextAreaPopupsShown(HWND textArea)
+{
+    TextAreaPopupView view;
+    if (TextAreaState* state = StateOf(textArea)) {
+        view.listShown = state->popups.Shown(PopupKind::Completion);
+        view.tipShown = state->popups.Shown(PopupKind::ParameterTip);
+        if (view.tipShown) {
+            view.prototype = state->popups.TipPrototype();
+            view.argument = state->popups.TipArgument();
+        }
+    }
+    return view;
+}
+
+void SetTextAreaCatalogSource(HWND textArea, std::function<BrowseCatalog()> source)
+{
+    if (TextAreaState* state = StateOf(textArea))
+        state->popups.SetCatalogSource(std::move(source));
 }
 
 void IndentTextArea(HWND textArea, bool outdent)

@@ -221,7 +221,8 @@ TEST_F(FrameCommands, MenusAreTrimmedByOptionBits)
     EXPECT_EQ(1, CountItem(menu, CMD_SAVE_ALL));
     EXPECT_EQ(0, CountItem(menu, CMD_NEW_CODE)) << "New Module needs list mode 2";
     EXPECT_EQ(0, CountItem(menu, CMD_PROJECT)) << "outside project mode";
-    EXPECT_EQ(0, CountItem(menu, CMD_COMPLETE_WORD)) << "no completion component";
+    EXPECT_EQ(1, CountItem(menu, CMD_COMPLETE_WORD)) << "the text area made its completion component";
+    EXPECT_EQ(1, CountItem(menu, CMD_PARAMETER_INFO));
     EXPECT_EQ(1, CountItem(menu, CMD_DESIGN_MODE));
 
     Create(FO_TOOLBAR | FO_FILES);
@@ -256,6 +257,7 @@ TEST_F(FrameCommands, PlainEditingUsesAnEditControlAndDisablesItsCommands)
         EXPECT_FALSE(HostEnabled(number)) << "host number " << number;
     EXPECT_EQ(0, SendMessageA(Child(ID_FRAME_TOOLBAR), TBM_ISVISIBLE, CMD_TOGGLE_BREAK, 0));
     EXPECT_EQ(1, SendMessageA(Child(ID_FRAME_TOOLBAR), TBM_ISVISIBLE, CMD_RUN, 0));
+    EXPECT_EQ(0, CountItem(GetMenu(m_frame), CMD_COMPLETE_WORD)) << "an EDIT control has no completion";
     SendMessageA(Editor(), WM_SETTEXT, 0, reinterpret_cast<LPARAM>("Sub Main\r\nEnd Sub\r\n"));
     SendMessageA(Editor(), EM_SETMODIFY, TRUE, 0);
     brannoc::test::MessageBoxCapture capture(IDNO);

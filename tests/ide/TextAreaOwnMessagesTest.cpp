@@ -157,7 +157,8 @@ TEST_F(OwnMessagesTest, ActiveFlagCaretRectangleAndAttachedDocuments)
     RECT caret{};
     EXPECT_EQ(Send(ide::TAM_CARETRECT, 0, reinterpret_cast<LPARAM>(&caret)), 1);
     EXPECT_GT(caret.bottom, caret.top);
-    EXPECT_EQ(Send(ide::TAM_HASPOPUP, 0), 0) << "no completion component";
+    EXPECT_EQ(Send(ide::TAM_HASPOPUP, 0), 1) << "the completion list component";
+    EXPECT_EQ(Send(ide::TAM_HASPOPUP, 1), 1) << "the parameter tip component";
 
     SetText("own text");
     ide::TextDocument sheet;

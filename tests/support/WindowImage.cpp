@@ -106,6 +106,17 @@ WindowImage WindowImage::Capture(HWND window, bool wholeWindow)
     return image;
 }
 
+void WindowImage::Overlay(const WindowImage& other, int x, int y)
+{
+    for (int row = 0; row < other.m_height; ++row)
+        for (int column = 0; column < other.m_width; ++column) {
+            const int toX = x + column, toY = y + row;
+            if (toX >= 0 && toY >= 0 && toX < m_width && toY < m_height)
+                m_pixels[static_cast<size_t>(toY) * m_width + toX] =
+                    other.m_pixels[static_cast<size_t>(row) * other.m_width + column];
+        }
+}
+
 COLORREF WindowImage::Pixel(int x, int y) const
 {
     if (x < 0 || y < 0 || x >= m_width || y >= m_height)

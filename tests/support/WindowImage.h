@@ -21,6 +21,10 @@ public:
     int Count(const RECT& area, COLORREF colour) const;
     bool Contains(const RECT& area, COLORREF colour) const { return Count(area, colour) > 0; }
 
+    // Copies `other` onto this image with its top left corner at (x, y), clipped to this image (a
+    // pop-up window drawn over the window it belongs to).
+    void Overlay(const WindowImage& other, int x, int y);
+
     // Writes the image as a PNG file; answers false when the file cannot be written.
     bool WritePng(const std::wstring& path) const;
     // Writes `name`.png into the build's screenshots folder (created when missing) and answers its path.
