@@ -24,15 +24,22 @@ const PopupClass kClasses[] = {
     {kParameterTipProgId, &kParameterTipClassId, CreateParameterTipClass},
 };
 
-bool SetClassesValue(const std::wstring& key, const std::wstring& value)
+bool SetValue(HKEY root, const std::wstring& key, const std::wstring& value)
 {
     HKEY handle = nullptr;
-    if (RegCreateKeyExW(HKEY_CLASSES_ROOT, key.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &handle, nullptr) != ERROR_SUCCESS)
+    if (RegCreateKeyExW(root, key.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &handle, nullptr) != ERROR_SUCCESS)
         return false;
     const LONG status = RegSetValueExW(handle, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
                                        static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
     RegCloseKey(handle);
     return status == ERROR_SUCCESS;
+}
+
+// Writes a class registration value. The machine-wide classes key needs an administrator on Windows; for
+// anyone else the user's own classes key takes it, which the system merges into the classes the user sees.
+bool SetClassesValue(const std::wstring& key, const std::wstring& value)
+{
+    return SetValue(HKEY_CLASSES_ROOT, key, value) || SetValue(HKEY_CURRENT_USER, L"Software\\Classes\\" + key, value);
 }
 
 std::wstring GuidText(const GUID& id)
