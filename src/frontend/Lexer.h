@@ -34,7 +34,8 @@ public:
     // True at the NUL that ends the text, or when memory is exhausted.
     bool AtEnd() const;
     // When the current token is "#" directly followed by anything but a space or the line end, tries to
-    // read a date literal up to the next "#" on the line; on success the token becomes LiteralDate with the text between the marks.
+    // read a date literal up to the next "#" on the line; on success the token becomes LiteralDate with
+    // the text between the marks.
     bool ScanDateLiteral();
 
     Token Kind() const { return m_kind; }
