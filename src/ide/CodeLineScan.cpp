@@ -154,4 +154,28 @@ int DisplayColumn(std::string_view line, size_t column, int tabWidth)
     return shown;
 }
 
+size_t DottedNameStart(std::string_view line, size_t end, size_t lowest)
+{
+    size_t start = end;
+    for (;;) {
+        while (start > lowest && (IsWordCharacter(line[start - 1]) || line[start - 1] == '.'))
+            --start;
+        if (start > lowest + 1 && line[start] == '.' && line[start - 1] == ')') {
+            int depth = 0;
+            size_t at = start - 1;
+            for (;; --at) {
+                if (line[at] == ')')
+                    ++depth;
+                else if (line[at] == '(' && --depth == 0)
+                    break;
+                if (at == lowest)
+                    return start;
+            }
+            start = at;
+            continue;
+        }
+        return start;
+    }
+}
+
 } // namespace brannoc::ide

@@ -23,6 +23,10 @@ inline constexpr uint8_t HoldsAs = 64;
 // Letters and digits of the system's character classes, and "_".
 bool IsWordCharacter(char c);
 
+// The start of the dotted name that ends at `end` (not before `lowest`): word characters, dots, and an
+// argument list in parentheses before a dot ("a(1).b").
+size_t DottedNameStart(std::string_view line, size_t end, size_t lowest = 0);
+
 // The class flags of a line (never 0).
 uint8_t ClassifyLine(std::string_view line);
 

@@ -70,36 +70,6 @@ std::string_view WordBefore(std::string_view line, size_t end)
     return line.substr(start, end - start);
 }
 
-// The dotted expression that ends at the dot at `dot`: names, dots and argument lists ("a(1).b").
-size_t ExpressionStart(std::string_view line, size_t dot)
-{
-    size_t start = dot;
-    for (;;) {
-        while (start > 0 && IsWordCharacter(line[start - 1]))
-            --start;
-        if (start > 0 && line[start - 1] == ')') {
-            int depth = 0;
-            size_t at = start - 1;
-            for (;; --at) {
-                if (line[at] == ')')
-                    ++depth;
-                else if (line[at] == '(' && --depth == 0)
-                    break;
-                if (at == 0)
-                    return start;
-            }
-            start = at;
-            while (start > 0 && IsWordCharacter(line[start - 1]))
-                --start;
-        }
-        if (start > 0 && line[start - 1] == '.' && start - 1 < dot) {
-            --start;
-            continue;
-        }
-        return start;
-    }
-}
-
 // True when the text ends in the word `word` (ignoring case and trailing blanks).
 bool EndsWithWord(std::string_view text, std::string_view word)
 {
@@ -117,7 +87,7 @@ bool EndsWithWord(std::string_view text, std::string_view word)
 std::string MemberContextList(TextDocument& document, const BrowseCatalog& catalog, int lineIndex, size_t dot)
 {
     const std::string_view line = document.Line(lineIndex);
-    const size_t start = ExpressionStart(line, dot);
+    const size_t start = DottedNameStart(line, dot);
     std::string expression(line.substr(start, dot - start));
     if (!expression.empty() && std::isdigit(static_cast<unsigned char>(expression.front())))
         return {};

@@ -4,6 +4,7 @@
 // Ctrl+Tab, Home, End, Left and Right close the list. The keys are taken from the window the list
 // was shown for, which keeps the focus; the choice is posted to it as "Brannoc.AutoFillEvent".
 #include "ide/CompletionGlyphs.h"
+#include "ide/DescribedPopupClass.h"
 #include "ide/EngineLink.h"
 #include "ide/PopupComponents.h"
 #include "ide/PopupWindow.h"
@@ -56,7 +57,6 @@ bool BeginsWith(const std::string& word, const std::string& prefix)
                           static_cast<int>(prefix.size())) == CSTR_EQUAL;
 }
 
-LRESULT CALLBACK ListWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT CALLBACK OwnerKeysProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 class CompletionListPopup final {
@@ -79,7 +79,7 @@ public:
         Hide();
         m_entries = ParseEntries(NarrowText(std::wstring_view(list ? list : L"", list ? SysStringLen(list) : 0)));
         HWND owner = reinterpret_cast<HWND>(static_cast<LONG_PTR>(window));
-        if (m_entries.empty() || !IsWindow(owner) || !EnsureWindow(owner))
+        if (m_entries.empty() || !IsWindow(owner) || !EnsurePopupWindow(m_window, owner, kListClassName, PopupWindowProc<CompletionListPopup>, this))
             return 0;
         m_owner = owner;
         m_font = reinterpret_cast<HFONT>(static_cast<LONG_PTR>(font));
@@ -157,16 +157,6 @@ public:
     void WindowGone() { m_window = nullptr; }
 
 private:
-    bool EnsureWindow(HWND owner)
-    {
-        if (m_window && GetWindow(m_window, GW_OWNER) == GetAncestor(owner, GA_ROOT))
-            return true;
-        if (m_window)
-            DestroyWindow(m_window);
-        m_window = RegisterPopupClass(kListClassName, ListWindowProc) ? CreatePopupWindow(kListClassName, owner, this)
-                                                                        : nullptr;
-        return m_window != nullptr;
-    }
 
     // The owner's messages pass through OwnerKeysProc from the first Show until the list goes.
     void TakeOwnerKeys()
@@ -368,23 +358,6 @@ LRESULT CompletionListPopup::WindowMessage(UINT message, WPARAM wParam, LPARAM l
     }
 }
 
-CompletionListPopup* PopupOf(HWND window)
-{
-    return reinterpret_cast<CompletionListPopup*>(GetWindowLongPtrA(window, 0));
-}
-
-LRESULT CALLBACK ListWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    if (message == WM_NCCREATE)
-        SetWindowLongPtrA(window, 0, reinterpret_cast<LONG_PTR>(reinterpret_cast<CREATESTRUCTA*>(lParam)->lpCreateParams));
-    CompletionListPopup* popup = PopupOf(window);
-    if (popup && message == WM_NCDESTROY)
-        popup->WindowGone();
-    if (!popup || message == WM_NCCREATE || message == WM_NCDESTROY)
-        return DefWindowProcA(window, message, wParam, lParam);
-    return popup->WindowMessage(message, wParam, lParam);
-}
-
 LRESULT CALLBACK OwnerKeysProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     auto* popup = static_cast<CompletionListPopup*>(GetPropA(window, kOwnerProperty));
@@ -396,23 +369,11 @@ LRESULT CALLBACK OwnerKeysProc(HWND window, UINT message, WPARAM wParam, LPARAM 
     return CallWindowProcA(original, window, message, wParam, lParam);
 }
 
-void __stdcall DestroyPopup(void* implementation, void*) { delete static_cast<CompletionListPopup*>(implementation); }
-
-IDispatch* __stdcall CreatePopup(ITypeInfo* type, void*)
-{
-    auto* popup = new (std::nothrow) CompletionListPopup;
-    IDispatch* dispatch = popup ? OA_CreateDispatch(type, DestroyPopup, popup, nullptr) : nullptr;
-    if (!dispatch)
-        delete popup;
-    return dispatch;
-}
-
 } // namespace
 
 IClassFactory* CreateCompletionListClass()
 {
-    ComRef<ITypeInfo> type = ComRef<ITypeInfo>::Adopt(OA_CreateTypeW(kCompletionDescription));
-    return type ? OA_CreateClass(type.Get(), CreatePopup, 0, nullptr) : nullptr;
+    return CreateDescribedPopupClass<CompletionListPopup>(kCompletionDescription);
 }
 
 } // namespace brannoc::ide

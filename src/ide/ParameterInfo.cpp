@@ -47,32 +47,6 @@ size_t StatementStartBefore(std::string_view line, size_t caret)
     return quoted ? std::string_view::npos : start;
 }
 
-// The start of a dotted name ending at `end`: word characters, dots, and an argument list in
-// parentheses before a dot ("a(1).b").
-size_t NameStart(std::string_view line, size_t end, size_t lowest)
-{
-    size_t start = end;
-    for (;;) {
-        while (start > lowest && (IsWordCharacter(line[start - 1]) || line[start - 1] == '.'))
-            --start;
-        if (start > lowest + 1 && line[start] == '.' && line[start - 1] == ')') {
-            int depth = 0;
-            size_t at = start - 1;
-            for (;; --at) {
-                if (line[at] == ')')
-                    ++depth;
-                else if (line[at] == '(' && --depth == 0)
-                    break;
-                if (at == lowest)
-                    return start;
-            }
-            start = at;
-            continue;
-        }
-        return start;
-    }
-}
-
 struct Opening {
     CallSite site;
     bool named = false;
@@ -101,7 +75,7 @@ std::vector<CallSite> OpenCallSites(std::string_view line, int caretColumn)
             size_t end = i;
             while (end < caret && (IsWordCharacter(line[end]) || line[end] == '.'))
                 ++end;
-            const size_t start = NameStart(line, i, statement);
+            const size_t start = DottedNameStart(line, i, statement);
             std::string name(line.substr(start, end - start));
             if (end < caret && kTypeCharacters.find(line[end]) != std::string_view::npos)
                 ++end;

@@ -2,6 +2,7 @@
 // the current argument in bold. It sits above the line it was shown for (below when there is no room),
 // so that the completion list, which opens below the line, does not cover it. A click on it closes it
 // and posts "Brannoc.AutoParmEvent" with wParam 0 to the window it was shown for.
+#include "ide/DescribedPopupClass.h"
 #include "ide/EngineLink.h"
 #include "ide/PopupComponents.h"
 #include "ide/PopupWindow.h"
@@ -58,7 +59,6 @@ TipParts SplitAtArgument(const std::string& prototype, int index)
     return {prototype, {}, {}};
 }
 
-LRESULT CALLBACK TipWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 class ParameterTipPopup final {
 public:
@@ -75,7 +75,7 @@ public:
         Hide();
         HWND owner = reinterpret_cast<HWND>(static_cast<LONG_PTR>(window));
         m_prototype = NarrowText(std::wstring_view(prototype ? prototype : L"", prototype ? SysStringLen(prototype) : 0));
-        if (m_prototype.empty() || !IsWindow(owner) || !EnsureWindow(owner))
+        if (m_prototype.empty() || !IsWindow(owner) || !EnsurePopupWindow(m_window, owner, kTipClassName, PopupWindowProc<ParameterTipPopup>, this))
             return 0;
         m_owner = owner;
         SetFont(reinterpret_cast<HFONT>(static_cast<LONG_PTR>(font)));
@@ -112,15 +112,6 @@ public:
 private:
     bool Shown() const { return m_window && IsWindowVisible(m_window); }
 
-    bool EnsureWindow(HWND owner)
-    {
-        if (m_window && GetWindow(m_window, GW_OWNER) == GetAncestor(owner, GA_ROOT))
-            return true;
-        if (m_window)
-            DestroyWindow(m_window);
-        m_window = RegisterPopupClass(kTipClassName, TipWindowProc) ? CreatePopupWindow(kTipClassName, owner, this) : nullptr;
-        return m_window != nullptr;
-    }
 
     void SetFont(HFONT font)
     {
@@ -206,35 +197,11 @@ LRESULT ParameterTipPopup::WindowMessage(UINT message, WPARAM wParam, LPARAM lPa
     }
 }
 
-LRESULT CALLBACK TipWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    if (message == WM_NCCREATE)
-        SetWindowLongPtrA(window, 0, reinterpret_cast<LONG_PTR>(reinterpret_cast<CREATESTRUCTA*>(lParam)->lpCreateParams));
-    auto* tip = reinterpret_cast<ParameterTipPopup*>(GetWindowLongPtrA(window, 0));
-    if (tip && message == WM_NCDESTROY)
-        tip->WindowGone();
-    if (!tip || message == WM_NCCREATE || message == WM_NCDESTROY)
-        return DefWindowProcA(window, message, wParam, lParam);
-    return tip->WindowMessage(message, wParam, lParam);
-}
-
-void __stdcall DestroyTip(void* implementation, void*) { delete static_cast<ParameterTipPopup*>(implementation); }
-
-IDispatch* __stdcall CreateTip(ITypeInfo* type, void*)
-{
-    auto* tip = new (std::nothrow) ParameterTipPopup;
-    IDispatch* dispatch = tip ? OA_CreateDispatch(type, DestroyTip, tip, nullptr) : nullptr;
-    if (!dispatch)
-        delete tip;
-    return dispatch;
-}
-
 } // namespace
 
 IClassFactory* CreateParameterTipClass()
 {
-    ComRef<ITypeInfo> type = ComRef<ITypeInfo>::Adopt(OA_CreateTypeW(kTipDescription));
-    return type ? OA_CreateClass(type.Get(), CreateTip, 0, nullptr) : nullptr;
+    return CreateDescribedPopupClass<ParameterTipPopup>(kTipDescription);
 }
 
 } // namespace brannoc::ide

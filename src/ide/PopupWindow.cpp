@@ -29,6 +29,16 @@ HWND CreatePopupWindow(const char* className, HWND owner, void* self)
                            0, 0, 0, 0, topLevel, nullptr, ThisModule(), self);
 }
 
+bool EnsurePopupWindow(HWND& window, HWND owner, const char* className, WNDPROC procedure, void* self)
+{
+    if (window && GetWindow(window, GW_OWNER) == GetAncestor(owner, GA_ROOT))
+        return true;
+    if (window)
+        DestroyWindow(window);
+    window = RegisterPopupClass(className, procedure) ? CreatePopupWindow(className, owner, self) : nullptr;
+    return window != nullptr;
+}
+
 RECT PlacePopup(POINT anchor, int lineHeight, SIZE size, PopupSide side)
 {
     MONITORINFO monitor{sizeof(MONITORINFO)};

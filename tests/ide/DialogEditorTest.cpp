@@ -304,6 +304,8 @@ TEST_F(DialogEditorWindow, ThePropertiesPageChangesTheSelectedItem)
                   kindEntry = entry;
                   DialogRobot::SetText(properties, 134, "Start");
                   DialogRobot::SetText(properties, 132, "100");
+                  PumpFor(150);
+                  WindowImage::Capture(properties, true).WriteScreenshot(L"userdialog_properties");
                   DialogRobot::Press(properties, IDOK);
               });
     EXPECT_EQ("Edit PushButton Properties", title);
@@ -326,6 +328,8 @@ TEST_F(DialogEditorWindow, GridSettingsAreKeptInTheBeginLine)
                   DialogRobot::SetText(grid, 131, "7");
                   CheckDlgButton(grid, 132, BST_CHECKED);
                   CheckDlgButton(grid, 133, BST_CHECKED);
+                  PumpFor(150);
+                  WindowImage::Capture(grid, true).WriteScreenshot(L"userdialog_grid");
                   DialogRobot::Press(grid, IDOK);
               });
     EXPECT_NE(std::string::npos, SheetText().find("\tBegin Dialog UserDialog 300,150,\"Pick\" ' %GRID:8,7,1,1\r\n"));
