@@ -249,6 +249,14 @@ bool RunRegisterProgram(Activation& base, ExecEntry& entry, const void* data)
     };
 
 #define BRANNOC_DISPATCH() goto* kLabels[static_cast<int>(pc->code)]
+// After a statement object ran: the statement loop goes on at the next statement, whose marker makes
+// the full tests.
+#define BRANNOC_RESUME()                                                                                        \
+    do {                                                                                                        \
+        budget = 0;                                                                                             \
+        pc = resume();                                                                                          \
+        BRANNOC_DISPATCH();                                                                                     \
+    } while (0)
 #define BRANNOC_NEXT()                                                                                          \
     do {                                                                                                        \
         ++pc;                                                                                                   \
@@ -267,17 +275,28 @@ bool RunRegisterProgram(Activation& base, ExecEntry& entry, const void* data)
     // run the call again), and the Long arithmetic after it raises its own errors (`arithmetic_fault`).
     bool called = resumeOperation >= 0;
     long fault = 0;
+    // Statements this loop may still enter without the break and time-slice tests and without reading
+    // the halt byte (Interpreter::TakeTestBudget). Nothing in the register form records an error or a
+    // request without leaving the loop at once; whatever runs outside it (a statement object, a call
+    // that is not entered here) may, and the budget is dropped after it, so the next marker makes the
+    // full tests again (a call's end reads the halt byte itself, for what a terminator recorded). A
+    // thread waiting for the engine is seen at most a budget later.
+    int budget = 0;
     const RegisterOp* pc = resumeOperation >= 0 ? ops + resumeOperation : resume();
     BRANNOC_DISPATCH();
 
     // ---- Statements and control ----
-// Enters the marker's statement after the break and time-slice tests; when they stop the run, the
-// statement has not run and is tried again on a later step.
+// Enters the marker's statement, after the break and time-slice tests once the budget is spent; when
+// they stop the run, the statement has not run and is tried again on a later step.
 #define BRANNOC_ENTER_STATEMENT()                                                                               \
     do {                                                                                                        \
-        if (HaltFlags::Any() || interpreter.StatementCheckStops(*activation, pc->a)) {                          \
-            activation->HoldAt(pc->a);                                                                          \
-            return false;                                                                                       \
+        if (--budget < 0) [[unlikely]] {                                                                        \
+            if (HaltFlags::Any() || interpreter.StatementCheckStops(*activation, pc->a)) {                      \
+                budget = 0;                                                                                     \
+                activation->HoldAt(pc->a);                                                                      \
+                return false;                                                                                   \
+            }                                                                                                   \
+            budget = interpreter.TakeTestBudget();                                                              \
         }                                                                                                       \
         activation->EnterStatement(pc->a);                                                                      \
         called = false;                                                                                         \
@@ -291,18 +310,20 @@ op_StatementJump:
     pc = ops + pc->b;
     BRANNOC_DISPATCH();
 op_StatementPair:
-    // An empty statement and the next one, whose plain marker follows: when no test can stop at either,
+    // An empty statement and the next one, whose plain marker follows: when the budget covers both,
     // both are entered at once (nothing runs in between); else each marker runs in turn.
-    if ((pc + 1)->code != RegisterCode::kStatement || HaltFlags::Any() || !interpreter.TakeStatementTests(2))
+    if ((pc + 1)->code != RegisterCode::kStatement || budget < 2)
         goto op_Statement;
+    budget -= 2;
     ++pc;
     activation->EnterStatement(pc->a);
     called = false;
     BRANNOC_NEXT();
 op_StatementEnd:
-    // An empty statement before the procedure's end: when no test stops at it, the procedure ends.
-    if (HaltFlags::Any() || !interpreter.TakeStatementTests(1))
+    // An empty statement before the procedure's end: when the budget covers it, the procedure ends.
+    if (budget < 1)
         goto op_Statement;
+    --budget;
     ++pc;
     goto op_End;
 op_Replaced:
@@ -310,14 +331,12 @@ op_Replaced:
     BRANNOC_ENTER_STATEMENT();
     if (!statements[pc->a]->Execute() || HaltFlags::Any())
         return false;
-    pc = resume();
-    BRANNOC_DISPATCH();
+    BRANNOC_RESUME();
 op_General:
     // A statement that ran into an error or recorded a request answers true with a halt bit set.
     if (!statements[pc->a]->Execute() || HaltFlags::Any())
         return false;
-    pc = resume();
-    BRANNOC_DISPATCH();
+    BRANNOC_RESUME();
 arithmetic_fault:
     // Overflow or division by zero in Long arithmetic: before a call of the statement ran, its object
     // runs it and raises the error; after one, the error is raised here.
@@ -334,8 +353,7 @@ give_up: {
         NoteGivingUp(*program, index);
     if (!statements[index]->Execute() || HaltFlags::Any())
         return false;
-    pc = resume();
-    BRANNOC_DISPATCH();
+    BRANNOC_RESUME();
 }
 op_Observe: {
     const int index = pc->a;
@@ -356,8 +374,7 @@ op_Observe: {
         ChooseNextForm(*program, index);
     if (!statements[index]->Execute() || HaltFlags::Any())
         return false;
-    pc = resume();
-    BRANNOC_DISPATCH();
+    BRANNOC_RESUME();
 }
 op_End:
     if (activation == bottom) {
@@ -890,7 +907,9 @@ op_Call: {
     switch (BeginRegisterCall(BRANNOC_CALL_ARGUMENTS(target), entering)) {
     case CallStart::kGiveUp: goto give_up;
     case CallStart::kEnded:
+        // The callee ran outside this loop: the next marker makes the full tests.
         called = true;
+        budget = 0;
         BRANNOC_NEXT();
     case CallStart::kEntered: goto entered;
     case CallStart::kWaiting:
@@ -920,7 +939,9 @@ op_MemberCall: {
     switch (BeginRegisterCall(BRANNOC_CALL_ARGUMENTS(target), entering)) {
     case CallStart::kGiveUp: goto give_up;
     case CallStart::kEnded:
+        // The callee ran outside this loop: the next marker makes the full tests.
         called = true;
+        budget = 0;
         BRANNOC_NEXT();
     case CallStart::kEntered: goto entered;
     case CallStart::kWaiting:
@@ -1008,6 +1029,7 @@ entered: {
 #undef BRANNOC_CALL_ARGUMENTS
 #undef BRANNOC_DISPATCH
 #undef BRANNOC_NEXT
+#undef BRANNOC_RESUME
 #undef BRANNOC_WHOLE
 #undef BRANNOC_NARROW
 #undef BRANNOC_REAL

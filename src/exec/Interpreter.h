@@ -244,14 +244,21 @@ public:
         return --m_testsUntilTickRead <= 0 && StatementCheckSlowAt(activation, index);
     }
 
-    // The same tests for `count` statements in a row that nothing runs between: true, and each counted,
-    // when none of them would make the full checks; false (nothing counted) otherwise.
-    [[nodiscard]] bool TakeStatementTests(int count) noexcept
+    // For a statement loop that counts its statements' tests itself: takes up to kMostTestBudget of the
+    // tests left before the full checks are due, which that loop's statements then skip (neither the
+    // checks nor the halt byte are read for them). None while every statement must be tested (a break
+    // test can stop one: the count stays at one). The loop gives back nothing: tests taken and not used
+    // only make the full checks come sooner.
+    static constexpr int kMostTestBudget = 64;
+    [[nodiscard]] int TakeTestBudget() noexcept
     {
-        if (m_testsUntilTickRead <= count)
-            return false;
-        m_testsUntilTickRead -= count;
-        return true;
+        int budget = m_testsUntilTickRead - 1;
+        if (budget <= 0)
+            return 0;
+        if (budget > kMostTestBudget)
+            budget = kMostTestBudget;
+        m_testsUntilTickRead -= budget;
+        return budget;
     }
 
     // Pushes an entry on the pending stack (Node::Execute's default). False after raising out of memory.
