@@ -709,11 +709,28 @@ bool DeclarationReader::ReadParameters(Procedure& procedure, TypeContext context
         return true;
     if (m_lexer.Accept(Token::RightParen))
         return true;
+    // The value parameter of a Property Let or Set comes last and is never Optional, so it alone may
+    // follow Optional parameters; a required parameter after it is refused at its own position.
+    const bool valueLast =
+        procedure.kind == ProcedureKind::PropertyLet || procedure.kind == ProcedureKind::PropertySet;
     bool sawOptional = false;
+    const char* requiredAfterOptional = nullptr;
     do {
         if (!procedure.parameters.empty() && procedure.parameters.back().paramArray) {
             m_lexer.SignalError(CompileMessage::ParamArrayParameterMustBeVariantArray);
             return false;
+        }
+        if (requiredAfterOptional) {
+            m_lexer.SignalErrorAt(CompileMessage::Expecting, "Optional", requiredAfterOptional);
+            return false;
+        }
+        const char* start = m_lexer.TokenStart();
+        if (valueLast && sawOptional && m_lexer.Kind() != Token::Optional && m_lexer.Kind() != Token::ParamArray) {
+            requiredAfterOptional = start;
+            bool noMoreOptional = false;
+            if (!ReadParameter(procedure, context, noMoreOptional))
+                return false;
+            continue;
         }
         if (!ReadParameter(procedure, context, sawOptional))
             return false;
