@@ -420,8 +420,10 @@ void DeclarationReader::ReadConstants(Visibility visibility, bool mayDefer)
                 m_deferredConstants.push_back(DeferredConstant{line, position, visibility});
             return;
         }
+        const bool numeric = constant->value.IsNumeric();
         if (explicitType && !constant->value.ConvertTo(type.code)) {
-            m_lexer.SignalError(CompileMessage::TypeMismatch);
+            // A number fails only by leaving the type's range.
+            m_lexer.SignalError(numeric ? CompileMessage::Overflow : CompileMessage::TypeMismatch);
             return;
         }
         constant->type = constant->value.type;
