@@ -29,7 +29,7 @@ constexpr BinaryOperator kBinaryOperators[] = {
     {Token::Caret, 800},    {Token::Star, 700},     {Token::Slash, 700},   {Token::Backslash, 600},
     {Token::Mod, 500},      {Token::Plus, 400},     {Token::Minus, 400},   {Token::Ampersand, 300},
     {Token::Equal, 200},    {Token::NotEqual, 200}, {Token::Less, 200},    {Token::Greater, 200},
-    {Token::LessEqual, 200}, {Token::GreaterEqual, 200}, {Token::And, 100}, {Token::Or, 90},
+    {Token::LessEqual, 200}, {Token::GreaterEqual, 200}, {Token::Like, 200}, {Token::And, 100}, {Token::Or, 90},
     {Token::Xor, 80},       {Token::Eqv, 70},       {Token::Imp, 60},
 };
 constexpr int kUnaryPrecedence = 900;

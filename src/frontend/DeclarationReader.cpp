@@ -129,6 +129,13 @@ bool DeclarationReader::ReadName(CompileMessage missing, std::string& name)
     return true;
 }
 
+// A declaration takes the whole statement: only a comment may follow it.
+void DeclarationReader::ExpectEndOfStatement()
+{
+    if (!IsEndOfStatement(m_lexer.Kind()))
+        m_lexer.SignalError(CompileMessage::UnexpectedText);
+}
+
 bool DeclarationReader::AddName(const std::string& name, SymbolRef ref)
 {
     if (!m_state.names.emplace(UpperName(name), ref).second) {
@@ -372,8 +379,7 @@ ReadResult DeclarationReader::ReadVariables(Visibility visibility, bool isStatic
             return ReadResult::Done;
         m_state.variables.push_back(std::move(variable));
     } while (m_lexer.Accept(Token::Comma));
-    if (!IsEndOfStatement(m_lexer.Kind()))
-        m_lexer.SignalError(CompileMessage::UnexpectedText);
+    ExpectEndOfStatement();
     return ReadResult::Done;
 }
 
@@ -431,6 +437,7 @@ void DeclarationReader::ReadConstants(Visibility visibility, bool mayDefer)
             return;
         m_state.constants.push_back(std::move(constant));
     } while (m_lexer.Accept(Token::Comma));
+    ExpectEndOfStatement();
 }
 
 void DeclarationReader::ReadDeferredConstants()
@@ -639,6 +646,7 @@ ReadResult DeclarationReader::ReadDef(Token word)
             m_module.SetDefaultType(letter, type);
         }
     } while (m_lexer.Accept(Token::Comma));
+    ExpectEndOfStatement();
     return ReadResult::Done;
 }
 
@@ -698,6 +706,7 @@ ReadResult DeclarationReader::ReadDeclare(Visibility visibility)
     } else if (kindWord == Token::Function && procedure->result.code == TypeCode()) {
         procedure->result.code = m_module.DefaultTypeFor(procedure->name);
     }
+    ExpectEndOfStatement();
     if (!AddName(procedure->name, {SymbolKind::Procedure, m_state.procedures.size()}))
         return ReadResult::Done;
     m_state.procedures.push_back(std::move(procedure));
@@ -1019,13 +1028,16 @@ ReadResult DeclarationReader::ReadOption(bool hasVisibilityWord)
         if (m_lexer.Kind() == Token::LiteralNumber && (text == "0" || text == "1")) {
             m_module.SetOptionBase(text[0] - '0');
             m_lexer.NextToken();
+            ExpectEndOfStatement();
             return ReadResult::Done;
         }
     } else if (m_lexer.Accept(Token::Explicit)) {
         m_module.SetOptionExplicit();
+        ExpectEndOfStatement();
         return ReadResult::Done;
     } else if (m_lexer.Accept(Token::Private) && m_lexer.Accept(Token::Module)) {
         m_module.SetPrivateModule();
+        ExpectEndOfStatement();
         return ReadResult::Done;
     }
     m_lexer.SignalError(CompileMessage::InvalidInstruction);
