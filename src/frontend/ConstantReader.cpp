@@ -127,7 +127,7 @@ bool ConstantReader::ReadUnary(ConstantValue& value)
     return ReadPrimary(value);
 }
 
-// number | "text" | #date# | True | False | Win32 | Win16 | "(" constant ")" | constant name
+// number | "text" | #date# | True | False | Win32 | Win16 | Empty | Null | "(" constant ")" | constant name
 // A constant name: a module constant, an enum member or one of the language's constants.
 bool ConstantReader::ReadPrimary(ConstantValue& value)
 {
@@ -145,6 +145,13 @@ bool ConstantReader::ReadPrimary(ConstantValue& value)
     case Token::Win16:
         // Win32 and Win16 tell the platform the macro runs on: this one is 32-bit.
         value = ConstantValue::Boolean(m_lexer.Kind() == Token::True || m_lexer.Kind() == Token::Win32);
+        m_lexer.NextToken();
+        return true;
+    case Token::Empty:
+    case Token::Null:
+        value = ConstantValue{};
+        if (m_lexer.Kind() == Token::Null)
+            value.type = TypeCode(TypeCode::kNull);
         m_lexer.NextToken();
         return true;
     case Token::LeftParen:

@@ -482,6 +482,8 @@ ReadResult DeclarationReader::ReadType(Visibility visibility)
         m_lexer.SignalError(CompileMessage::TypeIdentifierInvalidOrAlreadyInUse, userType->name);
         return ReadResult::Done;
     }
+    m_lexer.NextToken();
+    ExpectEndOfStatement();
     std::uint64_t size = 0;
     for (;;) {
         m_lexer.SkipStatement();
@@ -567,6 +569,7 @@ ReadResult DeclarationReader::ReadEnum(Visibility visibility)
     enumType->visibility = visibility;
     if (!ReadName(CompileMessage::TypeIdentifierIsInvalid, enumType->name))
         return ReadResult::Done;
+    ExpectEndOfStatement();
     const std::size_t enumIndex = m_state.enums.size();
     if (!AddName(enumType->name, {SymbolKind::Enum, enumIndex}))
         return ReadResult::Done;
@@ -595,6 +598,10 @@ ReadResult DeclarationReader::ReadEnum(Visibility visibility)
             ConstantReader reader(m_lexer, &m_state);
             if (!reader.ReadInteger(next))
                 continue;
+        }
+        if (!IsEndOfStatement(m_lexer.Kind())) {
+            m_lexer.SignalError(CompileMessage::UnexpectedText);
+            continue;
         }
         member.value = ConstantValue::Integer(next, TypeCode::kLong);
         member.type = member.value.type;
