@@ -151,8 +151,19 @@ std::wstring Widen(std::string_view text);
 // The run-time value of a constant read by the constant reader.
 Variant FromConstant(const ConstantValue& value);
 
+// The constant that holds a folded value; false for kinds a constant cannot hold.
+[[nodiscard]] bool ToConstant(const Variant& value, ConstantValue& constant);
+
 // The type code of a scalar value (Variant for kinds without a type code of their own).
 TypeCode TypeOfValue(const Variant& value);
+
+// left op right of two constants, computed as the operator computes it when it runs (a text beside a
+// number of fixed kind is aligned first); false on failure, with the first error raised (0 for none).
+[[nodiscard]] bool FoldConstantOperands(OperationId op, Variant& left, const Variant& right, long& error);
+
+// op applied to a constant in place, as the operator does when it runs; false on failure, with the first
+// error raised (0 for none).
+[[nodiscard]] bool FoldConstantOperand(OperationId op, Variant& value, long& error);
 
 // The binary operator written as token, or null.
 const BinaryOperator* FindBinary(Token token);

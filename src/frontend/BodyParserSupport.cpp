@@ -35,6 +35,29 @@ Variant FromConstant(const ConstantValue& value)
     return out;
 }
 
+bool ToConstant(const Variant& value, ConstantValue& constant)
+{
+    switch (value.Tag()) {
+    case VT_UI1: constant = ConstantValue::Integer(value.Byte(), TypeCode::kByte); return true;
+    case VT_BOOL: constant = ConstantValue::Boolean(value.Boolean() != 0); return true;
+    case VT_I2: constant = ConstantValue::Integer(value.Integer(), TypeCode::kInteger); return true;
+    case VT_I4: constant = ConstantValue::Integer(value.Long(), TypeCode::kLong); return true;
+    case VT_R4: constant = ConstantValue::Real(value.Single(), TypeCode::kSingle); return true;
+    case VT_R8: constant = ConstantValue::Real(value.Double()); return true;
+    case VT_CY:
+        constant = ConstantValue::Real(static_cast<double>(value.Currency().int64) / 10000.0, TypeCode::kCurrency);
+        return true;
+    case VT_DATE: constant = ConstantValue::Real(value.Date(), TypeCode::kDate); return true;
+    case VT_BSTR: constant = ConstantValue::String(std::wstring(value.StringView())); return true;
+    case VT_NULL:
+        constant = ConstantValue{};
+        constant.type = TypeCode(TypeCode::kNull);
+        return true;
+    case VT_EMPTY: constant = ConstantValue{}; return true;
+    default: return false;
+    }
+}
+
 TypeCode TypeOfValue(const Variant& value)
 {
     switch (value.Tag()) {

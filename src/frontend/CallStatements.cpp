@@ -200,6 +200,12 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(AssignKind kind)
         return std::make_unique<EvaluateStatement>(std::move(code));
     }
     Procedure* callee = local ? nullptr : FindProcedure(key);
+    if (callee && m_lexer.Kind() == Token::Equal && callee != &m_procedure) {
+        // Only the procedure being compiled has a result variable; any other procedure's name is no
+        // variable to assign to.
+        m_lexer.SignalErrorAt(CompileMessage::ExpectingAVarName, {}, namePosition);
+        return nullptr;
+    }
     if (callee && !(m_lexer.Kind() == Token::Equal && callee == &m_procedure)) {
         if (requireAssignment) {
             m_lexer.SignalError(CompileMessage::InvalidLetSyntax);

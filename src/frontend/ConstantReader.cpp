@@ -1,5 +1,7 @@
 #include "frontend/ConstantReader.h"
 
+#include "frontend/BodyParser.h"
+
 #include "frontend/NestingLimits.h"
 
 #include "frontend/LanguageConstants.h"
@@ -27,7 +29,7 @@ constexpr BinaryOperator kBinaryOperators[] = {
     {Token::Caret, 800},    {Token::Star, 700},     {Token::Slash, 700},   {Token::Backslash, 600},
     {Token::Mod, 500},      {Token::Plus, 400},     {Token::Minus, 400},   {Token::Ampersand, 300},
     {Token::Equal, 200},    {Token::NotEqual, 200}, {Token::Less, 200},    {Token::Greater, 200},
-    {Token::LessEqual, 200}, {Token::GreaterEqual, 200}, {Token::And, 100}, {Token::Or, 90},
+    {Token::LessEqual, 200}, {Token::GreaterEqual, 200}, {Token::Like, 200}, {Token::And, 100}, {Token::Or, 90},
     {Token::Xor, 80},       {Token::Eqv, 70},       {Token::Imp, 60},
 };
 constexpr int kUnaryPrecedence = 900;
@@ -39,24 +41,6 @@ int PrecedenceOf(Token token)
         if (op.token == token)
             return op.precedence;
     return -1;
-}
-
-std::wstring TextOf(const ConstantValue& value)
-{
-    ConstantValue copy = value;
-    if (!copy.ConvertTo(TypeCode(TypeCode::kString)))
-        return {};
-    return copy.text;
-}
-
-ConstantValue IntegralResult(long long value, const ConstantValue& left, const ConstantValue& right)
-{
-    const bool bothInteger = left.type.Code() <= TypeCode::kInteger && right.type.Code() <= TypeCode::kInteger;
-    if (bothInteger && value >= -32768 && value <= 32767)
-        return ConstantValue::Integer(value, TypeCode::kInteger);
-    if (value >= -2147483648LL && value <= 2147483647LL)
-        return ConstantValue::Integer(value, TypeCode::kLong);
-    return ConstantValue::Real(static_cast<double>(value));
 }
 
 } // namespace
@@ -127,21 +111,23 @@ bool ConstantReader::ReadUnary(ConstantValue& value)
             m_lexer.SignalError(CompileMessage::TypeMismatch);
             return false;
         }
-        if (token == Token::Minus) {
-            if (value.IsIntegral())
-                value = IntegralResult(-value.integer, value, value);
-            else
-                value.real = -value.real;
-        } else if (token == Token::Not) {
-            const double number = value.AsDouble();
-            value = IntegralResult(~static_cast<long long>(std::nearbyint(number)), value, value);
+        if (token == Token::Plus)
+            return true;
+        // The operator's own computation: Not keeps a Boolean or a Byte, negation widens -32768.
+        Variant operand = body::FromConstant(value);
+        long error = 0;
+        if (!body::FoldConstantOperand(token == Token::Minus ? OperationId::kNegate : OperationId::kNot, operand,
+                                       error) ||
+            !body::ToConstant(operand, value)) {
+            m_lexer.SignalError(error != 0 ? static_cast<CompileMessage>(error) : CompileMessage::TypeMismatch);
+            return false;
         }
         return true;
     }
     return ReadPrimary(value);
 }
 
-// number | "text" | #date# | True | False | Win32 | Win16 | "(" constant ")" | constant name
+// number | "text" | #date# | True | False | Win32 | Win16 | Empty | Null | "(" constant ")" | constant name
 // A constant name: a module constant, an enum member or one of the language's constants.
 bool ConstantReader::ReadPrimary(ConstantValue& value)
 {
@@ -159,6 +145,13 @@ bool ConstantReader::ReadPrimary(ConstantValue& value)
     case Token::Win16:
         // Win32 and Win16 tell the platform the macro runs on: this one is 32-bit.
         value = ConstantValue::Boolean(m_lexer.Kind() == Token::True || m_lexer.Kind() == Token::Win32);
+        m_lexer.NextToken();
+        return true;
+    case Token::Empty:
+    case Token::Null:
+        value = ConstantValue{};
+        if (m_lexer.Kind() == Token::Null)
+            value.type = TypeCode(TypeCode::kNull);
         m_lexer.NextToken();
         return true;
     case Token::LeftParen:
@@ -339,76 +332,26 @@ bool ConstantReader::ApplySuffix(ConstantValue& value)
     return true;
 }
 
+// left op right by the operator's own computation, so that a constant holds what the same expression gives
+// when it runs (a Date plus a number stays a Date, a Boolean sum is an Integer).
 bool ConstantReader::Fold(int op, const ConstantValue& left, const ConstantValue& right, ConstantValue& result)
 {
-    const Token token = static_cast<Token>(op);
-    if (token == Token::Ampersand) {
-        result = ConstantValue::String(TextOf(left) + TextOf(right));
-        return true;
-    }
-    if (left.IsString() && right.IsString()) {
-        int order = left.text.compare(right.text);
-        order = order < 0 ? -1 : order > 0 ? 1 : 0;
-        switch (token) {
-        case Token::Plus: result = ConstantValue::String(left.text + right.text); return true;
-        case Token::Equal: result = ConstantValue::Boolean(order == 0); return true;
-        case Token::NotEqual: result = ConstantValue::Boolean(order != 0); return true;
-        case Token::Less: result = ConstantValue::Boolean(order < 0); return true;
-        case Token::Greater: result = ConstantValue::Boolean(order > 0); return true;
-        case Token::LessEqual: result = ConstantValue::Boolean(order <= 0); return true;
-        case Token::GreaterEqual: result = ConstantValue::Boolean(order >= 0); return true;
-        default: break;
-        }
-    }
-    if (left.IsString() || right.IsString()) {
-        m_lexer.SignalError(CompileMessage::TypeMismatch);
-        return false;
-    }
-    const double a = left.AsDouble();
-    const double b = right.AsDouble();
-    const bool integral = left.IsIntegral() && right.IsIntegral();
-    const auto whole = [](double x) { return static_cast<long long>(std::nearbyint(x)); };
-    switch (token) {
-    case Token::Caret: result = ConstantValue::Real(std::pow(a, b)); return true;
-    case Token::Slash:
-        if (b == 0) {
-            m_lexer.SignalError(CompileMessage::DivideByZero);
-            return false;
-        }
-        result = ConstantValue::Real(a / b);
-        return true;
-    case Token::Backslash:
-    case Token::Mod:
-        if (whole(b) == 0) {
-            m_lexer.SignalError(CompileMessage::DivideByZero);
-            return false;
-        }
-        result = IntegralResult(token == Token::Mod ? whole(a) % whole(b) : whole(a) / whole(b), left, right);
-        return true;
-    case Token::Star:
-        result = integral ? IntegralResult(left.integer * right.integer, left, right) : ConstantValue::Real(a * b);
-        return true;
-    case Token::Plus:
-        result = integral ? IntegralResult(left.integer + right.integer, left, right) : ConstantValue::Real(a + b);
-        return true;
-    case Token::Minus:
-        result = integral ? IntegralResult(left.integer - right.integer, left, right) : ConstantValue::Real(a - b);
-        return true;
-    case Token::Equal: result = ConstantValue::Boolean(a == b); return true;
-    case Token::NotEqual: result = ConstantValue::Boolean(a != b); return true;
-    case Token::Less: result = ConstantValue::Boolean(a < b); return true;
-    case Token::Greater: result = ConstantValue::Boolean(a > b); return true;
-    case Token::LessEqual: result = ConstantValue::Boolean(a <= b); return true;
-    case Token::GreaterEqual: result = ConstantValue::Boolean(a >= b); return true;
-    case Token::And: result = IntegralResult(whole(a) & whole(b), left, right); return true;
-    case Token::Or: result = IntegralResult(whole(a) | whole(b), left, right); return true;
-    case Token::Xor: result = IntegralResult(whole(a) ^ whole(b), left, right); return true;
-    case Token::Eqv: result = IntegralResult(~(whole(a) ^ whole(b)), left, right); return true;
-    case Token::Imp: result = IntegralResult(~whole(a) | whole(b), left, right); return true;
-    default:
+    const body::BinaryOperator* binary = body::FindBinary(static_cast<Token>(op));
+    if (!binary) {
         m_lexer.SignalError(CompileMessage::OperandOperatorTypeMismatch);
         return false;
     }
+    Variant value = body::FromConstant(left);
+    long error = 0;
+    if (!body::FoldConstantOperands(binary->op, value, body::FromConstant(right), error)) {
+        m_lexer.SignalError(error != 0 ? static_cast<CompileMessage>(error) : CompileMessage::TypeMismatch);
+        return false;
+    }
+    if (!body::ToConstant(value, result)) {
+        m_lexer.SignalError(CompileMessage::TypeMismatch);
+        return false;
+    }
+    return true;
 }
 
 } // namespace brannoc

@@ -129,6 +129,13 @@ bool DeclarationReader::ReadName(CompileMessage missing, std::string& name)
     return true;
 }
 
+// A declaration takes the whole statement: only a comment may follow it.
+void DeclarationReader::ExpectEndOfStatement()
+{
+    if (!IsEndOfStatement(m_lexer.Kind()))
+        m_lexer.SignalError(CompileMessage::UnexpectedText);
+}
+
 bool DeclarationReader::AddName(const std::string& name, SymbolRef ref)
 {
     if (!m_state.names.emplace(UpperName(name), ref).second) {
@@ -372,8 +379,7 @@ ReadResult DeclarationReader::ReadVariables(Visibility visibility, bool isStatic
             return ReadResult::Done;
         m_state.variables.push_back(std::move(variable));
     } while (m_lexer.Accept(Token::Comma));
-    if (!IsEndOfStatement(m_lexer.Kind()))
-        m_lexer.SignalError(CompileMessage::UnexpectedText);
+    ExpectEndOfStatement();
     return ReadResult::Done;
 }
 
@@ -420,8 +426,10 @@ void DeclarationReader::ReadConstants(Visibility visibility, bool mayDefer)
                 m_deferredConstants.push_back(DeferredConstant{line, position, visibility});
             return;
         }
+        const bool numeric = constant->value.IsNumeric();
         if (explicitType && !constant->value.ConvertTo(type.code)) {
-            m_lexer.SignalError(CompileMessage::TypeMismatch);
+            // A number fails only by leaving the type's range.
+            m_lexer.SignalError(numeric ? CompileMessage::Overflow : CompileMessage::TypeMismatch);
             return;
         }
         constant->type = constant->value.type;
@@ -429,6 +437,7 @@ void DeclarationReader::ReadConstants(Visibility visibility, bool mayDefer)
             return;
         m_state.constants.push_back(std::move(constant));
     } while (m_lexer.Accept(Token::Comma));
+    ExpectEndOfStatement();
 }
 
 void DeclarationReader::ReadDeferredConstants()
@@ -473,6 +482,8 @@ ReadResult DeclarationReader::ReadType(Visibility visibility)
         m_lexer.SignalError(CompileMessage::TypeIdentifierInvalidOrAlreadyInUse, userType->name);
         return ReadResult::Done;
     }
+    m_lexer.NextToken();
+    ExpectEndOfStatement();
     std::uint64_t size = 0;
     for (;;) {
         m_lexer.SkipStatement();
@@ -558,6 +569,7 @@ ReadResult DeclarationReader::ReadEnum(Visibility visibility)
     enumType->visibility = visibility;
     if (!ReadName(CompileMessage::TypeIdentifierIsInvalid, enumType->name))
         return ReadResult::Done;
+    ExpectEndOfStatement();
     const std::size_t enumIndex = m_state.enums.size();
     if (!AddName(enumType->name, {SymbolKind::Enum, enumIndex}))
         return ReadResult::Done;
@@ -586,6 +598,10 @@ ReadResult DeclarationReader::ReadEnum(Visibility visibility)
             ConstantReader reader(m_lexer, &m_state);
             if (!reader.ReadInteger(next))
                 continue;
+        }
+        if (!IsEndOfStatement(m_lexer.Kind())) {
+            m_lexer.SignalError(CompileMessage::UnexpectedText);
+            continue;
         }
         member.value = ConstantValue::Integer(next, TypeCode::kLong);
         member.type = member.value.type;
@@ -637,6 +653,7 @@ ReadResult DeclarationReader::ReadDef(Token word)
             m_module.SetDefaultType(letter, type);
         }
     } while (m_lexer.Accept(Token::Comma));
+    ExpectEndOfStatement();
     return ReadResult::Done;
 }
 
@@ -696,6 +713,7 @@ ReadResult DeclarationReader::ReadDeclare(Visibility visibility)
     } else if (kindWord == Token::Function && procedure->result.code == TypeCode()) {
         procedure->result.code = m_module.DefaultTypeFor(procedure->name);
     }
+    ExpectEndOfStatement();
     if (!AddName(procedure->name, {SymbolKind::Procedure, m_state.procedures.size()}))
         return ReadResult::Done;
     m_state.procedures.push_back(std::move(procedure));
@@ -709,11 +727,28 @@ bool DeclarationReader::ReadParameters(Procedure& procedure, TypeContext context
         return true;
     if (m_lexer.Accept(Token::RightParen))
         return true;
+    // The value parameter of a Property Let or Set comes last and is never Optional, so it alone may
+    // follow Optional parameters; a required parameter after it is refused at its own position.
+    const bool valueLast =
+        procedure.kind == ProcedureKind::PropertyLet || procedure.kind == ProcedureKind::PropertySet;
     bool sawOptional = false;
+    const char* requiredAfterOptional = nullptr;
     do {
         if (!procedure.parameters.empty() && procedure.parameters.back().paramArray) {
             m_lexer.SignalError(CompileMessage::ParamArrayParameterMustBeVariantArray);
             return false;
+        }
+        if (requiredAfterOptional) {
+            m_lexer.SignalErrorAt(CompileMessage::Expecting, "Optional", requiredAfterOptional);
+            return false;
+        }
+        const char* start = m_lexer.TokenStart();
+        if (valueLast && sawOptional && m_lexer.Kind() != Token::Optional && m_lexer.Kind() != Token::ParamArray) {
+            requiredAfterOptional = start;
+            bool noMoreOptional = false;
+            if (!ReadParameter(procedure, context, noMoreOptional))
+                return false;
+            continue;
         }
         if (!ReadParameter(procedure, context, sawOptional))
             return false;
@@ -1000,13 +1035,16 @@ ReadResult DeclarationReader::ReadOption(bool hasVisibilityWord)
         if (m_lexer.Kind() == Token::LiteralNumber && (text == "0" || text == "1")) {
             m_module.SetOptionBase(text[0] - '0');
             m_lexer.NextToken();
+            ExpectEndOfStatement();
             return ReadResult::Done;
         }
     } else if (m_lexer.Accept(Token::Explicit)) {
         m_module.SetOptionExplicit();
+        ExpectEndOfStatement();
         return ReadResult::Done;
     } else if (m_lexer.Accept(Token::Private) && m_lexer.Accept(Token::Module)) {
         m_module.SetPrivateModule();
+        ExpectEndOfStatement();
         return ReadResult::Done;
     }
     m_lexer.SignalError(CompileMessage::InvalidInstruction);

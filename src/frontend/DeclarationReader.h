@@ -61,6 +61,7 @@ private:
     ReadResult ReadConst(Visibility visibility);
     // name [suffix] [As type] = constant {"," ...}: the rest of a Const line from a constant's name.
     void ReadConstants(Visibility visibility, bool mayDefer);
+    void ExpectEndOfStatement();
     ReadResult ReadType(Visibility visibility);
     ReadResult ReadEnum(Visibility visibility);
     ReadResult ReadDef(Token word);

@@ -484,13 +484,15 @@ bool BodyParser::ParseDialogCall(Expression& out, bool statement)
     const bool parenthesised = m_lexer.Accept(Token::LeftParen);
     const char* position = m_lexer.TokenStart();
     if (!IsNameToken(m_lexer.Kind())) {
-        m_lexer.SignalError(CompileMessage::ExpectingAVarName);
+        m_lexer.SignalError(CompileMessage::ExpectingAUserDialogVar);
         return false;
     }
     const std::string name = ReadName();
     const LocalSymbol* local = FindLocal(UpperName(name));
+    // Declarations already refuse dialog variables of another procedure's type and dialog arrays, so
+    // anything else named here is not a dialog variable at all.
     if (!local || !m_dialogType || local->userType != m_dialogType.get() || local->ref.type.IsArray()) {
-        m_lexer.SignalErrorAt(CompileMessage::UserDialogMustBeDefinedInTheCurrentSubFunctionProperty, {}, position);
+        m_lexer.SignalErrorAt(CompileMessage::ExpectingAUserDialogVar, {}, position);
         return false;
     }
     std::vector<std::optional<Expression>> arguments(3);

@@ -321,6 +321,33 @@ void RecordFoldError(long number)
 
 } // namespace
 
+bool FoldConstantOperands(OperationId op, Variant& left, const Variant& right, long& error)
+{
+    s_foldError = 0;
+    const RaiseFn previous = SetRaiseHandler(&RecordFoldError);
+    // Constants have fixed kinds: a text beside a number is aligned as it would be when the operator runs.
+    Variant aligned;
+    const bool alignsRight = AlignmentOf(op, TypeOfValue(left), TypeOfValue(right)) == kAlignRight;
+    if (alignsRight)
+        aligned = right;
+    const bool folded = alignsRight ? AlignStaticKinds(op, left, StaticKind::kFixed, aligned, StaticKind::kFixed) &&
+                                          ApplyBinary(op, left, aligned)
+                                    : ApplyBinary(op, left, right);
+    (void)SetRaiseHandler(previous);
+    error = s_foldError;
+    return folded;
+}
+
+bool FoldConstantOperand(OperationId op, Variant& value, long& error)
+{
+    s_foldError = 0;
+    const RaiseFn previous = SetRaiseHandler(&RecordFoldError);
+    const bool folded = ApplyUnary(op, value);
+    (void)SetRaiseHandler(previous);
+    error = s_foldError;
+    return folded;
+}
+
 void BodyParser::AppendBinary(Expression& out, OperationId op, const char* position)
 {
     const std::size_t size = out.ops.size();
@@ -345,18 +372,8 @@ void BodyParser::AppendBinary(Expression& out, OperationId op, const char* posit
         Variant leftCopy;
         if (owned && op != OperationId::kConcatenate)
             leftCopy = left; // kept for the unfolded form below
-        s_foldError = 0;
-        const RaiseFn previous = SetRaiseHandler(&RecordFoldError);
-        // Constants have fixed kinds: a text beside a number is aligned as it would be when the operator runs.
-        Variant aligned;
-        const bool alignsRight = AlignmentOf(op, TypeOfValue(left), TypeOfValue(right)) == kAlignRight;
-        if (alignsRight)
-            aligned = right;
-        const bool folded =
-            alignsRight ? AlignStaticKinds(op, left, StaticKind::kFixed, aligned, StaticKind::kFixed) &&
-                              ApplyBinary(op, left, aligned)
-                        : ApplyBinary(op, left, right);
-        (void)SetRaiseHandler(previous);
+        long foldError = 0;
+        const bool folded = FoldConstantOperands(op, left, right, foldError);
         if (folded) {
             out.ops.resize(size - 2);
             AppendConstant(out, std::move(left));
@@ -370,8 +387,8 @@ void BodyParser::AppendBinary(Expression& out, OperationId op, const char* posit
             out.ops[size - 1].index = m_code->AddConstant(std::move(right));
         }
         // The same operation would fail each time the statement runs ("Divide by zero.", "Type mismatch.").
-        if (s_foldError != 0) {
-            const auto message = static_cast<CompileMessage>(s_foldError);
+        if (foldError != 0) {
+            const auto message = static_cast<CompileMessage>(foldError);
             if (position)
                 m_lexer.SignalErrorAt(message, {}, position);
             else

@@ -36,7 +36,19 @@ bool BodyParser::ParseFileTarget(FileTarget& target, Expression& code, Expressio
         const char next = *SkipBlanks(after);
         return next != '(' && next != '.';
     }();
-    if (simpleName || (m_lexer.Kind() != Token::Dot && !IsNameToken(m_lexer.Kind())))
+    if (simpleName) {
+        // A plain name is filled like the target of an assignment, so an undeclared one is declared
+        // implicitly; a constant is refused.
+        const std::string name = ReadName();
+        const TypeCode suffix = ReadSuffix();
+        if (const LocalSymbol* local = FindLocal(UpperName(name)); local && local->kind == LocalKind::Constant) {
+            m_lexer.SignalErrorAt(CompileMessage::ExpectingAVarName, name, m_namePosition);
+            return false;
+        }
+        bool found = false;
+        return ResolveVariable(name, suffix, target.variable, found);
+    }
+    if (m_lexer.Kind() != Token::Dot && !IsNameToken(m_lexer.Kind()))
         return ReadExistingVariable(target.variable, CompileMessage::ExpectingAVarName);
     // An array element or a record field: as for a by-reference argument, its value is copied into a
     // hidden slot that the statement reads or fills, and the slot goes back to its place afterwards.
