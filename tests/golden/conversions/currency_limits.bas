@@ -1,0 +1,29 @@
+' Texts and Decimals at the ends of the Currency range convert exactly (rounded to four decimals with
+' ties to even); one unit beyond them overflows.
+Sub Try(ByVal value As Variant)
+    Dim c As Currency
+    On Error GoTo Failed
+    c = CCur(value)
+    ' The distance from the nearest whole number keeps the last digits visible.
+    Debug.Print "["; value; "] "; c - Fix(c); c > 0
+    Exit Sub
+Failed:
+    Debug.Print "["; value; "] error"; Err.Number; Err.Description
+End Sub
+
+Sub Main
+    Try "922337203685477.5807"
+    Try "-922337203685477.5808"
+    Try "922337203685477.58"
+    Try " 922337203685477.58074 "
+    Try CDec("922337203685477.5807")
+    Try CDec("-922337203685477.58075")
+    Try "922337203685477.5808"
+    Try "-922337203685477.5809"
+    Try CDec("922337203685477.58075")
+    Try "1E+20"
+    Dim c As Currency, t As String
+    t = "-922337203685477.5808"
+    c = t
+    Debug.Print "assigned:"; c - Fix(c); c < -922337203685477@
+End Sub
