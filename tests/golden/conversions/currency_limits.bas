@@ -1,5 +1,5 @@
 ' Texts and Decimals at the ends of the Currency range convert exactly (rounded to four decimals with
-' ties to even); one unit beyond them overflows.
+' ties to even); one unit beyond them overflows. An exact half of the last unit goes to the even one.
 Sub Try(ByVal value As Variant)
     Dim c As Currency
     On Error GoTo Failed
@@ -26,4 +26,5 @@ Sub Main
     t = "-922337203685477.5808"
     c = t
     Debug.Print "assigned:"; c - Fix(c); c < -922337203685477@
+    Debug.Print "ties:"; CCur("0.00005"); CCur("0.00015"); CCur("-0.00025"); CCur(CDec("2.00005"))
 End Sub
