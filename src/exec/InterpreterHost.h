@@ -14,6 +14,7 @@ class Module;
 class ProcedureCode;
 class ModuleInstance;
 class StreamTable;
+struct DirectorySearch;
 class Variant;
 
 class InterpreterHost {
@@ -118,6 +119,8 @@ public:
     }
     // The file streams of the engine (null: the host keeps none, and stream statements find nothing open).
     virtual StreamTable* Streams() { return nullptr; }
+    // The engine's open Dir search (null: the host keeps none, and each thread keeps its own).
+    virtual DirectorySearch* DirectoryListing() { return nullptr; }
     // A WithEvents variable (module-level variable `variable` of instance) was assigned object (null:
     // Nothing): the events of the object it held before stop, those of object go to its procedures.
     virtual void WithEventsAssigned(ModuleInstance& instance, std::size_t variable, IUnknown* object)

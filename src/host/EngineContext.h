@@ -9,6 +9,7 @@
 #include "host/Debugger.h"
 #include "host/Evaluator.h"
 #include "host/ModuleManager.h"
+#include "library/DirectorySearch.h"
 #include "library/StreamTable.h"
 #include <oaidl.h>
 #include <bitset>
@@ -159,6 +160,7 @@ public:
     void WithEventsAssigned(ModuleInstance& instance, std::size_t variable, IUnknown* object) override;
     std::wstring CommandText() const override;
     StreamTable* Streams() override { return &m_streams; }
+    DirectorySearch* DirectoryListing() override { return &m_directorySearch; }
     bool MapMacroName(const std::wstring& name, const std::wstring& base, std::wstring& mapped) override;
     void TraceLine() override;
     [[nodiscard]] bool EvaluateText(const std::wstring& text, Variant& result) override;
@@ -208,6 +210,7 @@ private:
     std::vector<std::string> m_instanceModules;
     // Declared before the interpreter and modules so that it outlives them, and the files close last.
     StreamTable m_streams;
+    DirectorySearch m_directorySearch;
     ComRef<IDispatch> m_callBack;
     std::wstring m_caption = L"Brannoc Basic";
     bool m_doEvents = true;

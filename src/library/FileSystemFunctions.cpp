@@ -8,6 +8,7 @@
 #include "frontend/Module.h"
 #include "host/AnsiText.h"
 #include "library/BuiltinArguments.h"
+#include "library/DirectorySearch.h"
 #include "library/StreamTable.h"
 #include "values/ValueError.h"
 
@@ -30,22 +31,12 @@ bool TextArgument(BuiltinArguments& arguments, int index, std::wstring& text)
     return true;
 }
 
-// The one directory search of the running engine: its find handle and attribute mask.
-struct DirectorySearch {
-    HANDLE handle = INVALID_HANDLE_VALUE;
-    DWORD mask = 0;
-
-    void Close()
-    {
-        if (handle != INVALID_HANDLE_VALUE)
-            FindClose(handle);
-        handle = INVALID_HANDLE_VALUE;
-    }
-    ~DirectorySearch() { Close(); }
-};
-
+// The one directory search of the running engine; a host that keeps none gets one per thread.
 DirectorySearch& Search()
 {
+    Interpreter* interpreter = Interpreter::Current();
+    if (DirectorySearch* search = interpreter ? interpreter->Host().DirectoryListing() : nullptr)
+        return *search;
     thread_local DirectorySearch search;
     return search;
 }

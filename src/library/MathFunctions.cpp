@@ -3,6 +3,7 @@
 #include "library/BuiltinGroups.h"
 #include "library/BuiltinArguments.h"
 #include "values/Conversion.h"
+#include "values/DecimalWhole.h"
 #include "values/ValueCell.h"
 #include "values/ValueError.h"
 
@@ -54,41 +55,6 @@ LONGLONG RoundUnits(LONGLONG units, int places)
     return whole * step;
 }
 
-// A Decimal rounded to places decimals, ties to even; false when the platform fails (overflow).
-bool RoundDecimal(const DECIMAL& value, int places, DECIMAL& rounded)
-{
-    DECIMAL scale{};
-    DECIMAL scaled{};
-    DECIMAL whole{};
-    DECIMAL fraction{};
-    DECIMAL half{};
-    if (FAILED(VarDecFromR8(std::pow(10.0, places), &scale)) || FAILED(VarDecFromR8(0.5, &half)) ||
-        FAILED(VarDecMul(const_cast<DECIMAL*>(&value), &scale, &scaled)) || FAILED(VarDecFix(&scaled, &whole)) ||
-        FAILED(VarDecSub(&scaled, &whole, &fraction)) || FAILED(VarDecAbs(&fraction, &fraction)))
-        return false;
-    const HRESULT order = VarDecCmp(&fraction, &half);
-    bool away = order == VARCMP_GT;
-    if (order == VARCMP_EQ) {
-        // The whole part is odd exactly when half of it has a fraction.
-        DECIMAL two{};
-        DECIMAL halved{};
-        DECIMAL halvedWhole{};
-        if (FAILED(VarDecFromI4(2, &two)) || FAILED(VarDecDiv(&whole, &two, &halved)) ||
-            FAILED(VarDecFix(&halved, &halvedWhole)))
-            return false;
-        away = VarDecCmp(&halved, &halvedWhole) != VARCMP_EQ;
-    }
-    if (away) {
-        DECIMAL one{};
-        DECIMAL stepped{};
-        if (FAILED(VarDecFromI4(DECIMAL_NEG == (value.sign & DECIMAL_NEG) ? -1 : 1, &one)) ||
-            FAILED(VarDecAdd(&whole, &one, &stepped)))
-            return false;
-        whole = stepped;
-    }
-    return SUCCEEDED(VarDecDiv(&whole, &scale, &rounded));
-}
-
 // Round(Num, [Places]).
 bool Round(BuiltinArguments& arguments, BuiltinResult& result)
 {
@@ -107,13 +73,7 @@ bool Round(BuiltinArguments& arguments, BuiltinResult& result)
     case VT_R8: value->SetDouble(RoundHalfEven(value->Double(), places)); break;
     case VT_DATE: value->SetDate(RoundHalfEven(value->Date(), places)); break;
     case VT_CY: value->SetCurrencyUnits(RoundUnits(value->Currency().int64, places)); break;
-    case VT_DECIMAL: {
-        DECIMAL rounded{};
-        if (!RoundDecimal(value->Decimal(), places, rounded))
-            return RaiseValueError(kErrorOverflow);
-        value->SetDecimal(rounded);
-        break;
-    }
+    case VT_DECIMAL: value->SetDecimal(DecimalRounded(value->Decimal(), places)); break;
     default: break;
     }
     result.SetVariant(std::move(*value));

@@ -100,8 +100,10 @@ bool Shell(BuiltinArguments& arguments, BuiltinResult& result)
     startup.wShowWindow = static_cast<WORD>(style);
     PROCESS_INFORMATION process{};
     const UINT previousMode = SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
-    const BOOL started = CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, NORMAL_PRIORITY_CLASS,
-                                        nullptr, nullptr, &startup, &process);
+    // The new process starts with the default error mode, not the quiet one set for this call.
+    const BOOL started = CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE,
+                                        CREATE_DEFAULT_ERROR_MODE | NORMAL_PRIORITY_CLASS, nullptr, nullptr, &startup,
+                                        &process);
     SetErrorMode(previousMode);
     if (!started)
         return RaiseSystemFailure(kErrorWindowNotFound, GetLastError());

@@ -1,6 +1,7 @@
 #include "values/Conversion.h"
 
 #include "host/ThisModule.h"
+#include "values/DecimalWhole.h"
 #include "values/ValueError.h"
 
 #include <algorithm>
@@ -61,9 +62,50 @@ bool IsHexOrOctalText(std::wstring_view text)
            (text[i + 1] == L'H' || text[i + 1] == L'h' || text[i + 1] == L'O' || text[i + 1] == L'o');
 }
 
+// A text or Decimal as Currency units, read exactly as a Decimal and rounded to four decimals with ties
+// to even: S_OK, DISP_E_OVERFLOW outside the Currency range, or the failure of reading the text.
+HRESULT ExactCurrency(const VARIANT& source, LCID locale, CY& units)
+{
+    DECIMAL exact{};
+    if (source.vt == VT_DECIMAL) {
+        exact = source.decVal;
+    } else {
+        HRESULT status = VarDecFromStr(source.bstrVal, locale, 0, &exact);
+        if (FAILED(status))
+            return status;
+    }
+    exact = DecimalRounded(exact, 4);
+    if (exact.Hi32 != 0)
+        return DISP_E_OVERFLOW;
+    ULONGLONG magnitude = exact.Lo64;
+    for (int scale = exact.scale; scale < 4; ++scale) {
+        if (magnitude > 0xFFFFFFFFFFFFFFFFull / 10)
+            return DISP_E_OVERFLOW;
+        magnitude *= 10;
+    }
+    const bool negative = (exact.sign & DECIMAL_NEG) != 0;
+    if (magnitude > (negative ? 0x8000000000000000ull : 0x7FFFFFFFFFFFFFFFull))
+        return DISP_E_OVERFLOW;
+    units.int64 = negative ? static_cast<LONGLONG>(0 - magnitude) : static_cast<LONGLONG>(magnitude);
+    return S_OK;
+}
+
 // The platform step of ChangeType: VariantChangeTypeEx in locale into a fresh value.
 HRESULT PlatformChange(const VARIANT& source, VARTYPE tag, LCID locale, Variant& result)
 {
+    // Some platforms read a text or Decimal for Currency through a Double, which cannot hold the
+    // largest Currency values: these are read on their exact digits; a text that is no number is left
+    // to the platform, which gives its own failure.
+    if (tag == VT_CY && (source.vt == VT_BSTR || source.vt == VT_DECIMAL)) {
+        CY units{};
+        const HRESULT exact = ExactCurrency(source, locale, units);
+        if (exact == DISP_E_OVERFLOW)
+            return exact;
+        if (SUCCEEDED(exact)) {
+            result.SetCurrency(units);
+            return S_OK;
+        }
+    }
     VARIANT out;
     VariantInit(&out);
     HRESULT status = VariantChangeTypeEx(&out, const_cast<VARIANT*>(&source), locale, 0, tag);

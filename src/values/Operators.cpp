@@ -1,6 +1,7 @@
 #include "values/Operators.h"
 
 #include "values/Conversion.h"
+#include "values/DecimalWhole.h"
 #include "values/StringCapacity.h"
 #include "values/ValueError.h"
 
@@ -712,14 +713,10 @@ bool Truncate(OperationId op, Variant& value)
         value.SetCurrencyUnits(whole);
         return true;
     }
-    case VT_DECIMAL: {
-        DECIMAL in = value.Decimal(), out{};
-        HRESULT status = toFloor ? VarDecInt(&in, &out) : VarDecFix(&in, &out);
-        if (FAILED(status))
-            return RaiseForDecimalStatus(status);
-        value.SetDecimal(out);
+    case VT_DECIMAL:
+        // Exactly on the magnitude: the platform's routines may go through a Double and lose digits.
+        value.SetDecimal(DecimalWholePart(value.Decimal(), toFloor));
         return true;
-    }
     default: return RaiseValueError(kErrorTypeMismatch);
     }
 }
