@@ -165,6 +165,10 @@ TypeCode TypeOfValue(const Variant& value);
 // error raised (0 for none).
 [[nodiscard]] bool FoldConstantOperand(OperationId op, Variant& value, long& error);
 
+// A constant converted to kind in place, as a store into a variable of that kind converts it; false on
+// failure, with the first error raised (0 for none).
+[[nodiscard]] bool ConvertConstant(Variant& value, VARTYPE kind, long& error);
+
 // The binary operator written as token, or null.
 const BinaryOperator* FindBinary(Token token);
 

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <cmath>
+#include <limits>
 
 namespace brannoc::body {
 
@@ -26,7 +27,15 @@ Variant FromConstant(const ConstantValue& value)
     case TypeCode::kLong: out.SetLong(static_cast<LONG>(value.integer)); break;
     case TypeCode::kSingle: out.SetSingle(static_cast<FLOAT>(value.real)); break;
     case TypeCode::kDouble: out.SetDouble(value.real); break;
-    case TypeCode::kCurrency: out.SetCurrencyUnits(std::llround(value.real * 10000.0)); break;
+    case TypeCode::kCurrency: {
+        // A constant folded from a Currency value at an end of the range may lie a rounding beyond it in
+        // its Double: it keeps that end.
+        std::int64_t units = value.real < 0 ? std::numeric_limits<std::int64_t>::min()
+                                             : std::numeric_limits<std::int64_t>::max();
+        (void)ConstantValue::CurrencyUnits(value.real, units);
+        out.SetCurrencyUnits(units);
+        break;
+    }
     case TypeCode::kDate: out.SetDate(value.real); break;
     case TypeCode::kString: (void)out.SetString(value.text); break;
     case TypeCode::kNull: out.SetNull(); break;

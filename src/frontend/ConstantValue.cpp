@@ -48,6 +48,22 @@ bool FitsInteger(double value, double low, double high) { return value >= low &&
 
 } // namespace
 
+bool ConstantValue::CurrencyUnits(double value, std::int64_t& units)
+{
+    constexpr double kLargestWhole = 922337203685477.0;
+    const double whole = std::trunc(value);
+    if (!(whole >= -kLargestWhole && whole <= kLargestWhole))
+        return false;
+    // Both parts are exact: the whole part lies far below 2^53, and scaling it is whole-number arithmetic.
+    const auto fraction = static_cast<std::int64_t>(std::nearbyint((value - whole) * 10000.0));
+    const auto scaled = static_cast<std::int64_t>(whole) * 10000;
+    if ((fraction > 0 && scaled > std::numeric_limits<std::int64_t>::max() - fraction) ||
+        (fraction < 0 && scaled < std::numeric_limits<std::int64_t>::min() - fraction))
+        return false;
+    units = scaled + fraction;
+    return true;
+}
+
 bool ConstantValue::DateText()
 {
     Variant date;
@@ -112,6 +128,13 @@ bool ConstantValue::ConvertTo(TypeCode target)
             return false;
         *this = Real(static_cast<float>(value), code);
         return true;
+    case TypeCode::kCurrency: {
+        std::int64_t units = 0;
+        if (!CurrencyUnits(value, units))
+            return false;
+        *this = Real(value, code);
+        return true;
+    }
     default:
         *this = Real(value, code);
         return true;

@@ -24,6 +24,11 @@ struct ConstantValue {
     bool IsNumeric() const { return type.IsNumeric(); }
     double AsDouble() const { return IsIntegral() ? static_cast<double>(integer) : real; }
 
+    // A Currency constant's whole ten-thousandths (its value rounded to four decimals); false when they
+    // do not fit Currency's 64 bits. The whole part and the fraction are scaled apart, so that every
+    // value of the range keeps all its digits.
+    [[nodiscard]] static bool CurrencyUnits(double value, std::int64_t& units);
+
     // Converts to a scalar type; false when the value does not fit or cannot be converted.
     [[nodiscard]] bool ConvertTo(TypeCode target);
     bool operator==(const ConstantValue&) const = default;

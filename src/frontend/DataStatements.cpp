@@ -601,8 +601,9 @@ BodyParser::StatementPtr BodyParser::ParseConst()
         int index = m_code->AddConstant(std::move(constant));
         if (type != TypeCode() && !type.IsVariant()) {
             Variant converted(m_code->ConstantAt(index));
-            if (!ChangeType(converted, static_cast<VARTYPE>(type.ValueTag()))) {
-                m_lexer.SignalError(CompileMessage::TypeMismatch);
+            if (long error = 0; !ConvertConstant(converted, static_cast<VARTYPE>(type.ValueTag()), error)) {
+                // The conversion's own error: a number out of the type's range is an overflow.
+                m_lexer.SignalError(error != 0 ? static_cast<CompileMessage>(error) : CompileMessage::TypeMismatch);
                 return nullptr;
             }
             index = m_code->AddConstant(std::move(converted));

@@ -348,6 +348,16 @@ bool FoldConstantOperand(OperationId op, Variant& value, long& error)
     return folded;
 }
 
+bool ConvertConstant(Variant& value, VARTYPE kind, long& error)
+{
+    s_foldError = 0;
+    const RaiseFn previous = SetRaiseHandler(&RecordFoldError);
+    const bool converted = ChangeType(value, kind);
+    (void)SetRaiseHandler(previous);
+    error = s_foldError;
+    return converted;
+}
+
 void BodyParser::AppendBinary(Expression& out, OperationId op, const char* position)
 {
     const std::size_t size = out.ops.size();
