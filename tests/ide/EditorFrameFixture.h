@@ -67,6 +67,15 @@ protected:
         Pump();
     }
 
+    // Pumps messages until done() holds or the time is up (input sent through the display server arrives
+    // later on a busy machine); answers done().
+    template <typename Done> static bool PumpUntil(Done done, DWORD milliseconds = 3000)
+    {
+        const DWORD start = GetTickCount();
+        while (!done() && GetTickCount() - start < milliseconds)
+            Pump(20);
+        return done();
+    }
     static void Pump(DWORD milliseconds = 0)
     {
         DWORD start = GetTickCount();

@@ -139,6 +139,7 @@ TEST_F(FrameFontUsesHelp, TopicSearchOffersTheWordAtTheCaretToTheHost)
     g_helpWords.clear();
     SendMessageA(Editor(), EM_SETSEL, 13, 13);
     PressKey(VK_F1);
+    PumpUntil([] { return !g_helpWords.empty(); });
     EXPECT_EQ(std::vector<std::string>{"As"}, g_helpWords);
     PressKey(VK_F1, {VK_CONTROL});
     EXPECT_EQ(1u, g_helpWords.size());
