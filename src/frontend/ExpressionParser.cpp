@@ -319,43 +319,42 @@ void RecordFoldError(long number)
         s_foldError = number;
 }
 
+// Runs work (folding or converting constants) with the errors it raises recorded instead of reported;
+// error receives the first of them (0 for none).
+template <typename Work> bool WithFoldErrorsRecorded(long& error, Work work)
+{
+    s_foldError = 0;
+    const RaiseFn previous = SetRaiseHandler(&RecordFoldError);
+    const bool done = work();
+    (void)SetRaiseHandler(previous);
+    error = s_foldError;
+    return done;
+}
+
 } // namespace
 
 bool FoldConstantOperands(OperationId op, Variant& left, const Variant& right, long& error)
 {
-    s_foldError = 0;
-    const RaiseFn previous = SetRaiseHandler(&RecordFoldError);
-    // Constants have fixed kinds: a text beside a number is aligned as it would be when the operator runs.
-    Variant aligned;
-    const bool alignsRight = AlignmentOf(op, TypeOfValue(left), TypeOfValue(right)) == kAlignRight;
-    if (alignsRight)
-        aligned = right;
-    const bool folded = alignsRight ? AlignStaticKinds(op, left, StaticKind::kFixed, aligned, StaticKind::kFixed) &&
-                                          ApplyBinary(op, left, aligned)
-                                    : ApplyBinary(op, left, right);
-    (void)SetRaiseHandler(previous);
-    error = s_foldError;
-    return folded;
+    return WithFoldErrorsRecorded(error, [&] {
+        // Constants have fixed kinds: a text beside a number is aligned as it would be when the operator
+        // runs.
+        const bool alignsRight = AlignmentOf(op, TypeOfValue(left), TypeOfValue(right)) == kAlignRight;
+        if (!alignsRight)
+            return ApplyBinary(op, left, right);
+        Variant aligned = right;
+        return AlignStaticKinds(op, left, StaticKind::kFixed, aligned, StaticKind::kFixed) &&
+               ApplyBinary(op, left, aligned);
+    });
 }
 
 bool FoldConstantOperand(OperationId op, Variant& value, long& error)
 {
-    s_foldError = 0;
-    const RaiseFn previous = SetRaiseHandler(&RecordFoldError);
-    const bool folded = ApplyUnary(op, value);
-    (void)SetRaiseHandler(previous);
-    error = s_foldError;
-    return folded;
+    return WithFoldErrorsRecorded(error, [&] { return ApplyUnary(op, value); });
 }
 
 bool ConvertConstant(Variant& value, VARTYPE kind, long& error)
 {
-    s_foldError = 0;
-    const RaiseFn previous = SetRaiseHandler(&RecordFoldError);
-    const bool converted = ChangeType(value, kind);
-    (void)SetRaiseHandler(previous);
-    error = s_foldError;
-    return converted;
+    return WithFoldErrorsRecorded(error, [&] { return ChangeType(value, kind); });
 }
 
 void BodyParser::AppendBinary(Expression& out, OperationId op, const char* position)
