@@ -480,6 +480,11 @@ void Compiler::ParseDeclarations2(Module& module, ParseResult& result)
     if (!m_lexer.ErrorLimitReached())
         DecideEntries(module);
     SetResultFromErrors(m_lexer, result);
+    if (result == ParseResult::Okay) {
+        for (const auto& variable : module.Variables())
+            if (variable->withEvents)
+                m_source.DeclaredWithEvents(module.Name(), variable->name, variable->type.className);
+    }
 }
 
 void Compiler::DecideEntries(Module& module)

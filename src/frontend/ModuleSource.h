@@ -65,6 +65,14 @@ public:
     }
     // A trace line of the compile driver (written only while the host's compiler trace is on).
     virtual void TraceCompile(std::string_view line) { (void)line; }
+    // A module-level variable declared WithEvents, of the type named className, was read (for the
+    // trace of its declaration and of the source interface its events come from).
+    virtual void DeclaredWithEvents(std::string_view module, std::string_view variable, std::string_view className)
+    {
+        (void)module;
+        (void)variable;
+        (void)className;
+    }
     // True when the name is a type that a type-library reference or extension visible to the module
     // provides.
     virtual bool IsExternalTypeName(std::string_view module, std::string_view name)

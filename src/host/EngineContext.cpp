@@ -535,36 +535,65 @@ ModuleInstance* EngineContext::InstanceOf(IUnknown* object)
     return ClassObject::InstanceOf(object);
 }
 
-// The variable's event link is made at its first assignment, over the source interface of its declared
-// type: a class of a referenced library or extension, or a class module of the macro (whose instances
-// raise their events without type information).
+// The source interface of a WithEvents variable's declared type: that of a class of a referenced
+// library or extension. A class module of the macros needs none (its instances raise their events
+// without type information), so none is looked up or traced for it.
+ComRef<ITypeInfo> EngineContext::WithEventsSource(const wchar_t* operation, std::string_view module,
+                                                  std::string_view variable, std::string_view className)
+{
+    Trace(TraceKind::Entry, L"*" + std::wstring(operation) + L"(\"" + WideFromAnsi(module) + L"|" +
+                                WideFromAnsi(variable) + L"\")");
+    ComRef<ITypeInfo> source;
+    const std::string typeName(className);
+    const Module* classModule = m_modules.FindLoadedModule(typeName);
+    if (!classModule || classModule->Kind() == ModuleKind::Plain) {
+        ITypeInfo* type = m_extensions.FindType(std::string(module), typeName);
+        if (type && DefaultSourceOfClass(type, source) != SourceLookup::Found)
+            source = ComRef<ITypeInfo>();
+        TraceSource(source.Get());
+    }
+    Trace(TraceKind::Exit, L"");
+    return source;
+}
+
+void EngineContext::DeclaredWithEvents(std::string_view module, std::string_view variable, std::string_view className)
+{
+    if (ApiTraceOn())
+        (void)WithEventsSource(L"DimWithEvents", module, variable, className);
+}
+
+EventConnection* EngineContext::WithEventsConnection(ModuleInstance& instance, std::size_t variable)
+{
+    if (EventConnection* connection = instance.Connection(variable))
+        return connection;
+    const Module& module = instance.OwnModule();
+    const auto& variables = module.Variables();
+    if (variable >= variables.size() || !variables[variable]->withEvents)
+        return nullptr;
+    const Variable& declared = *variables[variable];
+    ComRef<ITypeInfo> source =
+        WithEventsSource(L"DimWithEvents_Initialize", module.Name(), declared.name, declared.type.className);
+    automation::EventSink* sink = automation::EventSink::ForVariable(*this, instance, declared.name, source.Get());
+    if (!sink)
+        return nullptr;
+    instance.AddConnection(variable, sink);
+    return sink;
+}
+
+void EngineContext::InitializeWithEvents(ModuleInstance& instance)
+{
+    const std::size_t count = instance.OwnModule().Variables().size();
+    for (std::size_t variable = 0; variable < count; ++variable)
+        if (instance.OwnModule().Variables()[variable]->withEvents)
+            (void)WithEventsConnection(instance, variable);
+}
+
+// A variable whose instance was made without its sinks (a made-up instance of the evaluator) gets its
+// sink at its first assignment.
 void EngineContext::WithEventsAssigned(ModuleInstance& instance, std::size_t variable, IUnknown* object)
 {
-    EventConnection* connection = instance.Connection(variable);
-    if (!connection) {
-        const Module& module = instance.OwnModule();
-        const auto& variables = module.Variables();
-        if (variable >= variables.size())
-            return;
-        const Variable& declared = *variables[variable];
-        ComRef<ITypeInfo> source;
-        Trace(TraceKind::Entry, L"*DimWithEvents_Initialize(\"" + WideFromAnsi(module.Name()) + L"|" +
-                                    WideFromAnsi(declared.name) + L"\")");
-        const Module* classModule = m_modules.FindLoadedModule(declared.type.className);
-        if (!classModule || classModule->Kind() == ModuleKind::Plain) {
-            ITypeInfo* type = m_extensions.FindType(module.Name(), declared.type.className);
-            if (type && DefaultSourceOfClass(type, source) != SourceLookup::Found)
-                source = ComRef<ITypeInfo>();
-            TraceSource(source.Get());
-        }
-        Trace(TraceKind::Exit, L"");
-        automation::EventSink* sink = automation::EventSink::ForVariable(*this, instance, declared.name, source.Get());
-        if (!sink)
-            return;
-        instance.AddConnection(variable, sink);
-        connection = sink;
-    }
-    connection->Assign(object);
+    if (EventConnection* connection = WithEventsConnection(instance, variable))
+        connection->Assign(object);
 }
 
 void EngineContext::TraceSource(ITypeInfo* source)

@@ -158,6 +158,11 @@ public:
     [[nodiscard]] bool DefaultObject(const Module& module, Variant& result) override;
     ModuleInstance* InstanceOf(IUnknown* object) override;
     void WithEventsAssigned(ModuleInstance& instance, std::size_t variable, IUnknown* object) override;
+    // Traces the declaration of a module-level WithEvents variable as the compiler reads it.
+    void DeclaredWithEvents(std::string_view module, std::string_view variable, std::string_view className);
+    // Gives each WithEvents variable of a new instance (or of a code module's storage) its event sink,
+    // before any of the instance's code runs.
+    void InitializeWithEvents(ModuleInstance& instance);
     std::wstring CommandText() const override;
     StreamTable* Streams() override { return &m_streams; }
     DirectorySearch* DirectoryListing() override { return &m_directorySearch; }
@@ -188,6 +193,11 @@ private:
     int DisconnectEvents() override;
     // The detail lines that name an event source interface, or say that there is none.
     void TraceSource(ITypeInfo* source);
+    // The source interface of a WithEvents variable's declared type, traced under the operation.
+    ComRef<ITypeInfo> WithEventsSource(const wchar_t* operation, std::string_view module, std::string_view variable,
+                                       std::string_view className);
+    // The event link of a WithEvents variable of instance, made on first need; null when it cannot be.
+    EventConnection* WithEventsConnection(ModuleInstance& instance, std::size_t variable);
 
     RunState Run(long depth);
     RunState StopRequest(bool fromHalt);

@@ -512,6 +512,8 @@ bool ModuleManager::HoldDefaultInstances(Loaded& loaded, std::vector<ModuleInsta
         }
         ++shared->holds;
         const int failed = shared->instance->FailedVariable();
+        if (failed < 0 && !made.empty() && made.back() == shared->instance.get())
+            m_context.InitializeWithEvents(*shared->instance);
         if (failed >= 0) {
             const Variable& variable = *module->Compiled()->variables[static_cast<std::size_t>(failed)];
             const long number = shared->instance->StorageError();
@@ -671,6 +673,7 @@ std::unique_ptr<ModuleInstance> ModuleManager::CreateInstance(Module& module, ID
     }
     // The creator's hold: the initializer's own activation never leaves the instance without uses.
     instance->AddUse();
+    m_context.InitializeWithEvents(*instance);
     const CompiledModule* compiled = module.Compiled();
     ProcedureCode* entry = compiled && compiled->entry ? compiled->entry->code.get() : nullptr;
     // Made by running code (New, the first use of a default instance), the initializer hands an error
@@ -985,6 +988,11 @@ void ModuleManager::TraceCompile(std::string_view line)
 {
     if (m_context.ApiTraceOn())
         m_context.Trace(!line.empty() && line[0] == '*' ? TraceKind::Entry : TraceKind::Result, WideFromAnsi(line));
+}
+
+void ModuleManager::DeclaredWithEvents(std::string_view module, std::string_view variable, std::string_view className)
+{
+    m_context.DeclaredWithEvents(module, variable, className);
 }
 
 void ModuleManager::Report(const CompileError& error)

@@ -201,6 +201,7 @@ private:
     std::optional<ModuleText> Read(std::string_view name) override;
     std::string ResolveName(std::string_view usingModule, std::string_view name) override;
     void TraceCompile(std::string_view line) override;
+    void DeclaredWithEvents(std::string_view module, std::string_view variable, std::string_view className) override;
     bool AddReferences(std::string_view module, std::string_view lines, std::size_t& failedLine) override;
     bool IsGlobalNameInUse(std::string_view name) override;
     bool BuildForm(std::string_view name, std::string_view headerText) override;

@@ -325,6 +325,79 @@ TEST_F(EventSinkTest, ASinkOfAClassInstanceIsTracedAsItIsBoundAndReleased)
     engine.unit->Run(static_cast<short>(0x8000), &ignored);
 }
 
+TEST_F(EventSinkTest, TheDeclarationAndTheModulesStorageTraceTheSourceBeforeAnyAssignment)
+{
+    engine.callBack.offerTrace = true;
+    VARIANT_BOOL ignored = VARIANT_FALSE;
+    engine.unit->Run(static_cast<short>(0x8040), &ignored);
+    engine.callBack.traces.clear();
+    ASSERT_TRUE(engine.Load(L"lib", kMacro));
+    // A call of Main makes the module's storage; nothing is assigned to the variable.
+    ASSERT_EQ(S_OK, CallWith(L"Main", nullptr));
+    const std::vector<std::wstring> lines = engine.callBack.traces;
+    engine.unit->Run(static_cast<short>(0x8000), &ignored);
+    EXPECT_EQ(0u, ledger.SinkCount());
+    // Read with the declarations: the variable and its type's source interface.
+    const auto declared = std::find(lines.begin(), lines.end(), L"0:*DimWithEvents(\"lib|src\")");
+    ASSERT_NE(lines.end(), declared);
+    ASSERT_GT(lines.end() - declared, 3);
+    EXPECT_EQ(0u, declared[1].rfind(L"2:Source.TypeInfo.UUID={", 0)) << declared[1];
+    EXPECT_EQ(L"2:Source.TypeInfo.Name=LedgerEvents", declared[2]);
+    EXPECT_EQ(L"1:", declared[3]);
+    // The module's storage has the variable's sink before anything is assigned.
+    const auto initialized = std::find(declared, lines.end(), L"0:*DimWithEvents_Initialize(\"lib|src\")");
+    ASSERT_NE(lines.end(), initialized);
+    ASSERT_GT(lines.end() - initialized, 3);
+    EXPECT_EQ(declared[1], initialized[1]);
+    EXPECT_EQ(L"2:Source.TypeInfo.Name=LedgerEvents", initialized[2]);
+    EXPECT_EQ(L"1:", initialized[3]);
+    EXPECT_EQ(1, std::count(lines.begin(), lines.end(), L"0:*DimWithEvents_Initialize(\"lib|src\")"));
+}
+
+TEST_F(EventSinkTest, ATypeWithoutEventsIsTracedAsHavingNoSource)
+{
+    engine.callBack.offerTrace = true;
+    VARIANT_BOOL ignored = VARIANT_FALSE;
+    engine.unit->Run(static_cast<short>(0x8040), &ignored);
+    engine.callBack.traces.clear();
+    ASSERT_TRUE(engine.Load(L"plain", L"Dim WithEvents quiet As Object\r\nSub Main\r\nEnd Sub\r\n"));
+    ASSERT_EQ(S_OK, CallWith(L"Main", nullptr));
+    const std::vector<std::wstring> lines = engine.callBack.traces;
+    engine.unit->Run(static_cast<short>(0x8000), &ignored);
+    for (const wchar_t* entry : {L"0:*DimWithEvents(\"plain|quiet\")", L"0:*DimWithEvents_Initialize(\"plain|quiet\")"}) {
+        const auto found = std::find(lines.begin(), lines.end(), entry);
+        ASSERT_NE(lines.end(), found) << entry;
+        ASSERT_GT(lines.end() - found, 2) << entry;
+        EXPECT_EQ(L"2:Source TypeInfo not available", found[1]) << entry;
+        EXPECT_EQ(L"1:", found[2]) << entry;
+    }
+}
+
+TEST_F(EventSinkTest, AClassInstanceBindsItsSinkWhenItIsMadeEvenWithoutAnAssignment)
+{
+    engine.callBack.macros[L"Quiet.cls"] = L"VERSION 1.0 CLASS\r\nBEGIN\r\n  MultiUse = -1\r\nEND\r\n"
+                                            L"Attribute VB_Name = \"Quiet\"\r\n"
+                                            L"Private WithEvents src As LedgerLib.Ledger\r\n"
+                                            L"Public Sub Idle()\r\nEnd Sub\r\n";
+    ASSERT_TRUE(engine.Load(L"maker", L"'#Uses \"Quiet.cls\"\r\nSub Main\r\nEnd Sub\r\n"
+                                      L"Sub Hook(o As Object)\r\n    Dim q As New Quiet\r\n    q.Idle\r\n"
+                                      L"End Sub\r\n"));
+    engine.callBack.offerTrace = true;
+    VARIANT_BOOL ignored = VARIANT_FALSE;
+    engine.unit->Run(static_cast<short>(0x8040), &ignored);
+    engine.callBack.traces.clear();
+    ASSERT_EQ(S_OK, CallWith(L"Hook", &ledger));
+    const std::vector<std::wstring> lines = engine.callBack.traces;
+    engine.unit->Run(static_cast<short>(0x8000), &ignored);
+    const auto traced = [&](const std::wstring& start) {
+        return std::count_if(lines.begin(), lines.end(), [&](const std::wstring& line) { return line.rfind(start, 0) == 0; });
+    };
+    EXPECT_EQ(1, traced(L"0:*DimWithEvents_Initialize("));
+    EXPECT_EQ(1, traced(L"4:Connect Sink 0x"));
+    EXPECT_EQ(0, traced(L"4:Advise Sink 0x"));
+    EXPECT_EQ(1, traced(L"4:Disconnect Sink 0x"));
+}
+
 TEST_F(EventSinkTest, ReassigningMovesTheConnectionAndNothingDisconnects)
 {
     ASSERT_TRUE(engine.Load(L"lib", kMacro));
