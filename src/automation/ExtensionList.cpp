@@ -205,8 +205,11 @@ bool ExtensionList::AddParsed(const std::string& text, ExtensionPrefix prefix, I
         Trace(kTraceDetail, L"Module specific extension not allowed for a module that already exists.");
         return Finish(false, false);
     }
-    if (prefix.withEvents)
+    if (prefix.withEvents) {
+        // The system and reference-line marks stay with the object and its library.
+        item.flags = prefix.flags & (kExtensionSystem | kExtensionFromReferenceLine);
         return AddWithEvents(std::move(item), object);
+    }
     ReadKind(prefix);
     item.flags = prefix.flags;
     if (prefix.variable) {
@@ -310,7 +313,7 @@ bool ExtensionList::AddWithEvents(Extension item, IDispatch* object)
     library.prefix = item.prefix;
     ExtensionPrefix libraryKind = SplitPrefix("{}");
     ReadKind(libraryKind);
-    library.flags = (item.flags & 0x180u) | libraryKind.flags;
+    library.flags = (item.flags & (kExtensionSystem | kExtensionFromReferenceLine)) | libraryKind.flags;
     bool changed = false;
     if (!PutLibrary(std::move(library), "{}", object, changed))
         return Finish(false, changed);
@@ -318,7 +321,7 @@ bool ExtensionList::AddWithEvents(Extension item, IDispatch* object)
     item.name = item.prefix.substr(0, underscore);
     const std::string rest = underscore == std::string::npos ? std::string() : item.prefix.substr(underscore + 1);
     const std::string procedurePrefix = rest.empty() ? item.name : rest;
-    item.flags = kExtensionNamed;
+    item.flags = (item.flags & (kExtensionSystem | kExtensionFromReferenceLine)) | kExtensionNamed;
     item.object = ComRef<IDispatch>::Share(object);
     UINT count = 0;
     if (SUCCEEDED(object->GetTypeInfoCount(&count)) && count > 0 &&

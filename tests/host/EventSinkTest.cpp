@@ -512,6 +512,23 @@ TEST_F(EventSinkTest, AWithEventsExtensionRoutesTheHostObjectsEventsUntilDisconn
     EXPECT_EQ(VARIANT_FALSE, cancel);
 }
 
+TEST_F(EventSinkTest, ASystemWithEventsExtensionGoesOnlyWithTheSystemExtensions)
+{
+    ASSERT_TRUE(AddExtension(L"{WithEvents}$App_", &app));
+    EXPECT_EQ(1u, app.SinkCount());
+    ASSERT_TRUE(engine.Load(L"lib", kExtensionMacro));
+    // The project's own extensions go (the fixture's library); the system one keeps listening.
+    EXPECT_TRUE(RemoveExtensions(L""));
+    EXPECT_EQ(1u, app.SinkCount());
+    VARIANT_BOOL cancel = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, Click(app, cancel));
+    EXPECT_EQ(VARIANT_TRUE, cancel);
+    EXPECT_EQ(L"\"app clicked\"\r\n", engine.callBack.AllPrinted());
+    // Removing the system extensions ends it and its sink.
+    EXPECT_TRUE(RemoveExtensions(L"$"));
+    EXPECT_EQ(0u, app.SinkCount());
+}
+
 TEST_F(EventSinkTest, PositionArgumentsReachTheProcedureAsSingles)
 {
     ASSERT_TRUE(padClass);
