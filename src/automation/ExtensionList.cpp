@@ -12,6 +12,9 @@
 namespace brannoc::automation {
 namespace {
 
+// Every call the engine makes on an object passes the United States locale.
+constexpr LCID kLocale = 0x409;
+
 constexpr short kTraceEntry = 0;
 constexpr short kTraceExit = 1;
 constexpr short kTraceDetail = 2;
@@ -242,7 +245,7 @@ bool ExtensionList::PutLibrary(Extension item, const std::string& reference, IDi
         UINT count = 0;
         UINT index = 0;
         if (object && SUCCEEDED(object->GetTypeInfoCount(&count)) && count > 0 &&
-            SUCCEEDED(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, type.Out())) && type)
+            SUCCEEDED(object->GetTypeInfo(0, kLocale, type.Out())) && type)
             (void)type->GetContainingTypeLib(library.Out(), &index);
     } else if (LibraryReference parsed; ParseLibraryReference(reference, parsed)) {
         if (FAILED(LoadRegTypeLib(parsed.guid, parsed.major, parsed.minor, parsed.locale, library.Out())))
@@ -275,7 +278,7 @@ bool ExtensionList::AddObject(Extension item, IDispatch* object)
     item.object = ComRef<IDispatch>::Share(object);
     UINT count = 0;
     if (SUCCEEDED(object->GetTypeInfoCount(&count)) && count > 0 &&
-        FAILED(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, item.type.Out())))
+        FAILED(object->GetTypeInfo(0, kLocale, item.type.Out())))
         item.type = ComRef<ITypeInfo>();
     if (item.type) {
         Trace(kTraceDetail, L"TypeInfo.UUID=" + GuidText(TypeGuid(item.type.Get())));
@@ -325,7 +328,7 @@ bool ExtensionList::AddWithEvents(Extension item, IDispatch* object)
     item.object = ComRef<IDispatch>::Share(object);
     UINT count = 0;
     if (SUCCEEDED(object->GetTypeInfoCount(&count)) && count > 0 &&
-        FAILED(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, item.type.Out())))
+        FAILED(object->GetTypeInfo(0, kLocale, item.type.Out())))
         item.type = ComRef<ITypeInfo>();
     item.events = m_host.ConnectEvents(procedurePrefix, object);
     m_items.push_back(std::move(item));

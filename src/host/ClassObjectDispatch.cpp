@@ -17,6 +17,10 @@
 namespace brannoc {
 namespace {
 
+// The calls passed on to a form's host object carry the United States locale, as every call the
+// engine makes on an object does.
+constexpr LCID kLocale = 0x409;
+
 // Public procedures are numbered from 1 in declaration order, public variables from kVariableBase; the
 // default member answers DISPID_VALUE as well.
 constexpr DISPID kVariableBase = 0x10000;
@@ -219,7 +223,7 @@ DISPID ClassObject::HostMemberId(LPOLESTR name)
 {
     IDispatch* host = m_instance ? m_instance->HostObject() : nullptr;
     DISPID hostId = DISPID_UNKNOWN;
-    if (!host || FAILED(host->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &hostId)))
+    if (!host || FAILED(host->GetIDsOfNames(IID_NULL, &name, 1, kLocale, &hostId)))
         return DISPID_UNKNOWN;
     for (std::size_t i = 0; i < m_hostIds.size(); ++i) {
         if (m_hostIds[i] == hostId)
@@ -240,7 +244,7 @@ HRESULT ClassObject::InvokeHostMember(DISPID id, WORD flags, DISPPARAMS* paramet
     // The host's object is outside the engine: the lock is given up for the call.
     const int depth = EngineLock::Suspend();
     const HRESULT status =
-        held->Invoke(hostId, IID_NULL, LOCALE_USER_DEFAULT, flags, parameters, result, exception, argumentError);
+        held->Invoke(hostId, IID_NULL, kLocale, flags, parameters, result, exception, argumentError);
     EngineLock::Resume(depth);
     return status;
 }

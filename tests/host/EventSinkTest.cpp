@@ -516,6 +516,10 @@ TEST_F(EventSinkTest, ASystemWithEventsExtensionGoesOnlyWithTheSystemExtensions)
 {
     ASSERT_TRUE(AddExtension(L"{WithEvents}$App_", &app));
     EXPECT_EQ(1u, app.SinkCount());
+    // The object's type information is asked for with the engine's fixed locale.
+    ASSERT_FALSE(app.typeInfoLocales.empty());
+    for (LCID locale : app.typeInfoLocales)
+        EXPECT_EQ(0x409u, locale);
     ASSERT_TRUE(engine.Load(L"lib", kExtensionMacro));
     // The project's own extensions go (the fixture's library); the system one keeps listening.
     EXPECT_TRUE(RemoveExtensions(L""));

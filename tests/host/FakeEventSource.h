@@ -240,8 +240,9 @@ public:
         *count = 1;
         return S_OK;
     }
-    HRESULT __stdcall GetTypeInfo(UINT, LCID, ITypeInfo** info) override
+    HRESULT __stdcall GetTypeInfo(UINT, LCID locale, ITypeInfo** info) override
     {
+        typeInfoLocales.push_back(locale);
         *info = ComRef<ITypeInfo>::Share(m_classType.Get()).Detach();
         return S_OK;
     }
@@ -340,6 +341,8 @@ public:
     bool marshalSinks = false;
     DWORD noteThread = 0;
     int notes = 0;
+    // The locale of every GetTypeInfo call, in order.
+    std::vector<LCID> typeInfoLocales;
 
 private:
     struct Sink {

@@ -31,15 +31,19 @@ const wchar_t kForm[] = L"VERSION 5.00\r\n"
 // The host's object for a form instance: one property, Title, answering 42.
 class FormObject final : public TestDispatch {
 public:
-    HRESULT __stdcall GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override
+    // The locales of every name look-up and call, in order.
+    std::vector<LCID> locales;
+    HRESULT __stdcall GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID locale, DISPID* ids) override
     {
+        locales.push_back(locale);
         if (count != 1 || std::wstring(names[0]) != L"Title")
             return DISP_E_UNKNOWNNAME;
         ids[0] = 7;
         return S_OK;
     }
-    HRESULT __stdcall Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*, UINT*) override
+    HRESULT __stdcall Invoke(DISPID id, REFIID, LCID locale, WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*, UINT*) override
     {
+        locales.push_back(locale);
         if (id != 7 || !result)
             return DISP_E_MEMBERNOTFOUND;
         VariantInit(result);
@@ -180,6 +184,10 @@ TEST_F(FormModuleTest, TheHostReadsTheHeaderAndGivesEachNewInstanceItsObject)
 
     EXPECT_EQ(3, ReadMember(first, L"Clicks")) << "the module's own member";
     EXPECT_EQ(42, ReadMember(first, L"Title")) << "the host object's member";
+    // The calls passed on to the host's object carry the engine's fixed locale.
+    ASSERT_FALSE(form.locales.empty());
+    for (LCID locale : form.locales)
+        EXPECT_EQ(0x409u, locale);
     EXPECT_GT(form.References(), 1u) << "the instance holds the host object";
 
     IDispatch* second = MacroObject(L"panel", true);
