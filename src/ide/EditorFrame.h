@@ -68,7 +68,11 @@ enum FrameMessage : UINT {
     FM_GETDEBUGLOAD = WM_USER + 292, FM_SETDEBUGLOAD = WM_USER + 293,
     FM_FIRE = WM_USER + 294, FM_CREATEHANDLER = WM_USER + 295, // the engine's objects, reference added
     FM_GETREADONLY = WM_USER + 296, FM_SETREADONLY = WM_USER + 297,
+    FM_GETSELLENGTH = WM_USER + 298,   // length of the text area's selection
+    FM_SETSELLENGTH = WM_USER + 299,   // keeps the selection's start, moves its end to start + lParam
     FM_GETSELSTART = WM_USER + 300, FM_SETCARET = WM_USER + 301,
+    FM_GETSELTEXT = WM_USER + 302,     // the selected text
+    FM_REPLACESEL = WM_USER + 303,     // replaces the selection with lParam; 0 on success (1 when read-only)
     FM_SETABOUTCALLBACK = WM_USER + 304, FM_SETDOEVENTSCALLBACK = WM_USER + 306,
     FM_SETHELPCALLBACK = WM_USER + 307,
     FM_SETNOTIFYCALLBACK = WM_USER + 308,
@@ -85,6 +89,7 @@ enum FrameMessage : UINT {
     FM_SHOWSHEET = WM_USER + 326, FM_FINDSHEET = WM_USER + 327,
     FM_ISLOADED = WM_USER + 329,       // 0 when the macro lParam is loaded
     FM_CREATEHANDLERS = WM_USER + 330, // lParam prefix, wParam the event object
+    FM_SHOWNAMEDSHEET = WM_USER + 331, // lParam a sheet's name (null: the current sheet); 0 on success
     FM_EDITHANDLER = WM_USER + 332,    // lParam macro name, "|", handler name
     FM_MACROINSTANCE = WM_USER + 333,  // lParam macro name, wParam 1 a new instance
     FM_ISACTIVE = WM_USER + 335,       // 0 when the macro lParam is active

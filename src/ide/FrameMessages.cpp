@@ -104,6 +104,46 @@ void MarkMenu(const EditorFrame& frame, HMENU menu)
     }
 }
 
+// The editing child's selection as start and end character positions (the text area and the plain
+// edit control both answer EM_GETSEL).
+std::pair<DWORD, DWORD> EditorSelection(const EditorFrame& frame)
+{
+    DWORD start = 0, end = 0;
+    SendMessageA(frame.m_editor, EM_GETSEL, reinterpret_cast<WPARAM>(&start), reinterpret_cast<LPARAM>(&end));
+    return {start, end < start ? start : end};
+}
+
+std::string EditorSelectedText(const EditorFrame& frame)
+{
+    const auto [start, end] = EditorSelection(frame);
+    const int length = GetWindowTextLengthA(frame.m_editor);
+    std::string text(static_cast<size_t>(length) + 1, '\0');
+    text.resize(static_cast<size_t>(GetWindowTextA(frame.m_editor, text.data(), length + 1)));
+    return start >= text.size() ? std::string() : text.substr(start, end - start);
+}
+
+// The object-module file type from "description|extension|type word" (the form its getter answers);
+// an empty or missing part keeps the default "Object", "OBM", "Object", and a leading dot of the
+// extension is dropped.
+void SetObjectFileType(EditorFrame& frame, const std::string& text)
+{
+    std::string parts[3];
+    size_t at = 0;
+    for (std::string& part : parts) {
+        if (at > text.size())
+            break;
+        const size_t bar = text.find('|', at);
+        part = text.substr(at, bar == std::string::npos ? std::string::npos : bar - at);
+        at = bar == std::string::npos ? text.size() + 1 : bar + 1;
+    }
+    if (!parts[1].empty() && parts[1][0] == '.')
+        parts[1].erase(0, 1);
+    frame.m_objectNoun = parts[0].empty() ? "Object" : parts[0];
+    frame.m_objectExtension = parts[1].empty() ? "OBM" : parts[1];
+    frame.m_objectTypeWord = parts[2].empty() ? "Object" : parts[2];
+    frame.UpdateCaption();
+}
+
 bool OnClose(EditorFrame& frame)
 {
     // A macro still runs below this message (the engine pumps messages while it runs): it is asked to
@@ -134,6 +174,7 @@ LRESULT SheetMessage(EditorFrame& frame, UINT message, WPARAM wParam, LPARAM lPa
     }
     case FM_CURRENTSHEET: return frame.m_current + 1;
     case FM_FINDSHEET: return frame.FindSheet(StringParameter(lParam)) + 1;
+    case FM_SHOWNAMEDSHEET: return frame.ShowSheet(lParam ? frame.FindSheet(StringParameter(lParam)) : frame.m_current) ? 0 : 1;
     case FM_HIDDENLINES: return sheet ? sheet->HiddenLines() : 0;
     case FM_GETVBNAME: return sheet ? CopyOutString(ReadVbName(sheet->header), wParam, lParam) : 0;
     case FM_SETVBNAME:
@@ -295,6 +336,24 @@ LRESULT EditorFrame::Handle(UINT message, WPARAM wParam, LPARAM lParam)
         SendMessageA(m_editor, EM_SETSEL, static_cast<WPARAM>(lParam), lParam);
         SendMessageA(m_editor, EM_SCROLLCARET, 0, 0);
         return 0;
+    case FM_GETSELLENGTH: {
+        const auto [start, end] = EditorSelection(*this);
+        return static_cast<LRESULT>(end - start);
+    }
+    case FM_SETSELLENGTH: {
+        const DWORD start = EditorSelection(*this).first;
+        const DWORD length = lParam < 0 ? 0 : static_cast<DWORD>(lParam);
+        SendMessageA(m_editor, EM_SETSEL, start, static_cast<LPARAM>(start + length));
+        SendMessageA(m_editor, EM_SCROLLCARET, 0, 0);
+        return 0;
+    }
+    case FM_GETSELTEXT: return CopyOutString(EditorSelectedText(*this), wParam, lParam);
+    case FM_REPLACESEL:
+        if (m_readOnly || !Current())
+            return 1;
+        SendMessageA(m_editor, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(StringParameter(lParam).c_str()));
+        UpdateCommandStates();
+        return 0;
     case FM_SETABOUTCALLBACK: return SetCallback(m_callbacks.about, lParam);
     case FM_SETHELPCALLBACK: return SetCallback(m_callbacks.help, lParam);
     case FM_SETNOTIFYCALLBACK: return SetCallback(m_callbacks.notify, lParam);
@@ -312,8 +371,10 @@ LRESULT EditorFrame::Handle(UINT message, WPARAM wParam, LPARAM lParam)
     }
     case FM_COMMANDSTATUS:
     case FM_COMMANDTIP: {
+        // wParam carries the host number, so the caller's buffer is taken to be large enough.
         int command = CommandOfHostNumber(static_cast<int>(wParam));
-        return CopyOutString(command ? CommandHelp(command, message == FM_COMMANDTIP) : std::string(), 0, lParam);
+        const std::string text = command ? CommandHelp(command, message == FM_COMMANDTIP) : std::string();
+        return CopyOutString(text, text.size() + 1, lParam);
     }
     case FM_GETMACRONOUN: return CopyOutString(m_placeholders.macroNoun, wParam, lParam);
     case FM_SETMACRONOUN:
@@ -322,6 +383,7 @@ LRESULT EditorFrame::Handle(UINT message, WPARAM wParam, LPARAM lParam)
         return 0;
     case FM_GETOBJECTFILETYPE:
         return CopyOutString(m_objectNoun + "|" + m_objectExtension + "|" + m_objectTypeWord, wParam, lParam);
+    case FM_SETOBJECTFILETYPE: SetObjectFileType(*this, StringParameter(lParam)); return 0;
     case FM_GETLISTMODE: return m_listMode;
     case FM_SETLISTMODE:
         if (lParam < 0 || lParam > 2)
