@@ -76,7 +76,7 @@ enum FrameMessage : UINT {
     FM_SETABOUTCALLBACK = WM_USER + 304, FM_SETDOEVENTSCALLBACK = WM_USER + 306,
     FM_SETHELPCALLBACK = WM_USER + 307,
     FM_SETNOTIFYCALLBACK = WM_USER + 308,
-    FM_SETWINDOWCALLBACK = WM_USER + 309, // wParam 0 the window, 1 the modal owner override
+    FM_SETWINDOWCALLBACK = WM_USER + 309, // wParam 0 the window, 1 the modal owner override, 2 design mode
     FM_SETSTATUSCALLBACK = WM_USER + 310,
     FM_SETQUERYSAVECALLBACK = WM_USER + 311, FM_SETFILENAMECALLBACK = WM_USER + 312,
     FM_SETWRITECALLBACK = WM_USER + 314, FM_SETDISPLAYNAMECALLBACK = WM_USER + 315,
@@ -150,6 +150,8 @@ using FrameDoEventsCallback = void(CALLBACK*)(HWND frame);
 using FrameWindowCallback = HWND(CALLBACK*)(HWND frame);
 // May change the owner window of a modal dialog a macro opens.
 using FrameModalOwnerCallback = void(CALLBACK*)(HWND frame, HWND* owner);
+// Told when the user switches the design-state display with Design Mode (the new state).
+using FrameDesignModeCallback = void(CALLBACK*)(HWND frame, BOOL designDisplay);
 // A macro's text: asked first with a null buffer for the length, then with a buffer of that size; a
 // positive second answer means the text is there.
 using FrameReadMacroCallback = int(CALLBACK*)(HWND frame, const char* name, char* buffer, int size);

@@ -205,6 +205,8 @@ bool RunFrameCommand(EditorFrame& frame, int command)
     case CMD_DESIGN_MODE:
         frame.m_designDisplay = !frame.m_designDisplay;
         frame.UpdateCaption();
+        if (frame.m_callbacks.designMode)
+            frame.m_callbacks.designMode(frame.m_window, frame.m_designDisplay);
         return true;
     case CMD_CLOSE_ALL: return frame.CloseAll(PromptKind::CanCancel);
     case CMD_RUN: case CMD_PAUSE: case CMD_END: case CMD_STEP_INTO: case CMD_STEP_OVER: case CMD_STEP_OUT:
@@ -284,8 +286,12 @@ int EditorFrame::Dispatch(int command, bool fromUser)
 {
     if (command == -CMD_DESIGN_MODE)
         command = CMD_DESIGN_MODE;
-    if (command == CMD_TOOLBAR_NEW)
+    if (command == CMD_TOOLBAR_NEW) {
+        // In list mode 2 the New button drops down the menu of module kinds (offered to the host first).
+        if (m_listMode == 2)
+            return HostCommand(HOST_NEW_MENU, true) ? 1 : 0;
         command = CMD_NEW;
+    }
     int end = ProjectMode() ? kCommandEnd : kProjectCommandsFrom;
     if (command != CMD_SAVE && (command < kFirstCommand || command >= end || !IsEnabled(command)))
         return 0;
@@ -304,11 +310,22 @@ LRESULT EditorFrame::HostCommand(int number, bool carryOut)
     if (number >= HOST_TO_TOP && number <= HOST_MOUSE_MENU) {
         if (!carryOut)
             return 1;
+        // The recorded error offers itself to the host's filter.
+        if (number == HOST_SHOW_ERROR) {
+            ShowRecordedError();
+            return 1;
+        }
         if (m_callbacks.commandFilter && m_callbacks.commandFilter(m_window, number))
             return 1;
-        if (number == HOST_TO_TOP) {
+        switch (number) {
+        case HOST_TO_TOP:
             SetForegroundWindow(IsTopLevel() ? m_window : GetAncestor(m_window, GA_ROOT));
             NotifyHost(17);
+            break;
+        case HOST_CONTEXT_MENU: ShowTextContextMenu(true); break;
+        case HOST_NEW_MENU: ShowNewMenu(); break;
+        case HOST_MOUSE_MENU: ShowTextContextMenu(false); break;
+        default: break;
         }
         return 1;
     }

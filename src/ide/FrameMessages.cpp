@@ -144,6 +144,24 @@ void SetObjectFileType(EditorFrame& frame, const std::string& text)
     frame.UpdateCaption();
 }
 
+// The status-bar help of the menu item under the mouse or the keyboard: a command's first line; the
+// standard edit control's context menu items (plain editing) stand for the matching commands; a popup,
+// a separator or an item without a command clears the text.
+void ShowMenuItemHelp(EditorFrame& frame, WPARAM wParam, LPARAM lParam)
+{
+    const UINT flags = HIWORD(wParam);
+    if (flags == 0xFFFF && lParam == 0)
+        return; // the menu closed
+    int command = LOWORD(wParam);
+    static constexpr std::pair<int, int> kEditMenuIds[] = {
+        {768, CMD_CUT}, {769, CMD_COPY}, {770, CMD_PASTE}, {771, CMD_DELETE}, {772, CMD_UNDO}, {1025, CMD_SELECT_ALL}};
+    for (const auto& [id, mapped] : kEditMenuIds)
+        if (command == id)
+            command = mapped;
+    const bool isCommand = !(flags & (MF_POPUP | MF_SEPARATOR | MF_SYSMENU)) && command >= 300 && command < 385;
+    frame.ShowStatus(isCommand ? frame.CommandHelp(command, false) : std::string());
+}
+
 bool OnClose(EditorFrame& frame)
 {
     // A macro still runs below this message (the engine pumps messages while it runs): it is asked to
@@ -270,6 +288,15 @@ LRESULT EditorFrame::Handle(UINT message, WPARAM wParam, LPARAM lParam)
         if (lParam == 0)
             Dispatch(LOWORD(wParam), true);
         return 0;
+    case WM_MENUSELECT: ShowMenuItemHelp(*this, wParam, lParam); return 0;
+    case WM_CONTEXTMENU:
+        // The text area's own menu; the plain edit control keeps its standard one. A menu asked for from
+        // the keyboard (-1) opens at the caret.
+        if (reinterpret_cast<HWND>(wParam) == m_editor && !PlainEditing()) {
+            HostCommand(lParam == -1 ? HOST_CONTEXT_MENU : HOST_MOUSE_MENU, true);
+            return 0;
+        }
+        break;
     case WM_INITMENUPOPUP:
         UpdateCommandStates();
         MarkMenu(*this, reinterpret_cast<HMENU>(wParam));

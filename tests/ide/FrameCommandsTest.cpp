@@ -269,3 +269,28 @@ TEST_F(FrameCommands, PlainEditingUsesAnEditControlAndDisablesItsCommands)
 }
 
 } // namespace
+
+namespace {
+
+std::vector<BOOL> s_designStates;
+
+TEST_F(FrameCommands, DesignModeTellsTheHostsDesignModeCallback)
+{
+    Create();
+    s_designStates.clear();
+    Send(FM_SETWINDOWCALLBACK, 2, reinterpret_cast<LPARAM>(+[](HWND, BOOL designDisplay) {
+        s_designStates.push_back(designDisplay);
+    }));
+    ASSERT_EQ(1, Send(FM_GETDESIGNDISPLAY));
+    EXPECT_EQ(1, Command(CMD_DESIGN_MODE));
+    EXPECT_EQ(0, Send(FM_GETDESIGNDISPLAY));
+    EXPECT_EQ(1, Command(-CMD_DESIGN_MODE)) << "the toolbar's two-state button";
+    EXPECT_EQ(1, Send(FM_GETDESIGNDISPLAY));
+    EXPECT_EQ((std::vector<BOOL>{FALSE, TRUE}), s_designStates);
+    // The window callback (wParam 0) is a different slot: setting it leaves this one alone.
+    Send(FM_SETWINDOWCALLBACK, 0, 0);
+    Command(CMD_DESIGN_MODE);
+    EXPECT_EQ((std::vector<BOOL>{FALSE, TRUE, FALSE}), s_designStates);
+}
+
+} // namespace
