@@ -200,6 +200,15 @@ public:
     // ---- debug panes (DebugPanes.cpp) ----
     void CreatePanes();
     HWND Pane(int index) const { return m_panes[index]; }
+    // The child the edit commands work on: the debug pane that last had the focus, else the editing
+    // child (also when the focus was last on the object or proc list).
+    HWND CommandTarget() const
+    {
+        for (HWND pane : m_panes)
+            if (pane && m_lastFocus == pane)
+                return pane;
+        return m_editor;
+    }
     bool PanesShown() const;
     void ShowPane(int index);
     void DebugPrint(const std::string& text);
