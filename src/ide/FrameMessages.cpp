@@ -144,14 +144,19 @@ void SetObjectFileType(EditorFrame& frame, const std::string& text)
     frame.UpdateCaption();
 }
 
-// The status-bar help of the menu item under the mouse or the keyboard: a command's first line; the
-// standard edit control's context menu items (plain editing) stand for the matching commands; a popup,
-// a separator or an item without a command clears the text.
+// The status-bar help of the menu item under the mouse or the keyboard: a command's first line, or the
+// help of a system-menu item (its id masked with 0xFFF0); the standard edit control's context menu
+// items (plain editing) stand for the matching commands; a popup, a separator or an item without a
+// command clears the text.
 void ShowMenuItemHelp(EditorFrame& frame, WPARAM wParam, LPARAM lParam)
 {
     const UINT flags = HIWORD(wParam);
     if (flags == 0xFFFF && lParam == 0)
         return; // the menu closed
+    if ((flags & MF_SYSMENU) && !(flags & (MF_POPUP | MF_SEPARATOR))) {
+        frame.ShowStatus(frame.Text(LOWORD(wParam) & 0xFFF0));
+        return;
+    }
     int command = LOWORD(wParam);
     static constexpr std::pair<int, int> kEditMenuIds[] = {
         {768, CMD_CUT}, {769, CMD_COPY}, {770, CMD_PASTE}, {771, CMD_DELETE}, {772, CMD_UNDO}, {1025, CMD_SELECT_ALL}};

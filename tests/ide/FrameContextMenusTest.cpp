@@ -149,6 +149,12 @@ TEST_F(FrameContextMenus, MenuItemsShowTheirHelpInTheStatusBar)
     // The standard edit control's context menu items stand for the frame's commands.
     EXPECT_EQ("Delete the selection", select(771, MF_HILITE));
     EXPECT_EQ("Cut the selection to the clipboard", select(768, MF_HILITE));
+    // System-menu items by their id masked with 0xFFF0; the system menu's own popup clears the text.
+    EXPECT_EQ("Close the window", select(SC_CLOSE, MF_SYSMENU | MF_HILITE));
+    EXPECT_EQ("Change the size of the window", select(SC_SIZE + 2, MF_SYSMENU | MF_HILITE));
+    EXPECT_EQ("Restore the window to its normal size", select(SC_RESTORE, MF_SYSMENU | MF_HILITE));
+    EXPECT_EQ("", select(0, MF_SYSMENU | MF_POPUP | MF_HILITE));
+    EXPECT_EQ("Cut the selection to the clipboard", select(768, MF_HILITE));
     // Closing the menu leaves the text alone.
     Send(WM_MENUSELECT, MAKEWPARAM(0, 0xFFFF), 0);
     EXPECT_EQ("Cut the selection to the clipboard", WindowText(Child(ID_FRAME_STATUS_BAR)));
