@@ -183,6 +183,22 @@ bool OnClose(EditorFrame& frame)
     return true;
 }
 
+// Gives the current sheet the name of a host's macro; refused for an empty name, a name another sheet
+// has, and while the sheet's macro is taken in by the engine (its name is the engine's link to it).
+bool RenameCurrentSheet(EditorFrame& frame, const std::string& name)
+{
+    Sheet* sheet = frame.Current();
+    if (!sheet || name.empty() || frame.IsLoaded(*sheet))
+        return false;
+    const int other = frame.FindSheet(name);
+    if (other >= 0 && other != frame.m_current)
+        return false;
+    sheet->name = name;
+    frame.UpdateCaption();
+    frame.UpdateCommandStates();
+    return true;
+}
+
 LRESULT SheetMessage(EditorFrame& frame, UINT message, WPARAM wParam, LPARAM lParam)
 {
     Sheet* sheet = frame.Current();
@@ -214,8 +230,12 @@ LRESULT SheetMessage(EditorFrame& frame, UINT message, WPARAM wParam, LPARAM lPa
         frame.UpdateCaption();
         return 0;
     case FM_OPENMACRO:
+        // Without the file commands the host keeps the macro texts: the name goes to the current sheet.
+        if (!frame.Has(FO_FILES))
+            return RenameCurrentSheet(frame, StringParameter(lParam)) ? 0 : 1;
+        return frame.OpenFile(StringParameter(lParam)) ? 0 : 1;
     case FM_FILE:
-        if (message == FM_FILE && wParam == 0)
+        if (wParam == 0)
             return sheet && frame.SaveSheetAs(*sheet, StringParameter(lParam)) ? 0 : 1;
         return frame.OpenFile(StringParameter(lParam)) ? 0 : 1;
     case FM_CLOSEALL:

@@ -7,6 +7,7 @@
 using namespace brannoc;
 using namespace brannoc::ide;
 using brannoc::test::EditorFrameFixture;
+using brannoc::test::MessageBoxCapture;
 
 namespace {
 
@@ -98,6 +99,39 @@ TEST_F(FrameTextMessages, StatusAndToolTipTextsOfHostCommandNumbers)
     EXPECT_STREQ("Start", tip);
     EXPECT_EQ(0, Send(FM_COMMANDTIP, 200, reinterpret_cast<LPARAM>(tip))) << "no such host number";
     EXPECT_STREQ("", tip);
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(FrameTextMessages, OpenMacroNamesTheCurrentSheetWithoutTheFileCommands)
+{
+    Create(FO_TOOLBAR | FO_STATUS_BAR);
+    MessageBoxCapture capture(IDOK);
+    EXPECT_EQ(0, SendText(FM_OPENMACRO, "Ledger Totals"));
+    EXPECT_EQ("Ledger Totals", Get(FM_GETSHEETNAME));
+    EXPECT_EQ(1, Send(FM_SHEETCOUNT));
+    EXPECT_NE(std::string::npos, Caption().find("ledger totals (macro)")) << Caption();
+    EXPECT_EQ(1, SendText(FM_OPENMACRO, "")) << "an empty name";
+    EXPECT_EQ("Ledger Totals", Get(FM_GETSHEETNAME));
+    EXPECT_EQ(0u, capture.Count()) << "no file is looked for";
+}
+
+TEST_F(FrameTextMessages, OpenMacroOpensAFileInASheetWithTheFileCommands)
+{
+    Create();
+    const std::string path = TempPath("open macro.bas");
+    WriteFileBytes(path, "Sub Main\r\nEnd Sub\r\n");
+    EXPECT_EQ(0, SendText(FM_OPENMACRO, path));
+    EXPECT_EQ(2, Send(FM_SHEETCOUNT));
+    EXPECT_EQ(path, Get(FM_GETSHEETNAME));
+    EXPECT_EQ("Sub Main\r\nEnd Sub\r\n", WindowText(Editor()));
+    MessageBoxCapture capture(IDOK);
+    EXPECT_EQ(1, SendText(FM_OPENMACRO, TempPath("no such folder\\missing.bas")));
+    ASSERT_EQ(1u, capture.Count());
+    EXPECT_EQ(L"Can't open macro/module file.", capture.Boxes()[0].text);
+    DeleteFileA(path.c_str());
 }
 
 } // namespace
