@@ -68,11 +68,15 @@ enum FrameMessage : UINT {
     FM_GETDEBUGLOAD = WM_USER + 292, FM_SETDEBUGLOAD = WM_USER + 293,
     FM_FIRE = WM_USER + 294, FM_CREATEHANDLER = WM_USER + 295, // the engine's objects, reference added
     FM_GETREADONLY = WM_USER + 296, FM_SETREADONLY = WM_USER + 297,
+    FM_GETSELLENGTH = WM_USER + 298,   // length of the text area's selection
+    FM_SETSELLENGTH = WM_USER + 299,   // keeps the selection's start, moves its end to start + lParam
     FM_GETSELSTART = WM_USER + 300, FM_SETCARET = WM_USER + 301,
+    FM_GETSELTEXT = WM_USER + 302,     // the selected text
+    FM_REPLACESEL = WM_USER + 303,     // replaces the selection with lParam; 0 on success (1 when read-only)
     FM_SETABOUTCALLBACK = WM_USER + 304, FM_SETDOEVENTSCALLBACK = WM_USER + 306,
     FM_SETHELPCALLBACK = WM_USER + 307,
     FM_SETNOTIFYCALLBACK = WM_USER + 308,
-    FM_SETWINDOWCALLBACK = WM_USER + 309, // wParam 0 the window, 1 the modal owner override
+    FM_SETWINDOWCALLBACK = WM_USER + 309, // wParam 0 the window, 1 the modal owner override, 2 design mode
     FM_SETSTATUSCALLBACK = WM_USER + 310,
     FM_SETQUERYSAVECALLBACK = WM_USER + 311, FM_SETFILENAMECALLBACK = WM_USER + 312,
     FM_SETWRITECALLBACK = WM_USER + 314, FM_SETDISPLAYNAMECALLBACK = WM_USER + 315,
@@ -85,6 +89,7 @@ enum FrameMessage : UINT {
     FM_SHOWSHEET = WM_USER + 326, FM_FINDSHEET = WM_USER + 327,
     FM_ISLOADED = WM_USER + 329,       // 0 when the macro lParam is loaded
     FM_CREATEHANDLERS = WM_USER + 330, // lParam prefix, wParam the event object
+    FM_SHOWNAMEDSHEET = WM_USER + 331, // lParam a sheet's name (null: the current sheet); 0 on success
     FM_EDITHANDLER = WM_USER + 332,    // lParam macro name, "|", handler name
     FM_MACROINSTANCE = WM_USER + 333,  // lParam macro name, wParam 1 a new instance
     FM_ISACTIVE = WM_USER + 335,       // 0 when the macro lParam is active
@@ -145,6 +150,8 @@ using FrameDoEventsCallback = void(CALLBACK*)(HWND frame);
 using FrameWindowCallback = HWND(CALLBACK*)(HWND frame);
 // May change the owner window of a modal dialog a macro opens.
 using FrameModalOwnerCallback = void(CALLBACK*)(HWND frame, HWND* owner);
+// Told when the user switches the design-state display with Design Mode (the new state).
+using FrameDesignModeCallback = void(CALLBACK*)(HWND frame, BOOL designDisplay);
 // A macro's text: asked first with a null buffer for the length, then with a buffer of that size; a
 // positive second answer means the text is there.
 using FrameReadMacroCallback = int(CALLBACK*)(HWND frame, const char* name, char* buffer, int size);

@@ -26,6 +26,7 @@ struct FrameCallbacks {
     FrameDebugTraceCallback debugTrace = nullptr;
     FrameWindowCallback window = nullptr;
     FrameModalOwnerCallback modalOwner = nullptr;
+    FrameDesignModeCallback designMode = nullptr;
     FrameReadMacroCallback readMacro = nullptr;
     FrameParsePropertiesCallback parseProperties = nullptr;
     FrameNewInstanceCallback newInstance = nullptr;
@@ -162,6 +163,11 @@ public:
     void EndExecution();
     void OnEngineNotify(int code);
     void ShowRecordedError();
+    // The text area's context menu (with the stepping commands while its macro is stopped), at the caret
+    // or at the mouse position; a chosen item is dispatched as from the user interface.
+    void ShowTextContextMenu(bool atCaret);
+    // The drop-down menu of the toolbar's New button, below the button.
+    void ShowNewMenu();
     void ShowNextStatement();
     // The text of macro `name` for the engine (null: not found, the engine reports it).
     BSTR ReadMacro(IDispatch* unit, const std::wstring& name);
@@ -194,6 +200,15 @@ public:
     // ---- debug panes (DebugPanes.cpp) ----
     void CreatePanes();
     HWND Pane(int index) const { return m_panes[index]; }
+    // The child the edit commands work on: the debug pane that last had the focus, else the editing
+    // child (also when the focus was last on the object or proc list).
+    HWND CommandTarget() const
+    {
+        for (HWND pane : m_panes)
+            if (pane && m_lastFocus == pane)
+                return pane;
+        return m_editor;
+    }
     bool PanesShown() const;
     void ShowPane(int index);
     void DebugPrint(const std::string& text);

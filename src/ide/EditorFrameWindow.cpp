@@ -92,8 +92,10 @@ LRESULT CALLBACK EditorKeysProc(HWND editor, UINT message, WPARAM wParam, LPARAM
         if (wParam == VK_DELETE && GetKeyState(VK_CONTROL) >= 0 && !frame->MayEditRunningSheet())
             return 0;
         int command = frame->TranslateKey(KeyWithModifiers(static_cast<int>(wParam)));
-        if (command == kContextMenuKey)
+        if (command == kContextMenuKey) {
+            PostMessageA(frameWindow, FM_HOSTCOMMAND, HOST_CONTEXT_MENU, 1);
             return 0;
+        }
         if (command > 0) {
             if (frame->IsEnabled(command) || command == CMD_SAVE)
                 PostMessageA(frameWindow, FrameToolbarMessage(), static_cast<WPARAM>(command), -1);

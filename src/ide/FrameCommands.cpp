@@ -20,8 +20,8 @@ namespace brannoc::ide {
 namespace {
 
 struct FrameConditions {
-    bool engine, idle, busy, loaded, stopped, doubleStar, ro, RO, sel, text, focusEditor, canUndo, canRedo, clipboard,
-        module;
+    bool engine, idle, busy, loaded, stopped, doubleStar, ro, RO, sel, text, focusEditor, focusEvaluating,
+        targetEditor, canUndo, canRedo, clipboard, module;
 };
 
 FrameConditions ReadConditions(const EditorFrame& frame)
@@ -34,18 +34,22 @@ FrameConditions ReadConditions(const EditorFrame& frame)
     c.busy = unit && (CU_IsActive(unit) || (frame.m_run.ModulesHeld() && !c.stopped));
     c.loaded = frame.Current() && frame.IsLoaded(*frame.Current());
     c.doubleStar = frame.Current() && frame.Current()->name.rfind("**", 0) == 0;
-    // The text area counts as read-only while its sheet's macro runs.
-    c.ro = (GetWindowLongA(frame.m_editor, GWL_STYLE) & ES_READONLY) != 0 || c.loaded;
+    // The target is the editing child or the debug pane that last had the focus. The text area counts as
+    // read-only while its sheet's macro runs, the Stack and Loaded panes always.
+    const HWND target = frame.CommandTarget();
+    c.targetEditor = target == frame.m_editor;
+    c.ro = (GetWindowLongA(target, GWL_STYLE) & ES_READONLY) != 0 || (c.targetEditor && c.loaded) ||
+           target == frame.Pane(2) || target == frame.Pane(3);
     c.RO = frame.m_readOnly;
     DWORD start = 0, end = 0;
-    SendMessageA(frame.m_editor, EM_GETSEL, reinterpret_cast<WPARAM>(&start), reinterpret_cast<LPARAM>(&end));
+    SendMessageA(target, EM_GETSEL, reinterpret_cast<WPARAM>(&start), reinterpret_cast<LPARAM>(&end));
     c.sel = start != end;
-    c.text = GetWindowTextLengthA(frame.m_editor) > 0;
-    c.focusEditor = frame.m_lastFocus == nullptr || frame.m_lastFocus == frame.m_editor ||
-                    frame.m_lastFocus == frame.m_objectList || frame.m_lastFocus == frame.m_procList;
-    c.canUndo = SendMessageA(frame.m_editor, EM_CANUNDO, 0, 0) != 0;
+    c.text = GetWindowTextLengthA(target) > 0;
+    c.focusEditor = c.targetEditor;
+    c.focusEvaluating = target == frame.Pane(0) || target == frame.Pane(1);
+    c.canUndo = SendMessageA(target, EM_CANUNDO, 0, 0) != 0;
     const Sheet* sheet = frame.Current();
-    c.canRedo = sheet && sheet->document && sheet->document->CanRedo();
+    c.canRedo = c.targetEditor && sheet && sheet->document && sheet->document->CanRedo();
     c.clipboard = IsClipboardFormatAvailable(CF_TEXT) != 0;
     c.module = sheet && sheet->kind != SheetKind::Macro;
     return c;
@@ -90,7 +94,7 @@ bool Enabled(const EditorFrame& frame, const FrameConditions& c, int command, bo
     case CMD_FIND: case CMD_AGAIN: return c.focusEditor && c.text;
     case CMD_REPLACE: return !c.ro && c.focusEditor && c.text;
     case CMD_COMPLETE_WORD: case CMD_REFERENCES: return !c.loaded;
-    case CMD_USER_DIALOG: return !c.ro;
+    case CMD_USER_DIALOG: return !c.ro && c.targetEditor;
     case CMD_PROPERTIES: return !c.loaded && c.module;
     case CMD_IMMEDIATE: return c.loaded || frame.Has(FO_ALWAYS_SPLIT);
     case CMD_WATCH: case CMD_STACK: return c.loaded;
@@ -104,10 +108,10 @@ bool Enabled(const EditorFrame& frame, const FrameConditions& c, int command, bo
     case CMD_STEP_TO: return c.focusEditor && c.text && r.stepTo;
     case CMD_QUICK_WATCH: return c.focusEditor && c.text && ((c.engine && !c.busy) || !c.loaded);
     case CMD_ADD_WATCH: return c.focusEditor && c.text && c.stopped;
-    case CMD_BROWSE: return c.focusEditor && ((c.engine && !c.busy) || !c.loaded);
+    case CMD_BROWSE: return (c.focusEditor || c.focusEvaluating) && ((c.engine && !c.busy) || !c.loaded);
     case CMD_SET_NEXT: return c.focusEditor && c.text && run && c.stopped;
     case CMD_SHOW_NEXT: return c.stopped;
-    case CMD_TOPIC_SEARCH: return c.focusEditor;
+    case CMD_TOPIC_SEARCH: return c.focusEditor || c.focusEvaluating;
     default: return wasEnabled;
     }
 }
@@ -148,15 +152,17 @@ void SetTabs(EditorFrame& frame, bool asSpaces, int width)
 bool RunEditCommand(EditorFrame& frame, int command)
 {
     HWND editor = frame.m_editor;
+    // The clipboard commands, Undo and Select All work on the debug pane that last had the focus.
+    HWND target = frame.CommandTarget();
     switch (command) {
-    case CMD_UNDO: SendMessageA(editor, WM_UNDO, 0, 0); return true;
+    case CMD_UNDO: SendMessageA(target, WM_UNDO, 0, 0); return true;
     case CMD_REDO: SendMessageA(editor, TAM_REDO, 0, 0); return true;
-    case CMD_CUT: SendMessageA(editor, WM_CUT, 0, 0); return true;
-    case CMD_COPY: SendMessageA(editor, WM_COPY, 0, 0); return true;
-    case CMD_PASTE: SendMessageA(editor, WM_PASTE, 0, 0); return true;
-    case CMD_DELETE: SendMessageA(editor, WM_CLEAR, 0, 0); return true;
+    case CMD_CUT: SendMessageA(target, WM_CUT, 0, 0); return true;
+    case CMD_COPY: SendMessageA(target, WM_COPY, 0, 0); return true;
+    case CMD_PASTE: SendMessageA(target, WM_PASTE, 0, 0); return true;
+    case CMD_DELETE: SendMessageA(target, WM_CLEAR, 0, 0); return true;
     case CMD_CUT_LINE: CutLine(frame); return true;
-    case CMD_SELECT_ALL: SendMessageA(editor, EM_SETSEL, 0, -1); return true;
+    case CMD_SELECT_ALL: SendMessageA(target, EM_SETSEL, 0, -1); return true;
     case CMD_INDENT:
     case CMD_OUTDENT:
         if (frame.Current() && frame.Current()->document)
@@ -205,6 +211,8 @@ bool RunFrameCommand(EditorFrame& frame, int command)
     case CMD_DESIGN_MODE:
         frame.m_designDisplay = !frame.m_designDisplay;
         frame.UpdateCaption();
+        if (frame.m_callbacks.designMode)
+            frame.m_callbacks.designMode(frame.m_window, frame.m_designDisplay);
         return true;
     case CMD_CLOSE_ALL: return frame.CloseAll(PromptKind::CanCancel);
     case CMD_RUN: case CMD_PAUSE: case CMD_END: case CMD_STEP_INTO: case CMD_STEP_OVER: case CMD_STEP_OUT:
@@ -284,8 +292,12 @@ int EditorFrame::Dispatch(int command, bool fromUser)
 {
     if (command == -CMD_DESIGN_MODE)
         command = CMD_DESIGN_MODE;
-    if (command == CMD_TOOLBAR_NEW)
+    if (command == CMD_TOOLBAR_NEW) {
+        // In list mode 2 the New button drops down the menu of module kinds (offered to the host first).
+        if (m_listMode == 2)
+            return HostCommand(HOST_NEW_MENU, true) ? 1 : 0;
         command = CMD_NEW;
+    }
     int end = ProjectMode() ? kCommandEnd : kProjectCommandsFrom;
     if (command != CMD_SAVE && (command < kFirstCommand || command >= end || !IsEnabled(command)))
         return 0;
@@ -304,11 +316,22 @@ LRESULT EditorFrame::HostCommand(int number, bool carryOut)
     if (number >= HOST_TO_TOP && number <= HOST_MOUSE_MENU) {
         if (!carryOut)
             return 1;
+        // The recorded error offers itself to the host's filter.
+        if (number == HOST_SHOW_ERROR) {
+            ShowRecordedError();
+            return 1;
+        }
         if (m_callbacks.commandFilter && m_callbacks.commandFilter(m_window, number))
             return 1;
-        if (number == HOST_TO_TOP) {
+        switch (number) {
+        case HOST_TO_TOP:
             SetForegroundWindow(IsTopLevel() ? m_window : GetAncestor(m_window, GA_ROOT));
             NotifyHost(17);
+            break;
+        case HOST_CONTEXT_MENU: ShowTextContextMenu(true); break;
+        case HOST_NEW_MENU: ShowNewMenu(); break;
+        case HOST_MOUSE_MENU: ShowTextContextMenu(false); break;
+        default: break;
         }
         return 1;
     }

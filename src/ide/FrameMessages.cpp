@@ -104,6 +104,69 @@ void MarkMenu(const EditorFrame& frame, HMENU menu)
     }
 }
 
+// The editing child's selection as start and end character positions (the text area and the plain
+// edit control both answer EM_GETSEL).
+std::pair<DWORD, DWORD> EditorSelection(const EditorFrame& frame)
+{
+    DWORD start = 0, end = 0;
+    SendMessageA(frame.m_editor, EM_GETSEL, reinterpret_cast<WPARAM>(&start), reinterpret_cast<LPARAM>(&end));
+    return {start, end < start ? start : end};
+}
+
+std::string EditorSelectedText(const EditorFrame& frame)
+{
+    const auto [start, end] = EditorSelection(frame);
+    const int length = GetWindowTextLengthA(frame.m_editor);
+    std::string text(static_cast<size_t>(length) + 1, '\0');
+    text.resize(static_cast<size_t>(GetWindowTextA(frame.m_editor, text.data(), length + 1)));
+    return start >= text.size() ? std::string() : text.substr(start, end - start);
+}
+
+// The object-module file type from "description|extension|type word" (the form its getter answers);
+// an empty or missing part keeps the default "Object", "OBM", "Object", and a leading dot of the
+// extension is dropped.
+void SetObjectFileType(EditorFrame& frame, const std::string& text)
+{
+    std::string parts[3];
+    size_t at = 0;
+    for (std::string& part : parts) {
+        if (at > text.size())
+            break;
+        const size_t bar = text.find('|', at);
+        part = text.substr(at, bar == std::string::npos ? std::string::npos : bar - at);
+        at = bar == std::string::npos ? text.size() + 1 : bar + 1;
+    }
+    if (!parts[1].empty() && parts[1][0] == '.')
+        parts[1].erase(0, 1);
+    frame.m_objectNoun = parts[0].empty() ? "Object" : parts[0];
+    frame.m_objectExtension = parts[1].empty() ? "OBM" : parts[1];
+    frame.m_objectTypeWord = parts[2].empty() ? "Object" : parts[2];
+    frame.UpdateCaption();
+}
+
+// The status-bar help of the menu item under the mouse or the keyboard: a command's first line, or the
+// help of a system-menu item (its id masked with 0xFFF0); the standard edit control's context menu
+// items (plain editing) stand for the matching commands; a popup, a separator or an item without a
+// command clears the text.
+void ShowMenuItemHelp(EditorFrame& frame, WPARAM wParam, LPARAM lParam)
+{
+    const UINT flags = HIWORD(wParam);
+    if (flags == 0xFFFF && lParam == 0)
+        return; // the menu closed
+    if ((flags & MF_SYSMENU) && !(flags & (MF_POPUP | MF_SEPARATOR))) {
+        frame.ShowStatus(frame.Text(LOWORD(wParam) & 0xFFF0));
+        return;
+    }
+    int command = LOWORD(wParam);
+    static constexpr std::pair<int, int> kEditMenuIds[] = {
+        {768, CMD_CUT}, {769, CMD_COPY}, {770, CMD_PASTE}, {771, CMD_DELETE}, {772, CMD_UNDO}, {1025, CMD_SELECT_ALL}};
+    for (const auto& [id, mapped] : kEditMenuIds)
+        if (command == id)
+            command = mapped;
+    const bool isCommand = !(flags & (MF_POPUP | MF_SEPARATOR | MF_SYSMENU)) && command >= 300 && command < 385;
+    frame.ShowStatus(isCommand ? frame.CommandHelp(command, false) : std::string());
+}
+
 bool OnClose(EditorFrame& frame)
 {
     // A macro still runs below this message (the engine pumps messages while it runs): it is asked to
@@ -117,6 +180,22 @@ bool OnClose(EditorFrame& frame)
         return false;
     if (frame.IsTopLevel())
         DestroyWindow(frame.m_window);
+    return true;
+}
+
+// Gives the current sheet the name of a host's macro; refused for an empty name, a name another sheet
+// has, and while the sheet's macro is taken in by the engine (its name is the engine's link to it).
+bool RenameCurrentSheet(EditorFrame& frame, const std::string& name)
+{
+    Sheet* sheet = frame.Current();
+    if (!sheet || name.empty() || frame.IsLoaded(*sheet))
+        return false;
+    const int other = frame.FindSheet(name);
+    if (other >= 0 && other != frame.m_current)
+        return false;
+    sheet->name = name;
+    frame.UpdateCaption();
+    frame.UpdateCommandStates();
     return true;
 }
 
@@ -134,6 +213,7 @@ LRESULT SheetMessage(EditorFrame& frame, UINT message, WPARAM wParam, LPARAM lPa
     }
     case FM_CURRENTSHEET: return frame.m_current + 1;
     case FM_FINDSHEET: return frame.FindSheet(StringParameter(lParam)) + 1;
+    case FM_SHOWNAMEDSHEET: return frame.ShowSheet(lParam ? frame.FindSheet(StringParameter(lParam)) : frame.m_current) ? 0 : 1;
     case FM_HIDDENLINES: return sheet ? sheet->HiddenLines() : 0;
     case FM_GETVBNAME: return sheet ? CopyOutString(ReadVbName(sheet->header), wParam, lParam) : 0;
     case FM_SETVBNAME:
@@ -150,8 +230,12 @@ LRESULT SheetMessage(EditorFrame& frame, UINT message, WPARAM wParam, LPARAM lPa
         frame.UpdateCaption();
         return 0;
     case FM_OPENMACRO:
+        // Without the file commands the host keeps the macro texts: the name goes to the current sheet.
+        if (!frame.Has(FO_FILES))
+            return RenameCurrentSheet(frame, StringParameter(lParam)) ? 0 : 1;
+        return frame.OpenFile(StringParameter(lParam)) ? 0 : 1;
     case FM_FILE:
-        if (message == FM_FILE && wParam == 0)
+        if (wParam == 0)
             return sheet && frame.SaveSheetAs(*sheet, StringParameter(lParam)) ? 0 : 1;
         return frame.OpenFile(StringParameter(lParam)) ? 0 : 1;
     case FM_CLOSEALL:
@@ -229,6 +313,15 @@ LRESULT EditorFrame::Handle(UINT message, WPARAM wParam, LPARAM lParam)
         if (lParam == 0)
             Dispatch(LOWORD(wParam), true);
         return 0;
+    case WM_MENUSELECT: ShowMenuItemHelp(*this, wParam, lParam); return 0;
+    case WM_CONTEXTMENU:
+        // The text area's own menu; the plain edit control keeps its standard one. A menu asked for from
+        // the keyboard (-1) opens at the caret.
+        if (reinterpret_cast<HWND>(wParam) == m_editor && !PlainEditing()) {
+            HostCommand(lParam == -1 ? HOST_CONTEXT_MENU : HOST_MOUSE_MENU, true);
+            return 0;
+        }
+        break;
     case WM_INITMENUPOPUP:
         UpdateCommandStates();
         MarkMenu(*this, reinterpret_cast<HMENU>(wParam));
@@ -295,6 +388,24 @@ LRESULT EditorFrame::Handle(UINT message, WPARAM wParam, LPARAM lParam)
         SendMessageA(m_editor, EM_SETSEL, static_cast<WPARAM>(lParam), lParam);
         SendMessageA(m_editor, EM_SCROLLCARET, 0, 0);
         return 0;
+    case FM_GETSELLENGTH: {
+        const auto [start, end] = EditorSelection(*this);
+        return static_cast<LRESULT>(end - start);
+    }
+    case FM_SETSELLENGTH: {
+        const DWORD start = EditorSelection(*this).first;
+        const DWORD length = lParam < 0 ? 0 : static_cast<DWORD>(lParam);
+        SendMessageA(m_editor, EM_SETSEL, start, static_cast<LPARAM>(start + length));
+        SendMessageA(m_editor, EM_SCROLLCARET, 0, 0);
+        return 0;
+    }
+    case FM_GETSELTEXT: return CopyOutString(EditorSelectedText(*this), wParam, lParam);
+    case FM_REPLACESEL:
+        if (m_readOnly || !Current())
+            return 1;
+        SendMessageA(m_editor, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(StringParameter(lParam).c_str()));
+        UpdateCommandStates();
+        return 0;
     case FM_SETABOUTCALLBACK: return SetCallback(m_callbacks.about, lParam);
     case FM_SETHELPCALLBACK: return SetCallback(m_callbacks.help, lParam);
     case FM_SETNOTIFYCALLBACK: return SetCallback(m_callbacks.notify, lParam);
@@ -312,8 +423,10 @@ LRESULT EditorFrame::Handle(UINT message, WPARAM wParam, LPARAM lParam)
     }
     case FM_COMMANDSTATUS:
     case FM_COMMANDTIP: {
+        // wParam carries the host number, so the caller's buffer is taken to be large enough.
         int command = CommandOfHostNumber(static_cast<int>(wParam));
-        return CopyOutString(command ? CommandHelp(command, message == FM_COMMANDTIP) : std::string(), 0, lParam);
+        const std::string text = command ? CommandHelp(command, message == FM_COMMANDTIP) : std::string();
+        return CopyOutString(text, text.size() + 1, lParam);
     }
     case FM_GETMACRONOUN: return CopyOutString(m_placeholders.macroNoun, wParam, lParam);
     case FM_SETMACRONOUN:
@@ -322,6 +435,7 @@ LRESULT EditorFrame::Handle(UINT message, WPARAM wParam, LPARAM lParam)
         return 0;
     case FM_GETOBJECTFILETYPE:
         return CopyOutString(m_objectNoun + "|" + m_objectExtension + "|" + m_objectTypeWord, wParam, lParam);
+    case FM_SETOBJECTFILETYPE: SetObjectFileType(*this, StringParameter(lParam)); return 0;
     case FM_GETLISTMODE: return m_listMode;
     case FM_SETLISTMODE:
         if (lParam < 0 || lParam > 2)

@@ -92,6 +92,8 @@ bool RunControlMessage(EditorFrame& frame, UINT message, WPARAM wParam, LPARAM l
             frame.m_callbacks.window = reinterpret_cast<FrameWindowCallback>(lParam);
         else if (wParam == 1)
             frame.m_callbacks.modalOwner = reinterpret_cast<FrameModalOwnerCallback>(lParam);
+        else if (wParam == 2)
+            frame.m_callbacks.designMode = reinterpret_cast<FrameDesignModeCallback>(lParam);
         result = 0;
         return true;
     case FM_SETREADMACROCALLBACK:

@@ -92,6 +92,18 @@ bool AttributeIsTrue(const std::vector<HeaderLine>& lines, const char* name, boo
     return words.size() >= 4 && Same(words[3], "True");
 }
 
+// Where the attribute's name ends in "Attribute <name> = ..." (the name may be written in any case).
+size_t AttributeNameEnd(const std::string& line)
+{
+    const auto skip = [&](size_t at, bool blanks) {
+        while (at < line.size() && ((line[at] == ' ' || line[at] == '\t') == blanks) && line[at] != '=')
+            ++at;
+        return at;
+    };
+    const size_t keywordEnd = skip(skip(0, true), false);
+    return skip(skip(keywordEnd, true), false);
+}
+
 int FindMultiUse(const std::vector<HeaderLine>& lines)
 {
     int depth = 0;
@@ -184,7 +196,7 @@ int WriteInstancing(std::string& header, int instancing)
         int line = FindAttribute(lines, name);
         if (line >= 0) {
             std::string& text = lines[static_cast<size_t>(line)].text;
-            text = text.substr(0, text.find(name) + std::char_traits<char>::length(name)) + (value ? " = True" : " = False");
+            text = text.substr(0, AttributeNameEnd(text)) + (value ? " = True" : " = False");
             lines[static_cast<size_t>(line)].ending = "\r\n";
         } else {
             if (!lines.empty() && lines.back().ending.empty())

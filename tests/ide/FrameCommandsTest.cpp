@@ -269,3 +269,67 @@ TEST_F(FrameCommands, PlainEditingUsesAnEditControlAndDisablesItsCommands)
 }
 
 } // namespace
+
+namespace {
+
+std::vector<BOOL> s_designStates;
+
+TEST_F(FrameCommands, DesignModeTellsTheHostsDesignModeCallback)
+{
+    Create();
+    s_designStates.clear();
+    Send(FM_SETWINDOWCALLBACK, 2, reinterpret_cast<LPARAM>(+[](HWND, BOOL designDisplay) {
+        s_designStates.push_back(designDisplay);
+    }));
+    ASSERT_EQ(1, Send(FM_GETDESIGNDISPLAY));
+    EXPECT_EQ(1, Command(CMD_DESIGN_MODE));
+    EXPECT_EQ(0, Send(FM_GETDESIGNDISPLAY));
+    EXPECT_EQ(1, Command(-CMD_DESIGN_MODE)) << "the toolbar's two-state button";
+    EXPECT_EQ(1, Send(FM_GETDESIGNDISPLAY));
+    EXPECT_EQ((std::vector<BOOL>{FALSE, TRUE}), s_designStates);
+    // The window callback (wParam 0) is a different slot: setting it leaves this one alone.
+    Send(FM_SETWINDOWCALLBACK, 0, 0);
+    Command(CMD_DESIGN_MODE);
+    EXPECT_EQ((std::vector<BOOL>{FALSE, TRUE, FALSE}), s_designStates);
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(FrameCommands, TheDebugPaneThatLastHadTheFocusIsTheTargetOfTheEditCommands)
+{
+    Create(EditorFrameFixture::kDefaultOptions | FO_ALWAYS_SPLIT);
+    ASSERT_EQ(0, SendText(FM_SETTEXT, "Sub Main\r\nEnd Sub\r\n"));
+    HWND immediate = Child(ID_FRAME_IMMEDIATE);
+    ASSERT_TRUE(IsWindowVisible(immediate)) << "the panes show with the always-split option";
+    SetWindowTextA(immediate, "?1 + 2\r\n");
+    SetFocus(immediate);
+    SendMessageA(immediate, EM_SETSEL, 0, 1);
+    Send(FM_UPDATE);
+    EXPECT_TRUE(HostEnabled(20)) << "Topic Search from the Immediate pane";
+    EXPECT_TRUE(HostEnabled(15)) << "Browse from the Immediate pane";
+    EXPECT_FALSE(HostEnabled(32)) << "UserDialog needs the editing child";
+    EXPECT_FALSE(HostEnabled(26)) << "Find needs the editing child";
+    EXPECT_TRUE(HostEnabled(23)) << "Cut: the pane has a selection";
+    EXPECT_EQ(1, Send(FM_HOSTCOMMAND, 23, 1));
+    EXPECT_EQ("1 + 2\r\n", WindowText(immediate)) << "Cut took the pane's selection";
+    EXPECT_EQ("Sub Main\r\nEnd Sub\r\n", WindowText(Editor())) << "the text area is left alone";
+    // The Stack pane is read-only for the commands.
+    HWND stack = Child(ID_FRAME_STACK);
+    SetWindowTextA(stack, "Main\r\n");
+    SetFocus(stack);
+    SendMessageA(stack, EM_SETSEL, 0, 2);
+    Send(FM_UPDATE);
+    EXPECT_FALSE(HostEnabled(23)) << "Cut in the Stack pane";
+    EXPECT_TRUE(HostEnabled(24)) << "Copy is always enabled";
+    EXPECT_FALSE(HostEnabled(20)) << "Topic Search is not offered from the Stack pane";
+    // Back in the text area the commands follow it again.
+    SetFocus(Editor());
+    SendMessageA(Editor(), EM_SETSEL, 0, 0);
+    Send(FM_UPDATE);
+    EXPECT_FALSE(HostEnabled(23)) << "Cut: no selection in the text area";
+    EXPECT_TRUE(HostEnabled(26)) << "Find";
+}
+
+} // namespace

@@ -42,6 +42,19 @@ TEST(ModuleAttributes, EachInstancingWritesItsAttributesAndReadsBack)
     EXPECT_NE(std::string::npos, bare.find("Attribute VB_GlobalNameSpace = True\r\n"));
 }
 
+TEST(ModuleAttributes, AttributesWrittenInAnotherCaseAreRewrittenInPlace)
+{
+    std::string header = "VERSION 1.0 CLASS\r\nBEGIN\r\n  MultiUse = -1 'True\r\nEND\r\n"
+                         "attribute vb_creatable = False\r\nATTRIBUTE VB_EXPOSED=False\r\n"
+                         "Attribute  VB_GlobalNameSpace = True\r\nAttribute VB_Name = \"Q\"\r\n";
+    EXPECT_EQ(0, WriteInstancing(header, 3));
+    EXPECT_EQ("VERSION 1.0 CLASS\r\nBEGIN\r\n  MultiUse = 0 'False\r\nEND\r\n"
+              "attribute vb_creatable = True\r\nATTRIBUTE VB_EXPOSED = True\r\n"
+              "Attribute  VB_GlobalNameSpace = False\r\nAttribute VB_Name = \"Q\"\r\n",
+              header);
+    EXPECT_EQ(3, ReadInstancing(header));
+}
+
 TEST(ModuleAttributes, NameFieldKeepsOnlyIdentifierCharacters)
 {
     int caret = 1;
