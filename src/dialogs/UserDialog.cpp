@@ -155,7 +155,9 @@ UserDialog::Outcome UserDialog::Run(void* record, int defaultButton, int& exitCo
     m_owner = GetActiveWindow();
     if (!Build()) {
         Close();
-        return (void)m_machine.RaiseOutOfMemory(), Outcome::kFailed;
+        if (!m_failed)
+            (void)m_machine.RaiseOutOfMemory();
+        return Outcome::kFailed;
     }
     FillFromRecord(record);
     ChooseDefaultButton(defaultButton);
@@ -344,8 +346,11 @@ bool UserDialog::CreateItem(int index)
         return false;
     SendMessageW(window, WM_SETFONT, SendMessageW(m_dialog, WM_GETFONT, 0, 0), FALSE);
     m_items[static_cast<std::size_t>(index)].window = window;
-    if (item.kind == DialogItemKind::kPicture && !ReloadPicture(window))
-        return true; // the picture shows the missing-picture text
+    // A picture that cannot be loaded shows the missing-picture text, unless its Type asks for an error.
+    if (item.kind == DialogItemKind::kPicture && !ReloadPicture(window)) {
+        m_failed = true;
+        return m_machine.SignalError(kErrorInvalidArgument);
+    }
     if (item.list >= 0 && static_cast<std::size_t>(item.list) < m_definition.lists.size())
         (void)FillList(index, m_definition.lists[static_cast<std::size_t>(item.list)]);
     return true;
