@@ -609,7 +609,9 @@ bool UserDialog::HandleFunctionKey(const MSG& message)
         code += 256;
     if (GetKeyState(VK_CONTROL) < 0)
         code += 512;
-    if (message.message == WM_SYSKEYDOWN || message.message == WM_SYSKEYUP || GetKeyState(VK_MENU) < 0)
+    // F10 alone arrives as a system key too: only the Alt state (bit 29 of a system key's data) adds Alt.
+    const bool systemKey = message.message == WM_SYSKEYDOWN || message.message == WM_SYSKEYUP;
+    if ((systemKey && (message.lParam & (1 << 29))) || GetKeyState(VK_MENU) < 0)
         code += 1024;
     // Alt+F4 closes the dialog as usual.
     if (code == 1028)
