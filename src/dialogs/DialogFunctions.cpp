@@ -6,6 +6,7 @@
 #include "exec/Interpreter.h"
 #include "library/BuiltinArguments.h"
 #include "library/BuiltinGroups.h"
+#include "library/MacroModalScope.h"
 #include "values/Conversion.h"
 #include "values/ValueError.h"
 
@@ -45,9 +46,10 @@ bool ShowDialog(BuiltinArguments& arguments, BuiltinResult& result, bool stateme
     int exitCode = 0;
     UserDialog::Outcome outcome;
     {
+        MacroModalScope level;
         Activation* activation = machine->CurrentActivation();
         UserDialog dialog(*definition, *machine, activation ? activation->Instance() : nullptr);
-        outcome = dialog.Run(record->pvRecord, defaultButton, exitCode);
+        outcome = dialog.Run(record->pvRecord, defaultButton, level.Owner(), exitCode);
     }
     definition->Release();
     // A stop while the dialog was up abandons the statement: no result and no error.

@@ -148,11 +148,11 @@ UserDialog::~UserDialog() { Close(); }
 
 UserDialog* UserDialog::Current() { return t_current; }
 
-UserDialog::Outcome UserDialog::Run(void* record, int defaultButton, int& exitCode)
+UserDialog::Outcome UserDialog::Run(void* record, int defaultButton, HWND owner, int& exitCode)
 {
     m_previous = t_current;
     t_current = this;
-    m_owner = GetActiveWindow();
+    m_owner = owner;
     if (!Build()) {
         Close();
         if (!m_failed)

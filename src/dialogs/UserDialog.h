@@ -29,8 +29,9 @@ public:
 
     enum class Outcome { kEnded, kFailed, kAbandoned };
     // Shows the dialog with the fields of record, runs it and copies the values back unless it ended
-    // with 0. kFailed: an error has been raised; kAbandoned: the macro was stopped while it was up.
-    Outcome Run(void* record, int defaultButton, int& exitCode);
+    // with 0; owner (null for none) owns the dialog and is disabled while it is up. kFailed: an error has
+    // been raised; kAbandoned: the macro was stopped while it was up.
+    Outcome Run(void* record, int defaultButton, HWND owner, int& exitCode);
 
     // The thread's current dialog, or null.
     static UserDialog* Current();
