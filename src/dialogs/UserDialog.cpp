@@ -745,7 +745,8 @@ void UserDialog::Close()
     if (!m_dialog)
         return;
     const bool wasActive = GetActiveWindow() == m_dialog || !IsWindowVisible(m_dialog);
-    if (m_owner && IsWindow(m_owner) && !IsWindowEnabled(m_owner))
+    // Only an owner that the dialog disabled is enabled again.
+    if (m_ownerWasEnabled && IsWindow(m_owner))
         EnableWindow(m_owner, TRUE);
     HWND dialog = std::exchange(m_dialog, nullptr);
     DestroyWindow(dialog);

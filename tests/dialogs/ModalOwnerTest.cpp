@@ -163,4 +163,27 @@ TEST_F(ModalOwnerTest, AUserDialogIsOwnedByTheHostsWindowAndABoxFromItsFunctionI
     EXPECT_EQ((std::vector<short>{1, 6, 7, 2}), RunNotifications());
 }
 
+TEST_F(ModalOwnerTest, AnOwnerThatWasDisabledBeforeTheDialogStaysDisabled)
+{
+    callBack.window = host;
+    callBack.onOverrideModalWindowOwner = [&](long& owner) { owner = static_cast<long>(reinterpret_cast<LONG_PTR>(other)); };
+    EnableWindow(other, FALSE);
+    s_hostWindow = other;
+    s_dialogOwner = nullptr;
+    UINT_PTR timer = SetTimer(nullptr, 0, 40, &PressOK);
+    RunMacro(L"Sub Main\r\n"
+             L"    Begin Dialog UserDialog 200, 70, \"Owned\"\r\n"
+             L"        OKButton 10, 40, 60, 20\r\n"
+             L"    End Dialog\r\n"
+             L"    Dim dlg As UserDialog\r\n"
+             L"    Debug.Print Dialog(dlg)\r\n"
+             L"End Sub\r\n");
+    KillTimer(nullptr, timer);
+    EXPECT_EQ(callBack.AllPrinted(), L"-1%\r\n");
+    EXPECT_EQ(s_dialogOwner, other);
+    EXPECT_FALSE(IsWindowEnabled(other)) << "the dialog did not disable it, so it does not enable it";
+    EXPECT_TRUE(IsWindowEnabled(host));
+    EnableWindow(other, TRUE);
+}
+
 } // namespace
