@@ -226,9 +226,11 @@ bool ListBoxArray(BuiltinArguments& arguments, BuiltinResult& result, bool state
     if (!dialog || !ReadItem(arguments, 0, *dialog, item))
         return false;
     if (!arguments.IsGiven(1)) {
-        if (statement)
+        // The function form without an array tells how many entries the list has.
+        const int count = statement ? -1 : dialog->ListCount(item);
+        if (count < 0)
             return RaiseValueError(kErrorInvalidArgument);
-        result.SetInteger(0);
+        result.SetInteger(static_cast<SHORT>(count));
         return true;
     }
     const Variant* value = nullptr;

@@ -938,6 +938,16 @@ int UserDialog::SetList(int item, const std::vector<std::wstring>& entries)
     return static_cast<int>(entries.size());
 }
 
+int UserDialog::ListCount(int item) const
+{
+    const DialogItemKind kind = Kind(item);
+    HWND window = m_items[static_cast<std::size_t>(item)].window;
+    if (!IsList(kind) || !window)
+        return -1;
+    const bool list = kind == DialogItemKind::kListBox;
+    return static_cast<int>(SendMessageW(window, list ? LB_GETCOUNT : CB_GETCOUNT, 0, 0));
+}
+
 bool UserDialog::SetPicture(int item, std::wstring_view fileName, int type)
 {
     if (Kind(item) != DialogItemKind::kPicture)

@@ -59,6 +59,8 @@ public:
     void Focus(int item);
     // Replaces a list's entries; -1 when the item has no list.
     int SetList(int item, const std::vector<std::wstring>& entries);
+    // The number of entries in the list of a ComboBox, DropListBox or ListBox; -1 for other items.
+    int ListCount(int item) const;
     // False for an item that is not a Picture, or a picture that must load and does not.
     bool SetPicture(int item, std::wstring_view fileName, int type);
     // Ends the dialog with code once the dialog function call in progress returns.
