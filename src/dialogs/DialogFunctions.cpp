@@ -6,6 +6,7 @@
 #include "exec/Interpreter.h"
 #include "library/BuiltinArguments.h"
 #include "library/BuiltinGroups.h"
+#include "library/MacroModalScope.h"
 #include "values/Conversion.h"
 #include "values/ValueError.h"
 
@@ -45,9 +46,10 @@ bool ShowDialog(BuiltinArguments& arguments, BuiltinResult& result, bool stateme
     int exitCode = 0;
     UserDialog::Outcome outcome;
     {
+        MacroModalScope level;
         Activation* activation = machine->CurrentActivation();
         UserDialog dialog(*definition, *machine, activation ? activation->Instance() : nullptr);
-        outcome = dialog.Run(record->pvRecord, defaultButton, exitCode);
+        outcome = dialog.Run(record->pvRecord, defaultButton, level.Owner(), exitCode);
     }
     definition->Release();
     // A stop while the dialog was up abandons the statement: no result and no error.
@@ -224,9 +226,11 @@ bool ListBoxArray(BuiltinArguments& arguments, BuiltinResult& result, bool state
     if (!dialog || !ReadItem(arguments, 0, *dialog, item))
         return false;
     if (!arguments.IsGiven(1)) {
-        if (statement)
+        // The function form without an array tells how many entries the list has.
+        const int count = statement ? -1 : dialog->ListCount(item);
+        if (count < 0)
             return RaiseValueError(kErrorInvalidArgument);
-        result.SetInteger(0);
+        result.SetInteger(static_cast<SHORT>(count));
         return true;
     }
     const Variant* value = nullptr;

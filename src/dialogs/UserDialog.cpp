@@ -148,14 +148,16 @@ UserDialog::~UserDialog() { Close(); }
 
 UserDialog* UserDialog::Current() { return t_current; }
 
-UserDialog::Outcome UserDialog::Run(void* record, int defaultButton, int& exitCode)
+UserDialog::Outcome UserDialog::Run(void* record, int defaultButton, HWND owner, int& exitCode)
 {
     m_previous = t_current;
     t_current = this;
-    m_owner = GetActiveWindow();
+    m_owner = owner;
     if (!Build()) {
         Close();
-        return (void)m_machine.RaiseOutOfMemory(), Outcome::kFailed;
+        if (!m_failed)
+            (void)m_machine.RaiseOutOfMemory();
+        return Outcome::kFailed;
     }
     FillFromRecord(record);
     ChooseDefaultButton(defaultButton);
@@ -344,8 +346,11 @@ bool UserDialog::CreateItem(int index)
         return false;
     SendMessageW(window, WM_SETFONT, SendMessageW(m_dialog, WM_GETFONT, 0, 0), FALSE);
     m_items[static_cast<std::size_t>(index)].window = window;
-    if (item.kind == DialogItemKind::kPicture && !ReloadPicture(window))
-        return true; // the picture shows the missing-picture text
+    // A picture that cannot be loaded shows the missing-picture text, unless its Type asks for an error.
+    if (item.kind == DialogItemKind::kPicture && !ReloadPicture(window)) {
+        m_failed = true;
+        return m_machine.SignalError(kErrorInvalidArgument);
+    }
     if (item.list >= 0 && static_cast<std::size_t>(item.list) < m_definition.lists.size())
         (void)FillList(index, m_definition.lists[static_cast<std::size_t>(item.list)]);
     return true;
@@ -604,7 +609,9 @@ bool UserDialog::HandleFunctionKey(const MSG& message)
         code += 256;
     if (GetKeyState(VK_CONTROL) < 0)
         code += 512;
-    if (message.message == WM_SYSKEYDOWN || message.message == WM_SYSKEYUP || GetKeyState(VK_MENU) < 0)
+    // F10 alone arrives as a system key too: only the Alt state (bit 29 of a system key's data) adds Alt.
+    const bool systemKey = message.message == WM_SYSKEYDOWN || message.message == WM_SYSKEYUP;
+    if ((systemKey && (message.lParam & (1 << 29))) || GetKeyState(VK_MENU) < 0)
         code += 1024;
     // Alt+F4 closes the dialog as usual.
     if (code == 1028)
@@ -738,7 +745,8 @@ void UserDialog::Close()
     if (!m_dialog)
         return;
     const bool wasActive = GetActiveWindow() == m_dialog || !IsWindowVisible(m_dialog);
-    if (m_owner && IsWindow(m_owner) && !IsWindowEnabled(m_owner))
+    // Only an owner that the dialog disabled is enabled again.
+    if (m_ownerWasEnabled && IsWindow(m_owner))
         EnableWindow(m_owner, TRUE);
     HWND dialog = std::exchange(m_dialog, nullptr);
     DestroyWindow(dialog);
@@ -928,6 +936,16 @@ int UserDialog::SetList(int item, const std::vector<std::wstring>& entries)
         SendMessageW(window, list ? LB_ADDSTRING : CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(entry.c_str()));
     m_inFunction = inFunction;
     return static_cast<int>(entries.size());
+}
+
+int UserDialog::ListCount(int item) const
+{
+    const DialogItemKind kind = Kind(item);
+    HWND window = m_items[static_cast<std::size_t>(item)].window;
+    if (!IsList(kind) || !window)
+        return -1;
+    const bool list = kind == DialogItemKind::kListBox;
+    return static_cast<int>(SendMessageW(window, list ? LB_GETCOUNT : CB_GETCOUNT, 0, 0));
 }
 
 bool UserDialog::SetPicture(int item, std::wstring_view fileName, int type)

@@ -29,8 +29,9 @@ public:
 
     enum class Outcome { kEnded, kFailed, kAbandoned };
     // Shows the dialog with the fields of record, runs it and copies the values back unless it ended
-    // with 0. kFailed: an error has been raised; kAbandoned: the macro was stopped while it was up.
-    Outcome Run(void* record, int defaultButton, int& exitCode);
+    // with 0; owner (null for none) owns the dialog and is disabled while it is up. kFailed: an error has
+    // been raised; kAbandoned: the macro was stopped while it was up.
+    Outcome Run(void* record, int defaultButton, HWND owner, int& exitCode);
 
     // The thread's current dialog, or null.
     static UserDialog* Current();
@@ -58,6 +59,8 @@ public:
     void Focus(int item);
     // Replaces a list's entries; -1 when the item has no list.
     int SetList(int item, const std::vector<std::wstring>& entries);
+    // The number of entries in the list of a ComboBox, DropListBox or ListBox; -1 for other items.
+    int ListCount(int item) const;
     // False for an item that is not a Picture, or a picture that must load and does not.
     bool SetPicture(int item, std::wstring_view fileName, int type);
     // Ends the dialog with code once the dialog function call in progress returns.

@@ -27,6 +27,8 @@ public:
         kNotifyStopped = 3,
         kNotifyResumed = 4,
         kNotifyErrorSet = 5,
+        kNotifyModalOpened = 6,
+        kNotifyModalClosed = 7,
         kNotifyActionPending = 8,
         kNotifyCompiling = 9,
         kNotifyUnloaded = 10,
@@ -90,6 +92,13 @@ public:
     }
     // The engine's caption: the default title of the dialogs that macros show.
     virtual std::wstring EngineCaption() const { return {}; }
+    // The owner window (a window handle, null for none) of a modal dialog or message box that a macro
+    // shows, as the host chooses it. False when the host has no say: the thread's active window owns it.
+    virtual bool ChooseModalOwner(void*& owner)
+    {
+        (void)owner;
+        return false;
+    }
     // The command text of the current run (what the language's Command gives).
     virtual std::wstring CommandText() const { return {}; }
     // The host's name for a macro name relative to the module named base (its MapMacroName); false when

@@ -371,6 +371,56 @@ void EngineContext::SendNotification(short code)
         DefaultNotify(code);
 }
 
+namespace {
+
+bool IsUsableOwner(HWND window) { return window && IsWindowEnabled(window) && IsWindowVisible(window); }
+
+// The first top-level window in the Z order that the given window owns, or null.
+HWND FirstOwnedWindow(HWND owner)
+{
+    for (HWND window = GetTopWindow(nullptr); window; window = GetWindow(window, GW_HWNDNEXT)) {
+        if (GetWindow(window, GW_OWNER) == owner)
+            return window;
+    }
+    return nullptr;
+}
+
+// The owner for a modal dialog made from the host's window: its top-level window when it is a child, or,
+// when that cannot take input, the first usable window down its chain of owned windows, else its last
+// active pop-up; null when none of them is enabled and visible.
+HWND UsableOwnerFrom(HWND window)
+{
+    while (window && (GetWindowLongW(window, GWL_STYLE) & WS_CHILD))
+        window = GetParent(window);
+    if (!window || !IsWindow(window))
+        return nullptr;
+    if (IsUsableOwner(window))
+        return window;
+    for (HWND owned = FirstOwnedWindow(window); owned; owned = FirstOwnedWindow(owned)) {
+        if (IsUsableOwner(owned))
+            return owned;
+    }
+    HWND popup = GetLastActivePopup(window);
+    return IsUsableOwner(popup) ? popup : nullptr;
+}
+
+} // namespace
+
+bool EngineContext::ChooseModalOwner(void*& owner)
+{
+    HWND window = nullptr;
+    if (m_callBack) {
+        long answer = 0;
+        if (HostCallBack::Window(m_callBack.Get(), answer))
+            window = UsableOwnerFrom(reinterpret_cast<HWND>(static_cast<LONG_PTR>(answer)));
+        long chosen = static_cast<long>(reinterpret_cast<LONG_PTR>(window));
+        if (HostCallBack::OverrideModalWindowOwner(m_callBack.Get(), m_owner.AsDispatch(), chosen))
+            window = reinterpret_cast<HWND>(static_cast<LONG_PTR>(chosen));
+    }
+    owner = window;
+    return true;
+}
+
 // Without a callback, an error is shown in a task-modal box; other notifications are ignored.
 void EngineContext::DefaultNotify(short code)
 {

@@ -139,6 +139,7 @@ public:
     void Notify(Notification code) override { SendNotification(code); }
     void PerformControlAction(int action, long argument) override;
     std::wstring EngineCaption() const override { return m_caption; }
+    bool ChooseModalOwner(void*& owner) override;
     void PumpMessages() override;
     void HandOverEngine() override;
     void ReportUntrappedError(const ErrorRecord& error) override;

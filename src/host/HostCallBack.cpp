@@ -18,7 +18,7 @@ DISPID HostCallBack::Find(IDispatch* callBack, const wchar_t* name)
 }
 
 bool HostCallBack::InvokeByName(IDispatch* callBack, const wchar_t* name, VARIANT* arguments, UINT count,
-                                VARIANT* result)
+                                VARIANT* result, WORD kind)
 {
     DISPID id = Find(callBack, name);
     if (id == DISPID_UNKNOWN)
@@ -27,7 +27,7 @@ bool HostCallBack::InvokeByName(IDispatch* callBack, const wchar_t* name, VARIAN
     std::reverse(arguments, arguments + count);
     DISPPARAMS parameters{arguments, nullptr, count, 0};
     int lockDepth = EngineLock::Suspend();
-    HRESULT hr = callBack->Invoke(id, IID_NULL, 0x409, DISPATCH_METHOD, &parameters, result, nullptr, nullptr);
+    HRESULT hr = callBack->Invoke(id, IID_NULL, 0x409, kind, &parameters, result, nullptr, nullptr);
     EngineLock::Resume(lockDepth);
     return SUCCEEDED(hr);
 }
@@ -208,6 +208,27 @@ HostCallBack::InstanceAnswer HostCallBack::NewMacroInstance(IDispatch* callBack,
     else if (value.vt == VT_UNKNOWN && value.punkVal)
         value.punkVal->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(object.Out()));
     return InstanceAnswer::Answered;
+}
+
+bool HostCallBack::Window(IDispatch* callBack, long& window)
+{
+    Variant answer;
+    // A property get: descriptions declare it "Window&=".
+    if (!InvokeByName(callBack, L"Window", nullptr, 0, &answer.Raw(), DISPATCH_METHOD | DISPATCH_PROPERTYGET))
+        return false;
+    VARIANT& raw = answer.Raw();
+    if (FAILED(VariantChangeType(&raw, &raw, 0, VT_I4)))
+        return false;
+    window = raw.lVal;
+    return true;
+}
+
+bool HostCallBack::OverrideModalWindowOwner(IDispatch* callBack, IDispatch* engine, long& owner)
+{
+    VARIANT arguments[2] = {EngineArgument(engine), {}};
+    arguments[1].vt = VT_BYREF | VT_I4;
+    arguments[1].plVal = &owner;
+    return InvokeByName(callBack, L"OverrideModalWindowOwner", arguments, 2, nullptr);
 }
 
 } // namespace brannoc

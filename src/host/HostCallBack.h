@@ -43,10 +43,17 @@ public:
     static InstanceAnswer NewMacroInstance(IDispatch* callBack, IDispatch* engine, const std::wstring& macroName,
                                            ComRef<IDispatch>& object);
 
+    // The host's window for the engine's dialogs (its Window property); false when the member is missing
+    // or fails.
+    static bool Window(IDispatch* callBack, long& window);
+    // Offers the owner chosen for a modal dialog to the host, which may replace it; false when the member
+    // is missing or fails (the owner then stands).
+    static bool OverrideModalWindowOwner(IDispatch* callBack, IDispatch* engine, long& owner);
+
 private:
-    // Invokes a method by name with the given arguments (in declaration order).
+    // Invokes a member by name with the given arguments (in declaration order).
     static bool InvokeByName(IDispatch* callBack, const wchar_t* name, VARIANT* arguments, UINT count,
-                             VARIANT* result);
+                             VARIANT* result, WORD kind = DISPATCH_METHOD);
 };
 
 } // namespace brannoc

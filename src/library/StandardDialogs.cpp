@@ -1,7 +1,8 @@
 // Built-ins that ask the user through standard windows: MsgBox, InputBox and GetFilePath, Wait, and the
 // about box (AboutBrannocBasic). All
 // are modal on the execution thread, owned by its active window, and a stop of the macro while they
-// are up abandons the call: it gives no result and raises nothing.
+// are up abandons the call: it gives no result and raises nothing. Their owner window is the one the
+// engine's host chooses for the thread's macro dialogs (MacroModalScope).
 #include "library/BuiltinGroups.h"
 
 #include "brannoc.h"
@@ -12,6 +13,7 @@
 #include "host/AnsiText.h"
 #include "host/ThisModule.h"
 #include "library/BuiltinArguments.h"
+#include "library/MacroModalScope.h"
 #include "values/ValueError.h"
 
 #include <windows.h>
@@ -51,9 +53,6 @@ std::wstring EngineCaption()
     Interpreter* machine = Interpreter::Current();
     return machine ? machine->Host().EngineCaption() : std::wstring();
 }
-
-// The window that owns the standard boxes: the thread's active window.
-HWND OwnerWindow() { return GetActiveWindow(); }
 
 // While a platform box runs its own message loop, the engine is given up (other threads and the host's
 // windows are served meanwhile), the owner window is disabled, and a thread timer watches for a stop of
@@ -141,7 +140,8 @@ bool MsgBox(BuiltinArguments& arguments, BuiltinResult& result)
     UINT style = FilterStyle(type);
     if ((style & MB_SYSTEMMODAL) == 0)
         style |= MB_TASKMODAL;
-    HWND owner = OwnerWindow();
+    MacroModalScope level;
+    HWND owner = level.Owner();
     if (!owner)
         style |= MB_SETFOREGROUND;
     else if (GetWindowLongW(owner, GWL_EXSTYLE) & WS_EX_TOPMOST)
@@ -308,9 +308,10 @@ bool InputBox(BuiltinArguments& arguments, BuiltinResult& result)
     const std::vector<WORD> words = InputTemplate();
     INT_PTR answer = 0;
     {
+        MacroModalScope level;
         automation::OutsideCall outside;
         answer = DialogBoxIndirectParamW(ThisModule(), reinterpret_cast<const DLGTEMPLATE*>(words.data()),
-                                         OwnerWindow(), &InputProc, reinterpret_cast<LPARAM>(&request));
+                                         level.Owner(), &InputProc, reinterpret_cast<LPARAM>(&request));
     }
     if (request.stopped)
         return false;
@@ -376,7 +377,8 @@ bool GetFilePath(BuiltinArguments& arguments, BuiltinResult& result)
     lstrcpynW(path, name.c_str(), 260);
     OPENFILENAMEW request{};
     request.lStructSize = sizeof request;
-    request.hwndOwner = OwnerWindow();
+    MacroModalScope level;
+    request.hwndOwner = level.Owner();
     request.lpstrFilter = filter.c_str();
     request.nFilterIndex = 1;
     request.lpstrFile = path;
@@ -482,9 +484,10 @@ bool AboutBrannocBasic(BuiltinArguments& arguments, BuiltinResult&)
     seconds = seconds > 0 ? (seconds < kLongestAboutSeconds ? seconds : kLongestAboutSeconds) : 0;
     const UINT milliseconds = static_cast<UINT>(static_cast<long>(seconds)) * 1000u;
     const std::string name = AnsiFromWide(EngineCaption());
+    MacroModalScope level;
     AboutTimeout timeout(milliseconds);
     StopWatch watch;
-    OA_BrannocAboutBox(OwnerWindow(), name.c_str(), nullptr);
+    OA_BrannocAboutBox(level.Owner(), name.c_str(), nullptr);
     return !StopWatch::Stopped();
 }
 

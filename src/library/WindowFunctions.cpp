@@ -93,8 +93,9 @@ bool SendKeys(BuiltinArguments& arguments, BuiltinResult&)
     std::vector<INPUT> events;
     for (std::uint32_t key : keys)
         AppendKeyEvents(key, events);
-    if (!events.empty())
-        SendInput(static_cast<UINT>(events.size()), events.data(), sizeof(INPUT));
+    // Input that the system refuses (another desktop, a blocked input queue) is an error, not a silent loss.
+    if (!events.empty() && SendInput(static_cast<UINT>(events.size()), events.data(), sizeof(INPUT)) != events.size())
+        return RaiseValueError(kErrorKeysNotPlayed);
     if (wait)
         PumpPendingMessages();
     return true;

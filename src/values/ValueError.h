@@ -77,6 +77,7 @@ enum RunTimeErrorNumber : long {
     kErrorMissingBrace = 10110,
     kErrorInvalidKeyName = 10111,
     kErrorMissingParen = 10112,
+    kErrorKeysNotPlayed = 10116,
     kErrorTooManyKeys = 10119,
     kErrorWindowNotFound = 10120,
     // DDE.

@@ -227,6 +227,55 @@ TEST(UserDialog, TheDialogFunctionSeesTheActionsInOrder)
                                      "\"idle 3\"\r\n");
 }
 
+// F10 comes as a system key without Alt (bit 29 of its data clear): it is F10 alone (10); a system key
+// with that bit set carries Alt (Alt+F5 is 1,029); Ctrl adds 512.
+TEST(UserDialog, FunctionKeysCountAltOnlyWhenItIsDown)
+{
+    BYTE keys[256] = {};
+    DialogRobot robot({
+        [](HWND dialog) {
+            HWND focus = GetFocus() ? GetFocus() : dialog;
+            PostMessageW(focus, WM_SYSKEYDOWN, VK_F10, 1);
+            PostMessageW(focus, WM_SYSKEYUP, VK_F10, 1 | (1u << 30) | (1u << 31));
+            PostMessageW(focus, WM_SYSKEYDOWN, VK_F5, 1 | (1 << 29));
+            return true;
+        },
+        [&keys](HWND dialog) {
+            GetKeyboardState(keys);
+            BYTE control[256];
+            memcpy(control, keys, sizeof control);
+            control[VK_CONTROL] = 0x80;
+            SetKeyboardState(control);
+            PostMessageW(GetFocus() ? GetFocus() : dialog, WM_KEYDOWN, VK_F3, 1);
+            return true;
+        },
+        [&keys](HWND) {
+            SetKeyboardState(keys);
+            return true;
+        },
+        [](HWND dialog) {
+            Click(GetDlgItem(dialog, IDOK));
+            return true;
+        },
+    });
+    auto result = RunProgram(JoinLines({
+        "Function Handler(item$, action%, value%) As Boolean",
+        "    If action% = 6 Then Debug.Print value%",
+        "End Function",
+        "Sub Main",
+        "    Begin Dialog UserDialog 200, 100, \"Keys\", .Handler",
+        "        TextBox 10, 10, 100, 12, .Answer",
+        "        OKButton 130, 70, 50, 20",
+        "    End Dialog",
+        "    Dim dlg As UserDialog",
+        "    Debug.Print Dialog(dlg)",
+        "End Sub",
+    }));
+    ASSERT_TRUE(result.compileErrors.empty()) << result.compileErrors[0].message;
+    EXPECT_TRUE(robot.Finished());
+    EXPECT_EQ(Narrow(result.output), "10%\r\n1029%\r\n515%\r\n-1%\r\n");
+}
+
 TEST(UserDialog, TrueForActionOneCancelsBeforeTheDialogIsShown)
 {
     auto result = RunProgram(JoinLines({

@@ -25,7 +25,9 @@ public:
         kDebugTrace,
         kDoEvents,
         kPostMacroRun,
-        kEditEventCode
+        kEditEventCode,
+        kWindow,
+        kOverrideModalWindowOwner
     };
 
     // MapMacroName is offered only when a prefix is set; it answers the prefix and the name.
@@ -45,6 +47,12 @@ public:
     // EditEventCode is offered only when set; each offer is recorded as the handler name, "|" and the flag.
     bool offerEditEventCode = false;
     std::vector<std::wstring> editEventCodes;
+
+    // Window is offered only when set; it answers window (a property get without arguments).
+    bool offerWindow = false;
+    HWND window = nullptr;
+    // OverrideModalWindowOwner is offered only when set; it may change the owner the engine offers.
+    std::function<void(long& owner)> onOverrideModalWindowOwner;
 
     std::map<std::wstring, std::wstring> macros;
     std::vector<std::wstring> printed;
@@ -69,6 +77,9 @@ public:
                : name == L"DoEvents" && offerDoEvents ? static_cast<DISPID>(kDoEvents)
                : name == L"PostMacroRun" && offerPostMacroRun ? static_cast<DISPID>(kPostMacroRun)
                : name == L"EditEventCode" && offerEditEventCode ? static_cast<DISPID>(kEditEventCode)
+               : name == L"Window" && offerWindow ? static_cast<DISPID>(kWindow)
+               : name == L"OverrideModalWindowOwner" && onOverrideModalWindowOwner
+                   ? static_cast<DISPID>(kOverrideModalWindowOwner)
                                        : DISPID_UNKNOWN;
         return ids[0] == DISPID_UNKNOWN ? DISP_E_UNKNOWNNAME : S_OK;
     }
@@ -111,6 +122,27 @@ public:
             }
             editEventCodes.push_back(std::wstring(parameters->rgvarg[1].bstrVal, SysStringLen(parameters->rgvarg[1].bstrVal)) +
                                      (parameters->rgvarg[0].boolVal ? L"|True" : L"|False"));
+            return S_OK;
+        }
+        if (member == kWindow) {
+            if (!(flags & DISPATCH_PROPERTYGET) || parameters->cArgs != 0 || !result) {
+                ++badCalls;
+                return E_INVALIDARG;
+            }
+            VariantInit(result);
+            result->vt = VT_I4;
+            result->lVal = static_cast<LONG>(reinterpret_cast<LONG_PTR>(window));
+            return S_OK;
+        }
+        if (member == kOverrideModalWindowOwner) {
+            if (flags != DISPATCH_METHOD || parameters->cArgs != 2 || parameters->rgvarg[1].vt != VT_DISPATCH ||
+                parameters->rgvarg[0].vt != (VT_BYREF | VT_I4)) {
+                ++badCalls;
+                return E_INVALIDARG;
+            }
+            long owner = *parameters->rgvarg[0].plVal;
+            onOverrideModalWindowOwner(owner);
+            *parameters->rgvarg[0].plVal = owner;
             return S_OK;
         }
         if (member == kDoEvents) {

@@ -114,6 +114,44 @@ TEST(SendKeys, RefusesBadKeyTextsBeforeSendingAnything)
     EXPECT_EQ(std::wstring(128, L'a'), edit.Text());
 }
 
+// The import table's entry for SendInput, through which the engine's code injects the keys.
+extern "C" void* g_sendInputEntry __asm__("__imp__SendInput@12");
+
+namespace {
+
+UINT s_offeredEvents = 0;
+
+// A SendInput that the system refuses: nothing is injected.
+UINT WINAPI RefusingSendInput(UINT count, LPINPUT, int)
+{
+    s_offeredEvents += count;
+    SetLastError(ERROR_ACCESS_DENIED);
+    return 0;
+}
+
+void ReplaceSendInput(void* target)
+{
+    DWORD previous = 0;
+    VirtualProtect(&g_sendInputEntry, sizeof(void*), PAGE_READWRITE, &previous);
+    g_sendInputEntry = target;
+    VirtualProtect(&g_sendInputEntry, sizeof(void*), previous, &previous);
+}
+
+} // namespace
+
+TEST(SendKeys, KeysThatTheSystemRefusesToPlayAreAnError)
+{
+    void* original = g_sendInputEntry;
+    s_offeredEvents = 0;
+    ReplaceSendInput(reinterpret_cast<void*>(&RefusingSendInput));
+    const std::wstring refused = RunStatement("SendKeys \"ab\"");
+    const std::wstring nothing = RunStatement("SendKeys \"\"");
+    ReplaceSendInput(original);
+    EXPECT_EQ(L"10116&\r\n", refused);
+    EXPECT_EQ(4u, s_offeredEvents) << "a and b, each down and up";
+    EXPECT_EQ(L"0&\r\n", nothing) << "no keys: nothing to play";
+}
+
 TEST(AppActivate, FindsAStartedProgramsWindowByCaptionPrefixInAnyCase)
 {
     STARTUPINFOW startup{};

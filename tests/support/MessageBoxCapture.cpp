@@ -106,6 +106,7 @@ void MessageBoxCapture::Capture(HWND box)
     record.windowStyle = static_cast<DWORD>(GetWindowLongW(box, GWL_STYLE));
     record.buttons = ButtonsOf(box);
     record.icon = IconOf(box);
+    record.owner = GetWindow(box, GW_OWNER);
     EnterCriticalSection(&m_lock);
     m_boxes.push_back(record);
     LeaveCriticalSection(&m_lock);

@@ -13,6 +13,7 @@ struct CapturedMessageBox {
     DWORD windowStyle = 0;    // the box window's style bits
     UINT buttons = 0;         // MB_OK, MB_OKCANCEL, ... as read from the box's buttons
     UINT icon = 0;            // MB_ICONSTOP, ... as read from the box's icon (0 when none)
+    HWND owner = nullptr;     // the box window's owner
 };
 
 class MessageBoxCapture final {
