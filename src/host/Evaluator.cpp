@@ -187,9 +187,20 @@ bool Evaluator::EvaluateForHost(Kind kind, const std::string& text, const std::s
 
 bool Evaluator::EvaluateForCode(const std::string& text, Variant& result)
 {
+    return RunForCode(Kind::kValue, text, result);
+}
+
+bool Evaluator::ExecuteForCode(const std::string& text)
+{
+    Variant ignored;
+    return RunForCode(Kind::kStatement, text, ignored);
+}
+
+bool Evaluator::RunForCode(Kind kind, const std::string& text, Variant& result)
+{
     Interpreter& machine = m_context.Machine();
     ErrorRecord error;
-    if (RunLine(BodyLine(Kind::kValue, text, {}), machine.CurrentActivation(), result, error))
+    if (RunLine(BodyLine(kind, text, {}), machine.CurrentActivation(), result, error))
         return true;
     return machine.RaiseRuntimeError(error.number, error.description, error.source, error.helpFile,
                                      error.helpContext);
