@@ -648,7 +648,15 @@ bool ModuleManager::RunNested(ProcedureCode& code, ModuleInstance& instance, con
         return false;
     // The steps of the call leave their own marker; the caller's state comes back afterwards.
     const int marker = machine.ExecutionMarker();
+    // A call nested inside a running statement (an initializer or terminator, a late-bound member, an
+    // evaluation) cannot end the run from inside: an End there would unwind the frames of the statement
+    // that is still running them. It raises "Invalid instruction." instead, as in a host's call.
+    const bool insideStatement = marker != 0 && !debugged;
+    if (insideStatement)
+        machine.EnterHostCall();
     const bool finished = machine.RunHostCall(code, &instance, errorExit, debugged);
+    if (insideStatement)
+        machine.LeaveHostCall();
     machine.SetExecutionMarker(marker);
     if (result && values.Size() > 0)
         *result = std::move(values.At(0));
