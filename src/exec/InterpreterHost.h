@@ -126,6 +126,13 @@ public:
         (void)result;
         return false;
     }
+    // The language's Execute: the text as statements of one line in the scope of the running procedure.
+    // False after raising the error; a host without evaluations answers false having raised nothing.
+    [[nodiscard]] virtual bool ExecuteText(const std::wstring& text)
+    {
+        (void)text;
+        return false;
+    }
     // The file streams of the engine (null: the host keeps none, and stream statements find nothing open).
     virtual StreamTable* Streams() { return nullptr; }
     // The engine's open Dir search (null: the host keeps none, and each thread keeps its own).

@@ -1,6 +1,7 @@
 #include "host/Debugger.h"
 
 #include "exec/Interpreter.h"
+#include "frontend/CharClasses.h"
 #include "frontend/Module.h"
 #include "host/AnsiText.h"
 #include "host/ModuleManager.h"
@@ -39,6 +40,10 @@ bool IsHiddenModuleName(const std::string& name)
 
 bool Debugger::ToggleBreak(const std::string& moduleName, int line)
 {
+    std::string project;
+    std::string rest;
+    if (line == 0 && ModuleManager::SplitProject(moduleName, project, rest) && rest.empty())
+        return ClearProjectBreaks(project);
     Module* module = m_modules.FindLoadedModule(m_modules.MapName(moduleName));
     CompiledModule* compiled = module ? const_cast<CompiledModule*>(module->Compiled()) : nullptr;
     if (!compiled)
@@ -77,6 +82,23 @@ void Debugger::ClearAllBreaks()
         if (const CompiledModule* compiled = module->Compiled())
             const_cast<CompiledModule*>(compiled)->breakpoints.clear();
     }
+}
+
+bool Debugger::ClearProjectBreaks(const std::string& project)
+{
+    // The default project has no name ("<>"); its modules' names have no project part.
+    if (!project.empty() && !m_modules.HasProject(project))
+        return false;
+    for (const auto& module : m_modules.AllModules()) {
+        std::string owner;
+        std::string rest;
+        (void)ModuleManager::SplitProject(module->Name(), owner, rest);
+        if (!SameName(owner, project))
+            continue;
+        if (const CompiledModule* compiled = module->Compiled())
+            const_cast<CompiledModule*>(compiled)->breakpoints.clear();
+    }
+    return true;
 }
 
 int Debugger::BreakLineNum(const std::string& moduleName, int index) const

@@ -15,11 +15,15 @@ public:
     Debugger(ModuleManager& modules, Interpreter& interpreter) : m_modules(modules), m_interpreter(interpreter) {}
 
     // Sets a break point on the executable statement of a line of a loaded module, or removes the one
-    // that is there. Line 0 removes every break point of the module. False (nothing changed) when the
-    // module is not loaded or the line holds no executable statement.
+    // that is there. Line 0 removes every break point of the module, or, for a name that is only a
+    // project part ("<P>"), of every module of that project. False (nothing changed) when the module or
+    // project does not exist or the line holds no executable statement.
     bool ToggleBreak(const std::string& moduleName, int line);
     // Removes every break point of every loaded module.
     void ClearAllBreaks();
+    // Removes every break point of every loaded module of the project (the default one for an empty
+    // name); false when there is no such project.
+    bool ClearProjectBreaks(const std::string& project);
     // The line of the index-th break point of the module (in the order set); 0 past the end.
     int BreakLineNum(const std::string& moduleName, int index) const;
 

@@ -694,4 +694,9 @@ bool EngineContext::EvaluateText(const std::wstring& text, Variant& result)
     return m_evaluator.EvaluateForCode(AnsiFromWide(text), result);
 }
 
+bool EngineContext::ExecuteText(const std::wstring& text)
+{
+    return m_evaluator.ExecuteForCode(AnsiFromWide(text));
+}
+
 } // namespace brannoc

@@ -170,6 +170,7 @@ public:
     bool MapMacroName(const std::wstring& name, const std::wstring& base, std::wstring& mapped) override;
     void TraceLine() override;
     [[nodiscard]] bool EvaluateText(const std::wstring& text, Variant& result) override;
+    [[nodiscard]] bool ExecuteText(const std::wstring& text) override;
     bool IsSteppingExcluded(const ProcedureCode& procedure) override
     {
         return m_debugger.IsSteppingExcluded(procedure) || m_evaluator.IsEvaluationCode(procedure);

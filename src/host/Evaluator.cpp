@@ -187,9 +187,34 @@ bool Evaluator::EvaluateForHost(Kind kind, const std::string& text, const std::s
 
 bool Evaluator::EvaluateForCode(const std::string& text, Variant& result)
 {
+    return RunForCode(Kind::kValue, text, result);
+}
+
+bool Evaluator::ExecuteForCode(const std::string& text)
+{
+    Variant ignored;
+    return RunForCode(Kind::kStatement, text, ignored);
+}
+
+bool Evaluator::RunForCode(Kind kind, const std::string& text, Variant& result)
+{
     Interpreter& machine = m_context.Machine();
     ErrorRecord error;
-    if (RunLine(BodyLine(Kind::kValue, text, {}), machine.CurrentActivation(), result, error))
+    // The code runs nested inside the calling statement, which cannot pause or end in the middle: a Stop,
+    // a break point or a step target inside it is passed over, and an End raises "Invalid instruction."
+    // where the caller can trap it (a stop or end performed inside would unwind the caller's frames
+    // under the statement that is still running them).
+    const int runDepth = machine.RunDepth();
+    const int stepCounter = machine.StepCounter();
+    machine.EnterPlainCall();
+    machine.EnterHostCall();
+    machine.PrepareRun(0);
+    const bool ran = RunLine(BodyLine(kind, text, {}), machine.CurrentActivation(), result, error);
+    machine.LeaveHostCall();
+    machine.LeavePlainCall();
+    machine.PrepareRun(runDepth);
+    machine.SetStepCounter(stepCounter);
+    if (ran)
         return true;
     return machine.RaiseRuntimeError(error.number, error.description, error.source, error.helpFile,
                                      error.helpContext);

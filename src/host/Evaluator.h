@@ -46,6 +46,9 @@ public:
     // The language's Eval: the expression in the current frame. False after raising the error where the
     // calling code can trap it.
     [[nodiscard]] bool EvaluateForCode(const std::string& text, Variant& result);
+    // The language's Execute: the text as the statements of one line in the current frame. False after
+    // raising the error where the calling code can trap it.
+    [[nodiscard]] bool ExecuteForCode(const std::string& text);
 
     // True for the hidden Function of an evaluation in progress.
     bool IsEvaluationCode(const ProcedureCode& code) const;
@@ -58,6 +61,8 @@ private:
     // Compiles line in the frame's scope (null: the hidden module's) and runs it; result gets the
     // Function's value. False with the error in `error`.
     [[nodiscard]] bool RunLine(const std::string& line, Activation* frame, Variant& result, ErrorRecord& error);
+    // Eval and Execute: runs the text in the current frame; an error is raised for the calling code.
+    [[nodiscard]] bool RunForCode(Kind kind, const std::string& text, Variant& result);
     Module& HiddenModule();
     Activation* FrameAt(int depth) const;
 

@@ -650,7 +650,26 @@ bool ModuleManager::RunNested(ProcedureCode& code, ModuleInstance& instance, con
         return false;
     // The steps of the call leave their own marker; the caller's state comes back afterwards.
     const int marker = machine.ExecutionMarker();
+    // A call nested inside a running statement (an initializer or terminator, a late-bound member, an
+    // evaluation) can neither stop nor end the run from inside: a stop would cut the call short and leave
+    // the statement running on in a stopped run, an End would unwind the frames of the statement that is
+    // still running them. A Stop, break point or step target there is passed over, and an End raises
+    // "Invalid instruction." instead, as in a host's call.
+    const bool insideStatement = marker != 0 && !debugged;
+    const int runDepth = machine.RunDepth();
+    const int stepCounter = machine.StepCounter();
+    if (insideStatement) {
+        machine.EnterHostCall();
+        machine.EnterPlainCall();
+        machine.PrepareRun(0);
+    }
     const bool finished = machine.RunHostCall(code, &instance, errorExit, debugged);
+    if (insideStatement) {
+        machine.LeavePlainCall();
+        machine.LeaveHostCall();
+        machine.PrepareRun(runDepth);
+        machine.SetStepCounter(stepCounter);
+    }
     machine.SetExecutionMarker(marker);
     if (result && values.Size() > 0)
         *result = std::move(values.At(0));

@@ -1,5 +1,5 @@
 // Built-ins about the running program: Command (the text the run was started with), Eval (an expression
-// given as text), and the instructions Beep, DoEvents and Stop.
+// given as text), and the instructions Execute (statements given as text), Beep, DoEvents and Stop.
 #include "library/BuiltinGroups.h"
 
 #include "exec/Interpreter.h"
@@ -36,6 +36,21 @@ bool Eval(BuiltinArguments& arguments, BuiltinResult& result)
     return true;
 }
 
+// Runs the statements of one line given as text, in the scope of the running procedure (its variables are
+// read and assigned in place). A text that does not compile raises its compile error.
+bool Execute(BuiltinArguments& arguments, BuiltinResult&)
+{
+    std::wstring_view text;
+    if (!arguments.String(0, text))
+        return false;
+    Interpreter* interpreter = Interpreter::Current();
+    if (!interpreter)
+        return false;
+    if (!interpreter->Host().ExecuteText(std::wstring(text)))
+        return HaltFlags::MustStop() ? false : interpreter->SignalError(ErrorId::NotImplemented);
+    return true;
+}
+
 // Plays the system's default sound.
 bool Beep(BuiltinArguments&, BuiltinResult&)
 {
@@ -65,6 +80,7 @@ bool Stop(BuiltinArguments&, BuiltinResult&)
 constexpr BuiltinRecord kRecords[] = {
     Function(Token::Command, ResultKind::kString, "", "", 0, 0, &Command),
     Function(Token::Eval, ResultKind::kVariant, "$", "Expr", 0, 0, &Eval),
+    Instruction(Token::Execute, "$", "Text", 0, &Execute),
     Instruction(Token::Beep, "", "", 0, &Beep),
     Instruction(Token::DoEvents, "", "", 0, &DoEvents),
     Instruction(Token::Stop, "", "", 0, &Stop),

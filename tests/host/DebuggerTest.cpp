@@ -454,6 +454,25 @@ TEST_F(DebuggerTest, LineZeroClearsOneModulesBreakPoints)
     EXPECT_EQ(0, BreakLine(L"dbg", 0));
 }
 
+TEST_F(DebuggerTest, LineZeroWithOnlyAProjectPartClearsThatProjectsBreakPoints)
+{
+    callBack.mapPrefix = L"";
+    ASSERT_TRUE(Named(&CodeUnit::ProjectCreate, L"Ledger"));
+    ASSERT_TRUE(Load(L"<Ledger>dbg"));
+    ASSERT_TRUE(Load(L"dbg"));
+    EXPECT_TRUE(Toggle(L"<Ledger>dbg", 10));
+    EXPECT_TRUE(Toggle(L"<Ledger>dbg", 14));
+    EXPECT_TRUE(Toggle(L"dbg", 7));
+    EXPECT_FALSE(Toggle(L"<Nowhere>", 0)) << "no such project";
+    EXPECT_FALSE(Toggle(L"<Ledger>", 7)) << "only line 0 applies to a whole project";
+    EXPECT_EQ(10, BreakLine(L"<Ledger>dbg", 0));
+    EXPECT_TRUE(Toggle(L"<ledger>", 0));
+    EXPECT_EQ(0, BreakLine(L"<Ledger>dbg", 0));
+    EXPECT_EQ(7, BreakLine(L"dbg", 0)) << "the default project's break points stay";
+    EXPECT_TRUE(Toggle(L"<>", 0));
+    EXPECT_EQ(0, BreakLine(L"dbg", 0));
+}
+
 TEST_F(DebuggerTest, UnloadingOrRecompilingAModuleDropsItsBreakPoints)
 {
     ASSERT_TRUE(Load(L"dbg"));
