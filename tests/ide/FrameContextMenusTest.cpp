@@ -4,6 +4,7 @@
 #include "EditorFrameFixture.h"
 
 #include "ide/CommandTable.h"
+#include "support/WindowImage.h"
 
 using namespace brannoc;
 using namespace brannoc::ide;
@@ -28,6 +29,10 @@ struct MenuSeen {
 };
 MenuSeen s_seen;
 std::vector<WORD> s_menuKeys; // empty: the menu is closed without a choice
+// When set, the robot writes a screenshot of this frame with the menu drawn over it, and keeps the size
+// of the menu's own image.
+HWND s_screenshotFrame = nullptr;
+SIZE s_menuImage{};
 
 // Runs on a timer of the test thread while TrackPopupMenu's loop is up: reads the menu, then chooses
 // with the keys or closes it.
@@ -39,6 +44,18 @@ void CALLBACK MenuRobot(HWND, UINT, UINT_PTR timer, DWORD)
     KillTimer(nullptr, timer);
     auto menu = reinterpret_cast<HMENU>(SendMessageA(popup, 0x01E1 /* MN_GETHMENU */, 0, 0));
     s_seen.shown = true;
+    if (s_screenshotFrame) {
+        using brannoc::test::WindowImage;
+        WindowImage image = WindowImage::Capture(s_screenshotFrame, true);
+        const WindowImage menuImage = WindowImage::Capture(popup, true);
+        s_menuImage = SIZE{menuImage.Width(), menuImage.Height()};
+        RECT frame{};
+        RECT place{};
+        GetWindowRect(s_screenshotFrame, &frame);
+        GetWindowRect(popup, &place);
+        image.Overlay(menuImage, place.left - frame.left, place.top - frame.top);
+        image.WriteScreenshot(L"editor_context_menu");
+    }
     for (int i = 0; menu && i < GetMenuItemCount(menu); ++i) {
         char text[128] = {};
         GetMenuStringA(menu, static_cast<UINT>(i), text, sizeof(text), MF_BYPOSITION);
@@ -63,9 +80,12 @@ protected:
         s_filterAnswer = FALSE;
         s_seen = MenuSeen{};
         s_menuKeys.clear();
+        s_screenshotFrame = nullptr;
+        s_menuImage = SIZE{};
     }
     void TearDown() override
     {
+        s_screenshotFrame = nullptr;
         KillTimer(nullptr, m_robot);
         EditorFrameFixture::TearDown();
     }
@@ -107,6 +127,21 @@ TEST_F(FrameContextMenus, HostNumbersOpenTheTextAreaMenuUnlessTheFilterTakesThem
     SendMessageA(Editor(), WM_RBUTTONUP, 0, MAKELPARAM(20, 10));
     SendMessageA(Editor(), WM_CONTEXTMENU, reinterpret_cast<WPARAM>(Editor()), -1);
     EXPECT_EQ((std::vector<int>{HOST_MOUSE_MENU, HOST_CONTEXT_MENU}), s_filtered);
+}
+
+TEST_F(FrameContextMenus, ScreenshotOfTheTextAreaMenuAtTheCaret)
+{
+    Create();
+    ASSERT_EQ(0, SendText(FM_SETTEXT, "Sub Main\r\n\tDebug.Print 1\r\nEnd Sub\r\n"));
+    Send(FM_SETCARET, 0, 11);
+    s_screenshotFrame = m_frame;
+    ArmRobot();
+    Send(FM_HOSTCOMMAND, HOST_CONTEXT_MENU, 1);
+    ASSERT_TRUE(s_seen.shown);
+    EXPECT_EQ(kTextMenu, s_seen.ids) << "no macro stopped: no stepping items";
+    // Ten rows of items and separators: the menu is taller than it is wide, and not a sliver.
+    EXPECT_GT(s_menuImage.cx, 60);
+    EXPECT_GT(s_menuImage.cy, s_menuImage.cx);
 }
 
 TEST_F(FrameContextMenus, ShiftF10InTheTextAreaAsksTheHostForTheCaretMenu)
