@@ -2,6 +2,7 @@
 // What the interpreter needs from the engine object that owns it: notifications, the control
 // operation, message pumping and the reporting of errors that no handler traps.
 #include "exec/ErrorRecord.h"
+#include "values/ValueError.h"
 
 #include <cstddef>
 #include <string>
@@ -132,6 +133,17 @@ public:
     {
         (void)text;
         return false;
+    }
+    // MacroRun and MacroRunThis: starts the macro `name` (resolved as the running module's own names are)
+    // with `command` as its command text; with `text`, the macro is that text instead of the one the host
+    // keeps. Answers 0 or the number of the error to raise; a host without modules has none to start.
+    [[nodiscard]] virtual long StartMacroFromCode(const std::wstring& name, const std::wstring& command,
+                                                  const std::wstring* text)
+    {
+        (void)name;
+        (void)command;
+        (void)text;
+        return kErrorModuleMissing;
     }
     // The file streams of the engine (null: the host keeps none, and stream statements find nothing open).
     virtual StreamTable* Streams() { return nullptr; }

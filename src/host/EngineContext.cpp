@@ -699,4 +699,18 @@ bool EngineContext::ExecuteText(const std::wstring& text)
     return m_evaluator.ExecuteForCode(AnsiFromWide(text));
 }
 
+long EngineContext::StartMacroFromCode(const std::wstring& name, const std::wstring& command,
+                                       const std::wstring* text)
+{
+    // The innermost running module that has a name is the base the host maps the name against.
+    std::string running;
+    for (Activation* frame = Machine().CurrentActivation(); frame && running.empty(); frame = frame->Caller()) {
+        if (ModuleInstance* instance = frame->Instance())
+            running = instance->OwnModule().Name();
+    }
+    const std::optional<std::string> given = text ? std::optional<std::string>(AnsiFromWide(*text)) : std::nullopt;
+    const ModuleStatus status = m_modules.StartFromCode(running, AnsiFromWide(name), AnsiFromWide(command), given);
+    return MessageForStatus(status).number;
+}
+
 } // namespace brannoc

@@ -171,6 +171,8 @@ public:
     void TraceLine() override;
     [[nodiscard]] bool EvaluateText(const std::wstring& text, Variant& result) override;
     [[nodiscard]] bool ExecuteText(const std::wstring& text) override;
+    [[nodiscard]] long StartMacroFromCode(const std::wstring& name, const std::wstring& command,
+                                          const std::wstring* text) override;
     bool IsSteppingExcluded(const ProcedureCode& procedure) override
     {
         return m_debugger.IsSteppingExcluded(procedure) || m_evaluator.IsEvaluationCode(procedure);

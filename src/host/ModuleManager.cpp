@@ -422,6 +422,38 @@ ModuleStatus ModuleManager::Start(const std::string& name, const std::string& co
     return ModuleStatus::Idle;
 }
 
+ModuleStatus ModuleManager::StartFromCode(std::string_view runningModule, const std::string& name,
+                                          const std::string& command, const std::optional<std::string>& text)
+{
+    if (name.empty())
+        return ModuleStatus::NotFound;
+    if (m_queued)
+        return ModuleStatus::Busy;
+    const std::string resolved = text || runningModule.empty() ? name : ResolveName(runningModule, name);
+    if (const Loaded* loaded = Find(resolved)) {
+        // A macro taking part in the run (the caller itself, or one of its callers) cannot start again:
+        // its status is read as the queued start will read it, between statements.
+        Interpreter& machine = m_context.Machine();
+        const int marker = machine.ExecutionMarker();
+        machine.SetExecutionMarker(0);
+        const ModuleStatus now = StatusOf(loaded, true);
+        machine.SetExecutionMarker(marker);
+        if (now == ModuleStatus::Running || now == ModuleStatus::Paused)
+            return now;
+    }
+    if (text) {
+        GiveText(resolved, *text);
+    } else if (!Find(resolved)) {
+        // Read now, so that a macro that does not exist is an error of the calling statement, which the
+        // caller can trap; the queued start compiles the text read.
+        std::optional<ModuleText> read = Read(resolved);
+        if (!read)
+            return ModuleStatus::NotFound;
+        GiveText(resolved, std::move(read->text));
+    }
+    return Start(resolved, command);
+}
+
 void ModuleManager::RunQueuedStart()
 {
     if (!m_queued)

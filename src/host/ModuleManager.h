@@ -71,6 +71,12 @@ public:
     static bool SplitProject(const std::string& text, std::string& project, std::string& rest);
 
     ModuleStatus Status(const std::string& name);
+    // A start asked for by running code (MacroRun, MacroRunThis): the name is resolved as the running
+    // module's '#Uses names are (mapped by the host relative to it); `text`, when given, is the macro's
+    // text instead of the one the host keeps. Statements are executing, so the start is queued: it begins
+    // before the calling statement's successor, and the caller goes on once the started run has ended.
+    ModuleStatus StartFromCode(std::string_view runningModule, const std::string& name, const std::string& command,
+                               const std::optional<std::string>& text);
     // Loads (compiles) a module: mode 0 a macro, 2 a code module whose default instance is made and
     // initialized at once, 3 a code module without that step.
     ModuleStatus Load(const std::string& name, int mode = 0);

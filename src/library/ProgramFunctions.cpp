@@ -1,5 +1,6 @@
 // Built-ins about the running program: Command (the text the run was started with), Eval (an expression
-// given as text), and the instructions Execute (statements given as text), Beep, DoEvents and Stop.
+// given as text), and the instructions Execute (statements given as text), MacroRun and MacroRunThis
+// (start another macro), Beep, DoEvents and Stop.
 #include "library/BuiltinGroups.h"
 
 #include "exec/Interpreter.h"
@@ -51,6 +52,41 @@ bool Execute(BuiltinArguments& arguments, BuiltinResult&)
     return true;
 }
 
+// The name under which a macro given as text runs (its errors and its stack frames show it).
+constexpr wchar_t kMacroTextName[] = L"MacroRunThis";
+
+// Raises the error that a start answered, if any.
+bool StartMacro(const std::wstring& name, std::wstring_view command, const std::wstring* text)
+{
+    Interpreter* interpreter = Interpreter::Current();
+    if (!interpreter)
+        return false;
+    const long error = interpreter->Host().StartMacroFromCode(name, std::wstring(command), text);
+    return error == 0 || interpreter->SignalError(error);
+}
+
+// Starts the named macro with an optional command text (the started macro's Command). The calling macro
+// is running, so the start is queued: the started macro runs before the caller's next statement, and the
+// caller goes on after it.
+bool MacroRun(BuiltinArguments& arguments, BuiltinResult&)
+{
+    std::wstring_view name;
+    std::wstring_view command;
+    if (!arguments.String(0, name) || (arguments.IsGiven(1) && !arguments.String(1, command)))
+        return false;
+    return StartMacro(std::wstring(name), command, nullptr);
+}
+
+// Starts the macro whose text is given, as MacroRun starts a named one.
+bool MacroRunThis(BuiltinArguments& arguments, BuiltinResult&)
+{
+    std::wstring_view text;
+    if (!arguments.String(0, text))
+        return false;
+    const std::wstring source(text);
+    return StartMacro(kMacroTextName, {}, &source);
+}
+
 // Plays the system's default sound.
 bool Beep(BuiltinArguments&, BuiltinResult&)
 {
@@ -81,6 +117,8 @@ constexpr BuiltinRecord kRecords[] = {
     Function(Token::Command, ResultKind::kString, "", "", 0, 0, &Command),
     Function(Token::Eval, ResultKind::kVariant, "$", "Expr", 0, 0, &Eval),
     Instruction(Token::Execute, "$", "Text", 0, &Execute),
+    Instruction(Token::MacroRun, "$$", "MacroName Command", 0b10, &MacroRun),
+    Instruction(Token::MacroRunThis, "$", "MacroCode", 0, &MacroRunThis),
     Instruction(Token::Beep, "", "", 0, &Beep),
     Instruction(Token::DoEvents, "", "", 0, &DoEvents),
     Instruction(Token::Stop, "", "", 0, &Stop),
