@@ -229,14 +229,11 @@ void PlaceInputBox(HWND dialog, const InputRequest& request)
     GetWindowRect(dialog, &frame);
     const int width = frame.right - frame.left;
     const int height = frame.bottom - frame.top;
-    int x = (GetSystemMetrics(SM_CXSCREEN) - width) / 2;
-    int y = (GetSystemMetrics(SM_CYSCREEN) - height) / 2;
-    if (request.x != -1 || request.y != -1) {
-        RECT units{0, 0, 4, 8};
-        MapDialogRect(dialog, &units);
-        x = MulDiv(request.x, units.right, 8);
-        y = MulDiv(request.y, units.bottom, 12);
-    }
+    // Each coordinate left out (-1) centres the box along its own axis.
+    RECT units{0, 0, 4, 8};
+    MapDialogRect(dialog, &units);
+    const int x = request.x != -1 ? MulDiv(request.x, units.right, 8) : (GetSystemMetrics(SM_CXSCREEN) - width) / 2;
+    const int y = request.y != -1 ? MulDiv(request.y, units.bottom, 12) : (GetSystemMetrics(SM_CYSCREEN) - height) / 2;
     SetWindowPos(dialog, nullptr, x, y, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
 }
 

@@ -165,6 +165,30 @@ TEST(InputBox, OKGivesTheAnswerAndCancelGivesNothingEvenWithADefault)
     EXPECT_EQ(initial, L"nobody");
 }
 
+TEST(InputBox, AGivenCoordinatePlacesTheBoxAndALeftOutOneCentresIt)
+{
+    std::vector<RECT> places;
+    BoxRobot robot([&](HWND box) {
+        RECT place{};
+        GetWindowRect(box, &place);
+        places.push_back(place);
+        SendMessageW(GetDlgItem(box, IDCANCEL), BM_CLICK, 0, 0);
+    });
+    RunLines({"x = InputBox(\"Where\", \"Ask\", \"\", 0, 0)", "x = InputBox(\"Where\", \"Ask\", \"\", 0)",
+              "x = InputBox(\"Where\", \"Ask\", \"\", , 0)", "x = InputBox(\"Where\", \"Ask\")"});
+    ASSERT_EQ(places.size(), 4u);
+    const int centredLeft = places[3].left;
+    const int centredTop = places[3].top;
+    EXPECT_GT(centredLeft, 0);
+    EXPECT_GT(centredTop, 0);
+    EXPECT_EQ(0, places[0].left);
+    EXPECT_EQ(0, places[0].top);
+    EXPECT_EQ(0, places[1].left) << "X given";
+    EXPECT_EQ(centredTop, places[1].top) << "Y left out: centred vertically";
+    EXPECT_EQ(centredLeft, places[2].left) << "X left out: centred horizontally";
+    EXPECT_EQ(0, places[2].top) << "Y given";
+}
+
 TEST(GetFilePath, RefusesAnUnknownOptionAndGivesNothingWhenCancelled)
 {
     BoxRobot robot([](HWND box) { PostMessageW(box, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0); });
