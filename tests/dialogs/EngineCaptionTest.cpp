@@ -1,7 +1,6 @@
 // Macros run by an engine object: the engine's Caption is the title of MsgBox, InputBox and a UserDialog
 // that give none, and the name in the about box, which closes itself after its Timeout.
-#include "host/CodeUnit.h"
-#include "host/FakeCallBack.h"
+#include "host/EngineTest.h"
 #include "support/MessageBoxCapture.h"
 #include "support/WindowImage.h"
 
@@ -16,34 +15,14 @@ using brannoc::test::MessageBoxCapture;
 
 namespace {
 
-class EngineCaptionTest : public ::testing::Test {
+class EngineCaptionTest : public brannoc::testing::EngineTest {
 protected:
     void SetUp() override
     {
-        ASSERT_NE(nullptr, unit);
-        unit->SetCallBack(&callBack);
+        EngineTest::SetUp();
         BSTR caption = SysAllocString(L"Ledger Macros");
         EXPECT_EQ(S_OK, unit->put_Caption(caption));
         SysFreeString(caption);
-    }
-    void TearDown() override
-    {
-        if (!unit)
-            return;
-        unit->SetCallBack(nullptr);
-        unit->Release();
-    }
-    // Starts the macro and runs it to its end on this thread.
-    void RunMacro(const std::wstring& text)
-    {
-        callBack.macros[L"m"] = text;
-        BSTR name = SysAllocString(L"m");
-        VARIANT_BOOL started = VARIANT_FALSE;
-        EXPECT_EQ(S_OK, unit->Start(name, &started));
-        SysFreeString(name);
-        ASSERT_EQ(VARIANT_TRUE, started);
-        VARIANT_BOOL running = VARIANT_TRUE;
-        EXPECT_EQ(S_OK, unit->Run(0, &running));
     }
     std::wstring Printed() const
     {
@@ -52,9 +31,6 @@ protected:
             all += text;
         return all;
     }
-
-    CodeUnit* unit = static_cast<CodeUnit*>(static_cast<_CodeUnit*>(KZ_CreateCodeUnit()));
-    brannoc::testing::FakeCallBack callBack;
 };
 
 // Calls act once for each new visible window of this thread whose class is `className`.

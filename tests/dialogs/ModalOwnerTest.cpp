@@ -2,8 +2,7 @@
 // usable (the top-level window of a child, an enabled and visible window down the chain of owned
 // windows), then offered to OverrideModalWindowOwner. The outermost macro dialog of the thread is
 // announced to the host with notification 6 when it opens and 7 when it has closed.
-#include "host/CodeUnit.h"
-#include "host/FakeCallBack.h"
+#include "host/EngineTest.h"
 #include "support/MessageBoxCapture.h"
 
 #include <gtest/gtest.h>
@@ -22,13 +21,12 @@ HWND MakeWindow(const wchar_t* title, DWORD style, HWND parentOrOwner = nullptr)
     return CreateWindowExW(0, L"STATIC", title, style, 50, 50, 200, 100, parentOrOwner, nullptr, nullptr, nullptr);
 }
 
-class ModalOwnerTest : public ::testing::Test {
+class ModalOwnerTest : public brannoc::testing::EngineTest {
 protected:
     void SetUp() override
     {
-        ASSERT_NE(nullptr, unit);
+        EngineTest::SetUp();
         callBack.offerWindow = true;
-        unit->SetCallBack(&callBack);
         host = MakeWindow(L"Host window", WS_OVERLAPPEDWINDOW | WS_VISIBLE);
         // Another window is the active one, so that the owner cannot come from the activation.
         other = MakeWindow(L"Other window", WS_OVERLAPPEDWINDOW | WS_VISIBLE);
@@ -38,21 +36,7 @@ protected:
     {
         DestroyWindow(other);
         DestroyWindow(host);
-        if (!unit)
-            return;
-        unit->SetCallBack(nullptr);
-        unit->Release();
-    }
-    void RunMacro(const std::wstring& text)
-    {
-        callBack.macros[L"m"] = text;
-        BSTR name = SysAllocString(L"m");
-        VARIANT_BOOL started = VARIANT_FALSE;
-        EXPECT_EQ(S_OK, unit->Start(name, &started));
-        SysFreeString(name);
-        ASSERT_EQ(VARIANT_TRUE, started);
-        VARIANT_BOOL running = VARIANT_TRUE;
-        EXPECT_EQ(S_OK, unit->Run(0, &running));
+        EngineTest::TearDown();
     }
     // The notifications without those of compiling (9) and of the idle user dialog (18).
     std::vector<short> RunNotifications() const
@@ -63,8 +47,6 @@ protected:
         return seen;
     }
 
-    CodeUnit* unit = static_cast<CodeUnit*>(static_cast<_CodeUnit*>(KZ_CreateCodeUnit()));
-    brannoc::testing::FakeCallBack callBack;
     HWND host = nullptr;
     HWND other = nullptr;
 };

@@ -65,6 +65,13 @@ protected:
         return active == VARIANT_TRUE;
     }
     bool RunToEnd() { return !Run(0); }
+    // Gives the callback the text as the macro "m", starts it and runs it to its end on this thread.
+    void RunMacro(const std::wstring& text)
+    {
+        callBack.macros[L"m"] = text;
+        ASSERT_TRUE(Start(L"m"));
+        (void)Run(0);
+    }
     bool Toggle(const wchar_t* macro, short line)
     {
         BSTR name = SysAllocString(macro);
