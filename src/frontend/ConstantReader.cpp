@@ -241,13 +241,16 @@ std::optional<RadixLiteral> ReadRadixLiteral(std::string_view text, bool longSuf
             return c - 'a' + 10;
         return 99;
     };
+    // Octal literals take the digits 8 and 9 too: each digit is merged into the value shifted by three bits,
+    // so "&O8" is 8 and "&O18" is 8 as well.
+    const int digitLimit = hex ? 16 : 10;
     const std::string_view digits = text.substr(2);
-    if (digits.empty() || digitOf(digits[0]) >= (hex ? 16 : 8))
+    if (digits.empty() || digitOf(digits[0]) >= digitLimit)
         return std::nullopt;
     std::uint32_t number = 0;
     for (const char c : digits) {
         const int digit = digitOf(c);
-        if (digit >= (hex ? 16 : 8) || (number & topBits) != 0)
+        if (digit >= digitLimit || (number & topBits) != 0)
             return std::nullopt;
         number = (number << shift) | static_cast<std::uint32_t>(digit);
     }

@@ -114,7 +114,7 @@ const ErrorCase kErrorCases[] = {
      CompileMessage::InvalidNumericConstant, 3},
     {"HexLiteralTooLong", {"Sub Main", "  Debug.Print 1", "  Debug.Print &H123456789", "End Sub"},
      CompileMessage::InvalidNumericConstant, 3},
-    {"OctalDigitExpected", {"Sub Main", "  Debug.Print 1", "  Debug.Print &O8", "End Sub"},
+    {"OctalDigitExpected", {"Sub Main", "  Debug.Print 1", "  Debug.Print &OA", "End Sub"},
      CompileMessage::InvalidNumericConstant, 3},
 };
 
