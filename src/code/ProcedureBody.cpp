@@ -306,7 +306,11 @@ EvalStatus RunExpression(const RunContext& context, const Expression& expression
             Variant* slot = values.Push();
             if (!slot)
                 return (void)context.interpreter->RaiseOutOfMemory(), EvalStatus::kFailed;
-            if (const VARTYPE tag = StorageTag(op.type); tag != VT_RECORD) {
+            if (VARTYPE tag = StorageTag(op.type); tag != VT_RECORD) {
+                // A by-reference parameter may stand for a caller's Variant, which holds any kind: what
+                // it holds now is referred to as a Variant, never as the parameter's declared kind.
+                if (storage->vt != tag)
+                    tag = VT_VARIANT;
                 // The fresh slot is Empty: the reference is written in place.
                 VARIANT& reference = slot->Raw();
                 reference.vt = static_cast<VARTYPE>(VT_BYREF | tag);
@@ -969,7 +973,9 @@ bool CompiledProcedure::BindParameter(int index, void* frame, Variant& argument)
         VARIANT* target = argumentTag == VT_VARIANT
                               ? argument.Raw().pvarVal
                               : reinterpret_cast<VARIANT*>(static_cast<char*>(argument.Raw().byref) - kPayloadOffset);
-        if (argumentTag == tag) {
+        // A caller's Variant counts as the parameter's own kind: the parameter is that cell, whatever it
+        // holds (every access through a reference checks the kind the cell holds at that moment).
+        if (argumentTag == tag || (argumentTag == VT_VARIANT && !parameter.type.IsArray())) {
             slot.vt = kReferenceTag;
             slot.pvarVal = target;
             return true;
