@@ -110,6 +110,53 @@ void ReportNotFound(EditorFrame& frame)
         OpenFindDialog(frame, replace, true);
 }
 
+// Replace: the selection is replaced when it is the find text, then the next match is searched and
+// selected. False when there is none.
+bool ReplaceAndSearch(EditorFrame& frame)
+{
+    FindState& state = frame.m_find;
+    HWND editor = frame.m_editor;
+    std::string text = EditorText(editor);
+    DWORD start = 0, end = 0;
+    Selection(editor, start, end);
+    std::string what = state.findText;
+    if (end - start == what.size() && MatchesAt(text, what, start, state.matchCase))
+        SendMessageA(editor, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(state.replaceText));
+    if (!SearchAndSelect(frame, true))
+        return false;
+    state.last = FindResult::Replaced;
+    return true;
+}
+
+// Replace All: every match from the selection to the end, in one pass, under a wait cursor. False when
+// there was none.
+bool ReplaceAllFromSelection(EditorFrame& frame)
+{
+    FindState& state = frame.m_find;
+    HWND editor = frame.m_editor;
+    HCURSOR old = SetCursor(LoadCursor(nullptr, IDC_WAIT));
+    std::string text = EditorText(editor);
+    DWORD start = 0, end = 0;
+    Selection(editor, start, end);
+    std::string tail = text.substr(std::min<size_t>(start, text.size()));
+    int count = ReplaceAllInText(tail, state.findText, state.replaceText, 0, state.matchCase);
+    if (count > 0) {
+        SendMessageA(editor, EM_SETSEL, start, static_cast<LPARAM>(text.size()));
+        SendMessageA(editor, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(tail.c_str()));
+    }
+    SetCursor(old);
+    state.last = count > 0 ? FindResult::Replaced : FindResult::NotFound;
+    return count > 0;
+}
+
+// The shown code cannot be changed: the frame is read-only, the text area is, or the sheet's macro runs.
+bool CodeIsReadOnly(const EditorFrame& frame)
+{
+    const Sheet* sheet = frame.Current();
+    return frame.m_readOnly || (GetWindowLongA(frame.m_editor, GWL_STYLE) & ES_READONLY) != 0 ||
+           (sheet && frame.IsLoaded(*sheet));
+}
+
 } // namespace
 
 size_t FindInText(const std::string& text, const std::string& what, size_t from, bool down, bool matchCase)
@@ -191,6 +238,7 @@ void OnFindNotification(EditorFrame& frame, const FINDREPLACEA& request)
     if (!state.replace)
         state.down = (request.Flags & FR_DOWN) != 0;
     if (!state.replace || (request.Flags & FR_FINDNEXT)) {
+        state.lastAction = FindAction::Search;
         if (!SearchAndSelect(frame, state.replace || state.down)) {
             ReportNotFound(frame);
             return;
@@ -202,37 +250,18 @@ void OnFindNotification(EditorFrame& frame, const FINDREPLACEA& request)
             PlaceDialog(state.dialog, frame.m_editor);
         return;
     }
-    HWND editor = frame.m_editor;
     if (request.Flags & FR_REPLACEALL) {
-        HCURSOR old = SetCursor(LoadCursor(nullptr, IDC_WAIT));
-        std::string text = EditorText(editor);
-        DWORD start = 0, end = 0;
-        Selection(editor, start, end);
-        std::string tail = text.substr(start);
-        int count = ReplaceAllInText(tail, state.findText, state.replaceText, 0, state.matchCase);
-        if (count > 0) {
-            SendMessageA(editor, EM_SETSEL, start, static_cast<LPARAM>(text.size()));
-            SendMessageA(editor, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(tail.c_str()));
-        }
-        SetCursor(old);
-        state.last = count > 0 ? FindResult::Replaced : FindResult::NotFound;
-        if (count == 0)
+        state.lastAction = FindAction::ReplaceAll;
+        if (!ReplaceAllFromSelection(frame))
             ReportNotFound(frame);
         return;
     }
-    // Replace: the selection is replaced when it is the find text, then the next match is searched.
-    std::string text = EditorText(editor);
-    DWORD start = 0, end = 0;
-    Selection(editor, start, end);
-    std::string what = state.findText;
-    if (end - start == what.size() && MatchesAt(text, what, start, state.matchCase))
-        SendMessageA(editor, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(state.replaceText));
-    if (!SearchAndSelect(frame, true)) {
+    state.lastAction = FindAction::Replace;
+    if (!ReplaceAndSearch(frame)) {
         ReportNotFound(frame);
         return;
     }
-    state.last = FindResult::Replaced;
-    PlaceDialog(state.dialog, editor);
+    PlaceDialog(state.dialog, frame.m_editor);
 }
 
 void RepeatFind(EditorFrame& frame)
@@ -242,12 +271,21 @@ void RepeatFind(EditorFrame& frame)
         OpenFindDialog(frame, false);
         return;
     }
-    if (!SearchAndSelect(frame, state.replace || state.down)) {
+    const FindAction action = CodeIsReadOnly(frame) ? FindAction::Search : state.lastAction;
+    bool found = false;
+    switch (action) {
+    case FindAction::Search:
+        found = SearchAndSelect(frame, state.replace || state.down);
+        if (found)
+            state.last = FindResult::Found;
+        break;
+    case FindAction::Replace: found = ReplaceAndSearch(frame); break;
+    case FindAction::ReplaceAll: found = ReplaceAllFromSelection(frame); break;
+    }
+    if (!found) {
         state.last = FindResult::NotFound;
         frame.ShowMessage(IDS_NOT_FOUND, MB_OK | MB_ICONINFORMATION);
-        return;
     }
-    state.last = FindResult::Found;
 }
 
 } // namespace brannoc::ide

@@ -11,6 +11,8 @@ namespace brannoc::ide {
 class EditorFrame;
 
 enum class FindResult { Found = 0, Replaced = 1, NotFound = 2 };
+// What Again repeats: the last search, or the last Replace or Replace All.
+enum class FindAction { Search, Replace, ReplaceAll };
 
 struct FindState {
     HWND dialog = nullptr;
@@ -20,6 +22,7 @@ struct FindState {
     bool matchCase = false;
     bool down = true;
     FindResult last = FindResult::NotFound;
+    FindAction lastAction = FindAction::Search;
     FINDREPLACEA request{};
 };
 
@@ -28,7 +31,8 @@ struct FindState {
 void OpenFindDialog(EditorFrame& frame, bool replace, bool keepText = false);
 // The frame's handler of the registered "commdlg_FindReplace" message.
 void OnFindNotification(EditorFrame& frame, const FINDREPLACEA& request);
-// Again: repeats the last search without a dialog.
+// Again: repeats the last search, Replace or Replace All without a dialog (in read-only code always as a
+// search).
 void RepeatFind(EditorFrame& frame);
 
 // Searches `text` for `what` from `from` (down) or backwards from `from` (up); answers the offset or npos.

@@ -1,5 +1,5 @@
 // Find and replace: Ctrl+F opens Find with the word at the caret, a match is selected, no match shows
-// "Search string not found." without wrapping, Replace All, and F3 repeating the last search.
+// "Search string not found." without wrapping, Replace All, and F3 repeating the last search or Replace.
 #include "EditorFrameFixture.h"
 
 #include "ide/CommandTable.h"
@@ -137,6 +137,19 @@ TEST_F(FindReplace, ReplaceAndReplaceAll)
     EXPECT_EQ((std::pair<DWORD, DWORD>{5, 7}), Selection());
     SendMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
     Pump(100);
+
+    // F3 repeats the Replace without the dialog: the selected match is replaced, the next one selected.
+    PressKey(VK_F3);
+    EXPECT_EQ("a\r\nc c bb\r\n", Get(FM_GETTEXT));
+    EXPECT_EQ((std::pair<DWORD, DWORD>{7, 9}), Selection());
+    // In read-only code Again only searches: the selected match stays and, with none after it, the
+    // search reports.
+    Send(FM_SETREADONLY, 0, 1);
+    MessageBoxCapture capture(IDOK);
+    PressKey(VK_F3);
+    EXPECT_EQ("a\r\nc c bb\r\n", Get(FM_GETTEXT));
+    ASSERT_EQ(1u, capture.Count());
+    EXPECT_EQ(L"Search string not found.", capture.Boxes()[0].text);
 }
 
 } // namespace
