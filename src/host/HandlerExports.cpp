@@ -137,7 +137,7 @@ IDispatch* __stdcall KZ_HandlersGetItem(IDispatch* handlers, BSTR name)
         DISPPARAMS parameters{&argument, nullptr, 1, 0};
         VARIANT result;
         VariantInit(&result);
-        if (FAILED(handlers->Invoke(DISPID_VALUE, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &parameters,
+        if (FAILED(handlers->Invoke(DISPID_VALUE, IID_NULL, 0x409, DISPATCH_PROPERTYGET, &parameters,
                                     &result, nullptr, nullptr)))
             return nullptr;
         if (result.vt == VT_DISPATCH)

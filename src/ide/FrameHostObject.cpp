@@ -19,13 +19,14 @@ namespace {
 
 enum HostErrorStrings : unsigned { IDS_NO_ERROR_INFORMATION = 566, IDS_ERROR_CODE = 567, IDS_AUTOMATION_ERROR_CODE = 568 };
 
-// Invokes a member with the arguments (first argument first); `result` null for a member that answers
-// nothing (some objects refuse a result for a Sub).
+// Invokes a member with the arguments (first argument first) and the US English locale, as every dispatch
+// call of the engine; `result` null for a member that answers nothing (some objects refuse a result for a
+// Sub).
 bool InvokeMember(IDispatch* object, DISPID id, WORD kind, std::vector<VARIANT> arguments, VARIANT* result)
 {
     std::reverse(arguments.begin(), arguments.end());
     DISPPARAMS parameters{arguments.empty() ? nullptr : arguments.data(), nullptr, static_cast<UINT>(arguments.size()), 0};
-    return SUCCEEDED(object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &parameters, result, nullptr, nullptr));
+    return SUCCEEDED(object->Invoke(id, IID_NULL, 0x409, kind, &parameters, result, nullptr, nullptr));
 }
 
 // Calls "_" + request, else "CallBack" + request; false when the object has neither member or the call

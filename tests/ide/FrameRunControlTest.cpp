@@ -4,6 +4,7 @@
 
 #include "ide/CommandTable.h"
 #include "support/DialogRobot.h"
+#include "support/TestComObject.h"
 #include "support/WindowImage.h"
 
 #include "brannoc.h"
@@ -448,13 +449,40 @@ struct HostObject {
     int abouts = 0;
 };
 
+// Passes every call on to the host's object and keeps the locale of each Invoke.
+class LocaleRecorder final : public brannoc::testing::TestComObject<IDispatch> {
+public:
+    explicit LocaleRecorder(IDispatch* inner) : m_inner(inner) {}
+    std::vector<LCID> invokeLocales;
+    HRESULT __stdcall GetTypeInfoCount(UINT* count) override { return m_inner->GetTypeInfoCount(count); }
+    HRESULT __stdcall GetTypeInfo(UINT index, LCID locale, ITypeInfo** type) override
+    {
+        return m_inner->GetTypeInfo(index, locale, type);
+    }
+    HRESULT __stdcall GetIDsOfNames(REFIID id, LPOLESTR* names, UINT count, LCID locale, DISPID* ids) override
+    {
+        return m_inner->GetIDsOfNames(id, names, count, locale, ids);
+    }
+    HRESULT __stdcall Invoke(DISPID member, REFIID id, LCID locale, WORD flags, DISPPARAMS* parameters,
+                             VARIANT* result, EXCEPINFO* exception, UINT* argumentError) override
+    {
+        invokeLocales.push_back(locale);
+        return m_inner->Invoke(member, id, locale, flags, parameters, result, exception, argumentError);
+    }
+
+private:
+    IDispatch* m_inner;
+};
+
 TEST_F(FrameRunControl, AnAttachedHostObjectReceivesTheFramesRequests)
 {
     ITypeInfo* type = OA_CreateTypeW(L"=Host\n_Notify Code&\nCallBackAboutBox\n");
     ASSERT_NE(nullptr, type);
     HostObject host;
-    IDispatch* object = OA_CreateDispatch(type, KeepHostError, &host, nullptr);
-    ASSERT_NE(nullptr, object);
+    IDispatch* inner = OA_CreateDispatch(type, KeepHostError, &host, nullptr);
+    ASSERT_NE(nullptr, inner);
+    LocaleRecorder recorder(inner);
+    IDispatch* object = &recorder;
     Create(kDefaultOptions);
     EXPECT_EQ(1, Send(FM_ATTACH, 0, reinterpret_cast<LPARAM>(object))) << "top-level frames take no host object";
     Create(kDefaultOptions, true);
@@ -468,13 +496,16 @@ TEST_F(FrameRunControl, AnAttachedHostObjectReceivesTheFramesRequests)
     // The object is an unnamed extension: macros reach its members by their names alone.
     EXPECT_EQ(0, SendText(FM_RUNTHIS, "CallBackAboutBox"));
     EXPECT_EQ(2, host.abouts);
+    ASSERT_FALSE(recorder.invokeLocales.empty());
+    for (const LCID locale : recorder.invokeLocales)
+        EXPECT_EQ(0x409u, locale) << "every call on the host's object passes the US English locale";
     {
         MessageBoxCapture capture(IDNO);
         EXPECT_EQ(0, Send(FM_DETACH, 0, 1));
     }
     EXPECT_FALSE(IsWindow(m_frame));
     m_frame = nullptr;
-    object->Release();
+    inner->Release();
     type->Release();
 }
 
