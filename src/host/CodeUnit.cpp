@@ -1206,7 +1206,8 @@ HRESULT __stdcall CodeUnit::CreateHandlers(BSTR prefix, IDispatch* eventObject, 
                     handlers.push_back(HandlerCollection::Entry{event.event, handler});
             }
             if (madeAll)
-                *result = HandlerCollection::Create(collectionType.Get(), eventObject, source.Get(), handlers);
+                *result = HandlerCollection::Create(*this, Text(prefix), collectionType.Get(), eventObject,
+                                                   source.Get(), handlers);
             if (!*result) {
                 for (HandlerCollection::Entry& entry : handlers)
                     entry.handler->Release();
