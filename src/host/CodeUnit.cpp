@@ -339,31 +339,43 @@ HRESULT __stdcall CodeUnit::Shutdown(VARIANT_BOOL* result)
 
 HRESULT __stdcall CodeUnit::get_IsActive(VARIANT_BOOL* result)
 {
+    if (!result)
+        return E_POINTER;
     return Entered([&] { *result = AsBool(m_context->Control(EngineContext::kActionQuietQuery, 0) == RunState::Active); return S_OK; });
 }
 
 HRESULT __stdcall CodeUnit::get_IsIdle(VARIANT_BOOL* result)
 {
+    if (!result)
+        return E_POINTER;
     return Entered([&] { *result = AsBool(m_context->Control(EngineContext::kActionQuietQuery, 0) == RunState::Idle); return S_OK; });
 }
 
 HRESULT __stdcall CodeUnit::get_IsStopped(VARIANT_BOOL* result)
 {
+    if (!result)
+        return E_POINTER;
     return Entered([&] { *result = AsBool(m_context->Control(EngineContext::kActionQuietQuery, 0) == RunState::Stopped); return S_OK; });
 }
 
 HRESULT __stdcall CodeUnit::get_IsPaused(VARIANT_BOOL* result)
 {
+    if (!result)
+        return E_POINTER;
     return Entered([&] { *result = AsBool(m_context->Machine().ExecutionMarker() < 0); return S_OK; });
 }
 
 HRESULT __stdcall CodeUnit::get_Evaluating(VARIANT_BOOL* result)
 {
+    if (!result)
+        return E_POINTER;
     return Entered([&] { *result = AsBool(m_context->Machine().IsEvaluating()); return S_OK; });
 }
 
 HRESULT __stdcall CodeUnit::get_StackDepth(short* result)
 {
+    if (!result)
+        return E_POINTER;
     return Entered([&] { *result = static_cast<short>(m_context->Machine().CallDepth()); return S_OK; });
 }
 
@@ -406,6 +418,8 @@ HRESULT __stdcall CodeUnit::put_DoEvents(VARIANT_BOOL on)
 
 HRESULT __stdcall CodeUnit::get_ErrorLimit(short* result)
 {
+    if (!result)
+        return E_POINTER;
     return Entered([&] { *result = m_context->ErrorLimit(); return S_OK; });
 }
 
@@ -478,6 +492,8 @@ IDispatch* CodeUnit::DefaultCallBackObject()
 
 HRESULT __stdcall CodeUnit::get_CallBack(IDispatch** result)
 {
+    if (!result)
+        return E_POINTER;
     return Entered([&] {
         *result = m_context->CallBack() ? m_context->CallBack() : DefaultCallBackObject();
         if (*result)
@@ -509,6 +525,8 @@ HRESULT __stdcall CodeUnit::SetCallBack(IDispatch* callBack)
 
 HRESULT __stdcall CodeUnit::get_ErrorNumber(long* result)
 {
+    if (!result)
+        return E_POINTER;
     return Entered([&] { *result = m_context->ErrorReport().number; return S_OK; });
 }
 
@@ -545,6 +563,8 @@ HRESULT __stdcall CodeUnit::get_ErrorHelpFile(BSTR* result)
 
 HRESULT __stdcall CodeUnit::get_ErrorHelpContext(long* result)
 {
+    if (!result)
+        return E_POINTER;
     return Entered([&] { *result = m_context->ErrorReport().helpContext; return S_OK; });
 }
 
@@ -560,11 +580,15 @@ HRESULT __stdcall CodeUnit::get_ErrorLine(BSTR* result)
 
 HRESULT __stdcall CodeUnit::get_ErrorLineNum(short* result)
 {
+    if (!result)
+        return E_POINTER;
     return Entered([&] { *result = static_cast<short>(m_context->ErrorReport().lineNumber); return S_OK; });
 }
 
 HRESULT __stdcall CodeUnit::get_ErrorOffset(short* result)
 {
+    if (!result)
+        return E_POINTER;
     return Entered([&] { *result = m_context->ErrorReport().offset; return S_OK; });
 }
 
@@ -636,6 +660,8 @@ HRESULT __stdcall CodeUnit::Rename(BSTR oldMacroName, BSTR newMacroName, VARIANT
 
 HRESULT __stdcall CodeUnit::get_IsMacro(BSTR macroName, VARIANT_BOOL* result)
 {
+    if (!result)
+        return E_POINTER;
     return Entered([&] {
         ModuleManager& modules = m_context->Modules();
         *result = AsBool(modules.Status(modules.MapName(AnsiFromWide(Text(macroName)))) != ModuleStatus::NotFound);
@@ -645,6 +671,8 @@ HRESULT __stdcall CodeUnit::get_IsMacro(BSTR macroName, VARIANT_BOOL* result)
 
 HRESULT __stdcall CodeUnit::get_IsMacroActive(BSTR macroName, VARIANT_BOOL* result)
 {
+    if (!result)
+        return E_POINTER;
     return Entered([&] {
         ModuleManager& modules = m_context->Modules();
         *result = AsBool(modules.IsActive(modules.MapName(AnsiFromWide(Text(macroName)))));
@@ -795,6 +823,8 @@ HRESULT __stdcall CodeUnit::ProjectDestroy(BSTR projectName, VARIANT_BOOL* resul
 
 HRESULT __stdcall CodeUnit::get_IsProject(BSTR projectName, VARIANT_BOOL* result)
 {
+    if (!result)
+        return E_POINTER;
     return Entered([&] {
         *result = AsBool(m_context->Modules().HasProject(AnsiFromWide(Text(projectName))));
         return S_OK;
@@ -1176,7 +1206,8 @@ HRESULT __stdcall CodeUnit::CreateHandlers(BSTR prefix, IDispatch* eventObject, 
                     handlers.push_back(HandlerCollection::Entry{event.event, handler});
             }
             if (madeAll)
-                *result = HandlerCollection::Create(collectionType.Get(), eventObject, source.Get(), handlers);
+                *result = HandlerCollection::Create(*this, Text(prefix), collectionType.Get(), eventObject,
+                                                   source.Get(), handlers);
             if (!*result) {
                 for (HandlerCollection::Entry& entry : handlers)
                     entry.handler->Release();

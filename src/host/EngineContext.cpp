@@ -17,6 +17,7 @@
 #include "host/ThreadContext.h"
 #include "values/Variant.h"
 #include <windows.h>
+#include <utility>
 
 namespace brannoc {
 
@@ -76,7 +77,9 @@ RunState EngineContext::State() const
 
 RunState EngineContext::Control(int request, long argument)
 {
-    if (IsBusy())
+    // A Continue while an untrapped error is being reported ends the report state; every other request
+    // made meanwhile (or while compiling) is refused.
+    if (IsBusy() && !(request == kActionResume && m_reportingError && !m_compiling))
         return RunState::Busy;
     switch (request) {
     case kActionRun:
@@ -489,8 +492,11 @@ void EngineContext::ReportUntrappedError(const ErrorRecord& error)
     }
     TraceErrorFields();
     const bool running = m_interpreter.RunLevel() > 0;
+    // While the host hears of the error, control requests answer Busy (a Continue ends that state).
+    const bool outerReport = std::exchange(m_reportingError, true);
     SendNotification(kNotifyErrorReport);
     SendNotification(kNotifyError);
+    m_reportingError = outerReport;
     // The run stops after the report; the stop request that follows finds it stopped already.
     if (running)
         SendNotification(kNotifyStopped);

@@ -2,6 +2,7 @@
 
 #include "brannoc.h"
 #include "automation/IndexedEnumerator.h"
+#include "host/CodeUnit.h"
 #include "host/EntryGuard.h"
 #include "host/Handler.h"
 
@@ -9,27 +10,38 @@
 
 namespace brannoc {
 
-HandlerCollection* HandlerCollection::Create(ITypeInfo* interfaceType, IDispatch* eventObject, ITypeInfo* source,
-                                             std::vector<Entry> handlers)
+HandlerCollection* HandlerCollection::Create(CodeUnit& engine, std::wstring prefix, ITypeInfo* interfaceType,
+                                             IDispatch* eventObject, ITypeInfo* source, std::vector<Entry> handlers)
 {
-    HandlerCollection* collection =
-        new (std::nothrow) HandlerCollection(interfaceType, eventObject, source, std::move(handlers));
+    HandlerCollection* collection = new (std::nothrow)
+        HandlerCollection(engine, std::move(prefix), interfaceType, eventObject, source, std::move(handlers));
     return collection;
 }
 
-HandlerCollection::HandlerCollection(ITypeInfo* interfaceType, IDispatch* eventObject, ITypeInfo* source,
-                                     std::vector<Entry> handlers)
-    : m_interfaceType(ComRef<ITypeInfo>::Share(interfaceType)),
+HandlerCollection::HandlerCollection(CodeUnit& engine, std::wstring prefix, ITypeInfo* interfaceType,
+                                     IDispatch* eventObject, ITypeInfo* source, std::vector<Entry> handlers)
+    : m_engine(engine),
+      m_prefix(std::move(prefix)),
+      m_interfaceType(ComRef<ITypeInfo>::Share(interfaceType)),
       m_eventObject(ComRef<IDispatch>::Share(eventObject)),
       m_source(ComRef<ITypeInfo>::Share(source)),
       m_handlers(std::move(handlers))
 {
+    m_engine.AddRef();
 }
 
 HandlerCollection::~HandlerCollection()
 {
+    // The API trace brackets the end of the collection's handlers with its own entry and exit lines.
+    EngineContext& context = m_engine.Context();
+    const bool traced = context.ApiTraceOn();
+    if (traced)
+        context.Trace(TraceKind::Entry, L"*DestroyHandlers(\"" + m_prefix + L"\")");
     for (Entry& entry : m_handlers)
         entry.handler->Release();
+    if (traced)
+        context.Trace(TraceKind::Exit, L"");
+    m_engine.Release();
 }
 
 bool HandlerCollection::AnswersAlso(REFIID id) const { return IsEqualIID(id, IID__Handlers) != FALSE; }

@@ -10,6 +10,7 @@
 
 namespace brannoc {
 
+class CodeUnit;
 class Handler;
 
 class HandlerCollection final : public LateBoundObject<HandlerCollection> {
@@ -19,9 +20,10 @@ public:
         Handler* handler; // held
     };
 
-    // The collection over its interface type; it holds the event object, the source type and the handlers.
-    static HandlerCollection* Create(ITypeInfo* interfaceType, IDispatch* eventObject, ITypeInfo* source,
-                                     std::vector<Entry> handlers);
+    // The collection over its interface type; it holds the engine, the event object, the source type and
+    // the handlers. The prefix given to CreateHandlers names the collection in the API trace.
+    static HandlerCollection* Create(CodeUnit& engine, std::wstring prefix, ITypeInfo* interfaceType,
+                                     IDispatch* eventObject, ITypeInfo* source, std::vector<Entry> handlers);
 
     HRESULT __stdcall GetIDsOfNames(REFIID id, LPOLESTR* names, UINT count, LCID lcid, DISPID* ids) override;
     HRESULT __stdcall Invoke(DISPID member, REFIID id, LCID lcid, WORD flags, DISPPARAMS* parameters,
@@ -38,10 +40,13 @@ private:
     bool AnswersAlso(REFIID id) const;
     ITypeInfo* DescribingType() const { return m_interfaceType.Get(); }
 
-    HandlerCollection(ITypeInfo* interfaceType, IDispatch* eventObject, ITypeInfo* source, std::vector<Entry> handlers);
+    HandlerCollection(CodeUnit& engine, std::wstring prefix, ITypeInfo* interfaceType, IDispatch* eventObject,
+                      ITypeInfo* source, std::vector<Entry> handlers);
     ~HandlerCollection();
     static BOOL __stdcall Element(IUnknown* data, LONG index, VARIANT* element);
 
+    CodeUnit& m_engine; // held
+    std::wstring m_prefix;
     ComRef<ITypeInfo> m_interfaceType;
     ComRef<IDispatch> m_eventObject;
     ComRef<ITypeInfo> m_source;

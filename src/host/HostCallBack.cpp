@@ -129,7 +129,10 @@ bool HostCallBack::MapMacroName(IDispatch* callBack, IDispatch* engine, const st
                                 const std::wstring& base, std::wstring& mapped)
 {
     Bstr nameArgument(name);
-    Bstr baseArgument(base);
+    // A name that comes from the host is relative to nothing: its base is a null string.
+    Bstr baseArgument;
+    if (!base.empty())
+        baseArgument = Bstr(base);
     VARIANT arguments[3] = {EngineArgument(engine), {}, {}};
     arguments[1].vt = VT_BSTR;
     arguments[1].bstrVal = nameArgument.Get();

@@ -124,6 +124,49 @@ TEST(CodeUnitDispatch, TypeInformationAndInterfaceIdentifierRules)
                                                           nullptr, nullptr, nullptr));
 }
 
+// A host that passes no place for a member's result is told so with E_POINTER; the engine does not
+// write through the null pointer.
+TEST(CodeUnitDispatch, AMissingResultPointerIsInterfaceMisuse)
+{
+    Engine engine;
+    _CodeUnit* unit = engine.unit;
+    BSTR name = SysAllocString(L"m");
+    struct Row {
+        const char* member;
+        HRESULT answer;
+    };
+    const Row rows[] = {
+        {"IsActive", unit->get_IsActive(nullptr)},
+        {"IsIdle", unit->get_IsIdle(nullptr)},
+        {"IsStopped", unit->get_IsStopped(nullptr)},
+        {"IsPaused", unit->get_IsPaused(nullptr)},
+        {"Evaluating", unit->get_Evaluating(nullptr)},
+        {"StackDepth", unit->get_StackDepth(nullptr)},
+        {"ErrorLimit", unit->get_ErrorLimit(nullptr)},
+        {"CallBack", unit->get_CallBack(nullptr)},
+        {"ErrorNumber", unit->get_ErrorNumber(nullptr)},
+        {"ErrorHelpContext", unit->get_ErrorHelpContext(nullptr)},
+        {"ErrorLineNum", unit->get_ErrorLineNum(nullptr)},
+        {"ErrorOffset", unit->get_ErrorOffset(nullptr)},
+        {"IsMacro", unit->get_IsMacro(name, nullptr)},
+        {"IsMacroActive", unit->get_IsMacroActive(name, nullptr)},
+        {"IsProject", unit->get_IsProject(name, nullptr)},
+        {"Caption", unit->get_Caption(nullptr)},
+        {"ErrorDesc", unit->get_ErrorDesc(nullptr)},
+        {"Version", unit->get_Version(nullptr)},
+        {"DoEvents", unit->get_DoEvents(nullptr)},
+        {"DefaultCallBack", unit->get_DefaultCallBack(nullptr)},
+        {"LineNum", unit->get_LineNum(nullptr)},
+        {"Macro", unit->Macro(name, VARIANT_FALSE, nullptr)},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(E_POINTER, row.answer) << row.member;
+    SysFreeString(name);
+    VARIANT_BOOL idle = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, unit->get_IsIdle(&idle));
+    EXPECT_TRUE(IsTrue(idle)) << "the engine goes on as before";
+}
+
 TEST(CodeUnitDispatch, LateBoundCallsReachTheSameMembersAsEarlyBoundOnes)
 {
     Engine engine;

@@ -130,6 +130,24 @@ TEST_F(CreateHandlersTest, TheTraceNamesTheSourceInterfaceAndItsUuid)
     KZ_HandlersDestroy(handlers, nullptr);
 }
 
+// Releasing a collection is traced as DestroyHandlers with its prefix; its handlers' own ends come in
+// between its entry and exit lines.
+TEST_F(CreateHandlersTest, ReleasingTheCollectionIsTracedWithItsPrefix)
+{
+    ASSERT_TRUE(ledgerClass);
+    engine.callBack.offerTrace = true;
+    VARIANT_BOOL ignored;
+    engine.unit->Run(static_cast<short>(0x8040), &ignored);
+    FakeEventSource ledger(ledgerClass.Get());
+    IDispatch* handlers = CreateHandlers(L"Ledger", &ledger);
+    ASSERT_NE(nullptr, handlers);
+    engine.callBack.traces.clear();
+    KZ_HandlersDestroy(handlers, nullptr);
+    const std::vector<std::wstring> expected{L"0:*DestroyHandlers(\"Ledger\")", L"0:*DestroyHandler(\"|Ledger_Clicked\")",
+                                             L"1:", L"0:*DestroyHandler(\"|Ledger_Changed\")", L"1:", L"1:"};
+    EXPECT_EQ(expected, engine.callBack.traces);
+}
+
 TEST_F(CreateHandlersTest, WithoutASourceTheAnswerIsNullAndWithoutTypeInformationAnError)
 {
     ASSERT_TRUE(ledgerClass);

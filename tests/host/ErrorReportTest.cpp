@@ -6,6 +6,7 @@
 #include "host/HostTestText.h"
 #include "support/MessageBoxCapture.h"
 #include <gtest/gtest.h>
+#include <algorithm>
 #include <map>
 #include <string>
 #include <vector>
@@ -80,6 +81,67 @@ TEST_F(ErrorReportTest, AnUntrappedErrorFillsEveryFieldOfTheRecord)
     VARIANT_BOOL isStopped = VARIANT_FALSE;
     EXPECT_EQ(S_OK, unit->get_IsStopped(&isStopped));
     EXPECT_EQ(VARIANT_TRUE, isStopped);
+}
+
+// While an untrapped error is being reported (notifications 19 and 0), the engine answers Busy: the
+// state queries are all false and a halt asked for then does nothing; the run stops after the report.
+TEST_F(ErrorReportTest, RequestsWhileAnErrorIsReportedAnswerBusyAndDoNothing)
+{
+    callBack.macros[L"fails"] = L"Sub Main\r\n"
+                                L"    Dim d As Integer\r\n"
+                                L"    Debug.Print 10 \\ d\r\n"
+                                L"End Sub\r\n";
+    std::vector<std::wstring> seen;
+    callBack.onNotify = [&](IDispatch*, short code) {
+        if (code != 19 && code != 0)
+            return;
+        VARIANT_BOOL active = VARIANT_TRUE, idle = VARIANT_TRUE, stopped = VARIANT_TRUE, halted = VARIANT_TRUE;
+        unit->get_IsActive(&active);
+        unit->get_IsIdle(&idle);
+        unit->get_IsStopped(&stopped);
+        unit->HaltAll(&halted);
+        seen.push_back(std::to_wstring(code) + L": active " + std::to_wstring(active) + L", idle " +
+                       std::to_wstring(idle) + L", stopped " + std::to_wstring(stopped) + L", HaltAll " +
+                       std::to_wstring(halted));
+    };
+    StartAndRun(L"fails");
+    EXPECT_EQ((std::vector<std::wstring>{L"19: active 0, idle 0, stopped 0, HaltAll 0",
+                                         L"0: active 0, idle 0, stopped 0, HaltAll 0"}),
+              seen);
+    const std::vector<short>& notes = callBack.notifications;
+    ASSERT_GE(notes.size(), 5u);
+    EXPECT_EQ((std::vector<short>{9, 1, 19, 0, 3}), std::vector<short>(notes.begin(), notes.begin() + 5));
+    EXPECT_EQ(0, std::count(notes.begin(), notes.end(), 2)) << "no end of the run from the halts";
+    EXPECT_EQ(10061, ErrorNumber());
+    VARIANT_BOOL isStopped = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, unit->get_IsStopped(&isStopped));
+    EXPECT_EQ(VARIANT_TRUE, isStopped) << "requests act again after the report";
+}
+
+// A Continue while the error is reported leaves the report state (notification 1000); requests made
+// after it act as usual.
+TEST_F(ErrorReportTest, AContinueDuringTheReportEndsTheReportState)
+{
+    callBack.macros[L"fails"] = L"Sub Main\r\n"
+                                L"    Dim d As Integer\r\n"
+                                L"    Debug.Print 10 \\ d\r\n"
+                                L"End Sub\r\n";
+    std::vector<std::wstring> seen;
+    callBack.onNotify = [&](IDispatch*, short code) {
+        if (code != 19)
+            return;
+        VARIANT_BOOL before = VARIANT_TRUE, continued = VARIANT_FALSE, after = VARIANT_FALSE;
+        unit->get_IsActive(&before);
+        unit->Continue(&continued);
+        unit->get_IsActive(&after);
+        seen.push_back(L"active " + std::to_wstring(before) + L", Continue " + std::to_wstring(continued) +
+                       L", active " + std::to_wstring(after));
+    };
+    StartAndRun(L"fails");
+    EXPECT_EQ((std::vector<std::wstring>{L"active 0, Continue -1, active -1"}), seen);
+    const std::vector<short>& notes = callBack.notifications;
+    ASSERT_GE(notes.size(), 6u);
+    EXPECT_EQ((std::vector<short>{9, 1, 19, 1000, 0, 3}), std::vector<short>(notes.begin(), notes.begin() + 6));
 }
 
 TEST_F(ErrorReportTest, AnErrorTheHostSetsIsReportedAndStopsAnActiveRun)

@@ -33,6 +33,8 @@ public:
     // MapMacroName is offered only when a prefix is set; it answers the prefix and the name.
     std::wstring mapPrefix;
     std::vector<std::pair<std::wstring, std::wstring>> mapped;
+    // For each mapping, whether the base name came as a null string.
+    std::vector<bool> mappedWithoutBase;
     // DebugTrace is offered only when set; each line is recorded as its kind, ":" and its text.
     bool offerTrace = false;
     std::vector<std::wstring> traces;
@@ -94,6 +96,7 @@ public:
             std::wstring name(parameters->rgvarg[1].bstrVal, SysStringLen(parameters->rgvarg[1].bstrVal));
             std::wstring base(parameters->rgvarg[0].bstrVal, SysStringLen(parameters->rgvarg[0].bstrVal));
             mapped.emplace_back(name, base);
+            mappedWithoutBase.push_back(parameters->rgvarg[0].vt == VT_BSTR && !parameters->rgvarg[0].bstrVal);
             VariantInit(result);
             result->vt = VT_BSTR;
             result->bstrVal = SysAllocString((mapPrefix + name).c_str());

@@ -383,6 +383,7 @@ TEST_F(ModuleManagerTest, NamesFromTheHostAndUsesNamesAreMappedByTheHost)
     ASSERT_EQ(2u, callBack.mapped.size());
     EXPECT_EQ(std::make_pair(std::wstring(L"main"), std::wstring()), callBack.mapped[0]) << "no base for host names";
     EXPECT_EQ(std::make_pair(std::wstring(L"util"), std::wstring(L"dir/main")), callBack.mapped[1]);
+    EXPECT_EQ((std::vector<bool>{true, false}), callBack.mappedWithoutBase) << "a host's name comes with a null base";
     EXPECT_TRUE(IsMacro(L"main"));
     EXPECT_EQ(L"dir/main", LoadedName(0));
     EXPECT_EQ(0, callBack.badCalls);
