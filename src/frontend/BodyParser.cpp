@@ -426,6 +426,11 @@ BodyParser::StatementPtr BodyParser::ParseSimple()
     case Token::Line:
     case Token::Name:
         if (AtFileStatementWord(word)) {
+            // Line and Name are recognised names: a blocked one still names variables, but not the statement.
+            if (m_lexer.IsBlocked(word)) {
+                m_lexer.SignalError(CompileMessage::ThisLanguageFeatureHasBeenDisabled, KeywordText(word));
+                return nullptr;
+            }
             statement = word == Token::Line ? ParseLineInput() : ParseNameStatement();
             break;
         }

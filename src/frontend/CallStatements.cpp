@@ -169,6 +169,10 @@ BodyParser::StatementPtr BodyParser::ParseAssignmentOrCall(AssignKind kind)
     }
     if (word == Token::Dialog && !local && !requireAssignment && m_lexer.Kind() != Token::Equal &&
         m_state.names.count(key) == 0 && !FindProcedure(key)) {
+        if (m_lexer.IsBlocked(word)) {
+            m_lexer.SignalError(CompileMessage::ThisLanguageFeatureHasBeenDisabled, KeywordText(word));
+            return nullptr;
+        }
         Expression code;
         if (!ParseDialogCall(code, true))
             return nullptr;

@@ -5,6 +5,7 @@
 #include "values/ValueError.h"
 
 #include <cstring>
+#include <limits>
 
 namespace brannoc {
 
@@ -229,9 +230,14 @@ SAFEARRAY* CreateArray(const ElementKind& kind, const LONG* lower, const LONG* u
     SAFEARRAYBOUND bounds[8];
     unsigned long long bytes = size;
     for (UINT d = 0; d < dimensions && d < 8; ++d) {
+        // The full range of bounds holds 2^32 elements, one more than a dimension can count.
+        const unsigned long long count =
+            static_cast<unsigned long long>(static_cast<long long>(upper[d]) - lower[d] + 1);
+        if (count > std::numeric_limits<ULONG>::max())
+            return nullptr;
         bounds[d].lLbound = lower[d];
-        bounds[d].cElements = static_cast<ULONG>(static_cast<long long>(upper[d]) - lower[d] + 1);
-        bytes *= bounds[d].cElements;
+        bounds[d].cElements = static_cast<ULONG>(count);
+        bytes *= count;
         if (bytes > kMaxDataBytes)
             return nullptr;
     }
@@ -253,9 +259,11 @@ bool ResizeLastDimension(SAFEARRAY* array, const ElementKind& kind, LONG lower, 
 {
     const ULONG block = BlockOfLastDimension(array);
     const ULONG oldCount = ElementCount(array);
-    const ULONG newLast = static_cast<ULONG>(static_cast<long long>(upper) - lower + 1);
-    if (static_cast<unsigned long long>(block) * newLast * array->cbElements > kMaxDataBytes)
+    const unsigned long long lastCount = static_cast<unsigned long long>(static_cast<long long>(upper) - lower + 1);
+    if (lastCount > std::numeric_limits<ULONG>::max() ||
+        static_cast<unsigned long long>(block) * lastCount * array->cbElements > kMaxDataBytes)
         return false;
+    const ULONG newLast = static_cast<ULONG>(lastCount);
     const ULONG newCount = block * newLast;
     if (newCount < oldCount) {
         SafeArrayLock lock(array);

@@ -88,6 +88,25 @@ TEST_F(BlockedKeywordsTest, EachBlockedWordIsACompileErrorAndUnblockingOpensItAg
     EXPECT_EQ(0, Load(L"declare"));
 }
 
+TEST_F(BlockedKeywordsTest, BlockedRecognisedNamesCloseTheirStatementsButStillNameVariables)
+{
+    callBack.macros[L"rename"] = L"Sub Main\r\n    Name \"a.txt\" As \"b.txt\"\r\nEnd Sub\r\n";
+    callBack.macros[L"lineinput"] = L"Sub Main\r\n    Dim s\r\n    Line Input #1, s\r\nEnd Sub\r\n";
+    callBack.macros[L"dialog"] = L"Sub Main\r\n    Begin Dialog UserDialog 100,50\r\n        OKButton 10,10,40,14\r\n"
+                                 L"    End Dialog\r\n    Dim d As UserDialog\r\n    Dialog d\r\nEnd Sub\r\n";
+    callBack.macros[L"names"] =
+        L"Sub Main\r\n    Dim Name, Line\r\n    Name = 1\r\n    Line = Name + 1\r\nEnd Sub\r\n";
+    Block(L"Name Line Dialog");
+    EXPECT_EQ(10540, Load(L"rename"));
+    EXPECT_EQ(10540, Load(L"lineinput"));
+    EXPECT_EQ(10540, Load(L"dialog"));
+    EXPECT_EQ(0, Load(L"names"));
+    Block(L"");
+    EXPECT_EQ(0, Load(L"rename"));
+    EXPECT_EQ(0, Load(L"lineinput"));
+    EXPECT_EQ(0, Load(L"dialog"));
+}
+
 TEST_F(BlockedKeywordsTest, KeywordsListsThreeLinesWithoutTheBlockedWords)
 {
     const std::wstring all = Keywords();
