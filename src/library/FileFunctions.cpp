@@ -106,8 +106,12 @@ bool Input(BuiltinArguments& arguments, BuiltinResult& result)
         return false;
     if (count < 0)
         return RaiseValueError(kErrorTypeMismatch);
-    std::string bytes(static_cast<std::size_t>(count), '\0');
+    // A count beyond the bytes left fails before anything is read, so a huge count asks for no buffer.
     const long long start = stream->Position();
+    const long long length = stream->Length();
+    if (length >= 0 && count > length - start)
+        return RaiseValueError(kErrorReadPastEnd);
+    std::string bytes(static_cast<std::size_t>(count), '\0');
     long got = count ? stream->ReadBytes(bytes.data(), bytes.size()) : 0;
     // In a sequential stream the Ctrl-Z mark ends the file: the bytes from it on are not there to read.
     if (stream->IsSequential() && got > 0)

@@ -4,6 +4,7 @@
 #include "library/StringSupport.h"
 #include "values/ValueError.h"
 
+#include <algorithm>
 #include <string>
 
 namespace brannoc {
@@ -108,18 +109,36 @@ bool Replace(BuiltinArguments& arguments, BuiltinResult& result)
     const std::wstring_view working = text.substr(from);
     if (count == 0 || pattern.empty())
         return result.SetString(working);
-    std::wstring replaced;
-    std::size_t position = 0;
-    for (LONG made = 0; count == -1 || made < count; ++made) {
+    // The matches are counted first, so the result is allocated once at its final length: a result too
+    // long for memory raises "Out of memory." instead of failing while a buffer grows.
+    LONG matches = 0;
+    for (std::size_t position = 0; count == -1 || matches < count; ++matches) {
         const std::size_t found = working.find(pattern, position);
         if (found == std::wstring_view::npos)
             break;
-        replaced.append(working.substr(position, found - position));
-        replaced.append(replacement);
         position = found + pattern.size();
     }
-    replaced.append(working.substr(position));
-    return result.SetString(replaced);
+    const long long length = static_cast<long long>(working.size()) +
+                             static_cast<long long>(matches) *
+                                 (static_cast<long long>(replacement.size()) - static_cast<long long>(pattern.size()));
+    constexpr long long kLongestString = 0x7FFFFFFF / sizeof(wchar_t) - 1;
+    if (length > kLongestString)
+        return RaiseValueError(kErrorOutOfMemory);
+    Bstr replaced;
+    replaced.Attach(SysAllocStringLen(nullptr, static_cast<UINT>(length)));
+    if (!replaced.Get())
+        return RaiseValueError(kErrorOutOfMemory);
+    wchar_t* out = replaced.Get();
+    std::size_t position = 0;
+    for (LONG made = 0; made < matches; ++made) {
+        const std::size_t found = working.find(pattern, position);
+        out = std::copy(working.begin() + position, working.begin() + found, out);
+        out = std::copy(replacement.begin(), replacement.end(), out);
+        position = found + pattern.size();
+    }
+    std::copy(working.begin() + position, working.end(), out);
+    result.SetString(std::move(replaced));
+    return true;
 }
 
 // StrComp: -1, 0 or 1; a compare argument other than 0 compares in the locale's text order.
