@@ -28,6 +28,13 @@ protected:
         SysFreeString(text);
         return collection;
     }
+    // Turns the API trace on: the callback offers DebugTrace and the trace switch is set.
+    void TraceApiCalls()
+    {
+        engine.callBack.offerTrace = true;
+        VARIANT_BOOL ignored;
+        engine.unit->Run(static_cast<short>(0x8040), &ignored);
+    }
     std::wstring Prototype(IDispatch* handler)
     {
         LateCall call;
@@ -115,9 +122,7 @@ TEST_F(CreateHandlersTest, MakesOneHandlerPerEventOfTheDefaultSource)
 TEST_F(CreateHandlersTest, TheTraceNamesTheSourceInterfaceAndItsUuid)
 {
     ASSERT_TRUE(ledgerClass);
-    engine.callBack.offerTrace = true;
-    VARIANT_BOOL ignored;
-    engine.unit->Run(static_cast<short>(0x8040), &ignored);
+    TraceApiCalls();
     FakeEventSource ledger(ledgerClass.Get());
     IDispatch* handlers = CreateHandlers(L"Ledger", &ledger);
     ASSERT_NE(nullptr, handlers);
@@ -135,9 +140,7 @@ TEST_F(CreateHandlersTest, TheTraceNamesTheSourceInterfaceAndItsUuid)
 TEST_F(CreateHandlersTest, ReleasingTheCollectionIsTracedWithItsPrefix)
 {
     ASSERT_TRUE(ledgerClass);
-    engine.callBack.offerTrace = true;
-    VARIANT_BOOL ignored;
-    engine.unit->Run(static_cast<short>(0x8040), &ignored);
+    TraceApiCalls();
     FakeEventSource ledger(ledgerClass.Get());
     IDispatch* handlers = CreateHandlers(L"Ledger", &ledger);
     ASSERT_NE(nullptr, handlers);

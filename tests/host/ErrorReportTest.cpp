@@ -83,14 +83,17 @@ TEST_F(ErrorReportTest, AnUntrappedErrorFillsEveryFieldOfTheRecord)
     EXPECT_EQ(VARIANT_TRUE, isStopped);
 }
 
+// A macro whose first statement raises an untrapped "Division by zero." (10061).
+constexpr const wchar_t* kDividesByZero = L"Sub Main\r\n"
+                                          L"    Dim d As Integer\r\n"
+                                          L"    Debug.Print 10 \\ d\r\n"
+                                          L"End Sub\r\n";
+
 // While an untrapped error is being reported (notifications 19 and 0), the engine answers Busy: the
 // state queries are all false and a halt asked for then does nothing; the run stops after the report.
 TEST_F(ErrorReportTest, RequestsWhileAnErrorIsReportedAnswerBusyAndDoNothing)
 {
-    callBack.macros[L"fails"] = L"Sub Main\r\n"
-                                L"    Dim d As Integer\r\n"
-                                L"    Debug.Print 10 \\ d\r\n"
-                                L"End Sub\r\n";
+    callBack.macros[L"fails"] = kDividesByZero;
     std::vector<std::wstring> seen;
     callBack.onNotify = [&](IDispatch*, short code) {
         if (code != 19 && code != 0)
@@ -122,10 +125,7 @@ TEST_F(ErrorReportTest, RequestsWhileAnErrorIsReportedAnswerBusyAndDoNothing)
 // after it act as usual.
 TEST_F(ErrorReportTest, AContinueDuringTheReportEndsTheReportState)
 {
-    callBack.macros[L"fails"] = L"Sub Main\r\n"
-                                L"    Dim d As Integer\r\n"
-                                L"    Debug.Print 10 \\ d\r\n"
-                                L"End Sub\r\n";
+    callBack.macros[L"fails"] = kDividesByZero;
     std::vector<std::wstring> seen;
     callBack.onNotify = [&](IDispatch*, short code) {
         if (code != 19)
