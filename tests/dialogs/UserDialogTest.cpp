@@ -129,6 +129,18 @@ TEST(UserDialog, APushButtonGivesItsNumberAndEscWithoutCancelActsAsOK)
 }
 
 // The dialog function records each call; a test reads them from the output.
+// Posts a key press to the dialog's focus with `modifier` held down in the thread's keyboard state; the
+// state before is kept in `saved`, for a later step to put back with SetKeyboardState.
+void PostKeyHolding(HWND dialog, BYTE (&saved)[256], int modifier, UINT key, LPARAM data)
+{
+    GetKeyboardState(saved);
+    BYTE held[256];
+    memcpy(held, saved, sizeof held);
+    held[modifier] = 0x80;
+    SetKeyboardState(held);
+    PostMessageW(GetFocus() ? GetFocus() : dialog, WM_KEYDOWN, key, data);
+}
+
 const std::vector<std::string> kRecordingFunction = {
     "Dim idleCalls As Integer",
     "Dim refused As Boolean",
@@ -171,12 +183,7 @@ TEST(UserDialog, TheDialogFunctionSeesTheActionsInOrder)
         },
         // Shift+F2 is action 6 with 258.
         [&keys](HWND dialog) {
-            GetKeyboardState(keys);
-            BYTE shifted[256];
-            memcpy(shifted, keys, sizeof shifted);
-            shifted[VK_SHIFT] = 0x80;
-            SetKeyboardState(shifted);
-            PostMessageW(GetFocus() ? GetFocus() : dialog, WM_KEYDOWN, VK_F2, 0);
+            PostKeyHolding(dialog, keys, VK_SHIFT, VK_F2, 0);
             return true;
         },
         [&keys](HWND) {
@@ -241,12 +248,7 @@ TEST(UserDialog, FunctionKeysCountAltOnlyWhenItIsDown)
             return true;
         },
         [&keys](HWND dialog) {
-            GetKeyboardState(keys);
-            BYTE control[256];
-            memcpy(control, keys, sizeof control);
-            control[VK_CONTROL] = 0x80;
-            SetKeyboardState(control);
-            PostMessageW(GetFocus() ? GetFocus() : dialog, WM_KEYDOWN, VK_F3, 1);
+            PostKeyHolding(dialog, keys, VK_CONTROL, VK_F3, 1);
             return true;
         },
         [&keys](HWND) {

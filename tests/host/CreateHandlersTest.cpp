@@ -28,13 +28,6 @@ protected:
         SysFreeString(text);
         return collection;
     }
-    // Turns the API trace on: the callback offers DebugTrace and the trace switch is set.
-    void TraceApiCalls()
-    {
-        engine.callBack.offerTrace = true;
-        VARIANT_BOOL ignored;
-        engine.unit->Run(static_cast<short>(0x8040), &ignored);
-    }
     std::wstring Prototype(IDispatch* handler)
     {
         LateCall call;
@@ -122,7 +115,7 @@ TEST_F(CreateHandlersTest, MakesOneHandlerPerEventOfTheDefaultSource)
 TEST_F(CreateHandlersTest, TheTraceNamesTheSourceInterfaceAndItsUuid)
 {
     ASSERT_TRUE(ledgerClass);
-    TraceApiCalls();
+    engine.TraceApiCalls();
     FakeEventSource ledger(ledgerClass.Get());
     IDispatch* handlers = CreateHandlers(L"Ledger", &ledger);
     ASSERT_NE(nullptr, handlers);
@@ -140,7 +133,7 @@ TEST_F(CreateHandlersTest, TheTraceNamesTheSourceInterfaceAndItsUuid)
 TEST_F(CreateHandlersTest, ReleasingTheCollectionIsTracedWithItsPrefix)
 {
     ASSERT_TRUE(ledgerClass);
-    TraceApiCalls();
+    engine.TraceApiCalls();
     FakeEventSource ledger(ledgerClass.Get());
     IDispatch* handlers = CreateHandlers(L"Ledger", &ledger);
     ASSERT_NE(nullptr, handlers);
@@ -154,9 +147,7 @@ TEST_F(CreateHandlersTest, ReleasingTheCollectionIsTracedWithItsPrefix)
 TEST_F(CreateHandlersTest, WithoutASourceTheAnswerIsNullAndWithoutTypeInformationAnError)
 {
     ASSERT_TRUE(ledgerClass);
-    engine.callBack.offerTrace = true;
-    VARIANT_BOOL ignored;
-    engine.unit->Run(static_cast<short>(0x8040), &ignored);
+    engine.TraceApiCalls();
     FakeEventSource noClassInfo(ledgerClass.Get(), false);
     EXPECT_EQ(nullptr, CreateHandlers(L"App", &noClassInfo));
     const auto& traces = engine.callBack.traces;
@@ -186,9 +177,7 @@ TEST_F(CreateHandlersTest, AModulePartInThePrefixMakesEveryHandlerSpecificToThat
     KZ_HandlersDestroy(handlers, nullptr);
 
     // Now that the module exists, no more handlers specific to it.
-    engine.callBack.offerTrace = true;
-    VARIANT_BOOL ignored;
-    engine.unit->Run(static_cast<short>(0x8040), &ignored);
+    engine.TraceApiCalls();
     EXPECT_EQ(nullptr, CreateHandlers(L"lib|Ledger", &ledger));
     const auto& traces = engine.callBack.traces;
     EXPECT_NE(traces.end(), std::find(traces.begin(), traces.end(),

@@ -285,9 +285,7 @@ TEST_F(EventSinkTest, WithTheApiTraceOnAnEventTracesItsArguments)
 {
     ASSERT_TRUE(engine.Load(L"lib", kMacro));
     ASSERT_EQ(S_OK, CallWith(L"Hook", &ledger));
-    engine.callBack.offerTrace = true;
-    VARIANT_BOOL ignored = VARIANT_FALSE;
-    engine.unit->Run(static_cast<short>(0x8040), &ignored);
+    engine.TraceApiCalls();
     engine.callBack.traces.clear();
     VARIANT_BOOL cancel = VARIANT_FALSE;
     EXPECT_EQ(S_OK, Click(ledger, cancel));
@@ -296,7 +294,7 @@ TEST_F(EventSinkTest, WithTheApiTraceOnAnEventTracesItsArguments)
     EXPECT_EQ(L"0:*RaiseEvent(\"src_Clicked\")", lines[0]);
     EXPECT_EQ(L"2:Sink 0x", lines[1].substr(0, 9));
     EXPECT_EQ(L"2:Cancel=False", lines[2]);
-    engine.unit->Run(static_cast<short>(0x8000), &ignored);
+    engine.TraceApiCalls(false);
 }
 
 TEST_F(EventSinkTest, ASinkOfAClassInstanceIsTracedAsItIsBoundAndReleased)
@@ -310,9 +308,7 @@ TEST_F(EventSinkTest, ASinkOfAClassInstanceIsTracedAsItIsBoundAndReleased)
     ASSERT_TRUE(engine.Load(L"watcher", L"'#Uses \"Listener.cls\"\r\nSub Main\r\nEnd Sub\r\n"
                                         L"Sub Hook(o As Object)\r\n    Dim l As New Listener\r\n    l.Watch o\r\n"
                                         L"End Sub\r\n"));
-    engine.callBack.offerTrace = true;
-    VARIANT_BOOL ignored = VARIANT_FALSE;
-    engine.unit->Run(static_cast<short>(0x8040), &ignored);
+    engine.TraceApiCalls();
     engine.callBack.traces.clear();
     ASSERT_EQ(S_OK, CallWith(L"Hook", &ledger));
     const auto traced = [&](const std::wstring& start) {
@@ -322,20 +318,18 @@ TEST_F(EventSinkTest, ASinkOfAClassInstanceIsTracedAsItIsBoundAndReleased)
     EXPECT_EQ(1, traced(L"4:Connect Sink 0x"));
     EXPECT_EQ(1, traced(L"4:Advise Sink 0x"));
     EXPECT_EQ(1, traced(L"4:Disconnect Sink 0x")) << "the instance ended with the call";
-    engine.unit->Run(static_cast<short>(0x8000), &ignored);
+    engine.TraceApiCalls(false);
 }
 
 TEST_F(EventSinkTest, TheDeclarationAndTheModulesStorageTraceTheSourceBeforeAnyAssignment)
 {
-    engine.callBack.offerTrace = true;
-    VARIANT_BOOL ignored = VARIANT_FALSE;
-    engine.unit->Run(static_cast<short>(0x8040), &ignored);
+    engine.TraceApiCalls();
     engine.callBack.traces.clear();
     ASSERT_TRUE(engine.Load(L"lib", kMacro));
     // A call of Main makes the module's storage; nothing is assigned to the variable.
     ASSERT_EQ(S_OK, CallWith(L"Main", nullptr));
     const std::vector<std::wstring> lines = engine.callBack.traces;
-    engine.unit->Run(static_cast<short>(0x8000), &ignored);
+    engine.TraceApiCalls(false);
     EXPECT_EQ(0u, ledger.SinkCount());
     // Read with the declarations: the variable and its type's source interface.
     const auto declared = std::find(lines.begin(), lines.end(), L"0:*DimWithEvents(\"lib|src\")");
@@ -356,14 +350,12 @@ TEST_F(EventSinkTest, TheDeclarationAndTheModulesStorageTraceTheSourceBeforeAnyA
 
 TEST_F(EventSinkTest, ATypeWithoutEventsIsTracedAsHavingNoSource)
 {
-    engine.callBack.offerTrace = true;
-    VARIANT_BOOL ignored = VARIANT_FALSE;
-    engine.unit->Run(static_cast<short>(0x8040), &ignored);
+    engine.TraceApiCalls();
     engine.callBack.traces.clear();
     ASSERT_TRUE(engine.Load(L"plain", L"Dim WithEvents quiet As Object\r\nSub Main\r\nEnd Sub\r\n"));
     ASSERT_EQ(S_OK, CallWith(L"Main", nullptr));
     const std::vector<std::wstring> lines = engine.callBack.traces;
-    engine.unit->Run(static_cast<short>(0x8000), &ignored);
+    engine.TraceApiCalls(false);
     for (const wchar_t* entry : {L"0:*DimWithEvents(\"plain|quiet\")", L"0:*DimWithEvents_Initialize(\"plain|quiet\")"}) {
         const auto found = std::find(lines.begin(), lines.end(), entry);
         ASSERT_NE(lines.end(), found) << entry;
@@ -382,13 +374,11 @@ TEST_F(EventSinkTest, AClassInstanceBindsItsSinkWhenItIsMadeEvenWithoutAnAssignm
     ASSERT_TRUE(engine.Load(L"maker", L"'#Uses \"Quiet.cls\"\r\nSub Main\r\nEnd Sub\r\n"
                                       L"Sub Hook(o As Object)\r\n    Dim q As New Quiet\r\n    q.Idle\r\n"
                                       L"End Sub\r\n"));
-    engine.callBack.offerTrace = true;
-    VARIANT_BOOL ignored = VARIANT_FALSE;
-    engine.unit->Run(static_cast<short>(0x8040), &ignored);
+    engine.TraceApiCalls();
     engine.callBack.traces.clear();
     ASSERT_EQ(S_OK, CallWith(L"Hook", &ledger));
     const std::vector<std::wstring> lines = engine.callBack.traces;
-    engine.unit->Run(static_cast<short>(0x8000), &ignored);
+    engine.TraceApiCalls(false);
     const auto traced = [&](const std::wstring& start) {
         return std::count_if(lines.begin(), lines.end(), [&](const std::wstring& line) { return line.rfind(start, 0) == 0; });
     };
@@ -488,9 +478,7 @@ TEST_F(EventSinkTest, AnEventSentFromAnotherThreadArrivesOnThePumpingThread)
 
 TEST_F(EventSinkTest, AWithEventsExtensionRoutesTheHostObjectsEventsUntilDisconnected)
 {
-    engine.callBack.offerTrace = true;
-    VARIANT_BOOL ignored;
-    engine.unit->Run(static_cast<short>(0x8040), &ignored);
+    engine.TraceApiCalls();
     ASSERT_TRUE(AddExtension(L"{WithEvents}App_", &app));
     const auto& traces = engine.callBack.traces;
     EXPECT_NE(traces.end(), std::find(traces.begin(), traces.end(), L"2:Source.TypeInfo.Name=LedgerEvents"));

@@ -52,6 +52,15 @@ public:
             kept.push_back(object);
         return object;
     }
+    // Turns the API trace on (the callback offers DebugTrace, the trace switch is set) or off (the
+    // switch cleared; the lines written stay in the callback).
+    void TraceApiCalls(bool on = true)
+    {
+        if (on)
+            callBack.offerTrace = true;
+        VARIANT_BOOL ignored = VARIANT_FALSE;
+        unit->Run(static_cast<short>(on ? 0x8040 : 0x8000), &ignored);
+    }
     bool IsIdle()
     {
         VARIANT_BOOL idle = VARIANT_FALSE;
